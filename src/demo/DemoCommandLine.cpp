@@ -1,0 +1,150 @@
+#include "DemoCommandLine.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <limits>
+
+namespace
+{
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("DemoCommandLine", text);
+}
+
+QList<QCommandLineOption> knownOptions()
+{
+    return {
+        {{QStringLiteral("h"), QStringLiteral("help")}, tr("Show this help.")},
+        {{QStringLiteral("v"), QStringLiteral("version")}, tr("Show the version.")},
+        {QStringLiteral("port"), tr("UDP port on 127.0.0.1, 0 to 65535. Default 0: any free one."), tr("PORT")},
+        {QStringLiteral("password"),
+         tr("Password to ask for. Others on this machine can read it in the list of processes: the environment "
+            "variable "
+            "FERROW_DEMO_PASSWORD is the better place. Default: demo."),
+         tr("TEXT")},
+        {QStringLiteral("ranked"), tr("Be a ranked server.")},
+        {QStringLiteral("playlists"), tr("Play playlists instead of the map rotation.")},
+        {QStringLiteral("players"), tr("About how many players there are, 0 to 1000. Default 12."), tr("N")},
+        {QStringLiteral("seed"), tr("Same number, same game. Default 1."), tr("N")},
+        {QStringLiteral("frozen"), tr("Let no time pass: nobody comes, goes or scores.")},
+        {QStringLiteral("loss"), tr("Lose datagrams with this probability, 0 to 1."), tr("P")},
+        {QStringLiteral("delay"), tr("Answer this many milliseconds later, 0 to 60000."), tr("MS")},
+        {QStringLiteral("duplicate"), tr("Send datagrams twice with this probability, 0 to 1."), tr("P")},
+        {QStringLiteral("garbage"), tr("Answer with rubbish with this probability, 0 to 1."), tr("P")},
+        {QStringLiteral("reorder"), tr("Send the parts of a reply in another order.")},
+        {QStringLiteral("silent"), tr("Answer nothing.")},
+        {QStringLiteral("refusal-text"), tr("Refuse a wrong password with a text.")},
+    };
+}
+
+/// Reads the values of options and remembers the first that is wrong.
+class OptionReader
+{
+public:
+    explicit OptionReader(const QCommandLineParser &parser) : m_parser(parser) {}
+
+    QString error() const { return m_error; }
+
+    quint64 wholeNumber(const QString &name, quint64 fallback, quint64 highest)
+    {
+        const QString text = m_parser.value(name);
+        if (!m_parser.isSet(name))
+            return fallback;
+        bool isNumber = false;
+        const quint64 number = text.toULongLong(&isNumber);
+        if (isNumber && number <= highest)
+            return number;
+        refuse(tr("--%1 takes a whole number from 0 to %2, not \"%3\".").arg(name, QString::number(highest), text));
+        return fallback;
+    }
+
+    double probability(const QString &name)
+    {
+        const QString text = m_parser.value(name);
+        if (!m_parser.isSet(name))
+            return 0;
+        bool isNumber = false;
+        const double number = text.toDouble(&isNumber);
+        if (isNumber && number >= 0 && number <= 1)
+            return number;
+        refuse(tr("--%1 takes a number from 0 to 1, not \"%2\".").arg(name, text));
+        return 0;
+    }
+
+    QString password(const QString &environmentPassword)
+    {
+        const QString name = QStringLiteral("password");
+        if (!m_parser.isSet(name) && environmentPassword.isEmpty())
+            return DemoOptions().password;
+        QString text = m_parser.isSet(name) ? m_parser.value(name) : environmentPassword;
+        const bool canBeSent = std::all_of(text.cbegin(), text.cend(), [](QChar c) {
+            return c.unicode() >= 0x20 && c.unicode() < 0x100 && c != u'"' && c != u'\x7f';
+        });
+        if (!canBeSent)
+            refuse(tr("The password may hold no double quotes, no control characters and nothing outside Latin-1."));
+        return text;
+    }
+
+private:
+    void refuse(const QString &error)
+    {
+        if (m_error.isEmpty())
+            m_error = error;
+    }
+
+    const QCommandLineParser &m_parser;
+    QString m_error;
+};
+
+DemoOptions readOptions(const QCommandLineParser &parser, OptionReader &reader, const QString &environmentPassword)
+{
+    DemoOptions options;
+    options.port = static_cast<quint16>(reader.wholeNumber(QStringLiteral("port"), options.port, 65'535));
+    options.password = reader.password(environmentPassword);
+    options.ranked = parser.isSet(QStringLiteral("ranked"));
+    options.playlists = parser.isSet(QStringLiteral("playlists"));
+    options.players = static_cast<int>(reader.wholeNumber(
+        QStringLiteral("players"), static_cast<quint64>(options.players), DemoOptions::MaximumPlayers));
+    options.seed = reader.wholeNumber(QStringLiteral("seed"), options.seed, std::numeric_limits<quint64>::max());
+    options.frozen = parser.isSet(QStringLiteral("frozen"));
+    options.refusalText = parser.isSet(QStringLiteral("refusal-text"));
+    options.faults.loss = reader.probability(QStringLiteral("loss"));
+    options.faults.duplication = reader.probability(QStringLiteral("duplicate"));
+    options.faults.garbage = reader.probability(QStringLiteral("garbage"));
+    options.faults.reorder = parser.isSet(QStringLiteral("reorder"));
+    options.faults.silent = parser.isSet(QStringLiteral("silent"));
+    options.faults.delay =
+        std::chrono::milliseconds(static_cast<qint64>(reader.wholeNumber(QStringLiteral("delay"), 0, 60'000)));
+    return options;
+}
+} // namespace
+
+DemoCommandLine DemoCommandLine::parse(const QStringList &arguments, const QString &environmentPassword)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(tr(
+        "A simulated game server for trying out the Kelvard Ferrow Remote Console. It listens on this machine only."));
+    parser.addOptions(knownOptions());
+    DemoCommandLine line;
+    if (!parser.parse(arguments)) {
+        line.task = Task::Refuse;
+        line.text = parser.errorText();
+        return line;
+    }
+    if (parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("version"))) {
+        line.task = Task::ShowText;
+        line.text = parser.isSet(QStringLiteral("help"))
+                        ? parser.helpText()
+                        : QCoreApplication::applicationName() + u' ' + QCoreApplication::applicationVersion() + u'\n';
+        return line;
+    }
+    OptionReader reader(parser);
+    line.options = readOptions(parser, reader, environmentPassword);
+    line.text = reader.error();
+    if (line.text.isEmpty() && !parser.positionalArguments().isEmpty())
+        line.text = tr("There is no use for \"%1\".").arg(parser.positionalArguments().first());
+    line.task = line.text.isEmpty() ? Task::Serve : Task::Refuse;
+    return line;
+}

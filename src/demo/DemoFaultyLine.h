@@ -1,0 +1,28 @@
+#pragma once
+
+#include "DemoFaults.h"
+#include "DemoRandom.h"
+
+#include <QByteArray>
+#include <QList>
+
+/// Does to the datagrams of a reply what a bad line does. Deterministic for a seed.
+class DemoFaultyLine
+{
+public:
+    explicit DemoFaultyLine(quint64 seed) : m_random(seed) {}
+
+    void setFaults(const DemoFaults &faults) { m_faults = faults; }
+    const DemoFaults &faults() const { return m_faults; }
+
+    bool losesRequest() { return m_random.happens(m_faults.loss); }
+    /// @return what is left of a reply, in the order in which it arrives.
+    QList<QByteArray> carry(QList<QByteArray> datagrams);
+
+private:
+    QByteArray malformedDatagram();
+    void shuffle(QList<QByteArray> &datagrams);
+
+    DemoFaults m_faults;
+    DemoRandom m_random;
+};

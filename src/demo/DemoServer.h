@@ -1,0 +1,83 @@
+#pragma once
+
+#include "DemoCommandLog.h"
+#include "DemoDescriptor.h"
+#include "DemoFaultyLine.h"
+#include "DemoGame.h"
+#include "DemoOptions.h"
+
+#include <QStringList>
+
+#include <netinet/in.h>
+
+#include <atomic>
+#include <chrono>
+#include <map>
+#include <mutex>
+#include <thread>
+
+/// The simulated game server on a UDP port of 127.0.0.1. It runs on a thread of its own; every function may be called
+/// from any thread, but start() and stop() not from two at once.
+class DemoServer
+{
+public:
+    explicit DemoServer(DemoOptions options);
+    ~DemoServer();
+    DemoServer(const DemoServer &) = delete;
+    DemoServer &operator=(const DemoServer &) = delete;
+
+    /// Opens the port and begins to answer; the game goes on where it stood. Does not block.
+    /// @param error  why it failed, for the user; may be null.
+    bool start(QString *error = nullptr);
+    /// Ends at once, whatever is on its way. Harmless when not started.
+    void stop();
+
+    /// The port in use; 0 when not started.
+    quint16 port() const { return m_port; }
+    /// The password that is asked for now.
+    QString password() const;
+    void setFaults(DemoFaults faults);
+    /// The commands that came with the right password, oldest first, at most 100,000; those that a silent server did
+    /// not carry out are among them.
+    QStringList commandsSeen() const;
+    /// The value of a server variable; empty for an unknown name.
+    QString variable(const QString &name) const;
+    int playerCount() const;
+
+private:
+    using Clock = std::chrono::steady_clock;
+    struct Outgoing {
+        sockaddr_in to;
+        QByteArray bytes;
+    };
+
+    bool openWakePipe();
+    bool openSocket();
+    void wake();
+    void run();
+    int waitingTime() const;
+    void receive();
+    void answer(QByteArrayView request, const sockaddr_in &from);
+    QList<QByteArray> reply(const QString &request);
+    void advanceGame();
+    void sendDue();
+
+    const DemoOptions m_options;
+    DemoDescriptor m_socket;
+    DemoDescriptor m_wakeEnd;   ///< read by the server's thread
+    DemoDescriptor m_wakeStart; ///< written by the others
+    std::atomic<quint16> m_port = 0;
+
+    mutable std::mutex m_mutex; ///< guards the next three
+    DemoGame m_game;
+    DemoFaultyLine m_line;
+    DemoCommandLog m_commands;
+
+    // Used by the server's thread only.
+    std::multimap<Clock::time_point, Outgoing> m_outgoing;
+    Clock::time_point m_nextStep;
+    QByteArray m_buffer;
+
+    std::atomic<bool> m_isStopping = false;
+    std::thread m_thread;
+};
