@@ -1,0 +1,143 @@
+#include "LineWriter.h"
+#include "QuotedStrings.h"
+#include "SortedKeys.h"
+
+#include <QBuffer>
+#include <QHash>
+#include <QMap>
+#include <QTest>
+
+class TextHelpersTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void quotedStrings_data();
+    void quotedStrings();
+    void colorCodes_data();
+    void colorCodes();
+    void colorCodesOfALongText();
+    void prefix_data();
+    void prefix();
+    void keysInOrder();
+    void writers();
+};
+
+void TextHelpersTest::quotedStrings_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("fields");
+    QTest::newRow("nothing quoted") << "no such cvar" << QStringList();
+    QTest::newRow("empty text") << "" << QStringList();
+    QTest::newRow("one quote only") << "name is: \"abc" << QStringList();
+    QTest::newRow("reply to a name") << "\"g_name\" is: \"abc^7\" default: \"x\"\n"
+                                     << QStringList({"\"g_name\"", "\"abc^7\"", "\"x\""});
+    QTest::newRow("last field unclosed") << "\"a\" \"b" << QStringList({"\"a\""});
+    QTest::newRow("adjacent quotes") << "value \"\" here" << QStringList({"\"\""});
+    QTest::newRow("blanks alone are an empty field") << "\" \n\t\"" << QStringList({"\"\""});
+    QTest::newRow("leading white space lost, trailing kept") << "\" \r\n abc \"" << QStringList({"\"abc \""});
+    QTest::newRow("escaped quotes") << R"(is "say \"hi\" now" end)" << QStringList({"\"say \"hi\"now\""});
+    QTest::newRow("white space after an escaped quote lost") << R"("a\"  b")" << QStringList({"\"a\"b\""});
+    QTest::newRow("escaped quote alone") << R"("\"")" << QStringList({"\"\"\""});
+    QTest::newRow("two backslashes still escape") << R"("a\\" b")" << QStringList({R"("a\"b")"});
+    QTest::newRow("backslash elsewhere stays") << R"("c:\games")" << QStringList({R"("c:\games")"});
+    QTest::newRow("unclosed after an escape") << R"("a" "b\" )" << QStringList({"\"a\""});
+    QTest::newRow("fields touch") << R"("a""b")" << QStringList({"\"a\"", "\"b\""});
+}
+
+void TextHelpersTest::quotedStrings()
+{
+    QFETCH(QString, text);
+    QTEST(::quotedStrings(text), "fields");
+}
+
+void TextHelpersTest::colorCodes_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("stripped");
+    QTest::newRow("codes") << "^1Red^7 team^9"
+                           << "Red team";
+    QTest::newRow("letters and the end stay") << "^a^^x^"
+                                              << "^a^^x^";
+    QTest::newRow("joined code of a later digit") << "^^12"
+                                                  << "";
+    QTest::newRow("joined code of an earlier digit") << "^^10"
+                                                     << "^0";
+    QTest::newRow("joined code of the same digit") << "^^11"
+                                                   << "^1";
+    QTest::newRow("chain") << "^^^123!"
+                           << "!";
+    QTest::newRow("other digits are none") << QString::fromUtf8("^١") << QString::fromUtf8("^١");
+}
+
+void TextHelpersTest::colorCodes()
+{
+    QFETCH(QString, text);
+    const QString before = text;
+    QTEST(stringByStrippingColorCodes(text), "stripped");
+    QCOMPARE(text, before);
+}
+
+void TextHelpersTest::colorCodesOfALongText()
+{
+    // A removal that moves the rest of the text each time would take minutes here.
+    const QString text = QStringLiteral("^1a").repeated(1'000'000);
+    QCOMPARE(stringByStrippingColorCodes(text), QString(1'000'000, u'a'));
+}
+
+void TextHelpersTest::prefix_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("prefix");
+    QTest::addColumn<bool>("starts");
+    QTest::newRow("at the start") << "say hello"
+                                  << "say " << true;
+    QTest::newRow("further on") << "do say it"
+                                << "say" << false;
+    QTest::newRow("other case") << "Say"
+                                << "say" << false;
+    QTest::newRow("longer than the text") << "sa"
+                                          << "say" << false;
+    QTest::newRow("empty prefix") << "say"
+                                  << "" << false;
+    QTest::newRow("both empty") << ""
+                                << "" << false;
+}
+
+void TextHelpersTest::prefix()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, prefix);
+    QTEST(startsWithString(text, prefix), "starts");
+}
+
+void TextHelpersTest::keysInOrder()
+{
+    const QMap<QString, int> map{{"b", 2}, {"A", 1}, {"c", 3}};
+    QCOMPARE(sortedKeys(map), QStringList({"A", "b", "c"}));
+    QCOMPARE(valuesSortedByKey(map), QList<int>({1, 2, 3}));
+    const QHash<QString, QString> hash{{"map", "4"}, {"Map", "3"}, {"MAP", "2"}, {"lap", "1"}};
+    QCOMPARE(sortedKeys(hash), QStringList({"lap", "MAP", "Map", "map"}));
+    QCOMPARE(valuesSortedByKey(hash), QStringList({"1", "2", "3", "4"}));
+}
+
+void TextHelpersTest::writers()
+{
+    QBuffer buffer;
+    QVERIFY(buffer.open(QIODevice::WriteOnly));
+    writeFormat(&buffer, "%2-%1;", QStringLiteral("%2"), 7u);
+    writeFormat(&buffer, "100%;");
+    writeLineFormat(&buffer, "<%1>", QString::fromUtf8("Zoë €"));
+    writeLine(&buffer, "%1 stays");
+    writeLine(&buffer);
+    QCOMPARE(buffer.data(), QByteArray("7-%2;100%;<Zoë €>\n%1 stays\n\n"));
+
+    QIODevice *const noFile = nullptr;
+    writeFormat(noFile, "%1", 1);
+    writeLineFormat(noFile, "%1", 1);
+    writeLine(noFile, "text");
+    writeLine(noFile);
+}
+
+QTEST_GUILESS_MAIN(TextHelpersTest)
+#include "tst_texthelpers.moc"
