@@ -1,0 +1,278 @@
+#pragma once
+
+#include "ArrangedRows.h"
+
+#include <QAbstractTableModel>
+#include <QHash>
+#include <QItemSelectionModel>
+#include <QSet>
+
+#include <algorithm>
+#include <functional>
+#include <numeric>
+
+/// The rows of one table, as a model, together with the order they are shown in and the selection.
+/// A view shows arranged() with selection(). Rows are values; equal keys tell that two rows mean the same thing.
+/// Main thread only.
+template <typename Row>
+class ArrayController : public QAbstractTableModel
+{
+public:
+    struct Column {
+        QString title;
+        std::function<QString(const Row &)> text;
+        std::function<QVariant(const Row &)> sortKey; ///< number or text; null sorts by the text
+        Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter;
+    };
+    using KeyOf = std::function<QString(const Row &)>;
+
+    ArrayController(QList<Column> columns, KeyOf keyOf, QObject *parent = nullptr)
+        : QAbstractTableModel(parent), m_columns(std::move(columns)), m_keyOf(std::move(keyOf)),
+          m_selection(&m_arranged)
+    {
+        m_arranged.setSourceModel(this);
+        connect(&m_selection, &QItemSelectionModel::selectionChanged, this, [this] {
+            if (!m_isUpdating)
+                m_hiddenSelection.clear(); // a new choice of the user's replaces what the filter hides
+        });
+    }
+
+    ArrangedRows *arranged() { return &m_arranged; }
+    QItemSelectionModel *selection() { return &m_selection; }
+
+    const QList<Row> &content() const { return m_rows; }
+
+    /// All rows in the order of the table; rows that the filter hides are among them.
+    QList<Row> arrangedObjects() const
+    {
+        QList<Row> rows;
+        rows.reserve(m_rows.size());
+        for (const int row : m_arranged.sourceRowsInOrder())
+            rows.append(m_rows.at(row));
+        return rows;
+    }
+
+    /// The selected rows that can be seen, from the top of the table to its bottom.
+    QList<Row> selectedObjects() const
+    {
+        QList<int> shown;
+        for (const QModelIndex &index : m_selection.selectedRows())
+            shown.append(index.row());
+        std::sort(shown.begin(), shown.end());
+        QList<Row> rows;
+        for (const int row : std::as_const(shown))
+            rows.append(m_rows.at(m_arranged.mapToSource(m_arranged.index(row, 0)).row()));
+        return rows;
+    }
+
+    void addObject(Row row)
+    {
+        const int last = static_cast<int>(m_rows.size());
+        beginInsertRows({}, last, last);
+        m_rows.append(std::move(row));
+        endInsertRows();
+    }
+
+    void removeSelected()
+    {
+        QList<int> doomed;
+        for (const QModelIndex &index : m_selection.selectedRows())
+            doomed.append(m_arranged.mapToSource(index).row());
+        std::sort(doomed.begin(), doomed.end(), std::greater<>());
+        for (const int row : std::as_const(doomed)) {
+            beginRemoveRows({}, row, row);
+            m_rows.removeAt(row);
+            endRemoveRows();
+        }
+    }
+
+    /// Replaces the rows by `rows`, in their order. Rows with a key that was there are changed in place, and the
+    /// selection, hidden or not, stays with the keys, so that a refresh disturbs nothing.
+    void mergeContent(const QList<Row> &rows)
+    {
+        const QSet<QString> chosen = selectedKeys();
+        m_isUpdating = true;
+        removeAbsent(rows);
+        reorder(rows);
+        insertNew(rows);
+        changeInPlace(rows);
+        m_isUpdating = false;
+        selectKeys(chosen);
+    }
+
+    /// Narrows what is shown. Hidden rows leave the visible selection and return to it with the filter,
+    /// unless the user has chosen anew.
+    void setFilterText(const QString &text)
+    {
+        const QSet<QString> chosen = selectedKeys();
+        m_isUpdating = true;
+        m_arranged.setFilterText(text);
+        m_isUpdating = false;
+        selectKeys(chosen);
+    }
+
+    int rowCount(const QModelIndex &parent = {}) const override
+    {
+        return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+    }
+    int columnCount(const QModelIndex &parent = {}) const override
+    {
+        return parent.isValid() ? 0 : static_cast<int>(m_columns.size());
+    }
+    QVariant data(const QModelIndex &index, int role) const override
+    {
+        if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+            return {};
+        const Row &row = m_rows.at(index.row());
+        const Column &column = m_columns.at(index.column());
+        if (role == Qt::DisplayRole)
+            return column.text(row);
+        if (role == ArrangedRows::SortRole)
+            return column.sortKey ? column.sortKey(row) : QVariant(column.text(row));
+        if (role == Qt::TextAlignmentRole)
+            return QVariant::fromValue(column.alignment);
+        return {};
+    }
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override
+    {
+        if (orientation != Qt::Horizontal || section < 0 || section >= columnCount())
+            return {};
+        if (role == Qt::DisplayRole)
+            return m_columns.at(section).title;
+        if (role == Qt::TextAlignmentRole)
+            return QVariant::fromValue(m_columns.at(section).alignment);
+        return {};
+    }
+
+private:
+    QSet<QString> selectedKeys() const
+    {
+        QSet<QString> keys = m_hiddenSelection;
+        for (const Row &row : selectedObjects())
+            keys.insert(m_keyOf(row));
+        return keys;
+    }
+
+    void selectKeys(const QSet<QString> &keys)
+    {
+        QItemSelection chosen;
+        m_hiddenSelection.clear();
+        for (int row = 0; row < m_rows.size(); ++row) {
+            const QString key = m_keyOf(m_rows.at(row));
+            if (!keys.contains(key))
+                continue;
+            const QModelIndex shown = m_arranged.mapFromSource(index(row, 0));
+            if (shown.isValid())
+                chosen.select(shown, shown.siblingAtColumn(columnCount() - 1));
+            else
+                m_hiddenSelection.insert(key);
+        }
+        m_isUpdating = true;
+        m_selection.select(chosen, QItemSelectionModel::ClearAndSelect);
+        m_isUpdating = false;
+    }
+
+    QHash<QString, int> countedKeys(const QList<Row> &rows) const
+    {
+        QHash<QString, int> counts;
+        for (const Row &row : rows)
+            ++counts[m_keyOf(row)];
+        return counts;
+    }
+
+    void removeAbsent(const QList<Row> &rows)
+    {
+        QHash<QString, int> wanted = countedKeys(rows);
+        QList<bool> isKept(m_rows.size());
+        for (int row = 0; row < m_rows.size(); ++row)
+            isKept[row] = --wanted[m_keyOf(m_rows.at(row))] >= 0;
+        int last = static_cast<int>(m_rows.size()) - 1;
+        while (last >= 0) {
+            if (isKept.at(last)) {
+                --last;
+                continue;
+            }
+            int first = last;
+            while (first > 0 && !isKept.at(first - 1))
+                --first;
+            beginRemoveRows({}, first, last);
+            m_rows.remove(first, last - first + 1);
+            endRemoveRows();
+            last = first - 1;
+        }
+    }
+
+    /// Brings the rows that stay into the order of the new list, in one announced step.
+    void reorder(const QList<Row> &rows)
+    {
+        QHash<QString, QList<int>> places;
+        for (int place = static_cast<int>(rows.size()) - 1; place >= 0; --place)
+            places[m_keyOf(rows.at(place))].append(place);
+        QList<int> placeOf(m_rows.size());
+        for (int row = 0; row < m_rows.size(); ++row)
+            placeOf[row] = places[m_keyOf(m_rows.at(row))].takeLast();
+        QList<int> order(m_rows.size());
+        std::iota(order.begin(), order.end(), 0);
+        const auto comesBefore = [&](int left, int right) {
+            return placeOf.at(left) < placeOf.at(right);
+        };
+        if (std::is_sorted(order.begin(), order.end(), comesBefore))
+            return;
+        std::sort(order.begin(), order.end(), comesBefore);
+        emit layoutAboutToBeChanged();
+        QList<Row> sorted;
+        QList<int> newRowOf(m_rows.size());
+        for (const int row : std::as_const(order)) {
+            newRowOf[row] = static_cast<int>(sorted.size());
+            sorted.append(m_rows.at(row));
+        }
+        m_rows = std::move(sorted);
+        for (const QModelIndex &old : persistentIndexList())
+            changePersistentIndex(old, index(newRowOf.at(old.row()), old.column()));
+        emit layoutChanged();
+    }
+
+    void insertNew(const QList<Row> &rows)
+    {
+        int first = 0;
+        while (first < rows.size()) {
+            const bool isThere = first < m_rows.size() && m_keyOf(m_rows.at(first)) == m_keyOf(rows.at(first));
+            if (isThere) {
+                ++first;
+                continue;
+            }
+            // What is new here ends where the next row that stayed stands in the new list.
+            int end = first + 1;
+            const QString next = first < m_rows.size() ? m_keyOf(m_rows.at(first)) : QString();
+            while (end < rows.size() && (first >= m_rows.size() || m_keyOf(rows.at(end)) != next))
+                ++end;
+            beginInsertRows({}, first, end - 1);
+            m_rows = m_rows.first(first) + rows.sliced(first, end - first) + m_rows.sliced(first);
+            endInsertRows();
+            first = end;
+        }
+    }
+
+    void changeInPlace(const QList<Row> &rows)
+    {
+        int first = -1;
+        int last = -1;
+        for (int row = 0; row < rows.size(); ++row) {
+            if (m_rows.at(row) == rows.at(row))
+                continue;
+            m_rows[row] = rows.at(row);
+            first = first < 0 ? row : first;
+            last = row;
+        }
+        if (first >= 0)
+            emit dataChanged(index(first, 0), index(last, columnCount() - 1));
+    }
+
+    QList<Row> m_rows;
+    QList<Column> m_columns;
+    KeyOf m_keyOf;
+    QSet<QString> m_hiddenSelection;
+    ArrangedRows m_arranged;
+    QItemSelectionModel m_selection;
+    bool m_isUpdating = false;
+};

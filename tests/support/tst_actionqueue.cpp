@@ -1,0 +1,165 @@
+#include "ActionQueue.h"
+
+#include <QCoroFuture>
+
+#include <QPromise>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <deque>
+#include <stdexcept>
+
+/// An action of the tests: writes down what happens to it and waits in its turn until the test lets it go.
+class Stage : public QObject
+{
+    Q_OBJECT
+public:
+    QCoro::Task<> act(QString name)
+    {
+        co_await actInTurn(name);
+        if (name == dropsAtEndOf)
+            queue.dropWaiting();
+    }
+
+    QCoro::Task<> actInTurn(QString name)
+    {
+        const ActionQueue::Turn turn = co_await queue.turn();
+        if (!turn) {
+            log.append(name + QStringLiteral(" dropped"));
+            co_return;
+        }
+        log.append(name + QStringLiteral(" begins"));
+        QPromise<void> promise;
+        promise.start();
+        const QFuture<void> pending = promise.future();
+        m_waiting.push_back(std::move(promise));
+        co_await pending;
+        log.append(name + (turn ? QStringLiteral(" ends") : QStringLiteral(" called off")));
+    }
+
+    QCoro::Task<> actOn(QString name, int value)
+    {
+        const ActionQueue::Turn turn = co_await queue.turn();
+        if (turn)
+            log.append(QStringLiteral("%1 acts on %2").arg(name).arg(value));
+    }
+
+    QCoro::Task<> fail()
+    {
+        const ActionQueue::Turn turn = co_await queue.turn();
+        throw std::runtime_error("broken");
+    }
+
+    void letGo()
+    {
+        QPromise<void> promise = std::move(m_waiting.front());
+        m_waiting.pop_front();
+        promise.finish();
+    }
+
+    QStringList log;
+    QString dropsAtEndOf;
+    ActionQueue queue;
+
+private:
+    std::deque<QPromise<void>> m_waiting;
+};
+
+class ActionQueueTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void runsOneAtATimeInOrder()
+    {
+        Stage stage;
+        QSignalSpy busy(&stage.queue, &ActionQueue::busyChanged);
+        for (const char *name : {"a", "b", "c"})
+            stage.queue.start(stage.act(QLatin1String(name)));
+        QCOMPARE(stage.log, QStringList{QStringLiteral("a begins")});
+        stage.letGo();
+        QTRY_COMPARE(stage.log.size(), 3);
+        stage.queue.start(stage.act(QStringLiteral("d"))); // triggered while b runs and c waits
+        stage.letGo();
+        QTRY_COMPARE(stage.log.size(), 5);
+        stage.letGo();
+        QTRY_COMPARE(stage.log.size(), 7);
+        stage.letGo();
+        QTRY_VERIFY(stage.queue.isIdle());
+        QCOMPARE(stage.log.join(QLatin1Char(',')),
+                 QStringLiteral("a begins,a ends,b begins,b ends,c begins,c ends,d begins,d ends"));
+        QCOMPARE(busy, QList<QVariantList>({{true}, {false}}));
+    }
+
+    void aTurnGivenButNotYetWokenIsNotOvertaken()
+    {
+        Stage stage;
+        stage.queue.start(stage.act(QStringLiteral("a")));
+        stage.queue.start(stage.act(QStringLiteral("b")));
+        stage.letGo();
+        stage.queue.start(stage.act(QStringLiteral("late"))); // before b's wake-up has been delivered
+        QTRY_VERIFY(stage.log.contains(QStringLiteral("b begins")));
+        QVERIFY(!stage.log.contains(QStringLiteral("late begins")));
+        stage.letGo();
+        QTRY_VERIFY(stage.log.contains(QStringLiteral("late begins")));
+        stage.letGo();
+        QTRY_VERIFY(stage.queue.isIdle());
+    }
+
+    void droppingRefusesTheWaitingAndTellsTheRunning()
+    {
+        Stage stage;
+        for (const char *name : {"a", "b", "c"})
+            stage.queue.start(stage.act(QLatin1String(name)));
+        stage.queue.dropWaiting();
+        stage.queue.start(stage.act(QStringLiteral("after"))); // asked for later: not among the dropped
+        stage.letGo();
+        QTRY_VERIFY(stage.log.contains(QStringLiteral("after begins")));
+        stage.letGo();
+        QTRY_VERIFY(stage.queue.isIdle());
+        QCOMPARE(stage.log.filter(QStringLiteral("dropped")).size(), 2);
+        QVERIFY(stage.log.contains(QStringLiteral("a called off")));
+        QVERIFY(stage.log.contains(QStringLiteral("after ends")));
+    }
+
+    void droppingBetweenGrantAndWakeUpRefuses()
+    {
+        Stage stage;
+        stage.dropsAtEndOf = QStringLiteral("a"); // its turn has just been handed to b, who has not woken yet
+        stage.queue.start(stage.act(QStringLiteral("a")));
+        stage.queue.start(stage.act(QStringLiteral("b")));
+        stage.letGo();
+        QTRY_VERIFY(stage.queue.isIdle());
+        QCOMPARE(stage.log.last(), QStringLiteral("b dropped"));
+        stage.queue.start(stage.actOn(QStringLiteral("next"), 1)); // the turn has not got lost
+        QTRY_VERIFY(stage.queue.isIdle());
+        QCOMPARE(stage.log.last(), QStringLiteral("next acts on 1"));
+    }
+
+    void whatAnActionReadsBeforeItsTurnStays()
+    {
+        Stage stage;
+        stage.queue.start(stage.act(QStringLiteral("a")));
+        int selected = 3;
+        stage.queue.start(stage.actOn(QStringLiteral("kick"), selected));
+        selected = 4;
+        stage.letGo();
+        QTRY_VERIFY(stage.queue.isIdle());
+        QCOMPARE(stage.log.last(), QStringLiteral("kick acts on 3"));
+    }
+
+    void aFaultyActionIsReportedAndGivesWay()
+    {
+        Stage stage;
+        QSignalSpy faults(&stage.queue, &ActionQueue::faulted);
+        stage.queue.start(stage.act(QStringLiteral("a")));
+        stage.queue.start(stage.fail());
+        stage.queue.start(stage.actOn(QStringLiteral("next"), 1));
+        stage.letGo();
+        QTRY_VERIFY(stage.queue.isIdle());
+        QCOMPARE(faults, QList<QVariantList>({{QStringLiteral("broken")}}));
+        QCOMPARE(stage.log.last(), QStringLiteral("next acts on 1"));
+    }
+};
+
+QTEST_GUILESS_MAIN(ActionQueueTest)
+#include "tst_actionqueue.moc"

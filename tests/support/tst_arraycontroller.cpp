@@ -1,0 +1,202 @@
+#include "ArrayController.h"
+
+#include <QAbstractItemModelTester>
+#include <QRandomGenerator>
+#include <QSignalSpy>
+#include <QTest>
+
+struct Row {
+    QString key;
+    QString value;
+    bool operator==(const Row &) const = default;
+};
+
+using Controller = ArrayController<Row>;
+
+static QVariant numberOrText(const Row &row)
+{
+    bool isNumber = false;
+    const int number = row.value.toInt(&isNumber);
+    return isNumber ? QVariant(number) : QVariant(row.value);
+}
+
+static QList<Controller::Column> columns()
+{
+    return {{QStringLiteral("Key"), [](const Row &row) { return row.key; }, nullptr},
+            {QStringLiteral("Value"), [](const Row &row) { return row.value; }, numberOrText}};
+}
+
+static QString keyOf(const Row &row)
+{
+    return row.key;
+}
+
+/// "a1 b2" makes the rows (a, 1) and (b, 2).
+static QList<Row> rowsOf(const QString &text)
+{
+    QList<Row> rows;
+    for (const QString &word : text.split(QLatin1Char(' '), Qt::SkipEmptyParts))
+        rows.append(Row{word.left(1), word.mid(1)});
+    return rows;
+}
+
+static QString textOf(const QList<Row> &rows)
+{
+    QStringList words;
+    for (const Row &row : rows)
+        words.append(row.key + row.value);
+    return words.join(QLatin1Char(' '));
+}
+
+static void select(Controller &controller, const QString &keys)
+{
+    controller.selection()->clear();
+    for (int row = 0; row < controller.arranged()->rowCount(); ++row) {
+        const QModelIndex index = controller.arranged()->index(row, 0);
+        if (keys.contains(index.data().toString()))
+            controller.selection()->select(index, QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    }
+}
+
+class ArrayControllerTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void merges_data()
+    {
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<QString>("after");
+        QTest::addColumn<QString>("selected");
+        QTest::addColumn<QString>("stillSelected");
+        QTest::newRow("from nothing") << ""
+                                      << "a1 b2"
+                                      << ""
+                                      << "";
+        QTest::newRow("to nothing") << "a1 b2"
+                                    << ""
+                                    << "b"
+                                    << "";
+        QTest::newRow("changed in place") << "a1 b2 c3"
+                                          << "a1 b9 c3"
+                                          << "b"
+                                          << "b9";
+        QTest::newRow("first and last go") << "a1 b2 c3 d4"
+                                           << "b2 c3"
+                                           << "ac"
+                                           << "c3";
+        QTest::newRow("new ones between") << "a1 c3 e5"
+                                          << "a1 b2 c3 d4 e5 f6"
+                                          << "ce"
+                                          << "c3 e5";
+        QTest::newRow("turned round") << "a1 b2 c3 d4"
+                                      << "d4 c3 b2 a1"
+                                      << "b"
+                                      << "b2";
+        QTest::newRow("moved, gone, new and changed") << "a1 b2 c3 d4"
+                                                      << "x0 d4 y7 a9"
+                                                      << "ad"
+                                                      << "d4 a9";
+        QTest::newRow("a key twice") << "a1 b2"
+                                     << "a1 a5 b2"
+                                     << "a"
+                                     << "a1 a5";
+        QTest::newRow("one of two equal keys goes") << "a1 a2 b3"
+                                                    << "b3 a2"
+                                                    << "b"
+                                                    << "b3";
+    }
+    void merges()
+    {
+        QFETCH(QString, before);
+        QFETCH(QString, after);
+        QFETCH(QString, selected);
+        QFETCH(QString, stillSelected);
+        Controller controller(columns(), keyOf);
+        const QAbstractItemModelTester tester(&controller);
+        const QAbstractItemModelTester arrangedTester(controller.arranged());
+        controller.mergeContent(rowsOf(before));
+        select(controller, selected);
+        controller.mergeContent(rowsOf(after));
+        QCOMPARE(textOf(controller.content()), after);
+        QCOMPARE(textOf(controller.selectedObjects()), stillSelected);
+    }
+
+    void randomMergesKeepOrderAndSelection()
+    {
+        QRandomGenerator random(7);
+        Controller controller(columns(), keyOf);
+        const QAbstractItemModelTester tester(&controller);
+        const QAbstractItemModelTester arrangedTester(controller.arranged());
+        controller.arranged()->sort(1, Qt::DescendingOrder);
+        for (int round = 0; round < 200; ++round) {
+            QList<Row> rows;
+            for (char key = 'a'; key <= 'h'; ++key) {
+                if (random.bounded(3) > 0)
+                    rows.insert(random.bounded(static_cast<int>(rows.size()) + 1),
+                                Row{QString(QLatin1Char(key)), QString::number(random.bounded(12))});
+            }
+            select(controller, QStringLiteral("bdf"));
+            QSet<QString> expected;
+            for (const Row &row : controller.selectedObjects())
+                expected.insert(row.key);
+            controller.mergeContent(rows);
+            QCOMPARE(controller.content(), rows);
+            for (const Row &row : controller.selectedObjects())
+                QVERIFY(expected.remove(row.key));
+            for (const Row &row : std::as_const(rows))
+                QVERIFY(!expected.contains(row.key));
+        }
+    }
+
+    void sortsNumbersAsNumbersAndBeforeTexts()
+    {
+        Controller controller(columns(), keyOf);
+        controller.mergeContent(rowsOf(QStringLiteral("a10 b9 cB d100 ea f-1")));
+        controller.arranged()->sort(1, Qt::AscendingOrder);
+        QCOMPARE(textOf(controller.arrangedObjects()), QStringLiteral("f-1 b9 a10 d100 ea cB"));
+        controller.arranged()->sort(1, Qt::DescendingOrder);
+        QCOMPARE(textOf(controller.arrangedObjects()), QStringLiteral("cB ea d100 a10 b9 f-1"));
+        select(controller, QStringLiteral("fd"));
+        QCOMPARE(textOf(controller.selectedObjects()), QStringLiteral("d100 f-1"));
+    }
+
+    void aFilterNarrowsWhatIsShownOnly()
+    {
+        Controller controller(columns(), keyOf);
+        controller.mergeContent(rowsOf(QStringLiteral("aRed bblue cred")));
+        select(controller, QStringLiteral("bc"));
+        controller.setFilterText(QStringLiteral("RED"));
+        QCOMPARE(controller.arranged()->rowCount(), 2);
+        QCOMPARE(textOf(controller.selectedObjects()), QStringLiteral("cred")); // what is not seen is not acted on
+        QCOMPARE(controller.arrangedObjects().size(), 3);
+        controller.mergeContent(rowsOf(QStringLiteral("bblue cred aRed dgreen")));
+        QCOMPARE(textOf(controller.content()), QStringLiteral("bblue cred aRed dgreen"));
+        controller.setFilterText({});
+        QCOMPARE(textOf(controller.selectedObjects()), QStringLiteral("bblue cred"));
+    }
+
+    void aChoiceMadeUnderAFilterReplacesTheHiddenOne()
+    {
+        Controller controller(columns(), keyOf);
+        controller.mergeContent(rowsOf(QStringLiteral("aRed bblue cred")));
+        select(controller, QStringLiteral("b"));
+        controller.setFilterText(QStringLiteral("red"));
+        select(controller, QStringLiteral("a"));
+        controller.setFilterText({});
+        QCOMPARE(textOf(controller.selectedObjects()), QStringLiteral("aRed"));
+    }
+
+    void removesTheSelectedRows()
+    {
+        Controller controller(columns(), keyOf);
+        controller.mergeContent(rowsOf(QStringLiteral("c3 a1 b2")));
+        controller.addObject(Row{QStringLiteral("d"), QStringLiteral("0")});
+        controller.arranged()->sort(0, Qt::AscendingOrder);
+        select(controller, QStringLiteral("ad"));
+        controller.removeSelected();
+        QCOMPARE(textOf(controller.content()), QStringLiteral("c3 b2"));
+    }
+};
+
+QTEST_GUILESS_MAIN(ArrayControllerTest)
+#include "tst_arraycontroller.moc"

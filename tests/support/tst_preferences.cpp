@@ -1,0 +1,92 @@
+#include "Number.h"
+#include "Preferences.h"
+
+#include <QFile>
+#include <QLocale>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <limits>
+
+class PreferencesTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void defaultsApplyOnlyWhereNothingIsSet()
+    {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(QStringLiteral("settings.ini"));
+        const QString time = QStringLiteral("autoUpdatePlayersTime");
+        {
+            Preferences preferences(file);
+            preferences.registerDefaults({{time, 30}, {QStringLiteral("autoUpdatePlayers"), false}});
+            QCOMPARE(preferences.intValue(time, 1, 1000), 30);
+            QCOMPARE(preferences.boolValue(QStringLiteral("autoUpdatePlayers")), false);
+            preferences.setValue(time, 5);
+        }
+        Preferences preferences(file);
+        preferences.registerDefaults({{time, 30}});
+        QCOMPARE(preferences.intValue(time, 1, 1000), 5);
+    }
+
+    void aHandEditedValueIsBroughtIntoRange_data()
+    {
+        QTest::addColumn<QVariant>("stored");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("words") << QVariant(QStringLiteral("often")) << 30;
+        QTest::newRow("zero") << QVariant(0) << 1;
+        QTest::newRow("negative") << QVariant(-4) << 1;
+        QTest::newRow("huge") << QVariant(99999999) << 1000;
+        QTest::newRow("larger than an int") << QVariant(QStringLiteral("99999999999999")) << 1000;
+    }
+    void aHandEditedValueIsBroughtIntoRange()
+    {
+        QFETCH(QVariant, stored);
+        QFETCH(int, expected);
+        const QTemporaryDir folder;
+        Preferences preferences(folder.filePath(QStringLiteral("settings.ini")));
+        preferences.registerDefaults({{QStringLiteral("time"), 30}});
+        preferences.setValue(QStringLiteral("time"), stored);
+        QCOMPARE(preferences.intValue(QStringLiteral("time"), 1, 1000), expected);
+    }
+
+    void readsNumbers_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("isNumber");
+        QTest::addColumn<qint64>("expected");
+        QTest::newRow("plain") << "28960" << true << qint64(28960);
+        QTest::newRow("leading zeros") << "007" << true << qint64(7);
+        QTest::newRow("sign") << "-3" << true << qint64(-3);
+        QTest::newRow("blanks around") << " 12 " << true << qint64(12);
+        QTest::newRow("fraction") << "12.9" << true << qint64(12);
+        QTest::newRow("user's fraction") << "12,9" << true << qint64(12);
+        QTest::newRow("negative fraction") << "-0.5" << true << qint64(0);
+        QTest::newRow("largest") << "9223372036854775807" << true << std::numeric_limits<qint64>::max();
+        QTest::newRow("too large") << "99999999999999999999" << false << qint64(0);
+        QTest::newRow("empty") << "" << false << qint64(0);
+        QTest::newRow("blanks only") << "  " << false << qint64(0);
+        QTest::newRow("word") << "num" << false << qint64(0);
+        QTest::newRow("dashes") << "---" << false << qint64(0);
+        QTest::newRow("trailing letter") << "12a" << false << qint64(0);
+        QTest::newRow("hexadecimal") << "0x10" << false << qint64(0);
+        QTest::newRow("exponent") << "1e3" << false << qint64(0);
+        QTest::newRow("infinity") << "inf" << false << qint64(0);
+        QTest::newRow("two numbers") << "12 13" << false << qint64(0);
+        QTest::newRow("address") << "1.2.3.4" << false << qint64(0);
+    }
+    void readsNumbers()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, isNumber);
+        QFETCH(qint64, expected);
+        QLocale::setDefault(QLocale(QLocale::German));
+        const std::optional<qint64> number = parseNumber(text);
+        QLocale::setDefault(QLocale::c());
+        QCOMPARE(number.has_value(), isNumber);
+        QCOMPARE(number.value_or(0), expected);
+    }
+};
+
+QTEST_GUILESS_MAIN(PreferencesTest)
+#include "tst_preferences.moc"
