@@ -1,0 +1,209 @@
+#include "KelServer.h"
+#include "RecordedAlerts.h"
+#include "ScriptedExchange.h"
+#include "Wait.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+/// A session that is connected to a scripted server.
+struct Session {
+    explicit Session(const QString &extraDump = {})
+    {
+        const QString lines = QStringLiteral("rcon_password \"secret\"\nsv_hostname \"h\"\nsv_ranked \"0\"\n"
+                                             "playlist_enabled \"0\"\nplaylist_excludeMap \"a\"\n"
+                                             "playlist_excludeGametype \"b\"\nplaylist_excludeGametypeMap \"c\"\n");
+        exchange.answer(QStringLiteral("dvardump"), ScriptedExchange::ok(lines + extraDump));
+        awaited(server.connectToHost(QStringLiteral("10.0.0.1"), QStringLiteral("28960"), QStringLiteral("typed")));
+        exchange.forgetSent();
+        QObject::connect(&server, &KelServer::consoleMessageAppended, &server,
+                         [this](const QString &text) { transcript += text; });
+    }
+
+    ScriptedExchange exchange;
+    RecordedAlerts alerts;
+    KelServer server{exchange, alerts};
+    QString transcript;
+};
+
+class KelServerTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void refusesEverythingWhileNotConnected()
+    {
+        ScriptedExchange exchange;
+        RecordedAlerts alerts;
+        KelServer server(exchange, alerts);
+        QSignalSpy shown(&server, &KelServer::consoleMessageAppended);
+        const QList<Reply> replies{awaited(server.sendCommand(QStringLiteral("status"))),
+                                   awaited(server.setDvar(QStringLiteral("a"), QStringLiteral("b"))),
+                                   awaited(server.quickSetDvar(QStringLiteral("a"), QStringLiteral("b")))};
+        for (const Reply &reply : replies) {
+            QCOMPARE(reply.result, RConResultError);
+            QCOMPARE(reply.text, QStringLiteral("Not connected to a game server."));
+        }
+        QVERIFY(exchange.sent().isEmpty());
+        QVERIFY(shown.isEmpty());
+        QVERIFY(server.commandHistory().isEmpty());
+    }
+
+    void echoesCommandsWithTheReplyAsItStands()
+    {
+        Session session;
+        session.exchange.answer(QStringLiteral("status"), ScriptedExchange::ok(QStringLiteral("map: x\n")));
+        const Reply good = awaited(session.server.sendCommand(QStringLiteral("status")));
+        QCOMPARE(good.text, QStringLiteral("map: x\n"));
+        const Reply bad = awaited(session.server.sendCommand(QStringLiteral("lost")));
+        QCOMPARE(bad.result, RConResultTimeout);
+        QCOMPARE(session.transcript, QStringLiteral("] status\nmap: x\n] lost\nno answer"));
+        QCOMPARE(session.server.commandHistory(), QStringList({"status", "lost"}));
+        for (const Request &request : session.exchange.requests())
+            QCOMPARE(request.password, QStringLiteral("secret")); // the server's, not the typed one
+    }
+
+    void writesVariables_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("stored"); // null: the catalogue does not get the name
+        QTest::newRow("plain") << "g_gametype"
+                               << "tdm"
+                               << "setadmindvar g_gametype \"tdm\""
+                               << "tdm";
+        QTest::newRow("quotes at the ends") << "g_gametype"
+                                            << "\"tdm\""
+                                            << "setadmindvar g_gametype \"tdm\""
+                                            << "\"tdm\"";
+        QTest::newRow("blanks stay") << "g_gametype"
+                                     << "\"\" a \""
+                                     << "setadmindvar g_gametype \" a \""
+                                     << "\"\" a \"";
+        QTest::newRow("quotes inside stay") << "g_gametype"
+                                            << "a\"b"
+                                            << "setadmindvar g_gametype \"a\"b\""
+                                            << "a\"b";
+        QTest::newRow("only quotes") << "g_gametype"
+                                     << "\"\"\""
+                                     << "setadmindvar g_gametype \"\""
+                                     << "\"\"\"";
+        QTest::newRow("markers in the text") << "g_gametype"
+                                             << "%1 %2"
+                                             << "setadmindvar g_gametype \"%1 %2\""
+                                             << "%1 %2";
+        QTest::newRow("unknown name") << "other"
+                                      << "1"
+                                      << "setadmindvar other \"1\"" << QString();
+    }
+    void writesVariables()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, value);
+        QFETCH(QString, command);
+        QFETCH(QString, stored);
+        for (const bool isQuick : {false, true}) {
+            Session session(QStringLiteral("g_gametype \"dm\"\n"));
+            session.exchange.answer(command, ScriptedExchange::ok(QStringLiteral("an error text")));
+            const Reply reply = isQuick ? awaited(session.server.quickSetDvar(name, value))
+                                        : awaited(session.server.setDvar(name, value));
+            QCOMPARE(reply.result, RConResultSuccess); // the text is not examined
+            QCOMPARE(reply.text, isQuick ? QString() : QStringLiteral("an error text"));
+            QCOMPARE(session.exchange.requests().size(), 1);
+            QCOMPARE(session.exchange.requests().first().command, command);
+            QCOMPARE(session.exchange.requests().first().isSingle, isQuick);
+            QCOMPARE(session.transcript, "] " + command + "\nan error text\n");
+            QCOMPARE(session.server.dvarList().value(name), stored);
+            QCOMPARE(session.server.dvarList().contains(name), !stored.isNull());
+        }
+    }
+
+    void aFailedWriteChangesNothing()
+    {
+        Session session;
+        QString field = QStringLiteral("untouched");
+        session.server.setPasswordTextBox([&](const QString &text) { field = text; });
+        const Reply reply = awaited(session.server.setDvar(QStringLiteral("rcon_password"), QStringLiteral("new")));
+        QCOMPARE(reply.result, RConResultTimeout);
+        QCOMPARE(session.server.dvarList().value(QStringLiteral("rcon_password")), QStringLiteral("secret"));
+        QCOMPARE(field, QStringLiteral("untouched"));
+    }
+
+    void aNewPasswordReachesTheFieldAndTheNextCommand()
+    {
+        Session session;
+        QString field;
+        session.server.setPasswordTextBox([&](const QString &text) { field = text; });
+        session.exchange.answerEverything(ScriptedExchange::ok());
+        awaited(session.server.setDvar(QStringLiteral("rcon_password"), QStringLiteral("\"new\"")));
+        QCOMPARE(field, QStringLiteral("\"new\""));
+        awaited(session.server.sendCommand(QStringLiteral("status")));
+        QCOMPARE(session.exchange.requests().last().password, QStringLiteral("\"new\""));
+    }
+
+    void rereadsAVariable()
+    {
+        Session session(QStringLiteral("g_gravity \"800\"\n"));
+        session.exchange.answer(QStringLiteral("g_gravity"),
+                                ScriptedExchange::ok(QStringLiteral("\"g_gravity\" is: \"1\" now: \"600\"")));
+        awaited(session.server.updateDvarFromServer(QStringLiteral("g_gravity")));
+        QCOMPARE(session.server.dvarList().value(QStringLiteral("g_gravity")), QStringLiteral("600"));
+        QCOMPARE(session.exchange.requests().last().password, QStringLiteral("secret"));
+        awaited(session.server.updateDvarFromServer(QStringLiteral("rcon_password")));
+        QCOMPARE(session.exchange.requests().last().password, QString());
+        QVERIFY(session.server.commandHistory().isEmpty()); // a query is no command
+    }
+
+    void followsAPlaylistSwitchTypedByHand_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<bool>("isSwitched");
+        QTest::addColumn<bool>("playlistsActive");
+        QTest::newRow("on") << "playlist_enabled 1" << true << true;
+        QTest::newRow("off") << "playlist_enabled 0" << true << false;
+        QTest::newRow("not exactly one") << "playlist_enabled  1" << true << false;
+        QTest::newRow("no blank") << "playlist_enabled" << false << false;
+        QTest::newRow("not at the start") << " playlist_enabled 1" << false << false;
+    }
+    void followsAPlaylistSwitchTypedByHand()
+    {
+        QFETCH(QString, line);
+        QFETCH(bool, isSwitched);
+        QFETCH(bool, playlistsActive);
+        Session session; // the server answers nothing: what was typed counts all the same
+        QSignalSpy toLast(&session.server, &KelServer::lastTabRequested);
+        awaited(session.server.consoleInputDidChange(line));
+        QCOMPARE(session.exchange.sent(), QStringList{line});
+        QCOMPARE(toLast.size(), isSwitched ? 1 : 0);
+        QCOMPARE(session.server.playlistsActive(), playlistsActive);
+        QCOMPARE(session.server.tabItems().contains(TabItem::Playlists), playlistsActive);
+        QCOMPARE(session.server.tabItems().contains(TabItem::Maps), !playlistsActive);
+    }
+
+    void aCancelledCommandLeavesNoTrace()
+    {
+        Session session;
+        session.exchange.hold();
+        QCoro::Task<> sending = session.server.consoleInputDidChange(QStringLiteral("playlist_enabled 1"));
+        session.server.cancelExchange();
+        awaited(std::move(sending));
+        QVERIFY(!session.server.playlistsActive());
+        QCOMPARE(session.transcript, QStringLiteral("] playlist_enabled 1\n"));
+    }
+
+    void theLatestSessionIsTheSharedOne()
+    {
+        QCOMPARE(KelServer::sharedKelServer(), nullptr);
+        ScriptedExchange exchange;
+        RecordedAlerts alerts;
+        {
+            const KelServer first(exchange, alerts);
+            const KelServer second(exchange, alerts);
+            QCOMPARE(KelServer::sharedKelServer(), &second);
+        }
+        QCOMPARE(KelServer::sharedKelServer(), nullptr);
+    }
+};
+
+QTEST_GUILESS_MAIN(KelServerTest)
+#include "tst_kelserver.moc"
