@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QVariant>
+
+/// One player as the server lists him. All texts are the server's, except that the identifier is in plain decimal form.
+struct PlayerRow {
+    QString identifier; ///< client number, used in commands
+    QString name;
+    QString guid;
+    QString ipaddress; ///< with its port
+    QString team;
+    QString score;
+    QString ping; ///< milliseconds, or the server's word for a player who is still connecting
+
+    bool operator==(const PlayerRow &) const = default;
+};
+
+/// By this a player is recognised from one refresh to the next.
+QString playerKey(const PlayerRow &player);
+
+/// Reads a teamstatus reply. Whatever is no player line is skipped, and so is the server's recording client.
+QList<PlayerRow> parsePlayerList(const QString &reply);
+
+/// @return what `text` sorts by in a column of numbers: the number, or the text itself where it is none.
+QVariant numberSortKey(const QString &text);
+/// @return what an "a.b.c.d:port" text sorts by: address, then port; the text itself where it is no address.
+QVariant addressSortKey(const QString &text);
