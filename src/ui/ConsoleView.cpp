@@ -1,0 +1,88 @@
+#include "ConsoleView.h"
+
+#include "ActionQueue.h"
+#include "HistoryStepper.h"
+#include "KelServer.h"
+#include "TranscriptView.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QVBoxLayout>
+
+ConsoleView::ConsoleView(KelServer &server, ActionQueue &actions, QWidget *parent)
+    : QWidget(parent), consoleOutput(new TranscriptView(this)), consoleInput(new QLineEdit(this)),
+      numericUpDownCommandCursor(new HistoryStepper(this)), m_server(server), m_actions(actions)
+{
+    consoleOutput->setObjectName(QStringLiteral("consoleOutput"));
+    consoleOutput->setAccessibleName(tr("Console output"));
+    consoleOutput->setPlaceholderText(
+        tr("Commands and the server's replies appear here. Type a command below and press Return."));
+    consoleInput->setObjectName(QStringLiteral("consoleInput"));
+    consoleInput->setAccessibleName(tr("Command"));
+    consoleInput->setFont(consoleOutput->font());
+    consoleInput->setPlaceholderText(tr("Type a console command"));
+    consoleInput->installEventFilter(this);
+
+    auto *row = new QHBoxLayout;
+    auto *label = new QLabel(tr("Command"), this);
+    label->setBuddy(consoleInput);
+    row->addWidget(label);
+    row->addWidget(consoleInput, 1);
+    row->addWidget(numericUpDownCommandCursor);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(consoleOutput, 1);
+    layout->addLayout(row);
+    setTabOrder(consoleInput, numericUpDownCommandCursor);
+    setTabOrder(numericUpDownCommandCursor, consoleOutput);
+    setFocusProxy(consoleInput);
+
+    connect(consoleInput, &QLineEdit::returnPressed, this, &ConsoleView::consoleInputDidChange);
+    connect(numericUpDownCommandCursor, &QSpinBox::valueChanged, this, &ConsoleView::consoleHistoryStepperChanged);
+    connect(&m_server, &KelServer::consoleMessageAppended, consoleOutput, &TranscriptView::appendConsoleMessage);
+    connect(&m_server, &KelServer::consoleCleared, consoleOutput, &QPlainTextEdit::clear);
+    connect(&m_server, &KelServer::commandHistoryChanged, this,
+            [this] { numericUpDownCommandCursor->setCount(static_cast<int>(m_server.commandHistory().size())); });
+}
+
+void ConsoleView::consoleInputDidChange()
+{
+    if (m_suppressCommandSending)
+        return;
+    const QString line = consoleInput->text();
+    consoleInput->clear();
+    numericUpDownCommandCursor->reset();
+    m_actions.start(sendLine(line));
+}
+
+QCoro::Task<> ConsoleView::sendLine(QString line)
+{
+    const ActionQueue::Turn turn = co_await m_actions.turn();
+    if (!turn)
+        co_return;
+    co_await m_server.consoleInputDidChange(line);
+}
+
+void ConsoleView::consoleHistoryStepperChanged()
+{
+    m_suppressCommandSending = true;
+    const QStringList history = m_server.commandHistory();
+    const int back = numericUpDownCommandCursor->value();
+    if (back >= 0 && back < history.size())
+        consoleInput->setText(history.at(history.size() - 1 - back));
+    else
+        consoleInput->clear();
+    m_suppressCommandSending = false;
+}
+
+bool ConsoleView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == consoleInput && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Up || key == Qt::Key_Down) {
+            numericUpDownCommandCursor->stepBy(key == Qt::Key_Up ? 1 : -1);
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}

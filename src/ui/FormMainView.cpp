@@ -1,0 +1,160 @@
+#include "FormMainView.h"
+
+#include "ActionQueue.h"
+#include "Alerts.h"
+#include "Appearance.h"
+#include "ConsoleView.h"
+#include "KelServer.h"
+#include "PlaceholderTable.h"
+#include "PlayersView.h"
+#include "Preferences.h"
+#include "ServersView.h"
+#include "StatusLine.h"
+#include "WelcomePage.h"
+
+#include <QCloseEvent>
+#include <QHeaderView>
+#include <QLabel>
+#include <QSignalBlocker>
+
+FormMainView::FormMainView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
+                           QWidget *parent)
+    : QMainWindow(parent), serversView(new ServersView(this)), tabControlMain(new QTabWidget(this)),
+      playersView(new PlayersView(server, actions, alerts, preferences, this)),
+      consoleView(new ConsoleView(server, actions, this)), welcomePage(new WelcomePage(this)),
+      statusLine(new StatusLine(this)), m_server(server), m_actions(actions), m_alerts(alerts),
+      m_preferences(preferences), m_splitter(new QSplitter(this)), m_stack(new QStackedWidget(this))
+{
+    setObjectName(QStringLiteral("FormMainView"));
+    setWindowTitle(tr("Kelvard Ferrow Remote Console"));
+    makePages();
+    layOut();
+    makeMenus();
+    connectControls();
+    restoreLayout();
+}
+
+FormMainView::~FormMainView() = default;
+
+static QWidget *laterPage(const QString &text, QWidget *parent)
+{
+    auto *page = new QLabel(text, parent);
+    page->setAlignment(Qt::AlignCenter);
+    page->setEnabled(false);
+    page->hide();
+    return page;
+}
+
+void FormMainView::makePages()
+{
+    m_pages.insert(TabItem::Players, playersView);
+    m_pages.insert(TabItem::Console, consoleView);
+    m_pages.insert(TabItem::Maps, laterPage(tr("This version does not show maps yet."), this));
+    m_pages.insert(TabItem::Playlists, laterPage(tr("This version does not show playlists yet."), this));
+    const QString settingsText = tr("This version does not show settings yet.");
+    m_pages.insert(TabItem::UnrankedSettings, laterPage(settingsText, this));
+    m_pages.insert(TabItem::RankedSettings, laterPage(settingsText, this));
+    m_pages.insert(TabItem::Messages, laterPage(tr("This version does not play messages yet."), this));
+    m_pages.insert(TabItem::ConfigBuilder, laterPage(tr("This version does not build configurations yet."), this));
+    playersView->hide();
+    consoleView->hide();
+}
+
+void FormMainView::layOut()
+{
+    tabControlMain->setObjectName(QStringLiteral("tabControlMain"));
+    tabControlMain->setAccessibleName(tr("Server"));
+    tabControlMain->setDocumentMode(true);
+    m_stack->addWidget(welcomePage);
+    m_stack->addWidget(tabControlMain);
+    m_splitter->setObjectName(QStringLiteral("mainSplitter"));
+    m_splitter->addWidget(serversView);
+    m_splitter->addWidget(m_stack);
+    m_splitter->setStretchFactor(0, 0);
+    m_splitter->setStretchFactor(1, 1);
+    m_splitter->setChildrenCollapsible(false);
+    setCentralWidget(m_splitter);
+    setStatusBar(statusLine);
+    statusLine->setStatus(tr("Not connected"));
+    serversView->hostField->setFocus();
+}
+
+void FormMainView::connectControls()
+{
+    connect(serversView, &ServersView::connectButtonPressed, this, &FormMainView::connectButtonPressed);
+    connect(serversView, &ServersView::disconnectButtonPressed, this, &FormMainView::disconnectButtonPressed);
+    connect(welcomePage->tryDemoServerButton, &QPushButton::clicked, this, &FormMainView::demoServerRequested);
+    connect(tabControlMain, &QTabWidget::currentChanged, this, &FormMainView::selectedTabDidChange);
+    connect(&m_server, &KelServer::tabItemsChanged, this, &FormMainView::arrangeTabs);
+    connect(&m_server, &KelServer::lastTabRequested, this,
+            [this] { tabControlMain->setCurrentIndex(tabControlMain->count() - 1); });
+    connect(&m_server, &KelServer::isConnectedChanged, serversView, &ServersView::setConnected);
+    connect(&m_server, &KelServer::connectProgressed, statusLine, &StatusLine::setProgress);
+    connect(&m_actions, &ActionQueue::busyChanged, statusLine, &StatusLine::setBusy);
+    connect(&m_actions, &ActionQueue::faulted, this,
+            [this](const QString &what) { reportFailure(tr("Internal Error"), what); });
+}
+
+void FormMainView::reportFailure(const QString &title, const QString &text)
+{
+    m_actions.start(tell(title, text));
+}
+
+QCoro::Task<> FormMainView::tell(QString title, QString text)
+{
+    co_await m_alerts.run(title, text);
+}
+
+void FormMainView::arrangeTabs()
+{
+    {
+        const QSignalBlocker blocker(tabControlMain); // the tabs in between are nobody's choice
+        tabControlMain->clear();
+        for (const TabItem item : m_server.tabItems())
+            tabControlMain->addTab(m_pages.value(item), tr(tabLabel(item).toUtf8().constData()));
+    }
+    tabControlMain->setCurrentIndex(0);
+    m_stack->setCurrentWidget(tabControlMain);
+    selectedTabDidChange();
+}
+
+void FormMainView::selectedTabDidChange()
+{
+    const int index = tabControlMain->currentIndex();
+    const QList<TabItem> items = m_server.tabItems();
+    const bool isShown = index >= 0 && index < items.size();
+    playersView->setSelectedTabLabel(isShown ? tabLabel(items.at(index)) : QString());
+}
+
+void FormMainView::restoreLayout()
+{
+    resize(1180, 720);
+    m_splitter->setSizes({270, 910});
+    restoreGeometry(m_preferences.value(QStringLiteral("window/geometry")).toByteArray());
+    m_splitter->restoreState(m_preferences.value(QStringLiteral("window/splitter")).toByteArray());
+    const QByteArray players = m_preferences.value(QStringLiteral("window/playersTable")).toByteArray();
+    if (!players.isEmpty())
+        playersView->playersTableView->horizontalHeader()->restoreState(players);
+}
+
+void FormMainView::saveLayout()
+{
+    m_preferences.setValue(QStringLiteral("window/geometry"), saveGeometry());
+    m_preferences.setValue(QStringLiteral("window/splitter"), m_splitter->saveState());
+    m_preferences.setValue(QStringLiteral("window/playersTable"),
+                           playersView->playersTableView->horizontalHeader()->saveState());
+}
+
+void FormMainView::closeEvent(QCloseEvent *event)
+{
+    saveLayout();
+    if (m_actions.isIdle()) {
+        event->accept();
+        return;
+    }
+    event->ignore(); // come back when the last action has let go
+    m_actions.dropWaiting();
+    m_server.cancelExchange();
+    connect(&m_actions, &ActionQueue::idle, this, &QWidget::close,
+            Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+}

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "TabItem.h"
+
+#include <QCoroTask>
+
+#include <QMainWindow>
+#include <QMap>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QTabWidget>
+
+#include <functional>
+
+class ActionQueue;
+class Alerts;
+class ConsoleView;
+class KelServer;
+class PlayersView;
+class Preferences;
+class ServersView;
+class StatusLine;
+class WelcomePage;
+
+/// Where a connect goes and under which label it is shown.
+struct ConnectTarget {
+    QString label;
+    QString host;
+    QString port; ///< as typed
+    QString password;
+    /// Follows a later change of the server's password, if set.
+    std::function<void(const QString &)> passwordTextBox;
+};
+
+/// The main window: composes the views and runs the connect sequence.
+class FormMainView : public QMainWindow
+{
+    Q_OBJECT
+public:
+    /// Everything handed in outlives the window.
+    FormMainView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
+                 QWidget *parent = nullptr);
+    ~FormMainView() override;
+
+    /// Connects as one action: status line, session, then what a fresh connection shows.
+    void connectTo(ConnectTarget target);
+    /// Fills the quick-connect form and connects; without a password it is asked for first.
+    void quickConnect(const QString &host, const QString &port, const QString &password);
+
+    /// Shows an alert without waiting for it.
+    void reportFailure(const QString &title, const QString &text);
+
+    ServersView *serversView;
+    QTabWidget *tabControlMain;
+    PlayersView *playersView;
+    ConsoleView *consoleView;
+    WelcomePage *welcomePage;
+    StatusLine *statusLine;
+
+public slots:
+    void connectButtonPressed();
+    void disconnectButtonPressed();
+
+signals:
+    void demoServerRequested();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void layOut();
+    void makePages();
+    void makeMenus();
+    void makeServerMenu();
+    void makePlayersMenu();
+    void makeViewMenu();
+    void connectControls();
+    void restoreLayout();
+    void saveLayout();
+    void arrangeTabs();
+    void selectedTabDidChange();
+    void askForPassword();
+    void showAbout();
+    QCoro::Task<> connectAction(ConnectTarget target);
+    QCoro::Task<> connectToServerWithLabel(ConnectTarget target);
+    QCoro::Task<> tell(QString title, QString text);
+
+    KelServer &m_server;
+    ActionQueue &m_actions;
+    Alerts &m_alerts;
+    Preferences &m_preferences;
+    QSplitter *m_splitter;
+    QStackedWidget *m_stack;
+    QMap<TabItem, QWidget *> m_pages;
+};

@@ -1,0 +1,65 @@
+#include "PlayerSendMessage.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+
+PlayerSendMessage::PlayerSendMessage(QWidget *parent)
+    : QDialog(parent, Qt::Sheet), messageTextField(new QLineEdit(this)), sendButton(new QPushButton(tr("Send"), this)),
+      m_recipients(new QLabel(this))
+{
+    setObjectName(QStringLiteral("playerSendMessagePanel"));
+    setWindowTitle(tr("Private Message"));
+    setWindowModality(Qt::WindowModal);
+    messageTextField->setObjectName(QStringLiteral("messageTextField"));
+    messageTextField->setAccessibleName(tr("Message"));
+    messageTextField->setMinimumWidth(fontMetrics().averageCharWidth() * 50);
+    sendButton->setObjectName(QStringLiteral("sendButton"));
+    sendButton->setDefault(true);
+    m_recipients->setTextFormat(Qt::PlainText);
+    m_recipients->setWordWrap(true);
+
+    auto *buttons = new QDialogButtonBox(this);
+    buttons->addButton(sendButton, QDialogButtonBox::ActionRole);
+    QPushButton *cancelButton = buttons->addButton(tr("Cancel"), QDialogButtonBox::ActionRole);
+    cancelButton->setAutoDefault(false);
+    auto *layout = new QFormLayout(this);
+    layout->addRow(tr("To"), m_recipients);
+    layout->addRow(tr("Message"), messageTextField);
+    layout->addRow(buttons);
+
+    connect(messageTextField, &QLineEdit::textChanged, this, &PlayerSendMessage::controlTextDidChange);
+    connect(sendButton, &QPushButton::clicked, this, &PlayerSendMessage::sendPressed);
+    connect(cancelButton, &QPushButton::clicked, this, &PlayerSendMessage::cancelPressed);
+    controlTextDidChange();
+}
+
+void PlayerSendMessage::reset()
+{
+    messageTextField->clear();
+    messageTextField->setFocus();
+}
+
+void PlayerSendMessage::setRecipients(const QStringList &names)
+{
+    constexpr qsizetype mostNames = 8;
+    QString text = names.mid(0, mostNames).join(QStringLiteral(", "));
+    if (names.size() > mostNames)
+        text = tr("%1 and %2 more").arg(text).arg(names.size() - mostNames);
+    m_recipients->setText(text);
+}
+
+void PlayerSendMessage::sendPressed()
+{
+    done(QDialog::Accepted);
+}
+
+void PlayerSendMessage::cancelPressed()
+{
+    messageTextField->clear();
+    done(QDialog::Rejected);
+}
+
+void PlayerSendMessage::controlTextDidChange()
+{
+    sendButton->setEnabled(!messageTextField->text().isEmpty());
+}

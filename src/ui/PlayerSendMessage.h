@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+/// The panel in which a private message is written. Closing it any other way than by "Send" leaves no message.
+class PlayerSendMessage : public QDialog
+{
+    Q_OBJECT
+public:
+    explicit PlayerSendMessage(QWidget *parent = nullptr);
+
+    void reset();
+    /// Names who will read the message.
+    void setRecipients(const QStringList &names);
+    QString messageString() const { return messageTextField->text(); }
+
+    QLineEdit *messageTextField;
+    QPushButton *sendButton;
+
+public slots:
+    void sendPressed();
+    void cancelPressed();
+    void controlTextDidChange();
+    void reject() override { cancelPressed(); }
+
+private:
+    QLabel *m_recipients;
+};

@@ -1,0 +1,78 @@
+#include "ProgressWindowController.h"
+
+#include <QVBoxLayout>
+
+#include <cmath>
+
+namespace
+{
+/// Ends with its task, not with Escape.
+class ProgressSheet final : public QDialog
+{
+public:
+    using QDialog::QDialog;
+    void reject() override {}
+};
+} // namespace
+
+ProgressWindowController::~ProgressWindowController()
+{
+    endSheet();
+}
+
+void ProgressWindowController::setTitle(const QString &title)
+{
+    m_title = title;
+    if (titleLabel != nullptr)
+        titleLabel->setText(title);
+}
+
+void ProgressWindowController::setProgressMax(double progressMax)
+{
+    m_progressMax = progressMax;
+    if (progressIndicator != nullptr)
+        progressIndicator->setMaximum(static_cast<int>(progressMax));
+}
+
+void ProgressWindowController::setCurrentProgress(double currentProgress)
+{
+    m_currentProgress = currentProgress;
+    if (progressIndicator != nullptr)
+        progressIndicator->setValue(static_cast<int>(currentProgress));
+}
+
+void ProgressWindowController::beginSheet(QWidget *window)
+{
+    m_window = new ProgressSheet(window, Qt::Sheet);
+    m_window->setObjectName(QStringLiteral("ProgressWindowController"));
+    m_window->setAttribute(Qt::WA_DeleteOnClose);
+    m_window->setWindowModality(Qt::WindowModal);
+    titleLabel = new QLabel(m_window);
+    titleLabel->setObjectName(QStringLiteral("titleLabel"));
+    titleLabel->setTextFormat(Qt::PlainText);
+    progressIndicator = new QProgressBar(m_window);
+    progressIndicator->setObjectName(QStringLiteral("progressIndicator"));
+    progressIndicator->setMinimumWidth(320);
+    auto *layout = new QVBoxLayout(m_window);
+    layout->addWidget(titleLabel);
+    layout->addWidget(progressIndicator);
+    awakeFromNib();
+    m_window->open();
+}
+
+void ProgressWindowController::awakeFromNib()
+{
+    if (!m_title.isNull())
+        setTitle(m_title);
+    if (!std::isnan(m_progressMax))
+        setProgressMax(m_progressMax);
+    if (!std::isnan(m_currentProgress))
+        setCurrentProgress(m_currentProgress);
+}
+
+void ProgressWindowController::endSheet()
+{
+    if (m_window != nullptr)
+        m_window->accept();
+    m_window.clear();
+}

@@ -1,0 +1,63 @@
+#include "SheetAlerts.h"
+
+#include <QCoroFuture>
+
+#include <QFutureWatcher>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include <memory>
+
+/// A server's reply can be as long as it likes; what does not fit a screen goes behind "Show Details".
+static QString shortened(const QString &text)
+{
+    constexpr qsizetype mostLines = 16;
+    constexpr qsizetype mostCharacters = 1200;
+    QString head = text.section(QLatin1Char('\n'), 0, mostLines - 1);
+    if (head.size() > mostCharacters)
+        head.truncate(mostCharacters);
+    return head.size() < text.size() ? head + QStringLiteral("…") : head;
+}
+
+static QMessageBox *makeBox(const QString &title, const QString &text, const QStringList &buttons, QWidget *window)
+{
+    auto *box = new QMessageBox(window);
+    box->setObjectName(QStringLiteral("alert"));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowFlag(Qt::Sheet);
+    box->setWindowModality(Qt::WindowModal);
+    box->setWindowTitle(title);
+    box->setIcon(buttons.size() > 1 ? QMessageBox::Question : QMessageBox::Warning);
+    // The texts quote servers and files: none of it may be taken for markup.
+    box->setTextFormat(Qt::PlainText);
+    box->setText(title);
+    const QString head = shortened(text);
+    box->setInformativeText(head);
+    if (head != text)
+        box->setDetailedText(text);
+    for (QLabel *label : box->findChildren<QLabel *>())
+        label->setTextFormat(Qt::PlainText);
+    return box;
+}
+
+QCoro::Task<int> SheetAlerts::run(QString title, QString text, QStringList buttons)
+{
+    if (buttons.isEmpty())
+        buttons.append(QMessageBox::tr("OK"));
+    QMessageBox *box = makeBox(title, text, buttons, m_window);
+    const auto pressed = std::make_shared<int>(static_cast<int>(buttons.size()) - 1);
+    QAbstractButton *last = nullptr;
+    for (int i = 0; i < buttons.size(); ++i) {
+        QPushButton *button = box->addButton(buttons.at(i), i == 0 ? QMessageBox::AcceptRole : QMessageBox::RejectRole);
+        QObject::connect(button, &QPushButton::clicked, box, [pressed, i] { *pressed = i; });
+        if (i == 0)
+            box->setDefaultButton(button);
+        last = button;
+    }
+    box->setEscapeButton(last);
+    auto closed = QtFuture::connect(box, &QDialog::finished).onCanceled([] { return int(QDialog::Rejected); });
+    box->open();
+    co_await closed;
+    co_return *pressed;
+}

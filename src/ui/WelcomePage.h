@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QPushButton>
+#include <QWidget>
+
+/// What the window shows before the first connect.
+class WelcomePage : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit WelcomePage(QWidget *parent = nullptr);
+
+    QPushButton *tryDemoServerButton;
+};

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "ActionQueue.h"
+#include "KelServer.h"
+#include "Preferences.h"
+#include "RecordedAlerts.h"
+#include "ScriptedExchange.h"
+#include "Wait.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+/// What a view of the tests stands on: a scripted server, recorded alerts, preferences of its own.
+struct Fixture {
+    Fixture()
+    {
+        preferences.registerDefaults(
+            {{QStringLiteral("autoUpdatePlayers"), false}, {QStringLiteral("autoUpdatePlayersTime"), 30}});
+        exchange.answer(QStringLiteral("dvardump"),
+                        ScriptedExchange::ok(QStringLiteral(
+                            "rcon_password \"secret\"\nsv_hostname \"h\"\nsv_ranked \"0\"\nplaylist_enabled \"0\"\n"
+                            "playlist_excludeMap \"a\"\nplaylist_excludeGametype \"b\"\n"
+                            "playlist_excludeGametypeMap \"c\"\n")));
+    }
+
+    void connectToServer()
+    {
+        awaited(server.connectToHost(QStringLiteral("10.0.0.1"), QStringLiteral("28960"), QStringLiteral("typed")));
+        exchange.forgetSent();
+    }
+
+    /// @return whether all actions have ended.
+    bool settle()
+    {
+        return QTest::qWaitFor([this] { return actions.isIdle(); }, 10000);
+    }
+
+    QTemporaryDir folder;
+    Preferences preferences{folder.filePath(QStringLiteral("preferences.ini"))};
+    ScriptedExchange exchange;
+    RecordedAlerts alerts;
+    KelServer server{exchange, alerts};
+    ActionQueue actions;
+};

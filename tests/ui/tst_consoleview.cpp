@@ -1,0 +1,120 @@
+#include "ConsoleView.h"
+#include "Fixture.h"
+#include "HistoryStepper.h"
+#include "TranscriptView.h"
+
+#include <QScrollBar>
+
+struct Console : Fixture {
+    Console()
+    {
+        exchange.answerEverything(ScriptedExchange::ok(QStringLiteral("done\n")));
+        connectToServer();
+    }
+    void type(const QString &line)
+    {
+        QTest::keyClicks(view.consoleInput, line);
+        QTest::keyClick(view.consoleInput, Qt::Key_Return);
+    }
+
+    ConsoleView view{server, actions};
+};
+
+class ConsoleViewTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void sendsWhatIsTypedAndShowsTheReply()
+    {
+        Console console;
+        console.type(QStringLiteral("status"));
+        QVERIFY(console.view.consoleInput->text().isEmpty()); // at once, not with the reply
+        console.type(QStringLiteral("say hi"));
+        QVERIFY(console.settle());
+        QCOMPARE(console.exchange.sent(), QStringList({"status", "say hi"}));
+        QCOMPARE(console.view.consoleOutput->toPlainText(), QStringLiteral("] status\ndone\n] say hi\ndone\n"));
+    }
+
+    void stepsThroughTheHistory()
+    {
+        Console console;
+        HistoryStepper *stepper = console.view.numericUpDownCommandCursor;
+        QCOMPARE(stepper->maximum(), -1);
+        for (const char *command : {"a", "b", "b"})
+            console.type(QLatin1String(command));
+        QVERIFY(console.settle());
+        QCOMPARE(stepper->minimum(), -1);
+        QCOMPARE(stepper->maximum(), 2); // duplicates are kept
+        QLineEdit *input = console.view.consoleInput;
+        QStringList seen;
+        for (int i = 0; i < 4; ++i) {
+            QTest::keyClick(input, Qt::Key_Up);
+            seen.append(input->text());
+        }
+        QCOMPARE(seen, QStringList({"b", "b", "a", "a"}));
+        stepper->setValue(0);
+        QCOMPARE(input->text(), QStringLiteral("b"));
+        QTest::keyClick(input, Qt::Key_Down);
+        QVERIFY(input->text().isEmpty());
+        QCOMPARE(console.exchange.sent().size(), 3); // stepping sends nothing
+    }
+
+    void typingOnIsNotDisturbedByTheReply()
+    {
+        Console console;
+        console.exchange.hold();
+        console.type(QStringLiteral("slow"));
+        QTest::keyClick(console.view.consoleInput, Qt::Key_Up);
+        QCOMPARE(console.view.consoleInput->text(), QStringLiteral("slow"));
+        QTest::keyClicks(console.view.consoleInput, QStringLiteral("er"));
+        console.exchange.release();
+        QVERIFY(console.settle());
+        QCOMPARE(console.view.consoleInput->text(), QStringLiteral("slower"));
+    }
+
+    void connectingClearsTranscriptAndHistory()
+    {
+        Console console;
+        console.type(QStringLiteral("status"));
+        QVERIFY(console.settle());
+        console.connectToServer();
+        QVERIFY(console.view.consoleOutput->toPlainText().isEmpty());
+        QCOMPARE(console.view.numericUpDownCommandCursor->maximum(), -1);
+        console.view.numericUpDownCommandCursor->stepBy(1);
+        QVERIFY(console.view.consoleInput->text().isEmpty());
+    }
+
+    void followsItsEndOnlyWhileTheReaderIsThere()
+    {
+        TranscriptView transcript;
+        transcript.resize(400, 200);
+        transcript.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&transcript));
+        const QScrollBar *bar = transcript.verticalScrollBar();
+        for (int i = 0; i < 200; ++i)
+            transcript.appendConsoleMessage(QStringLiteral("line %1\n").arg(i));
+        QVERIFY(bar->maximum() > 0);
+        QCOMPARE(bar->value(), bar->maximum());
+        transcript.verticalScrollBar()->setValue(20);
+        transcript.appendConsoleMessage(QStringLiteral("more\nand more\n"));
+        QCOMPARE(bar->value(), 20);
+        transcript.verticalScrollBar()->setValue(bar->maximum());
+        transcript.appendConsoleMessage(QString(5000, QLatin1Char('x')) + QStringLiteral("\nend"));
+        QCOMPARE(bar->value(), bar->maximum());
+    }
+
+    void keepsTheReadersSelection()
+    {
+        TranscriptView transcript;
+        transcript.appendConsoleMessage(QStringLiteral("alpha beta"));
+        QTextCursor cursor = transcript.textCursor();
+        cursor.setPosition(0);
+        cursor.setPosition(10, QTextCursor::KeepAnchor);
+        transcript.setTextCursor(cursor);
+        transcript.appendConsoleMessage(QStringLiteral(" gamma"));
+        QCOMPARE(transcript.textCursor().selectedText(), QStringLiteral("alpha beta"));
+    }
+};
+
+QTEST_MAIN(ConsoleViewTest)
+#include "tst_consoleview.moc"

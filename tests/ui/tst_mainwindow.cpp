@@ -1,0 +1,230 @@
+#include "ConsoleView.h"
+#include "Fixture.h"
+#include "FormMainView.h"
+#include "PlaceholderTable.h"
+#include "PlayersView.h"
+#include "ProgressWindowController.h"
+#include "ServersView.h"
+#include "SheetAlerts.h"
+#include "StatusLine.h"
+#include "WelcomePage.h"
+
+#include <QInputDialog>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPointer>
+
+struct Window : Fixture {
+    Window() { exchange.answer(QStringLiteral("teamstatus"), ScriptedExchange::ok()); }
+
+    void fillForm(const QString &host, const QString &port, const QString &password)
+    {
+        view.serversView->fillForm(host, port);
+        view.serversView->passwordField->setText(password);
+    }
+    void connectByForm()
+    {
+        fillForm(QStringLiteral("10.0.0.1"), QStringLiteral("28960"), QStringLiteral("pw"));
+        view.serversView->connectButton->click();
+    }
+    QString status() const { return view.statusLine->status(); }
+
+    FormMainView view{server, actions, alerts, preferences};
+};
+
+class MainWindowTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void connectNeedsHostPortAndPassword_data()
+    {
+        QTest::addColumn<QStringList>("fields");
+        QTest::addColumn<bool>("isEnabled");
+        QTest::newRow("all") << QStringList{"h", "1", "p"} << true;
+        QTest::newRow("blank counts") << QStringList{" ", "1", "p"} << true;
+        QTest::newRow("no host") << QStringList{"", "1", "p"} << false;
+        QTest::newRow("no port") << QStringList{"h", "", "p"} << false;
+        QTest::newRow("no password") << QStringList{"h", "1", ""} << false;
+    }
+    void connectNeedsHostPortAndPassword()
+    {
+        QFETCH(QStringList, fields);
+        QFETCH(bool, isEnabled);
+        Window window;
+        QVERIFY(!window.view.serversView->connectButton->isEnabled());
+        window.fillForm(fields.at(0), fields.at(1), fields.at(2));
+        QCOMPARE(window.view.serversView->connectButton->isEnabled(), isEnabled);
+    }
+
+    void tellsHowConnectingGoes()
+    {
+        Window window;
+        QCOMPARE(window.status(), QStringLiteral("Not connected"));
+        window.exchange.hold();
+        window.connectByForm();
+        QCOMPARE(window.status(), QStringLiteral("Connecting to QuickConnect..."));
+        QVERIFY(!window.view.serversView->connectButton->isEnabled());
+        window.view.serversView->portField->setText(QStringLiteral("28961"));
+        QVERIFY(!window.view.serversView->connectButton->isEnabled()); // editing does not allow a second connect
+        window.exchange.release();
+        QTRY_COMPARE(window.exchange.keptCount(), 1); // the player list, at once
+        QCOMPARE(window.status(), QStringLiteral("Connected to QuickConnect (Unranked)"));
+        window.exchange.release();
+        QVERIFY(window.settle());
+        QVERIFY(window.view.serversView->connectButton->isEnabled());
+        QCOMPARE(window.exchange.sent(), QStringList({"dvardump", "teamstatus"}));
+        window.view.serversView->disconnectButton->click();
+        QCOMPARE(window.status(), QStringLiteral("Not connected"));
+        QVERIFY(!window.server.isConnected());
+    }
+
+    void aFailedConnectKeepsTheForm()
+    {
+        Window window;
+        window.exchange.forget(QStringLiteral("dvardump"));
+        window.connectByForm();
+        QVERIFY(window.settle());
+        QCOMPARE(window.status(), QStringLiteral("Not connected"));
+        QCOMPARE(window.alerts.titles(), QStringList{"Command Send Error"});
+        QCOMPARE(window.view.serversView->hostField->text(), QStringLiteral("10.0.0.1"));
+        QCOMPARE(window.view.serversView->passwordField->text(), QStringLiteral("pw"));
+        QVERIFY(window.view.welcomePage->isVisibleTo(&window.view));
+    }
+
+    void disconnectCallsOffWhatRunsAndWaits()
+    {
+        Window window;
+        window.exchange.hold();
+        window.connectByForm();
+        window.view.connectTo(ConnectTarget{QStringLiteral("Other"), QStringLiteral("10.0.0.2"), QStringLiteral("1"),
+                                            QStringLiteral("pw"), nullptr});
+        window.view.serversView->disconnectButton->click();
+        QVERIFY(window.settle());
+        QCOMPARE(window.exchange.sent(), QStringList{"dvardump"});
+        QVERIFY(window.alerts.shown().isEmpty());
+        QCOMPARE(window.status(), QStringLiteral("Not connected"));
+        QVERIFY(window.view.serversView->connectButton->isEnabled());
+    }
+
+    void theTabsFollowTheModeAndTheConsoleStaysInFront()
+    {
+        Window window;
+        window.connectByForm();
+        QVERIFY(window.settle());
+        QTabWidget *tabs = window.view.tabControlMain;
+        const auto labels = [&] {
+            QStringList list;
+            for (int i = 0; i < tabs->count(); ++i)
+                list.append(tabs->tabText(i));
+            return list.join(QLatin1Char(','));
+        };
+        QCOMPARE(labels(), QStringLiteral("Players,Maps,Settings,Messages,Config Builder,Console"));
+        QCOMPARE(tabs->currentIndex(), 0);
+        tabs->setCurrentIndex(5);
+        QTest::keyClicks(window.view.consoleView->consoleInput, QStringLiteral("playlist_enabled 1"));
+        QTest::keyClick(window.view.consoleView->consoleInput, Qt::Key_Return);
+        QVERIFY(window.settle());
+        QCOMPARE(labels(), QStringLiteral("Players,Playlists,Settings,Messages,Config Builder,Console"));
+        QCOMPARE(tabs->currentIndex(), 5);
+        window.exchange.forgetSent();
+        window.view.playersView->refreshPlayersButtonPressed();
+        QVERIFY(window.settle());
+        QVERIFY(window.exchange.sent().isEmpty()); // the players' tab is not in front
+    }
+
+    void aNewPasswordReachesTheForm()
+    {
+        Window window;
+        window.exchange.answerEverything(ScriptedExchange::ok());
+        window.connectByForm();
+        QVERIFY(window.settle());
+        awaited(window.server.setDvar(QStringLiteral("rcon_password"), QStringLiteral("new")));
+        QCOMPARE(window.view.serversView->passwordField->text(), QStringLiteral("new"));
+    }
+
+    void asksForThePasswordThatTheCommandLineLacks()
+    {
+        Window window;
+        window.view.show();
+        window.view.quickConnect(QStringLiteral("10.0.0.1"), QStringLiteral("28960"), {});
+        auto *dialog = window.view.findChild<QInputDialog *>(QStringLiteral("passwordPanel"));
+        QVERIFY(dialog != nullptr);
+        QCOMPARE(dialog->textEchoMode(), QLineEdit::Password);
+        dialog->setTextValue(QStringLiteral("asked"));
+        dialog->accept();
+        QVERIFY(window.settle());
+        QCOMPARE(window.exchange.requests().first().password, QStringLiteral("asked"));
+    }
+
+    void closingInTheMiddleEndsCleanly()
+    {
+        Window window;
+        window.view.show();
+        window.exchange.hold();
+        window.connectByForm();
+        window.view.close();
+        QVERIFY(window.view.isVisible()); // not before the action has let go
+        QTRY_VERIFY(!window.view.isVisible());
+        QVERIFY(window.actions.isIdle());
+        QVERIFY(window.alerts.shown().isEmpty());
+        QCOMPARE(window.exchange.sent(), QStringList{"dvardump"});
+    }
+
+    void theLayoutSurvivesARestart()
+    {
+        Window window;
+        window.view.resize(1100, 777);
+        window.view.show();
+        window.view.playersView->playersTableView->sortByColumn(6, Qt::DescendingOrder);
+        window.view.close();
+        FormMainView again(window.server, window.actions, window.alerts, window.preferences);
+        QCOMPARE(again.size(), QSize(1100, 777));
+        QCOMPARE(again.playersView->playersController->arranged()->sortColumn(), 6);
+    }
+
+    void alertsTakeServerTextLiterallyAndKeepItShort()
+    {
+        QWidget window;
+        window.show();
+        SheetAlerts alerts;
+        alerts.setWindow(&window);
+        const QString text = QStringLiteral("<b>bold</b>\n").repeated(500);
+        QCoro::Task<int> asking =
+            alerts.run(QStringLiteral("Title"), text, {QStringLiteral("Yes"), QStringLiteral("No")});
+        auto *box = window.findChild<QMessageBox *>(QStringLiteral("alert"));
+        QVERIFY(box != nullptr);
+        for (const QLabel *label : box->findChildren<QLabel *>())
+            QVERIFY(label->textFormat() == Qt::PlainText || label->text().isEmpty() || !label->pixmap().isNull());
+        QVERIFY(box->informativeText().size() < 1300);
+        QCOMPARE(box->detailedText(), text);
+        QTest::keyClick(box, Qt::Key_Escape);
+        QCOMPARE(awaited(std::move(asking)), 1); // dismissing is the last button
+    }
+
+    void aProgressSheetShowsWhatWasSetBefore()
+    {
+        QWidget window;
+        window.show();
+        ProgressWindowController progress;
+        progress.setTitle(QStringLiteral("Loading configuration..."));
+        progress.setCurrentProgress(3);
+        progress.beginSheet(&window);
+        const auto *bar = progress.window()->findChild<QProgressBar *>(QStringLiteral("progressIndicator"));
+        QCOMPARE(bar->maximum(), 100); // never set: left alone
+        QCOMPARE(bar->value(), 3);
+        QCOMPARE(progress.window()->findChild<QLabel *>(QStringLiteral("titleLabel"))->text(),
+                 QStringLiteral("Loading configuration..."));
+        progress.setProgressMax(7);
+        progress.setCurrentProgress(6);
+        QCOMPARE(bar->maximum(), 7);
+        QCOMPARE(bar->value(), 6);
+        const QPointer<QDialog> sheet = progress.window();
+        QTest::keyClick(sheet, Qt::Key_Escape);
+        QVERIFY(sheet->isVisible());
+        progress.endSheet();
+        QTRY_VERIFY(sheet.isNull());
+    }
+};
+
+QTEST_MAIN(MainWindowTest)
+#include "tst_mainwindow.moc"

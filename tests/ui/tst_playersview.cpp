@@ -1,0 +1,348 @@
+#include "Fixture.h"
+#include "PlaceholderTable.h"
+#include "PlayerSendMessage.h"
+#include "PlayersView.h"
+
+#include <QAbstractItemModelTester>
+#include <QFile>
+#include <QFileDialog>
+#include <QHeaderView>
+#include <QSignalSpy>
+
+static QString line(int number, const QString &name, int score = 0)
+{
+    return QStringLiteral("%1 %3 48 g%1 %2 allies 0 10.0.0.%1:3074 77 25000\n").arg(number).arg(name).arg(score);
+}
+
+/// A connected session with three players in the list.
+struct Players : Fixture {
+    Players()
+    {
+        connectToServer();
+        list(line(1, QStringLiteral("Ann"), 9) + line(2, QStringLiteral("Bob"), 10) + line(3, QStringLiteral("Cy"), 8));
+        view.setSelectedTabLabel(QStringLiteral("Players"));
+        refresh();
+        exchange.forgetSent();
+    }
+
+    void list(const QString &reply) { exchange.answer(QStringLiteral("teamstatus"), ScriptedExchange::ok(reply)); }
+    void refresh()
+    {
+        view.refreshPlayersButton->click();
+        QVERIFY(settle());
+    }
+    void select(const QStringList &names)
+    {
+        QItemSelectionModel *selection = view.playersController->selection();
+        selection->clear();
+        for (int row = 0; row < view.playersController->arranged()->rowCount(); ++row) {
+            const QModelIndex name = view.playersController->arranged()->index(row, 1);
+            if (names.contains(name.data().toString()))
+                selection->select(name, QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        }
+    }
+    QStringList shown() const
+    {
+        QStringList names;
+        const ArrangedRows *rows = view.playersController->arranged();
+        for (int row = 0; row < rows->rowCount(); ++row)
+            names.append(rows->index(row, 1).data().toString());
+        return names;
+    }
+
+    PlayersView view{server, actions, alerts, preferences};
+};
+
+class PlayersViewTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void fetchesOnlyWhenItIsDue()
+    {
+        Players players;
+        players.view.setSelectedTabLabel(QStringLiteral("Console"));
+        players.refresh();
+        QVERIFY(players.exchange.sent().isEmpty());
+        players.view.setSelectedTabLabel(QStringLiteral("Players"));
+        players.server.disconnect();
+        players.refresh();
+        QVERIFY(players.exchange.sent().isEmpty());
+    }
+
+    void aFailedRefreshLeavesTheRows()
+    {
+        Players players;
+        players.exchange.forget(QStringLiteral("teamstatus"));
+        players.refresh();
+        QCOMPARE(players.exchange.sent(), QStringList{QStringLiteral("teamstatus")});
+        QCOMPARE(players.shown(), QStringList({"Ann", "Bob", "Cy"}));
+        QVERIFY(players.alerts.shown().isEmpty());
+    }
+
+    void aRefreshKeepsWhoIsSelectedSortedAndFiltered()
+    {
+        Players players;
+        const QAbstractItemModelTester tester(players.view.playersController->arranged());
+        players.view.playersTableView->sortByColumn(5, Qt::DescendingOrder);
+        QCOMPARE(players.shown(), QStringList({"Bob", "Ann", "Cy"})); // 10, 9, 8: numbers, not texts
+        players.select({"Ann", "Cy"});
+        players.list(line(4, QStringLiteral("Dot"), 100) + line(3, QStringLiteral("Cy"), 20) +
+                     line(1, QStringLiteral("Eve"), 7));
+        players.refresh();
+        QCOMPARE(players.shown(), QStringList({"Dot", "Cy", "Eve"}));
+        QCOMPARE(players.view.playersController->selectedObjects().size(), 1); // Ann is gone, Eve is somebody else
+        players.view.playerFilterField->setText(QStringLiteral("dot"));
+        QCOMPARE(players.shown(), QStringList{"Dot"});
+        players.refresh();
+        QCOMPARE(players.shown(), QStringList{"Dot"});
+        QCOMPARE(players.view.playersController->content().size(), 3);
+    }
+
+    void sendsOneCommandForEachSelectedPlayer_data()
+    {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QStringList>("sent");
+        QTest::addColumn<int>("refreshAfter");
+        QTest::newRow("kick") << "kickPlayerButton" << QStringList{"clientkick 1", "clientkick 3"} << 5000;
+        QTest::newRow("ban") << "banPlayerButton" << QStringList{"banclient 1", "banclient 3"} << 5000;
+        QTest::newRow("temp ban") << "tempBanPlayerButton" << QStringList{"tempbanclient 1", "tempbanclient 3"} << 1000;
+    }
+    void sendsOneCommandForEachSelectedPlayer()
+    {
+        QFETCH(QString, button);
+        QFETCH(QStringList, sent);
+        QFETCH(int, refreshAfter);
+        Players players;
+        players.exchange.answerEverything(ScriptedExchange::ok());
+        players.select({"Ann", "Cy"});
+        QElapsedTimer clock;
+        clock.start();
+        players.view.findChild<QPushButton *>(button)->click();
+        QVERIFY(players.settle());
+        QCOMPARE(players.exchange.sent(), sent);
+        QVERIFY(players.alerts.shown().isEmpty());
+        QTRY_COMPARE_WITH_TIMEOUT(players.exchange.sent().last(), QStringLiteral("teamstatus"), 12000);
+        QVERIFY(clock.elapsed() >= refreshAfter * 9 / 10);
+        QVERIFY(players.settle());
+    }
+
+    void oneAlertTellsOfAllFailures()
+    {
+        Players players;
+        players.exchange.answer(QStringLiteral("clientkick 1"), ScriptedExchange::ok(QStringLiteral("kicked")));
+        players.exchange.answer(QStringLiteral("clientkick 2"),
+                                ScriptedExchange::ok(QStringLiteral(" \nclient 2 is not active\n\n")));
+        players.exchange.answer(QStringLiteral("clientkick 3"), ScriptedExchange::failure(QStringLiteral("lost")));
+        players.select({"Ann", "Bob", "Cy"});
+        players.view.kickPlayerButton->click();
+        QVERIFY(players.settle());
+        QCOMPARE(players.exchange.sent().size(), 3); // a batch goes on after a failure
+        QCOMPARE(players.alerts.titles(), QStringList{"Remote Command Failure"});
+        QCOMPARE(players.alerts.texts(),
+                 QStringList{"The following player(s) failed to process the 'clientkick' command: \n"
+                             "  Bob (client 2 is not active)\n  Cy (lost)"});
+    }
+
+    void whoWasSelectedAtThePressIsKicked()
+    {
+        Players players;
+        players.exchange.answerEverything(ScriptedExchange::ok());
+        players.exchange.hold();
+        players.view.refreshPlayersButton->click();
+        players.select({"Ann"});
+        players.view.kickPlayerButton->click(); // waits behind the refresh
+        players.select({"Bob"});
+        players.exchange.release();
+        QTRY_COMPARE(players.exchange.keptCount(), 1);
+        QCOMPARE(players.exchange.sent(), QStringList({"teamstatus", "clientkick 1"}));
+        players.exchange.release();
+        QVERIFY(players.settle());
+    }
+
+    void disconnectingEndsABatchWithoutAnAlert()
+    {
+        Players players;
+        players.exchange.hold();
+        players.select({"Ann", "Bob", "Cy"});
+        players.view.kickPlayerButton->click();
+        players.view.refreshPlayersButton->click();
+        QCOMPARE(players.exchange.keptCount(), 1);
+        players.actions.dropWaiting();
+        players.server.cancelExchange();
+        players.server.disconnect();
+        QVERIFY(players.settle());
+        QCOMPARE(players.exchange.sent(), QStringList{"clientkick 1"});
+        QVERIFY(players.alerts.shown().isEmpty());
+    }
+
+    void anOpenAlertHoldsTheTurn()
+    {
+        Players players;
+        players.alerts.hold();
+        players.select({"Ann"});
+        players.view.kickPlayerButton->click(); // times out: alert
+        QTRY_COMPARE(players.alerts.openCount(), 1);
+        players.view.refreshPlayersButton->click();
+        QTest::qWait(0);
+        QCOMPARE(players.exchange.sent(), QStringList{"clientkick 1"});
+        players.alerts.dismiss();
+        QVERIFY(players.settle());
+        QCOMPARE(players.exchange.sent(), QStringList({"clientkick 1", "teamstatus"}));
+    }
+
+    void kickAllAsksFirst_data()
+    {
+        QTest::addColumn<int>("button");
+        QTest::addColumn<Reply>("reply");
+        QTest::addColumn<QStringList>("sent");
+        QTest::addColumn<QStringList>("texts");
+        const QString question = QStringLiteral("Do you really want to kick everyone?");
+        QTest::newRow("no") << 1 << ScriptedExchange::ok() << QStringList{} << QStringList{question};
+        QTest::newRow("yes") << 0 << ScriptedExchange::ok() << QStringList{"kick all"} << QStringList{question};
+        QTest::newRow("yes, but it fails") << 0 << ScriptedExchange::failure("lost") << QStringList{"kick all"}
+                                           << QStringList{question, "KickAll returned an error: lost"};
+    }
+    void kickAllAsksFirst()
+    {
+        QFETCH(int, button);
+        QFETCH(Reply, reply);
+        QFETCH(QStringList, sent);
+        QFETCH(QStringList, texts);
+        Players players;
+        players.exchange.answer(QStringLiteral("kick all"), reply);
+        players.alerts.answerWith(button);
+        players.view.kickAllButton->click();
+        QVERIFY(players.settle());
+        QCOMPARE(players.exchange.sent(), sent);
+        QCOMPARE(players.alerts.texts(), texts);
+        QCOMPARE(players.alerts.shown().first().title, QStringLiteral("Please Confirm Command"));
+        QCOMPARE(players.alerts.shown().first().buttons, QStringList({"Yes", "No"}));
+    }
+
+    void kickAllAsksAtOnceAndKeepsItsPlace()
+    {
+        Players players;
+        players.exchange.answerEverything(ScriptedExchange::ok());
+        players.exchange.hold();
+        players.alerts.hold();
+        players.view.refreshPlayersButton->click();
+        players.view.kickAllButton->click();
+        QCOMPARE(players.alerts.openCount(), 1); // while the refresh is still under way
+        players.exchange.release();
+        players.view.refreshPlayersButton->click();
+        players.alerts.dismiss();
+        QTRY_COMPARE(players.exchange.keptCount(), 1);
+        QCOMPARE(players.exchange.sent(), QStringList({"teamstatus", "kick all"}));
+        players.exchange.release();
+        QTRY_COMPARE(players.exchange.keptCount(), 1);
+        players.exchange.release();
+        QVERIFY(players.settle());
+    }
+
+    void thePanelSendsOrNot_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("isSent");
+        QTest::addColumn<QStringList>("sent");
+        QTest::newRow("sent as it stands") << "see \"you\" " << true << QStringList{"tell 3 see \"you\" "};
+        QTest::newRow("cancelled") << "see you" << false << QStringList{};
+    }
+    void thePanelSendsOrNot()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, isSent);
+        QFETCH(QStringList, sent);
+        Players players;
+        players.exchange.answerEverything(ScriptedExchange::ok());
+        players.select({"Cy"});
+        PlayerSendMessage *panel = players.view.playerSendMessagePanel;
+        panel->messageTextField->setText(QStringLiteral("old"));
+        players.view.messagePlayerButton->click();
+        QVERIFY(panel->messageString().isEmpty());
+        QVERIFY(!panel->sendButton->isEnabled());
+        panel->messageTextField->setText(text);
+        QVERIFY(panel->sendButton->isEnabled());
+        if (isSent)
+            panel->sendButton->click();
+        else
+            QTest::keyClick(panel, Qt::Key_Escape);
+        QVERIFY(players.settle());
+        QVERIFY(!panel->isVisible());
+        QCOMPARE(players.exchange.sent(), sent);
+    }
+
+    void theTimerFollowsThePreferenceAndEachRefresh()
+    {
+        Players players;
+        QVERIFY(!players.view.autoupdatePlayerTimer.isActive());
+        players.view.autoUpdatePlayersTime->setValue(7);
+        players.view.autoUpdatePlayers->setChecked(true);
+        QVERIFY(players.view.autoupdatePlayerTimer.isActive());
+        QCOMPARE(players.view.autoupdatePlayerTimer.interval(), 7000);
+        QCOMPARE(players.preferences.intValue(QStringLiteral("autoUpdatePlayersTime"), 1, 99), 7);
+        players.view.autoupdatePlayerTimer.stop();
+        players.refresh();
+        QVERIFY(players.view.autoupdatePlayerTimer.isActive());
+        players.view.autoUpdatePlayers->setChecked(false);
+        QVERIFY(!players.view.autoupdatePlayerTimer.isActive());
+    }
+
+    void aRefreshThatWaitsIsNotDoubled()
+    {
+        Players players;
+        players.exchange.answerEverything(ScriptedExchange::ok());
+        players.exchange.hold();
+        players.select({"Ann"});
+        players.view.kickPlayerButton->click();
+        for (int i = 0; i < 3; ++i)
+            players.view.refreshPlayersButtonPressed();
+        players.exchange.release();
+        QTRY_COMPARE(players.exchange.keptCount(), 1);
+        players.view.refreshPlayersButtonPressed(); // the first is under way: this one fetches what it misses
+        players.exchange.release();
+        QTRY_COMPARE(players.exchange.keptCount(), 1);
+        players.exchange.release();
+        QVERIFY(players.settle());
+        QCOMPARE(players.exchange.sent(), QStringList({"clientkick 1", "teamstatus", "teamstatus"}));
+    }
+
+    void savesTheListInItsOrder()
+    {
+        Players players;
+        players.view.playersTableView->sortByColumn(5, Qt::DescendingOrder);
+        players.view.playerFilterField->setText(QStringLiteral("ann"));
+        players.view.savePlayerListButton->click();
+        auto *panel = players.view.findChild<QFileDialog *>(QStringLiteral("savePlayerListPanel"));
+        QVERIFY(panel != nullptr);
+        const QString path = players.folder.filePath(QStringLiteral("list.csv"));
+        emit panel->fileSelected(path);
+        panel->close();
+        QVERIFY(players.settle());
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray text = file.readAll();
+        QVERIFY(text.endsWith("2,Bob,g2,10.0.0.2:3074,allies,10,48\n"
+                              "1,Ann,g1,10.0.0.1:3074,allies,9,48\n"
+                              "3,Cy,g3,10.0.0.3:3074,allies,8,48\n"));
+    }
+
+    void savingAsksBeforeItReplacesAndTellsOfFailures()
+    {
+        Players players;
+        const QString path = players.folder.filePath(QStringLiteral("list.txt"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("old");
+        file.close();
+        players.alerts.answerWith(1);
+        awaited(players.view.savePlayerListTo(path, {}));
+        QCOMPARE(players.alerts.titles(), QStringList{"Replace File"});
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("old"));
+        awaited(players.view.savePlayerListTo(players.folder.filePath(QStringLiteral("absent/list.txt")), {}));
+        QCOMPARE(players.alerts.titles(), QStringList({"Replace File", "Save Failed"}));
+    }
+};
+
+QTEST_MAIN(PlayersViewTest)
+#include "tst_playersview.moc"
