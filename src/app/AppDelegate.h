@@ -1,0 +1,43 @@
+#pragma once
+
+#include "ActionQueue.h"
+#include "KelServer.h"
+#include "Preferences.h"
+#include "RConExchange.h"
+#include "SheetAlerts.h"
+
+#include <memory>
+
+class DemoServer;
+class FormMainView;
+
+/// The application: what lives as long as the process, and the window. Needs a QApplication.
+class AppDelegate : public QObject
+{
+    Q_OBJECT
+public:
+    /// @param preferencesFile  where the user's settings are kept; empty means the user's own place.
+    explicit AppDelegate(const QString &preferencesFile = {});
+    ~AppDelegate() override;
+
+    /// The folder for the user's work. Made at the first call, readable by its owner only; the same on every call.
+    static QString applicationSupportDirectory();
+
+    FormMainView &window() { return *m_window; }
+    ActionQueue &actions() { return m_actions; }
+    KelServer &server() { return m_server; }
+
+    /// Starts the demo server on this computer, if it does not run yet, and connects to it.
+    void tryDemoServer();
+
+private:
+    void registerDefaults();
+
+    Preferences m_preferences;
+    SheetAlerts m_alerts;
+    RConExchange m_exchange;
+    KelServer m_server;
+    ActionQueue m_actions;
+    std::unique_ptr<DemoServer> m_demoServer;
+    std::unique_ptr<FormMainView> m_window;
+};

@@ -1,0 +1,70 @@
+#include "CommandLine.h"
+
+#include <QCommandLineParser>
+
+namespace
+{
+struct Options {
+    Options()
+    {
+        parser.setApplicationDescription(QStringLiteral(
+            "Remote administration of a game server.\n\n"
+            "With --connect the password is taken from the environment variable FERROW_RCON_PASSWORD, or asked for."));
+        parser.addOptions({help, version, target, demo});
+    }
+
+    QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Shows this text.")};
+    QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Shows the version.")};
+    QCommandLineOption target{QStringLiteral("connect"), QStringLiteral("Opens connected to the server at HOST:PORT."),
+                              QStringLiteral("HOST:PORT")};
+    QCommandLineOption demo{QStringLiteral("demo"), QStringLiteral("Opens connected to the built-in demo server.")};
+    QCommandLineParser parser;
+};
+} // namespace
+
+static CommandLine faulty(const QString &error)
+{
+    CommandLine line;
+    line.error = error;
+    return line;
+}
+
+QString CommandLine::version()
+{
+    return QStringLiteral(FERROW_VERSION);
+}
+
+QString CommandLine::answerWithoutDisplay(const QStringList &arguments)
+{
+    Options options;
+    options.parser.parse(arguments); // what else is on the line is judged later
+    if (options.parser.isSet(options.help)) {
+        const QString text = options.parser.helpText();
+        return QStringLiteral("Usage: ferrow-rcon [options]\n") + text.section(QLatin1Char('\n'), 1);
+    }
+    if (options.parser.isSet(options.version))
+        return QStringLiteral("ferrow-rcon %1\n").arg(version());
+    return {};
+}
+
+CommandLine CommandLine::parse(const QStringList &arguments)
+{
+    Options options;
+    if (!options.parser.parse(arguments))
+        return faulty(options.parser.errorText());
+    const QStringList rest = options.parser.positionalArguments();
+    if (!rest.isEmpty())
+        return faulty(QStringLiteral("Unexpected argument \"%1\".").arg(rest.first()));
+    CommandLine line;
+    line.isDemo = options.parser.isSet(options.demo);
+    if (!options.parser.isSet(options.target))
+        return line;
+    if (line.isDemo)
+        return faulty(QStringLiteral("--connect and --demo exclude each other."));
+    const QString text = options.parser.value(options.target);
+    line.connectHost = text.section(QLatin1Char(':'), 0, -2);
+    line.connectPort = text.section(QLatin1Char(':'), -1);
+    if (line.connectHost.isEmpty() || line.connectPort.isEmpty())
+        return faulty(QStringLiteral("--connect takes HOST:PORT, for example 192.0.2.10:28960."));
+    return line;
+}

@@ -1,0 +1,46 @@
+#include "AppDelegate.h"
+#include "CommandLine.h"
+#include "FormMainView.h"
+
+#include <QApplication>
+#include <QTimer>
+
+#include <cstdio>
+
+static QStringList argumentsOf(int argc, char **argv)
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    return arguments;
+}
+
+int main(int argc, char **argv)
+{
+    // Before anything needs a display, so that these answer without one.
+    const QString answer = CommandLine::answerWithoutDisplay(argumentsOf(argc, argv));
+    if (!answer.isEmpty()) {
+        std::fputs(qPrintable(answer), stdout);
+        return 0;
+    }
+    const QString password = qEnvironmentVariable("FERROW_RCON_PASSWORD");
+    qunsetenv("FERROW_RCON_PASSWORD"); // nothing that is started from here needs to know
+
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("ferrow-rcon"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Kelvard Ferrow Remote Console"));
+    QApplication::setApplicationVersion(CommandLine::version());
+    const CommandLine line = CommandLine::parse(QApplication::arguments());
+    if (!line.error.isEmpty()) {
+        std::fprintf(stderr, "ferrow-rcon: %s\n", qPrintable(line.error));
+        return 2;
+    }
+    AppDelegate delegate;
+    delegate.window().show();
+    if (line.isDemo)
+        QTimer::singleShot(0, &delegate, &AppDelegate::tryDemoServer);
+    else if (!line.connectHost.isEmpty())
+        QTimer::singleShot(0, &delegate,
+                           [&] { delegate.window().quickConnect(line.connectHost, line.connectPort, password); });
+    return QApplication::exec();
+}

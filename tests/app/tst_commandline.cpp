@@ -1,0 +1,54 @@
+#include "AppDelegate.h"
+#include "CommandLine.h"
+
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTest>
+
+class CommandLineTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void parses_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("target"); // host and port, or "demo"
+        QTest::addColumn<bool>("isGood");
+        QTest::newRow("nothing") << QStringList{} << ":" << true;
+        QTest::newRow("connect") << QStringList{"--connect", "10.0.0.1:28960"} << "10.0.0.1:28960" << true;
+        QTest::newRow("a host name is judged by the session")
+            << QStringList{"--connect=game.example:x"} << "game.example:x" << true;
+        QTest::newRow("no port") << QStringList{"--connect", "10.0.0.1"} << "" << false;
+        QTest::newRow("no host") << QStringList{"--connect", ":28960"} << "" << false;
+        QTest::newRow("empty port") << QStringList{"--connect", "10.0.0.1:"} << "" << false;
+        QTest::newRow("no value") << QStringList{"--connect"} << "" << false;
+        QTest::newRow("no password on the line") << QStringList{"--password", "secret"} << "" << false;
+        QTest::newRow("a word of its own") << QStringList{"10.0.0.1:28960"} << "" << false;
+        QTest::newRow("demo") << QStringList{"--demo"} << "demo" << true;
+        QTest::newRow("both") << QStringList{"--demo", "--connect", "10.0.0.1:1"} << "" << false;
+    }
+    void parses()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, target);
+        QFETCH(bool, isGood);
+        const CommandLine line = CommandLine::parse(QStringList{"ferrow-rcon"} + arguments);
+        QCOMPARE(line.error.isEmpty(), isGood);
+        if (isGood)
+            QCOMPARE(line.isDemo ? QStringLiteral("demo") : line.connectHost + ":" + line.connectPort, target);
+    }
+
+    void theSupportFolderIsTheOwnersOnly()
+    {
+        QStandardPaths::setTestModeEnabled(true);
+        const QString folder = AppDelegate::applicationSupportDirectory();
+        QVERIFY(folder.endsWith(QStringLiteral("/Kelvard Ferrow Remote Console")));
+        QCOMPARE(QFileInfo(folder).permissions() & (QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup |
+                                                    QFile::ReadOther | QFile::WriteOther | QFile::ExeOther),
+                 QFile::Permissions{});
+        QCOMPARE(AppDelegate::applicationSupportDirectory(), folder);
+    }
+};
+
+QTEST_GUILESS_MAIN(CommandLineTest)
+#include "tst_commandline.moc"

@@ -1,0 +1,33 @@
+#include "AppDelegate.h"
+#include "FormMainView.h"
+#include "Journey.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+class JourneyTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void leadsThroughTheWholeWindow()
+    {
+        const QTemporaryDir folder;
+        AppDelegate application(folder.filePath(QStringLiteral("preferences.ini")));
+        Journey journey(application, {});
+        QVERIFY2(journey.perform(), qPrintable(journey.failure()));
+    }
+
+    void closesInTheMiddleOfAConnect()
+    {
+        const QTemporaryDir folder;
+        AppDelegate application(folder.filePath(QStringLiteral("preferences.ini")));
+        application.window().show();
+        application.tryDemoServer();
+        application.window().close();
+        QTRY_VERIFY_WITH_TIMEOUT(!application.window().isVisible(), 10000);
+        QVERIFY(application.actions().isIdle());
+    }
+};
+
+QTEST_MAIN(JourneyTest)
+#include "tst_journey.moc"
