@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QList>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+/// One row of the list: everything as the user typed it. Without a password when the stored one cannot be decrypted.
+struct SavedServer {
+    QString label;
+    QString host;
+    QString port;
+    std::optional<QString> password;
+};
+
+/// What a reading or a writing of the file came to, in words for the user.
+struct SavedServersOutcome {
+    QString error;    ///< empty if all is well
+    QString keptCopy; ///< path of the copy of the former file, if one had to be kept aside
+};
+
+/// The servers that the user has saved, and their file: a property list from label to host, port and encrypted
+/// password.
+///
+/// Every change is written at once. A change whose writing fails stays in the list until the program ends, and the
+/// outcome says so. What the file holds beyond the known is left as it is: other keys of an entry, values of another
+/// kind, passwords that cannot be decrypted. Main thread only.
+class SavedServers
+{
+    Q_DECLARE_TR_FUNCTIONS(SavedServers)
+
+public:
+    /// @param path       the file; its folder is made when it is needed, for its owner only.
+    /// @param loginName  encrypts the passwords, so that a file opens only for the account that wrote it.
+    SavedServers(QString path, QString loginName);
+
+    /// Reads the file anew. A missing file is an empty list and no error; with any error the list is empty, and the
+    /// file is kept aside as a copy before something replaces it.
+    [[nodiscard]] SavedServersOutcome load();
+
+    /// Sorted by label without regard to case.
+    QList<SavedServer> servers() const;
+
+    /// Stores the entry under its label in place of an older one. Without a password the stored password stays.
+    [[nodiscard]] SavedServersOutcome save(const SavedServer &entry);
+
+    /// Removes all of `labels` and writes once; does nothing if none of them is known.
+    [[nodiscard]] SavedServersOutcome remove(const QStringList &labels);
+
+    /// Replaces the password of a saved server; an error if there is none of that label.
+    [[nodiscard]] SavedServersOutcome setPassword(const QString &label, const QString &password);
+
+private:
+    struct NodeDeleter {
+        void operator()(void *node) const;
+    };
+
+    void readEntries();
+    bool keepAside(SavedServersOutcome *outcome) const;
+    SavedServersOutcome write();
+
+    QString m_path;
+    QString m_loginName;
+    std::unique_ptr<void, NodeDeleter> m_document; // the whole file, with what this version does not know
+    QMap<QString, SavedServer> m_servers;
+    QByteArray m_knownDigest;        // of the file as it was last read or written
+    bool m_wouldLoseContent = false; // the file holds what the document does not
+};

@@ -1,0 +1,399 @@
+#include "PasswordEncryption.h"
+#include "SavedServers.h"
+
+#include <QDir>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+#include <optional>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+// Made by another property-list library: "Ödland" with the password "secret" of the account "alice", and "beta".
+static const QByteArray binaryFile = QByteArray::fromBase64(
+    "YnBsaXN0MDDSAQIDCFRiZXRhZgDWAGQAbABhAG4AZNIEBQYHVGhvc3RUcG9ydFFiUTHTBAkFCgsMWHBhc3N3b3JkWDEwLjAuMC43TxAQJw4aQn5y"
+    "TOpaPjBTWoMQCFUyODk2MAgNEh8kKS4wMjlCS14AAAAAAAABAQAAAAAAAAANAAAAAAAAAAAAAAAAAAAAZA==");
+// "secret" of "alice", as the openssl command encrypts it.
+static const QByteArray aliceSecret = QByteArray::fromHex("270e1a427e724cea5a3e30535a831008");
+
+static QByteArray xmlFile(const QByteArray &content)
+{
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//X//DTD PLIST 1.0//EN\" \"x.dtd\">\n"
+           "<plist version=\"1.0\"><dict>" +
+           content + "</dict></plist>";
+}
+
+static QByteArray xmlEntry(const QByteArray &label, const QByteArray &more = {})
+{
+    return "<key>" + label + "</key><dict><key>host</key><string>h</string><key>port</key><string>1</string>" + more +
+           "</dict>";
+}
+
+static QByteArray xmlPassword(const QByteArray &secret)
+{
+    return "<key>password</key><data>" + secret.toBase64() + "</data>";
+}
+
+/// Arrays within one another, each referring to the next one `width` times; the last one to itself if `isCircle`.
+static QByteArray binaryArrays(int count, int width, bool isCircle)
+{
+    QByteArray file = "bplist00";
+    QByteArray offsets;
+    for (int i = 0; i < count; ++i) {
+        const bool isLast = i == count - 1;
+        offsets.append(char(file.size() >> 8)).append(char(file.size() & 0xff));
+        file.append(isLast && !isCircle ? '\xa0' : char(0xa0 | width));
+        for (int j = 0; j < width && (!isLast || isCircle); ++j)
+            file.append(char(isLast ? i : i + 1));
+    }
+    const auto table = static_cast<char>(file.size());
+    const auto tableHigh = static_cast<char>(file.size() >> 8);
+    return file + offsets + QByteArray(6, '\0') + "\x02\x01" + QByteArray(7, '\0') + char(count) + QByteArray(8, '\0') +
+           QByteArray(6, '\0') + tableHigh + table;
+}
+
+static QStringList rowsOf(const SavedServers &list)
+{
+    QStringList rows;
+    for (const SavedServer &server : list.servers())
+        rows.append(QStringList{server.label, server.host, server.port, server.password.value_or("(none)")}.join('|'));
+    return rows;
+}
+
+static bool isPrivate(const QString &path)
+{
+    return (QFile::permissions(path) & QFileDevice::Permissions(0x0077)) == 0;
+}
+
+class SavedServersTest : public QObject
+{
+    Q_OBJECT
+
+    std::optional<QTemporaryDir> m_folder;
+    QString m_path;
+
+    void put(const QByteArray &content) const
+    {
+        QFile file(m_path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(content), content.size());
+    }
+    static QByteArray contentOf(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    QStringList asides() const { return QDir(m_folder->path()).entryList({"SavedServers.plist.*"}, QDir::Files); }
+
+private slots:
+    void init()
+    {
+        m_folder.emplace();
+        m_path = m_folder->filePath("SavedServers.plist");
+    }
+
+    void aesAgreesWithThePublishedVector()
+    {
+        // NIST SP 800-38A, F.2.5. Its start vector is taken into the first block, for ours is zero.
+        const QByteArray bytes =
+            QByteArray::fromHex("603deb1015ca71be2b73aef0857d77811f352c073b6108d72d9810a30914dff4");
+        const QByteArray plain = "6bc0bce12a459991e134741a7f9e1925ae2d8a571e03ac9c9eb76fac45af8e51"
+                                 "30c81c46a35ce411e5fbc1191a0a52eff69f2445df4f9b17ad2b417be66c3710";
+        const QByteArray cipher = "f58c4c04d6e5f1ba779eabfb5f7bfbd69cfc4e967edb808d679f777bc6702c7d"
+                                  "39f23369a9d9bacfa530e26304231461b2eb05e2c39be9fcda6c19078c6a9d1b";
+        Aes256Key key{};
+        std::copy(bytes.begin(), bytes.end(), key.begin());
+        const std::optional<QByteArray> encrypted = aes256Encrypt(QByteArray::fromHex(plain), key);
+        QVERIFY(encrypted);
+        QCOMPARE(encrypted->toHex().chopped(32), cipher); // without the block of padding
+        QCOMPARE(aes256Decrypt(*encrypted, key)->toHex(), plain);
+    }
+
+    // As "openssl dgst -sha256" makes the key and "openssl enc -aes-256-cbc" with a start vector of zeros the rest.
+    void passwordsAgreeWithTheOpensslCommand_data()
+    {
+        QTest::addColumn<QString>("salt");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QByteArray>("cipher");
+        const auto row = [](const char *name, const QString &salt, const QString &text, const QByteArray &cipher) {
+            QTest::newRow(name) << salt << text << cipher;
+        };
+        row("empty", "alice", "", "349762fc75f15ac666600c51210cd4c3");
+        row("whole block", "alice", "0123456789abcdef",
+            "c4810ad9958907ceff701fd9b4604a482f4e738f610aaa061f82768977ec7abc");
+        row("alice", "alice", "secret", aliceSecret.toHex());
+        row("bob", "bob", "secret", "f83c50962da613df06039a9e098a6b62");
+        row("mark and zero", "alice", QChar(0xfeff) + QString("a") + QChar(0) + 'b',
+            "3f94211cc430663fd1d99e8b6f552708");
+        row("beyond ASCII", "jörg", "pässwört€", "431d793d54dd75273b8b571b54192d57");
+    }
+    void passwordsAgreeWithTheOpensslCommand()
+    {
+        QFETCH(QString, salt);
+        QFETCH(QString, text);
+        QFETCH(QByteArray, cipher);
+        const std::optional<QByteArray> encrypted = AES256EncryptWithPassword(text, "VendRulpGam", salt);
+        QCOMPARE(encrypted->toHex(), cipher);
+        QCOMPARE(AES256DecryptWithPassword(*encrypted, "VendRulpGam", salt), text);
+        QCOMPARE(AES256DecryptWithPassword(*encrypted, "VendRulpGam", salt + '2'), std::nullopt);
+    }
+
+    void damagedSecretsYieldNothing()
+    {
+        const Aes256Key key = *keyFromPassword("p", "s");
+        const QByteArray noUtf8 = *aes256Encrypt("a\xff", key);
+        const QByteArray characterBreaksOff = *aes256Encrypt("a\xc3", key);
+        for (const QByteArray &cipher : {QByteArray(), QByteArray(8, 'x'), noUtf8, characterBreaksOff})
+            QCOMPARE(AES256DecryptWithPassword(cipher, "p", "s"), std::nullopt);
+    }
+
+    void readsBothFlavours_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("login");
+        QTest::addColumn<QStringList>("rows");
+        const QString odland = QString::fromUtf8("Ödland|10.0.0.7|28960|");
+        QTest::newRow("binary") << binaryFile << "alice" << QStringList{"beta|b|1|(none)", odland + "secret"};
+        QTest::newRow("other account") << binaryFile << "bob" << QStringList{"beta|b|1|(none)", odland + "(none)"};
+        QTest::newRow("XML, in order without case")
+            << xmlFile(xmlEntry("b") + xmlEntry("C") + xmlEntry("A &amp; B", xmlPassword(aliceSecret))) << "alice"
+            << QStringList{"A & B|h|1|secret", "b|h|1|(none)", "C|h|1|(none)"};
+        QTest::newRow("wrong types")
+            << xmlFile("<key>n</key><integer>1</integer><key>e</key><dict><key>host</key><true/>"
+                       "<key>port</key><integer>28960</integer><key>password</key><string>p</string></dict>")
+            << "alice" << QStringList{"e||28960|(none)"};
+        QTest::newRow("label twice") << xmlFile(xmlEntry("a") + "<key>a</key><dict/>") << "alice"
+                                     << QStringList{"a|||(none)"};
+        QTest::newRow("no entries") << xmlFile({}) << "alice" << QStringList();
+    }
+    void readsBothFlavours()
+    {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, login);
+        QFETCH(QStringList, rows);
+        put(file);
+        SavedServers list(m_path, login);
+        QCOMPARE(list.load().error, QString());
+        QCOMPARE(rowsOf(list), rows);
+        // What is not understood survives a rewrite: the file still opens for the account that wrote it.
+        QCOMPARE(list.save({"new", "h", "2", "pw"}).error, QString());
+        QVERIFY(contentOf(m_path).startsWith("<?xml"));
+        QCOMPARE(asides(), QStringList());
+        SavedServers again(m_path, login);
+        QCOMPARE(again.load().error, QString());
+        QVERIFY(rowsOf(again).removeOne("new|h|2|pw"));
+        QCOMPARE(again.servers().size(), rows.size() + 1);
+    }
+
+    void changesReachTheFile()
+    {
+        m_path = m_folder->filePath("made/SavedServers.plist");
+        SavedServers list(m_path, "alice");
+        QCOMPARE(list.load().error, QString());
+        QCOMPARE(list.save({"a", "old", "1", "x"}).error, QString());
+        QCOMPARE(list.save({"a<&>\"'\n", "h", "2", ""}).error, QString());
+        QCOMPARE(list.save({"c", "h", "3", "0123456789abcdef"}).error, QString());
+        QCOMPARE(list.save({"d", "h", "3", std::nullopt}).error, QString());
+        QCOMPARE(list.save({"a", "new", "1", "y"}).error, QString());
+        QCOMPARE(list.setPassword("a", "z").error, QString());
+        QCOMPARE(list.remove({"c", "d", "unknown"}).error, QString());
+        QVERIFY(!list.setPassword("c", "lost").error.isEmpty());
+
+        const QStringList rows{"a|new|1|z", "a<&>\"'\n|h|2|"};
+        QCOMPARE(rowsOf(list), rows);
+        SavedServers again(m_path, "alice");
+        QCOMPARE(again.load().error, QString());
+        QCOMPARE(rowsOf(again), rows);
+        QVERIFY(isPrivate(m_path));
+        QVERIFY(isPrivate(QFileInfo(m_path).path()));
+    }
+
+    void rewriteNarrowsPermissionsAndKeepsWhatIsUnknown()
+    {
+        put(xmlFile(xmlEntry("a", xmlPassword(aliceSecret) + "<key>colour</key><string>red</string>") +
+                    "<key>future</key><array><integer>-7</integer></array>"
+                    "<key>ported</key><dict><key>port</key><integer>28960</integer></dict>"));
+        QVERIFY(QFile::setPermissions(m_path, QFileDevice::Permissions(0x6644)));
+        SavedServers list(m_path, "bob");
+        QCOMPARE(list.load().error, QString());
+        QCOMPARE(list.save({"a", "elsewhere", "2", std::nullopt}).error, QString());
+        QByteArray written = contentOf(m_path);
+        for (const QByteArray &part : QByteArrayList{"colour", "red", "-7", aliceSecret.toBase64()})
+            QVERIFY2(written.contains(part), part.constData());
+        QVERIFY(isPrivate(m_path));
+        QCOMPARE(list.setPassword("ported", "pw").error, QString());
+        written = contentOf(m_path);
+        QVERIFY(written.contains("<integer>28960</integer>"));
+        // Only a server saved over the value that is no entry would lose it.
+        const SavedServersOutcome outcome = list.save({"future", "h", "1", "p"});
+        QCOMPARE(outcome.error, QString());
+        QCOMPARE(contentOf(outcome.keptCopy), written);
+    }
+
+    void damagedFilesAreKeptAside_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QByteArray garbage(4096, '\0');
+        QRandomGenerator random(1);
+        random.fillRange(reinterpret_cast<quint32 *>(garbage.data()), garbage.size() / 4);
+        const auto nested = [](const QByteArray &open, const QByteArray &close, int levels) {
+            return xmlFile("<key>a</key>" + open.repeated(levels) + close.repeated(levels));
+        };
+        QTest::newRow("no bytes") << QByteArray();
+        QTest::newRow("garbage") << garbage;
+        QTest::newRow("binary garbage") << "bplist00" + garbage;
+        QTest::newRow("binary cut off") << binaryFile.chopped(1);
+        QTest::newRow("binary root is no dictionary") << binaryArrays(2, 1, false);
+        QTest::newRow("binary circle") << binaryArrays(3, 1, true);
+        QTest::newRow("binary deep") << binaryArrays(100, 1, false);
+        QTest::newRow("binary that multiplies") << binaryArrays(31, 9, false);
+        QTest::newRow("XML cut off") << xmlFile(xmlEntry("a")).chopped(20);
+        QTest::newRow("XML root is no dictionary") << QByteArray("<plist version=\"1.0\"><array/></plist>");
+        QTest::newRow("XML in Latin-1") << xmlFile(xmlEntry("\xd6"));
+        QTest::newRow("XML with entities") << QByteArray("<!DOCTYPE plist [<!ENTITY a \"b\">]><plist><dict/></plist>");
+        QTest::newRow("XML deep") << nested("<array>", "</array>", 400000);
+        QTest::newRow("XML deep by hidden ends") << nested("<array a='>'/>", "", 400000);
+        QTest::newRow("larger than the bound")
+            << xmlFile("<key>a</key><string>" + QByteArray(9 << 20, 'x') + "</string>");
+    }
+    void damagedFilesAreKeptAside()
+    {
+        QFETCH(QByteArray, file);
+        put(file);
+        SavedServers list(m_path, "alice");
+        QVERIFY(list.load().error.contains(m_path));
+        QCOMPARE(list.servers().size(), 0);
+        QCOMPARE(contentOf(m_path), file);
+        const SavedServersOutcome outcome = list.save({"a", "h", "1", "p"});
+        QCOMPARE(outcome.error, QString());
+        QVERIFY(outcome.keptCopy.startsWith(m_path + ".damaged-"));
+        QCOMPARE(contentOf(outcome.keptCopy), file);
+        QCOMPARE(list.save({"b", "h", "1", "p"}).keptCopy, QString());
+        QCOMPARE(asides().size(), 1);
+        QCOMPARE(list.load().error, QString());
+        QCOMPARE(rowsOf(list), QStringList({"a|h|1|p", "b|h|1|p"}));
+    }
+
+    void mutatedFilesAreReadOrRefused()
+    {
+        QRandomGenerator random(7);
+        const QByteArray xml = xmlFile(xmlEntry("a", xmlPassword(aliceSecret)));
+        int refused = 0;
+        for (int i = 0; i < 200; ++i) {
+            QByteArray file = i % 2 == 0 ? binaryFile : xml;
+            for (int change = random.bounded(1, 5); change > 0; --change)
+                file[random.bounded(file.size())] = static_cast<char>(random.bounded(256));
+            put(file);
+            SavedServers list(m_path, "alice");
+            const bool isRefused = !list.load().error.isEmpty();
+            QVERIFY(!isRefused || list.servers().isEmpty());
+            refused += isRefused ? 1 : 0;
+        }
+        QVERIFY(refused > 0 && refused < 200);
+    }
+
+    void changesOfAnotherProgramAreKeptAside()
+    {
+        SavedServers list(m_path, "alice");
+        QCOMPARE(list.load().error, QString());
+        for (const QByteArray &foreign : {xmlFile(xmlEntry("other")), xmlFile(xmlEntry("another"))}) {
+            put(foreign);
+            const SavedServersOutcome outcome = list.save({"mine", "h", "1", "p"});
+            QCOMPARE(outcome.error, QString());
+            QVERIFY(outcome.keptCopy.startsWith(m_path + ".changed-"));
+            QCOMPARE(contentOf(outcome.keptCopy), foreign);
+        }
+        QCOMPARE(asides().size(), 2);
+        QVERIFY(QFile::remove(m_path));
+        QCOMPARE(list.setPassword("mine", "q").keptCopy, QString());
+        QCOMPARE(list.load().error, QString());
+        QCOMPARE(rowsOf(list), QStringList("mine|h|1|q"));
+    }
+
+    void unusualTextsAreStoredOrRefused()
+    {
+        SavedServers list(m_path, "alice");
+        for (const QString &refused : QStringList{QString(), QString("a") + QChar(0), QString(QChar(0xd800))})
+            QVERIFY(!list.save({refused, "h", "1", "p"}).error.isEmpty());
+        for (const QString &refused : {QString(QChar(0)), QString(20000, 'x')})
+            QVERIFY(!list.save({"a", refused, "1", "p"}).error.isEmpty());
+        QVERIFY(!list.save({"a", "h", "1", QString(20000, 'x')}).error.isEmpty());
+        QCOMPARE(list.servers().size(), 0);
+        QVERIFY(!QFile::exists(m_path));
+        QCOMPARE(list.save({"bell\a", "h", "1", "p"}).error, QString());
+        QCOMPARE(list.load().error, QString());
+        QCOMPARE(rowsOf(list), QStringList("bell\a|h|1|p"));
+    }
+
+    void failedWritesLeaveTheFileAndTellWhy_data()
+    {
+        QTest::addColumn<QString>("obstacle");
+        for (const char *obstacle : {"full disk", "disk too full for the copy", "folder not writable",
+                                     "folder cannot be made", "pipe in its place"})
+            QTest::newRow(obstacle) << obstacle;
+    }
+    void failedWritesLeaveTheFileAndTellWhy()
+    {
+        QFETCH(QString, obstacle);
+        QByteArray before = xmlFile(xmlEntry("a"));
+        put(before);
+        const QString former = m_path;
+        SavedServers list(m_path, "alice");
+        QCOMPARE(list.load().error, QString());
+        if (obstacle == "disk too full for the copy") {
+            before = xmlFile(xmlEntry("a") + "<!--" + QByteArray(6000, 'x') + "-->");
+            put(before);
+        } else if (obstacle == "folder cannot be made") {
+            m_path += "/below/SavedServers.plist";
+            list = SavedServers(m_path, "alice");
+        } else if (obstacle == "pipe in its place") {
+            m_path = m_folder->filePath("pipe");
+            QCOMPARE(mkfifo(qPrintable(m_path), 0600), 0);
+            list = SavedServers(m_path, "alice");
+            QVERIFY(!list.load().error.isEmpty());
+        }
+        const SavedServersOutcome outcome = saveBehind(obstacle, list);
+        QVERIFY2(outcome.error.contains(m_path), qPrintable(outcome.error));
+        QCOMPARE(contentOf(former), before);
+        QCOMPARE(asides(), QStringList());
+        QVERIFY(rowsOf(list).contains("b|h|1|p"));
+        if (m_path != former)
+            return;
+        // The obstacle gone, the next change brings the earlier one with it.
+        QCOMPARE(list.save({"c", "h", "1", "p"}).error, QString());
+        QCOMPARE(list.load().error, QString());
+        QCOMPARE(rowsOf(list), QStringList({"a|h|1|(none)", "b|h|1|p", "c|h|1|p"}));
+    }
+
+private:
+    SavedServersOutcome saveBehind(const QString &obstacle, SavedServers &list) const
+    {
+        const SavedServer server{"b", "h", "1", "p"};
+        if (obstacle.contains("full")) {
+            rlimit former{};
+            getrlimit(RLIMIT_FSIZE, &former);
+            const rlimit small{obstacle == "full disk" ? 64U : 4096U, former.rlim_max};
+            const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+            setrlimit(RLIMIT_FSIZE, &small);
+            const SavedServersOutcome outcome = list.save(server);
+            setrlimit(RLIMIT_FSIZE, &former);
+            std::signal(SIGXFSZ, handler);
+            return outcome;
+        }
+        if (obstacle != "folder not writable")
+            return list.save(server);
+        // The administrator's account may write everywhere, so it steps down for the one call.
+        const uid_t user = geteuid();
+        const bool isReady = chmod(qPrintable(m_folder->path()), 0555) == 0 && chmod(qPrintable(m_path), 0666) == 0 &&
+                             seteuid(user == 0 ? 65534 : user) == 0;
+        const SavedServersOutcome outcome = list.save(server);
+        const bool isBack = seteuid(user) == 0 && chmod(qPrintable(m_folder->path()), 0700) == 0;
+        return isReady && isBack ? outcome : SavedServersOutcome();
+    }
+};
+
+QTEST_GUILESS_MAIN(SavedServersTest)
+#include "tst_savedservers.moc"
