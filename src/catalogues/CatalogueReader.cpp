@@ -1,0 +1,22 @@
+#include "CatalogueReader.h"
+
+#include "Alerts.h"
+
+#include <utility>
+
+CatalogueReader::CatalogueReader(CatalogueFolders folders, Alerts &alerts, std::function<void()> terminate)
+    : m_folders(std::move(folders)), m_alerts(&alerts), m_terminate(std::move(terminate))
+{
+}
+
+QCoro::Task<WorkingCopy::Result> CatalogueReader::open(WorkingCopy::Kind kind)
+{
+    const WorkingCopy::Result result = WorkingCopy(m_folders, kind).refreshAndRead();
+    if (result.state == CatalogueState::Damaged)
+        co_await m_alerts->run(tr("Catalogue Not Loaded"), result.error);
+    if (result.state == CatalogueState::Missing) {
+        co_await m_alerts->run(tr("Required File is Missing"), result.error);
+        m_terminate();
+    }
+    co_return result;
+}

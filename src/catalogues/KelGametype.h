@@ -1,0 +1,65 @@
+#pragma once
+
+#include "CatalogueContext.h"
+#include "CatalogueReader.h"
+
+#include <QCoroTask>
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+
+#include <memory>
+
+class DvarSettingCategory;
+class DvarSettingList;
+
+/// The catalogue of gametypes with their settings. Empty until it is loaded for the first time. Main thread only.
+class KelGametype : public QObject
+{
+    Q_OBJECT
+public:
+    /// What `context` refers to outlives the catalogue. The latest catalogue made is the shared one.
+    KelGametype(const CatalogueContext &context, CatalogueReader reader, QObject *parent = nullptr);
+    ~KelGametype() override;
+
+    /// @return the latest catalogue made, or null.
+    static KelGametype *sharedKelGametype();
+
+    /// Loads the catalogue anew and selects its first gametype. What was loaded stays unless the file is Ready.
+    QCoro::Task<CatalogueState> loadGametypeList();
+
+    /// Display name to gametype; the later of two with one name.
+    QHash<QString, std::shared_ptr<DvarSettingList>> gametypeList() const;
+    /// All gametypes in the order of the file, those with equal names too.
+    QList<std::shared_ptr<DvarSettingList>> arrangedGametypes() const { return m_gametypes; }
+    /// The gametypes of gametypeList(), in the order of the file.
+    QList<std::shared_ptr<DvarSettingList>> listedGametypes() const;
+    QString version() const { return m_version; }
+
+    /// The display name of a gametype with this short name; the short name itself when it is unknown.
+    QString findGametypeByDvar(const QString &dvarName) const;
+    /// The gametype with this display name, or null.
+    std::shared_ptr<DvarSettingList> findGametypeByName(const QString &name) const;
+
+    /// The gametype whose settings are shown; null when there is none.
+    std::shared_ptr<DvarSettingList> selectedSettingList() const { return m_selectedSettingList.lock(); }
+    void setSelectedSettingList(const std::shared_ptr<DvarSettingList> &list);
+    /// The categories of the selected gametype.
+    QList<std::shared_ptr<DvarSettingCategory>> selectedSettings() const;
+    /// Selects like setSelectedSettingList(), but leaves the rows as they are, expanded or not.
+    void setSelectedSettings(const std::shared_ptr<DvarSettingList> &list);
+
+signals:
+    void gametypeListChanged();
+    void selectedSettingsChanged();
+    /// Follows selectedSettingsChanged() when all rows are to be expanded.
+    void selectedSettingListChanged();
+
+private:
+    CatalogueContext m_context;
+    CatalogueReader m_reader;
+    QList<std::shared_ptr<DvarSettingList>> m_gametypes;
+    std::weak_ptr<DvarSettingList> m_selectedSettingList;
+    QString m_version;
+};

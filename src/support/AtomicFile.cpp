@@ -1,0 +1,85 @@
+#include "AtomicFile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+static void report(QString *error, const QString &reason)
+{
+    if (error)
+        *error = reason;
+}
+
+/// A full disk takes a part first and tells its reason only when it is asked for more.
+static bool writeAll(QSaveFile &file, const QByteArray &content)
+{
+    qint64 done = 0;
+    while (done < content.size()) {
+        const qint64 written = file.write(content.constData() + done, content.size() - done);
+        if (written <= 0)
+            return false;
+        done += written;
+    }
+    return file.flush();
+}
+
+bool AtomicFile::write(const QString &path, const QByteArray &content, QString *error)
+{
+    return replace(path, content, QDateTime(), error);
+}
+
+bool AtomicFile::copy(const QString &source, const QString &target, QString *error)
+{
+    QFile file(source);
+    if (!file.open(QIODevice::ReadOnly)) {
+        report(error, file.errorString());
+        return false;
+    }
+    const QByteArray content = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        report(error, file.errorString());
+        return false;
+    }
+    const QDateTime modified = QFileInfo(source).lastModified();
+    if (!replace(target, content, modified, error))
+        return false;
+    if (QFileInfo(target).lastModified() >= modified)
+        return true;
+
+    // Some file systems count in steps of two seconds and round down.
+    QFile copied(target);
+    const bool isOpen = copied.open(QIODevice::ReadWrite | QIODevice::ExistingOnly);
+    if (isOpen && copied.setFileTime(modified.addSecs(2), QFileDevice::FileModificationTime))
+        return true;
+    report(error, copied.errorString());
+    return false;
+}
+
+bool AtomicFile::replace(const QString &path, const QByteArray &content, const QDateTime &modified, QString *error)
+{
+    if (QFileInfo(path).isDir()) {
+        report(error, tr("There is a folder in its place"));
+        return false;
+    }
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        report(error, file.errorString());
+        return false;
+    }
+    bool isWritten = writeAll(file, content);
+    if (isWritten && modified.isValid()) {
+        // The time is set last, on the new file while it still has its passing name: a later write would change it.
+        isWritten = file.setPermissions(file.permissions() | QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
+                    file.setFileTime(modified, QFileDevice::FileModificationTime);
+    }
+    if (!isWritten) {
+        report(error, file.errorString());
+        file.cancelWriting();
+        return false;
+    }
+    if (!file.commit()) {
+        report(error, file.errorString());
+        return false;
+    }
+    return true;
+}

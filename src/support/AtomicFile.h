@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QString>
+
+/// Files that are replaced as a whole: whoever looks finds the old content or the new one, never a part, and a failure
+/// leaves the old one in place. Any thread.
+class AtomicFile
+{
+    Q_DECLARE_TR_FUNCTIONS(AtomicFile)
+public:
+    AtomicFile() = delete;
+
+    /// Makes `content` the content of `path`. A link is followed, and the rights of a file that was there are kept.
+    /// @param error  the reason in the user's language when it fails; may be null.
+    [[nodiscard]] static bool write(const QString &path, const QByteArray &content, QString *error = nullptr);
+
+    /// Makes `target` a copy of `source` that its owner may read and write, whatever the rights of `source`.
+    /// The copy has the modification time of `source`, or a slightly later one where the file system is too coarse for
+    /// it: it never looks older.
+    [[nodiscard]] static bool copy(const QString &source, const QString &target, QString *error = nullptr);
+
+private:
+    static bool replace(const QString &path, const QByteArray &content, const QDateTime &modified, QString *error);
+};

@@ -1,0 +1,142 @@
+#include "XmlDocument.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+static void report(QString *error, const QString &reason)
+{
+    if (error)
+        *error = reason;
+}
+
+namespace
+{
+struct Shape {
+    int depth = 0;
+    int elementCount = 0;
+};
+} // namespace
+
+/// Walks without recursion, as the depth is what is in question, and no deeper than it must.
+static Shape shapeOf(pugi::xml_node root)
+{
+    Shape shape;
+    int depth = 0;
+    pugi::xml_node node = root;
+    while (true) {
+        if (node.type() == pugi::node_element)
+            ++shape.elementCount;
+        if (node.first_child()) {
+            shape.depth = std::max(shape.depth, ++depth);
+            if (depth > XmlDocument::MaximumDepth)
+                return shape;
+            node = node.first_child();
+            continue;
+        }
+        while (node != root && !node.next_sibling()) {
+            node = node.parent();
+            --depth;
+        }
+        if (node == root)
+            return shape;
+        node = node.next_sibling();
+    }
+}
+
+static void appendText(pugi::xml_node node, QString &text)
+{
+    for (const pugi::xml_node child : node.children()) {
+        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata)
+            text += QString::fromUtf8(child.value());
+        else if (child.type() == pugi::node_element)
+            appendText(child, text); // no deeper than a document may be
+    }
+}
+
+XmlDocument::XmlDocument() : m_document(std::make_unique<pugi::xml_document>()) {}
+
+std::optional<XmlDocument> XmlDocument::read(const QString &path, QString *error)
+{
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile()) { // opening a pipe would wait for its writer
+        report(error, tr("It is not a file."));
+        return std::nullopt;
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        report(error, file.errorString());
+        return std::nullopt;
+    }
+    const QByteArray bytes = file.read(MaximumSize + 1);
+    if (file.error() != QFileDevice::NoError) {
+        report(error, file.errorString());
+        return std::nullopt;
+    }
+    return parse(bytes, error);
+}
+
+std::optional<XmlDocument> XmlDocument::parse(const QByteArray &bytes, QString *error)
+{
+    if (bytes.size() > MaximumSize) {
+        report(error, tr("It is larger than %1 MiB.").arg(MaximumSize / (1024 * 1024)));
+        return std::nullopt;
+    }
+    XmlDocument document;
+    const pugi::xml_parse_result result =
+        document.m_document->load_buffer(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    if (!result) {
+        const QString reason = QString::fromLatin1(result.description());
+        const auto line = bytes.left(static_cast<qsizetype>(result.offset)).count('\n') + 1;
+        report(error, tr("Line %1: %2.").arg(line).arg(reason));
+        return std::nullopt;
+    }
+    const Shape shape = shapeOf(*document.m_document);
+    if (shape.depth > MaximumDepth) {
+        report(error, tr("Its elements are nested more than %1 deep.").arg(MaximumDepth));
+        return std::nullopt;
+    }
+    if (shape.elementCount > MaximumElements) {
+        report(error, tr("It holds more than %1 elements.").arg(MaximumElements));
+        return std::nullopt;
+    }
+    return document;
+}
+
+std::vector<pugi::xml_node> XmlDocument::elements(const char *query) const
+{
+    return xmlElements(*m_document, query);
+}
+
+QString XmlDocument::lastText(const char *query) const
+{
+    const std::vector<pugi::xml_node> found = elements(query);
+    return found.empty() ? QString() : xmlText(found.back());
+}
+
+std::vector<pugi::xml_node> xmlElements(pugi::xml_node node, const char *query)
+{
+    pugi::xpath_node_set found = node.select_nodes(query);
+    found.sort();
+    std::vector<pugi::xml_node> elements;
+    elements.reserve(found.size());
+    for (const pugi::xpath_node &each : found)
+        elements.push_back(each.node());
+    return elements;
+}
+
+QString xmlText(pugi::xml_node element)
+{
+    QString text = QStringLiteral("");
+    appendText(element, text);
+    return text;
+}
+
+QString xmlChildText(pugi::xml_node element, const char *name)
+{
+    pugi::xml_node last;
+    for (const pugi::xml_node child : element.children(name))
+        last = child;
+    return last ? xmlText(last) : QString();
+}

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "KelServer.h"
+#include "RecordedAlerts.h"
+#include "ScriptedExchange.h"
+#include "WorkingCopy.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <initializer_list>
+#include <utility>
+
+/// Waits until `task` has ended; false when it has not after a while.
+template <typename T>
+bool hasEnded(const QCoro::Task<T> &task)
+{
+    return QTest::qWaitFor([&task] { return task.isReady(); }, 5000);
+}
+
+/// A session that is connected to a scripted server.
+struct ScriptedSession {
+    ScriptedExchange exchange;
+    RecordedAlerts alerts;
+    KelServer server{exchange, alerts};
+
+    /// Starts to connect to a server with these variables besides those that every server has.
+    QCoro::Task<> connectTo(std::initializer_list<std::pair<QString, QString>> dvars, const QString &ranked = "1")
+    {
+        QString dump = QStringLiteral("rcon_password \"secret\"\nsv_hostname \"Test\"\nplaylist_enabled \"0\"\n"
+                                      "playlist_excludeMap \"-\"\nplaylist_excludeGametype \"-\"\n"
+                                      "playlist_excludeGametypeMap \"-\"\nsv_ranked \"%1\"\n")
+                           .arg(ranked);
+        for (const auto &[name, value] : dvars)
+            dump += QStringLiteral("%1 \"%2\"\n").arg(name, value);
+        exchange.answer(QStringLiteral("dvardump"), ScriptedExchange::ok(dump));
+        return server.connectToHost(QStringLiteral("127.0.0.1"), QStringLiteral("28960"), QStringLiteral("secret"));
+    }
+};
+
+/// The two folders of the catalogues, in a place that goes with the test.
+class ScriptedFolders
+{
+public:
+    ScriptedFolders()
+    {
+        m_isReady =
+            QDir(m_root.path()).mkpath(QStringLiteral("shipped")) && QDir(m_root.path()).mkpath(QStringLiteral("user"));
+    }
+
+    bool isReady() const { return m_isReady; }
+    CatalogueFolders folders() const { return {m_root.filePath("shipped"), m_root.filePath("user")}; }
+    QString shipped(const QString &extension) const
+    {
+        return m_root.filePath("shipped/FerrowRcon.default." + extension);
+    }
+    QString user(const QString &extension) const { return m_root.filePath("user/FerrowRcon.exe." + extension); }
+
+    /// Writes a file that looks as if it had been written `age` seconds ago.
+    static bool write(const QString &path, const QByteArray &content, int age = 0)
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush())
+            return false;
+        return file.setFileTime(QDateTime::currentDateTime().addSecs(-age), QFileDevice::FileModificationTime);
+    }
+
+    static QByteArray read(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<no file>");
+    }
+
+private:
+    QTemporaryDir m_root;
+    bool m_isReady = false;
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "CatalogueFixture.h"
+#include "CatalogueReader.h"
+#include "Catalogues.h"
+#include "KelGametype.h"
+#include "KelMapList.h"
+#include "KelSettings.h"
+
+#include <optional>
+
+/// All catalogues on a scripted server and files of the test's own.
+struct LoadedCatalogues {
+    explicit LoadedCatalogues(const std::optional<QString> &resources = std::nullopt)
+        : reader({resources.value_or(files.folders().resources), files.folders().applicationSupport}, session.alerts,
+                 [this] { ++terminations; }),
+          context{session.server, session.alerts}, gametypes(context, reader), settings(context, reader),
+          maps(session.server, reader), catalogues(gametypes, settings)
+    {
+    }
+
+    /// Puts a catalogue into the user's folder and loads it.
+    bool loadGametypes(const QByteArray &xml)
+    {
+        return files.write(files.user("gametypes"), xml) && hasEnded(gametypes.loadGametypeList());
+    }
+    bool loadSettings(const QByteArray &xml)
+    {
+        return files.write(files.user("gameSettingsUnranked"), xml) && hasEnded(settings.loadSettings());
+    }
+    bool loadMaps(const QByteArray &xml)
+    {
+        return files.write(files.user("maps"), xml) && hasEnded(maps.loadMapList());
+    }
+
+    ScriptedFolders files;
+    ScriptedSession session;
+    int terminations = 0;
+    CatalogueReader reader;
+    CatalogueContext context;
+    KelGametype gametypes;
+    KelSettings settings;
+    KelMapList maps;
+    Catalogues catalogues;
+};

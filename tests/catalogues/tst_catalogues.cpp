@@ -1,0 +1,341 @@
+#include "DvarSetting.h"
+#include "DvarSettingCategory.h"
+#include "DvarSettingList.h"
+#include "LoadedCatalogues.h"
+
+#include <QSignalSpy>
+
+#include <optional>
+
+class CataloguesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void loadsGametypes();
+    void selectsGametypes();
+    void loadsSettings();
+    void picksTheFileOfTheMode();
+    void dropsVoice_data();
+    void dropsVoice();
+    void loadsMaps();
+    void filtersMaps_data();
+    void filtersMaps();
+    void missingEndsTheProgram_data();
+    void missingEndsTheProgram();
+    void damagedKeepsWhatWasLoaded();
+    void connectingAsksForWhatIsMissing_data();
+    void connectingAsksForWhatIsMissing();
+    void sharedOnes();
+};
+
+static QStringList namesOf(const auto &lists)
+{
+    QStringList names;
+    for (const auto &each : lists)
+        names.append(each->name());
+    return names;
+}
+
+static QByteArray setting(const QByteArray &name, const QByteArray &dvar)
+{
+    return "<DvarSetting><name>" + name + "</name><dvar>" + dvar + "</dvar></DvarSetting>";
+}
+
+static QByteArray gametype(const QByteArray &name, const QByteArray &dvarName, const QByteArray &settings = {})
+{
+    return "<Gametype><name>" + name + "</name><dvarName>" + dvarName + "</dvarName>" + settings + "</Gametype>";
+}
+
+static QByteArray group(const QByteArray &name, const QByteArray &settings = {})
+{
+    return "<SettingInst><name>" + name + "</name>" + settings + "</SettingInst>";
+}
+
+static QByteArray map(const QByteArray &name, const QByteArray &dvarName, const QByteArray &more = {})
+{
+    return "<Map><name>" + name + "</name><dvarName>" + dvarName + "</dvarName>" + more + "</Map>";
+}
+
+static QByteArray maps(const QByteArray &content)
+{
+    return "<maps><version>4.0</version>" + content + "</maps>";
+}
+
+void CataloguesTest::loadsGametypes()
+{
+    LoadedCatalogues loaded;
+    QVERIFY(loaded.loadGametypes("<any><version>1</version>" + gametype("Twice", "first") + "<deeper>" +
+                                 gametype("Team", "tdm") + gametype("Also Team", "tdm") + "</deeper>" +
+                                 gametype("Twice", "second") + "<Gametype><name>Short</name></Gametype>" +
+                                 "<deeper><version>2</version></deeper></any>"));
+    const KelGametype &gametypes = loaded.gametypes;
+    QCOMPARE(namesOf(gametypes.arrangedGametypes()), QStringList({"Twice", "Team", "Also Team", "Twice", "Short"}));
+    QCOMPARE(gametypes.gametypeList().size(), 4);
+    QCOMPARE(gametypes.version(), QString("2"));
+    QCOMPARE(gametypes.findGametypeByDvar("tdm"), QString("Team"));
+    QCOMPARE(gametypes.findGametypeByDvar("TDM"), QString("TDM"));
+    QCOMPARE(gametypes.findGametypeByDvar("first"), QString("first")); // the later of the two took its place
+    QCOMPARE(gametypes.findGametypeByDvar("second"), QString("Twice"));
+    QCOMPARE(gametypes.findGametypeByDvar(""), QString(""));
+    QCOMPARE(gametypes.findGametypeByName("Twice")->dvarName(), QString("second"));
+    QVERIFY(!gametypes.findGametypeByName("tdm"));
+
+    QVERIFY(loaded.loadGametypes("<any>" + gametype("Other", "o") + "</any>"));
+    QCOMPARE(namesOf(gametypes.arrangedGametypes()), QStringList{"Other"});
+    QCOMPARE(gametypes.version(), QString("2")); // a catalogue without a version leaves the last one
+}
+
+void CataloguesTest::selectsGametypes()
+{
+    LoadedCatalogues loaded;
+    KelGametype &gametypes = loaded.gametypes;
+    QStringList order;
+    connect(&gametypes, &KelGametype::gametypeListChanged, this, [&] { order.append("list"); });
+    connect(&gametypes, &KelGametype::selectedSettingsChanged, this, [&] { order.append("settings"); });
+    connect(&gametypes, &KelGametype::selectedSettingListChanged, this, [&] { order.append("expand"); });
+    const QByteArray xml =
+        "<g>" + gametype("B", "b", setting("x", "1")) + gametype("A", "a", setting("y", "2")) + "</g>";
+    QVERIFY(loaded.loadGametypes(xml));
+    QCOMPARE(order, QStringList({"list", "settings", "expand"}));
+    QCOMPARE(gametypes.selectedSettingList()->name(), QString("B"));
+    QCOMPARE(namesOf(gametypes.selectedSettings()), QStringList{"B"}); // one category, named like the list
+
+    order.clear();
+    gametypes.setSelectedSettings(gametypes.findGametypeByName("A"));
+    QCOMPARE(order, QStringList{"settings"});
+    QCOMPARE(namesOf(gametypes.selectedSettings()), QStringList{"A"});
+
+    QVERIFY(loaded.loadGametypes(xml));
+    QCOMPARE(gametypes.selectedSettingList()->name(), QString("B")); // a load selects the first again
+    QVERIFY(loaded.loadGametypes("<g/>"));
+    QVERIFY(!gametypes.selectedSettingList());
+    QCOMPARE(gametypes.selectedSettings().size(), 0);
+    QCOMPARE(loaded.session.alerts.shown().size(), 0);
+}
+
+void CataloguesTest::loadsSettings()
+{
+    LoadedCatalogues loaded;
+    QSignalSpy listed(&loaded.settings, &KelSettings::sortedSettingsValuesChanged);
+    QSignalSpy selected(&loaded.settings, &KelSettings::selectedSettingsChanged);
+    QCOMPARE(loaded.settings.version(), QString(""));
+    QVERIFY(loaded.loadSettings("<s><version>7</version>" + group("beta", setting("x", "1")) +
+                                group("Gamma", setting("old", "2")) + group("Alpha") +
+                                group("Gamma", setting("new", "3")) + "</s>"));
+    QCOMPARE(loaded.settings.version(), QString("7"));
+    QCOMPARE(loaded.settings.arrangedGroups(), QStringList({"beta", "Gamma", "Alpha"}));
+    QCOMPARE(namesOf(loaded.settings.sortedSettingsValues()), QStringList({"Alpha", "beta", "Gamma"}));
+    QCOMPARE(namesOf(loaded.settings.settingsList().value("Gamma")->settings()), QStringList{"new"});
+    QCOMPARE(loaded.settings.selectedSettingList(), QString("beta"));
+    QCOMPARE(listed.count(), 1);
+    QCOMPARE(selected.count(), 1);
+
+    loaded.settings.setSelectedSettingList("Gamma");
+    QCOMPARE(namesOf(loaded.settings.selectedSettings()), QStringList{"Gamma"});
+    loaded.settings.setSelectedSettingList("no such group");
+    QCOMPARE(loaded.settings.selectedSettings().size(), 0);
+
+    QVERIFY(loaded.loadSettings("<s/>"));
+    QVERIFY(loaded.settings.selectedSettingList().isNull());
+    QCOMPARE(loaded.settings.sortedSettingsValues().size(), 0);
+}
+
+void CataloguesTest::picksTheFileOfTheMode()
+{
+    LoadedCatalogues loaded;
+    const ScriptedFolders &files = loaded.files;
+    QVERIFY(files.write(files.shipped("gameSettingsRanked"), "<s>" + group("ranked") + "</s>"));
+    QVERIFY(files.write(files.shipped("gameSettingsUnranked"), "<s>" + group("unranked") + "</s>"));
+    QVERIFY(hasEnded(loaded.session.connectTo({}, "2")));
+    QVERIFY(hasEnded(loaded.settings.loadSettings()));
+    QCOMPARE(loaded.settings.arrangedGroups(), QStringList{"ranked"});
+    QVERIFY(hasEnded(loaded.session.connectTo({}, "0")));
+    QVERIFY(hasEnded(loaded.settings.loadSettings()));
+    QCOMPARE(loaded.settings.arrangedGroups(), QStringList{"unranked"});
+}
+
+void CataloguesTest::dropsVoice_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<bool>("isOffered");
+    QTest::newRow("small") << QByteArray("voip") << false;
+    QTest::newRow("capitals") << QByteArray("VOIP") << false;
+    QTest::newRow("mixed") << QByteArray("Voip") << false;
+    QTest::newRow("longer") << QByteArray("voip2") << true;
+    QTest::newRow("with a blank") << QByteArray("voip ") << true;
+}
+
+void CataloguesTest::dropsVoice()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(bool, isOffered);
+    LoadedCatalogues loaded;
+    QVERIFY(loaded.loadSettings("<s>" + group(name, setting("v", "v_dvar")) + group("rest") + "</s>"));
+    QCOMPARE(loaded.settings.settingsList().contains(name), isOffered);
+    QCOMPARE(loaded.catalogues.settingDvars().contains("v_dvar"), isOffered);
+    QCOMPARE(loaded.settings.selectedSettingList(), isOffered ? QString(name) : QString("rest"));
+}
+
+void CataloguesTest::loadsMaps()
+{
+    LoadedCatalogues loaded;
+    QSignalSpy changed(&loaded.maps, &KelMapList::mapListChanged);
+    QVERIFY(loaded.loadMaps(maps(map("Twice", "mp_first") + map("Quay", "mp_quay", "<name>Old Quay</name>") + "<more>" +
+                                 map("Mill", "mp_mill", "<excludeDvar>ex_mill</excludeDvar>") + "</more>" +
+                                 map("Twice", "mp_second") + "<Map><name>Nameless</name></Map>")));
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(loaded.maps.version(), QString("4.0"));
+    const QList<MapInst> all = loaded.maps.arrangedMaps();
+    QCOMPARE(all.size(), 5);
+    QCOMPARE(all.at(1).name, QString("Old Quay")); // the last name counts
+    QVERIFY(all.at(1).excludeDvar.isNull());
+    QCOMPARE(all.at(2).description(), QString("name=Mill dvarName=mp_mill excludeDvar=ex_mill"));
+    QCOMPARE(loaded.maps.list().size(), 4);
+    QCOMPARE(loaded.maps.list().value("Twice").dvarName, QString("mp_second"));
+    QCOMPARE(loaded.maps.findMapByDvar("mp_mill"), QString("Mill"));
+    QCOMPARE(loaded.maps.findMapByDvar("MP_MILL"), QString("MP_MILL"));
+    QCOMPARE(loaded.maps.findMapByDvar("mp_first"), QString("mp_first"));
+    QCOMPARE(loaded.maps.findMapByDvar("mp_second"), QString("Twice"));
+    QCOMPARE(loaded.maps.findMapByDvar(""), QString(""));
+}
+
+void CataloguesTest::filtersMaps_data()
+{
+    QTest::addColumn<QString>("ranked");
+    QTest::addColumn<QByteArray>("excludeDvar");
+    QTest::addColumn<QString>("value"); // null: the server does not know the variable
+    QTest::addColumn<bool>("isOffered");
+    const QByteArray named = "<excludeDvar>ex</excludeDvar>";
+    QTest::newRow("taken out") << "2" << named << "1" << false;
+    QTest::newRow("any text takes it out") << "4" << named << "00" << false;
+    QTest::newRow("in play") << "2" << named << "0" << true;
+    QTest::newRow("unknown variable") << "2" << named << QString() << true;
+    QTest::newRow("no variable") << "2" << QByteArray() << "1" << true;
+    QTest::newRow("unranked server") << "1" << named << "1" << true;
+}
+
+void CataloguesTest::filtersMaps()
+{
+    QFETCH(QString, ranked);
+    QFETCH(QByteArray, excludeDvar);
+    QFETCH(QString, value);
+    LoadedCatalogues loaded;
+    if (value.isNull())
+        QVERIFY(hasEnded(loaded.session.connectTo({}, ranked)));
+    else
+        QVERIFY(hasEnded(loaded.session.connectTo({{"ex", value}}, ranked)));
+    QVERIFY(loaded.loadMaps(maps(map("Quay", "mp_quay", excludeDvar) + map("Mill", "mp_mill"))));
+    QTEST(loaded.maps.filteredList().contains("Quay"), "isOffered");
+    QVERIFY(loaded.maps.filteredList().contains("Mill"));
+    QVERIFY(loaded.maps.list().contains("Quay"));
+}
+
+void CataloguesTest::missingEndsTheProgram_data()
+{
+    QTest::addColumn<QString>("which");
+    QTest::addColumn<QString>("text");
+    const QString text = "Unable to find a valid '%1' file to load.\n\n- You need to re-download this application.";
+    QTest::newRow("gametypes") << "gametypes" << text.arg("gametypes");
+    QTest::newRow("settings") << "settings" << text.arg("gamesettings");
+    QTest::newRow("maps name the settings") << "maps" << text.arg("gamesettings");
+    QTest::newRow("all while connecting") << "connecting" << text.arg("gametypes"); // one alert, not two
+}
+
+void CataloguesTest::missingEndsTheProgram()
+{
+    QFETCH(QString, which);
+    QFETCH(QString, text);
+    LoadedCatalogues loaded;
+    loaded.session.alerts.hold();
+    std::optional<QCoro::Task<CatalogueState>> load;
+    std::optional<QCoro::Task<>> connecting;
+    if (which == "gametypes")
+        load.emplace(loaded.gametypes.loadGametypeList());
+    else if (which == "settings")
+        load.emplace(loaded.settings.loadSettings());
+    else if (which == "maps")
+        load.emplace(loaded.maps.loadMapList());
+    else
+        connecting.emplace(loaded.catalogues.loadCatalogues());
+    QCOMPARE(loaded.session.alerts.titles(), QStringList{"Required File is Missing"});
+    QCOMPARE(loaded.session.alerts.texts(), QStringList{text});
+    QCOMPARE(loaded.terminations, 0); // not before it was read
+    loaded.session.alerts.dismiss();
+    QVERIFY(load ? hasEnded(*load) : hasEnded(*connecting));
+    QCOMPARE(loaded.terminations, 1);
+    QCOMPARE(loaded.session.alerts.shown().size(), 1);
+}
+
+void CataloguesTest::damagedKeepsWhatWasLoaded()
+{
+    LoadedCatalogues loaded;
+    QVERIFY(loaded.loadGametypes("<g><version>1</version>" + gametype("Team", "tdm", setting("a", "b")) + "</g>"));
+    QVERIFY(loaded.loadSettings("<s>" + group("G") + "</s>"));
+    QVERIFY(loaded.loadMaps(maps(map("Quay", "mp_quay"))));
+    const auto selected = loaded.gametypes.selectedSettingList();
+    QCOMPARE(loaded.session.alerts.shown().size(), 0);
+
+    const QByteArray damaged = "<g>\n<version>2</version><Gametype>";
+    QVERIFY(loaded.loadGametypes(damaged));
+    QVERIFY(loaded.loadSettings(damaged));
+    QVERIFY(loaded.loadMaps(damaged));
+    QCOMPARE(loaded.session.alerts.titles(), QStringList(3, "Catalogue Not Loaded"));
+    for (const QString &text : loaded.session.alerts.texts())
+        QVERIFY2(text.contains("FerrowRcon.exe.") && text.contains("Line 2"), qPrintable(text));
+    QCOMPARE(loaded.gametypes.selectedSettingList(), selected);
+    QCOMPARE(loaded.gametypes.version(), QString("1"));
+    QCOMPARE(loaded.settings.arrangedGroups(), QStringList{"G"});
+    QCOMPARE(loaded.maps.findMapByDvar("mp_quay"), QString("Quay"));
+    QCOMPARE(loaded.terminations, 0);
+}
+
+void CataloguesTest::connectingAsksForWhatIsMissing_data()
+{
+    QTest::addColumn<QString>("ranked");
+    QTest::addColumn<QStringList>("asked");
+    QTest::newRow("ranked") << "2" << QStringList({"dvardump", "a2", "z1", "z3"});
+    QTest::newRow("unranked") << "1" << QStringList({"dvardump", "a2", "z1", "z3", "g1", "g2"});
+}
+
+void CataloguesTest::connectingAsksForWhatIsMissing()
+{
+    QFETCH(QString, ranked);
+    LoadedCatalogues loaded;
+    const ScriptedFolders &files = loaded.files;
+    const QByteArray settings =
+        "<s>" + group("Zoo", setting("one", "z1") + setting("Known", "z2") + setting("Two", "z3")) +
+        group("attic", setting("b", "a2") + "<DvarSetting><name>none</name></DvarSetting>") + "</s>";
+    QVERIFY(files.write(files.shipped("gameSettingsRanked"), settings));
+    QVERIFY(files.write(files.shipped("gameSettingsUnranked"), settings));
+    QVERIFY(files.write(files.shipped("gametypes"), "<g>" + gametype("T", "t", setting("lost", "g0")) +
+                                                        gametype("S", "s", setting("x", "g1") + setting("y", "z1")) +
+                                                        gametype("T", "t", setting("kept", "g2")) + "</g>"));
+    loaded.session.server.setCatalogueLoader(&loaded.catalogues);
+    loaded.session.exchange.answerEverything(ScriptedExchange::ok("Unknown command"));
+    loaded.session.exchange.answer("z1", ScriptedExchange::ok("\"z1\" is \"5\" in force \"5\""));
+    QVERIFY(hasEnded(loaded.session.connectTo({{"z2", "here"}}, ranked)));
+    QTEST(loaded.session.exchange.sent(), "asked");
+    QCOMPARE(loaded.session.server.dvarList().value("z1"), QString("5"));
+    const auto unknown = loaded.session.exchange.sent().size() - 2; // the dump and z1 have answers
+    QCOMPARE(loaded.session.alerts.titles(), QStringList(unknown, "Unknown dvar"));
+}
+
+void CataloguesTest::sharedOnes()
+{
+    QVERIFY(!KelGametype::sharedKelGametype());
+    {
+        LoadedCatalogues first;
+        {
+            const LoadedCatalogues second;
+            QCOMPARE(KelGametype::sharedKelGametype(), &second.gametypes);
+            QCOMPARE(KelSettings::sharedKelSettings(), &second.settings);
+            QCOMPARE(KelMapList::sharedKelMapList(), &second.maps);
+        }
+        QVERIFY(!KelGametype::sharedKelGametype());
+    }
+    QVERIFY(!KelMapList::sharedKelMapList());
+}
+
+QTEST_GUILESS_MAIN(CataloguesTest)
+#include "tst_catalogues.moc"
