@@ -15,29 +15,18 @@
 
 #include <cstdlib>
 
-static constexpr qint64 largestFile = 8 << 20;
+static constexpr qint64 largestFile = 2 << 20;
 static constexpr qsizetype longestText = 10'000;
 static constexpr QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
 static constexpr QLatin1String encryptionPassword("VendRulpGam");
 
 using Text = std::unique_ptr<char, decltype(&std::free)>;
 
-/// What reading a property list may cost. libplist follows nesting by recursion until the stack ends, and copies a
-/// value for every reference to it, so both are measured before it sees a file.
-class PlistBudget
-{
-public:
-    bool take(quint64 bytes)
-    {
-        constexpr quint64 nodeSize = 64;
-        m_left -= std::min(m_left, bytes + nodeSize);
-        return m_left > 0;
-    }
-    static constexpr int deepest = 32;
-
-private:
-    quint64 m_left = 64 << 20;
-};
+// What reading a property list may cost. libplist follows nesting by recursion until the stack ends, and copies a value
+// for every reference to it, so both are measured before it sees a file.
+static constexpr int deepestLevel = 32;
+static constexpr quint64 largestCost = 16 << 20;
+static constexpr quint64 nodeCost = 64;
 
 /// Walks the objects of a binary property list as they will be read.
 class BinaryPlistWalk
@@ -57,7 +46,7 @@ public:
         m_offsetTable = number(trailer + 24, 8);
         const bool isSound = m_offsetSize >= 1 && m_offsetSize <= 8 && m_referenceSize >= 1 && m_referenceSize <= 8 &&
                              m_offsetTable < trailer && m_objectCount <= (trailer - m_offsetTable) / m_offsetSize;
-        return isSound && walk(number(trailer + 16, 8), PlistBudget::deepest);
+        return isSound && walk(number(trailer + 16, 8), deepestLevel);
     }
 
 private:
@@ -69,6 +58,18 @@ private:
         for (quint64 i = position; i < position + width && i < size(); ++i)
             value = value << 8 | static_cast<quint8>(m_data[static_cast<qsizetype>(i)]);
         return value;
+    }
+
+    bool take(quint64 bytes) { return (m_cost += bytes + nodeCost) <= largestCost; }
+
+    /// libplist ends the program over a key with a zero in it.
+    bool isWholeText(quint64 kind, quint64 position, quint64 count) const
+    {
+        const quint64 width = kind - 4;
+        bool isWhole = position <= size() && count <= (size() - position) / width;
+        for (quint64 i = 0; i < count && isWhole; ++i)
+            isWhole = number(position + i * width, width) != 0;
+        return isWhole;
     }
 
     bool walk(quint64 object, int levels)
@@ -90,18 +91,19 @@ private:
         const quint64 kind = marker >> 4;
         const bool isDictionary = kind == 0xd;
         if (!isDictionary && kind != 0xa && kind != 0xc)
-            return m_budget.take(std::min(count, size()) * 3); // two bytes of UTF-16 make up to three of UTF-8
+            return ((kind != 5 && kind != 6) || isWholeText(kind, position, count)) &&
+                   take(std::min(count, size()) * 3); // from UTF-16 to UTF-8
         if (position > size() || count > (size() - position) / m_referenceSize / (isDictionary ? 2 : 1))
             return false;
         for (quint64 i = 0; i < count * (isDictionary ? 2 : 1); ++i) {
             if (!walk(number(position + i * m_referenceSize, m_referenceSize), levels - 1))
                 return false;
         }
-        return m_budget.take(0);
+        return take(0);
     }
 
     const QByteArray &m_data;
-    PlistBudget m_budget;
+    quint64 m_cost = 0;
     quint64 m_offsetSize = 0;
     quint64 m_referenceSize = 0;
     quint64 m_objectCount = 0;
@@ -117,7 +119,7 @@ static bool isHarmlessXml(const QByteArray &data)
     if (decoder.hasError())
         return false;
     QXmlStreamReader reader(text);
-    PlistBudget budget;
+    quint64 elements = 0;
     int level = 0;
     while (!reader.atEnd()) {
         reader.readNext();
@@ -128,7 +130,7 @@ static bool isHarmlessXml(const QByteArray &data)
         if (!reader.isStartElement())
             continue;
         const bool isPlain = reader.attributes().isEmpty() || (level == 0 && reader.name() == QLatin1String("plist"));
-        if (++level > PlistBudget::deepest || !isPlain || !budget.take(0))
+        if (++level > deepestLevel || !isPlain || ++elements > largestCost / nodeCost)
             return false;
     }
     return !reader.hasError();
@@ -206,11 +208,9 @@ static std::optional<QByteArray> contentOf(const QString &path, QString *error)
         return std::nullopt;
     }
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        *error = file.errorString();
-        return std::nullopt;
-    }
-    QByteArray content = file.read(largestFile + 1);
+    QByteArray content;
+    if (file.open(QIODevice::ReadOnly))
+        content = file.read(largestFile + 1);
     if (file.error() == QFileDevice::NoError && content.size() <= largestFile)
         return content;
     *error = content.size() > largestFile ? SavedServers::tr("it is larger than %1 MB").arg(largestFile >> 20)
@@ -245,11 +245,13 @@ SavedServersOutcome SavedServers::load()
     QString reason;
     if (const std::optional<QByteArray> content = contentOf(m_path, &reason)) {
         m_knownDigest = digestOf(*content);
-        if (const plist_t document = parsed(*content)) {
-            m_document.reset(document);
+        m_document.reset(parsed(*content));
+        // What could be read but never be written again would block every later change.
+        if (m_document != nullptr && !serialized(m_document.get()).isEmpty()) {
             readEntries();
             return {};
         }
+        m_document.reset(plist_new_dict());
         reason = tr("it is damaged");
     }
     m_wouldLoseContent = true;
@@ -292,8 +294,8 @@ SavedServersOutcome SavedServers::save(const SavedServer &entry)
 {
     if (entry.label.isEmpty())
         return {tr("A server needs a label to be saved under."), {}};
-    const bool hasLongPassword = entry.password && entry.password->size() > longestText;
-    if (hasLongPassword || !isStorable(entry.label) || !isStorable(entry.host) || !isStorable(entry.port))
+    if (entry.password.value_or(QString()).size() > longestText || !isStorable(entry.label) ||
+        !isStorable(entry.host) || !isStorable(entry.port))
         return {
             tr("The server was not saved: one of its texts is too long or holds a character that cannot be stored."),
             {}};
@@ -326,7 +328,6 @@ SavedServersOutcome SavedServers::setPassword(const QString &label, const QStrin
                             plist_new_data(secret->constData(), static_cast<uint64_t>(secret->size())));
     else
         plist_dict_remove_item(entry, "password");
-
     SavedServersOutcome outcome = write();
     if (!secret && outcome.error.isEmpty())
         outcome.error = tr("The password of \"%1\" could not be encrypted. It was saved without it.").arg(label);
@@ -354,7 +355,6 @@ bool SavedServers::keepAside(SavedServersOutcome *outcome) const
     const std::optional<QByteArray> content = contentOf(m_path, &reason);
     if (content && digestOf(*content) == m_knownDigest && !m_wouldLoseContent)
         return true;
-
     const QString name = m_path + (m_wouldLoseContent ? QLatin1String(".damaged-") : QLatin1String(".changed-")) +
                          QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
     outcome->keptCopy = name;

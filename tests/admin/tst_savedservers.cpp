@@ -246,6 +246,7 @@ private slots:
         QTest::newRow("garbage") << garbage;
         QTest::newRow("binary garbage") << "bplist00" + garbage;
         QTest::newRow("binary cut off") << binaryFile.chopped(1);
+        QTest::newRow("binary key with a zero") << QByteArray(binaryFile).replace("beta", QByteArray("be\0a", 4));
         QTest::newRow("binary root is no dictionary") << binaryArrays(2, 1, false);
         QTest::newRow("binary circle") << binaryArrays(3, 1, true);
         QTest::newRow("binary deep") << binaryArrays(100, 1, false);
@@ -257,7 +258,7 @@ private slots:
         QTest::newRow("XML deep") << nested("<array>", "</array>", 400000);
         QTest::newRow("XML deep by hidden ends") << nested("<array a='>'/>", "", 400000);
         QTest::newRow("larger than the bound")
-            << xmlFile("<key>a</key><string>" + QByteArray(9 << 20, 'x') + "</string>");
+            << xmlFile("<key>a</key><string>" + QByteArray(3 << 20, 'x') + "</string>");
     }
     void damagedFilesAreKeptAside()
     {
