@@ -1,13 +1,12 @@
 #include "PlayerListFile.h"
 
+#include "AtomicFile.h"
 #include "LineWriter.h"
 
 #include <QBuffer>
-#include <QCoreApplication>
 #include <QDateTime>
 #include <QFileInfo>
 #include <QLocale>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <array>
@@ -74,15 +73,5 @@ bool savePlayerList(const QList<PlayerRow> &players, const QString &path, QStrin
     const bool isCommaSeparated = QFileInfo(path).suffix().compare(QLatin1String("csv"), Qt::CaseInsensitive) == 0;
     const QString date = QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat);
     const QByteArray text = playerListText(players, isCommaSeparated, date);
-    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) { // replacing would put a file in the place of a device
-        if (error != nullptr)
-            *error = QCoreApplication::translate("PlayerListFile", "This is not a file that can be replaced.");
-        return false;
-    }
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
-        return true;
-    if (error != nullptr)
-        *error = file.errorString();
-    return false;
+    return AtomicFile::write(path, text, error);
 }

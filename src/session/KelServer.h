@@ -86,6 +86,8 @@ public:
 signals:
     void isConnectedChanged(bool isConnected);
     void dvarListChanged();
+    /// A connect has come to its end with everything asked for.
+    void didConnect();
     void tabItemsChanged();
     /// The last tab is to come to the front: the console stays there when the tabs are arranged anew.
     void lastTabRequested();
@@ -100,6 +102,7 @@ private:
     QCoro::Task<Reply> writeDvar(QString name, QString value, bool isSingle);
     QCoro::Task<> failConnecting(QString title, QString text);
     QCoro::Task<bool> fetchRequiredDvars(QString password);
+    QCoro::Task<> followCatalogues(QString password);
     QCoro::Task<> fetchCataloguedDvars(QString password);
     QString rconPassword() const;
     void readMode();

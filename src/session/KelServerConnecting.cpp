@@ -66,8 +66,15 @@ QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString p
     readMode();
     emit dvarListChanged();
     setupTabsForPlaylistsAndRanked();
-    if (m_catalogueLoader == nullptr)
-        co_return;
+    if (m_catalogueLoader != nullptr)
+        co_await followCatalogues(password);
+    if (cancellations == m_cancellations)
+        emit didConnect();
+}
+
+QCoro::Task<> KelServer::followCatalogues(QString password)
+{
+    const quint64 cancellations = m_cancellations;
     co_await m_catalogueLoader->loadCatalogues();
     if (cancellations != m_cancellations)
         co_return;

@@ -61,6 +61,10 @@ bool AtomicFile::replace(const QString &path, const QByteArray &content, const Q
         report(error, tr("There is a folder in its place"));
         return false;
     }
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile()) { // a device would be gone for good
+        report(error, tr("There is something in its place that is no file"));
+        return false;
+    }
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         report(error, file.errorString());
