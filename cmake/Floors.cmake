@@ -45,6 +45,7 @@ function(add_ferrow_test name)
     cmake_parse_arguments(TEST "" "" "SOURCES;STANDS_ON" ${ARGN})
     add_ferrow_program(${name} SOURCES ${TEST_SOURCES} STANDS_ON ${TEST_STANDS_ON} Qt6::Test)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/common)
+    target_compile_definitions(${name} PRIVATE FERROW_RESOURCES="${CMAKE_SOURCE_DIR}/resources")
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT 120
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/common/lsan.supp;UBSAN_OPTIONS=print_stacktrace=1")

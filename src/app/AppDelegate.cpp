@@ -3,17 +3,34 @@
 #include "Appearance.h"
 #include "DemoServer.h"
 #include "FormMainView.h"
+#include "ResourceFolder.h"
 
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
 
-AppDelegate::AppDelegate(const QString &preferencesFile)
-    : m_preferences(preferencesFile), m_server(m_exchange, m_alerts)
+static CatalogueFolders catalogueFolders(const AppDelegate::Places &places)
 {
+    CatalogueFolders folders{places.resources, places.applicationSupport};
+    if (folders.resources.isEmpty())
+        folders.resources = resourceFolder();
+    if (folders.applicationSupport.isEmpty())
+        folders.applicationSupport = AppDelegate::applicationSupportDirectory();
+    return folders;
+}
+
+AppDelegate::AppDelegate(Places places)
+    : m_preferences(places.preferencesFile), m_server(m_exchange, m_alerts),
+      m_reader(catalogueFolders(places), m_alerts, [this] { m_window->close(); }),
+      m_gametypes(CatalogueContext{m_server, m_alerts}, m_reader),
+      m_settings(CatalogueContext{m_server, m_alerts}, m_reader), m_maps(m_server, m_reader),
+      m_catalogues(m_gametypes, m_settings)
+{
+    m_server.setCatalogueLoader(&m_catalogues);
     registerDefaults();
     Appearance::apply(m_preferences.value(QStringLiteral("appearance")).toString());
-    m_window = std::make_unique<FormMainView>(m_server, m_actions, m_alerts, m_preferences);
+    m_window = std::make_unique<FormMainView>(m_server, m_actions, m_alerts, m_preferences,
+                                              GameCatalogues{m_gametypes, m_settings, m_maps});
     m_alerts.setWindow(m_window.get());
     connect(m_window.get(), &FormMainView::demoServerRequested, this, &AppDelegate::tryDemoServer);
 }

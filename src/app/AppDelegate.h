@@ -1,7 +1,11 @@
 #pragma once
 
 #include "ActionQueue.h"
+#include "Catalogues.h"
+#include "KelGametype.h"
+#include "KelMapList.h"
 #include "KelServer.h"
+#include "KelSettings.h"
 #include "Preferences.h"
 #include "RConExchange.h"
 #include "SheetAlerts.h"
@@ -16,8 +20,14 @@ class AppDelegate : public QObject
 {
     Q_OBJECT
 public:
-    /// @param preferencesFile  where the user's settings are kept; empty means the user's own place.
-    explicit AppDelegate(const QString &preferencesFile = {});
+    /// Where things are kept. An empty text means the usual place.
+    struct Places {
+        QString preferencesFile;
+        QString resources;
+        QString applicationSupport;
+    };
+
+    explicit AppDelegate(Places places = {});
     ~AppDelegate() override;
 
     /// The folder for the user's work. Made at the first call, readable by its owner only; the same on every call.
@@ -37,6 +47,11 @@ private:
     SheetAlerts m_alerts;
     RConExchange m_exchange;
     KelServer m_server;
+    CatalogueReader m_reader;
+    KelGametype m_gametypes;
+    KelSettings m_settings;
+    KelMapList m_maps;
+    Catalogues m_catalogues;
     ActionQueue m_actions;
     std::unique_ptr<DemoServer> m_demoServer;
     std::unique_ptr<FormMainView> m_window;

@@ -18,12 +18,12 @@
 #include <QSignalBlocker>
 
 FormMainView::FormMainView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                           QWidget *parent)
+                           GameCatalogues catalogues, QWidget *parent)
     : QMainWindow(parent), serversView(new ServersView(this)), tabControlMain(new QTabWidget(this)),
       playersView(new PlayersView(server, actions, alerts, preferences, this)),
       consoleView(new ConsoleView(server, actions, this)), welcomePage(new WelcomePage(this)),
       statusLine(new StatusLine(this)), m_server(server), m_actions(actions), m_alerts(alerts),
-      m_preferences(preferences), m_splitter(new QSplitter(this)), m_stack(new QStackedWidget(this))
+      m_preferences(preferences), m_catalogues(catalogues), m_splitter(new QSplitter(this)), m_stack(new QStackedWidget(this))
 {
     setObjectName(QStringLiteral("FormMainView"));
     setWindowTitle(tr("Kelvard Ferrow Remote Console"));

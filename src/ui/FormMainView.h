@@ -1,5 +1,6 @@
 #pragma once
 
+#include "GameCatalogues.h"
 #include "TabItem.h"
 
 #include <QCoroTask>
@@ -39,7 +40,7 @@ class FormMainView : public QMainWindow
 public:
     /// Everything handed in outlives the window.
     FormMainView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                 QWidget *parent = nullptr);
+                 GameCatalogues catalogues, QWidget *parent = nullptr);
     ~FormMainView() override;
 
     /// Connects as one action: status line, session, then what a fresh connection shows.
@@ -82,6 +83,7 @@ private:
     void askForPassword();
     void showAbout();
     QCoro::Task<> connectAction(ConnectTarget target);
+    QCoro::Task<> loadGameData();
     QCoro::Task<> connectToServerWithLabel(ConnectTarget target);
     QCoro::Task<> tell(QString title, QString text);
 
@@ -89,6 +91,7 @@ private:
     ActionQueue &m_actions;
     Alerts &m_alerts;
     Preferences &m_preferences;
+    GameCatalogues m_catalogues;
     QSplitter *m_splitter;
     QStackedWidget *m_stack;
     QMap<TabItem, QWidget *> m_pages;

@@ -1,6 +1,7 @@
 #include "FormMainView.h"
 
 #include "ActionQueue.h"
+#include "KelMapList.h"
 #include "KelServer.h"
 #include "PlayersView.h"
 #include "ServersView.h"
@@ -30,6 +31,8 @@ QCoro::Task<> FormMainView::connectAction(ConnectTarget target)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
     if (turn)
+        co_await loadGameData();
+    if (turn)
         co_await connectToServerWithLabel(target);
     serversView->setConnecting(false);
     if (!turn) // called off: the status line already tells so
@@ -41,6 +44,11 @@ QCoro::Task<> FormMainView::connectAction(ConnectTarget target)
     const QString mode = m_server.isRanked() ? tr("(Ranked)") : tr("(Unranked)");
     statusLine->setStatus(tr("Connected to %1 %2").arg(target.label, mode));
     co_await playersView->updatePlayerList();
+}
+
+QCoro::Task<> FormMainView::loadGameData()
+{
+    co_await m_catalogues.maps.loadMapList();
 }
 
 QCoro::Task<> FormMainView::connectToServerWithLabel(ConnectTarget target)

@@ -13,12 +13,14 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QMessageBox>
 #include <QPainter>
+#include <QPushButton>
 #include <QTest>
 
 #include <algorithm>
 
-static constexpr int patience = 20000; // milliseconds; a slow machine under a sanitizer included
+static constexpr int patience = 60000; // milliseconds; a slow machine under a sanitizer included
 
 Journey::Journey(AppDelegate &application, const QString &pictures) : m_application(application), m_folder(pictures) {}
 
@@ -30,6 +32,21 @@ bool Journey::perform()
         return false;
     takePicture(QStringLiteral("welcome"));
     return connectToDemoServer() && kickAPlayer() && writeAMessage() && useTheConsole() && disconnect();
+}
+
+/// Waits as a person does: reads an alert that comes up, and presses its default button.
+bool Journey::waitUntil(const std::function<bool()> &isReached)
+{
+    const auto look = [&] {
+        auto *alert = m_application.window().findChild<QMessageBox *>(QStringLiteral("alert"));
+        if (alert != nullptr && alert->isVisible() && alert->defaultButton() != nullptr) {
+            if (m_alertCount++ == 0)
+                takePicture(QStringLiteral("alert"));
+            QTest::mouseClick(alert->defaultButton(), Qt::LeftButton);
+        }
+        return isReached();
+    };
+    return QTest::qWaitFor(look, patience);
 }
 
 bool Journey::expect(bool isTrue, const QString &what)
@@ -66,7 +83,7 @@ bool Journey::connectToDemoServer()
     FormMainView &window = m_application.window();
     QTest::mouseClick(window.welcomePage->tryDemoServerButton, Qt::LeftButton);
     const bool isListed =
-        QTest::qWaitFor([&] { return !window.playersView->playersController->content().isEmpty(); }, patience);
+        waitUntil([&] { return !window.playersView->playersController->content().isEmpty(); });
     if (!expect(isListed, QStringLiteral("the players of the demo server are listed")))
         return false;
     if (!expect(window.statusLine->status() == QLatin1String("Connected to Demo Server (Unranked)"),
@@ -84,7 +101,7 @@ bool Journey::kickAPlayer()
     if (!expect(chosen.size() == 1, QStringLiteral("a player can be selected")))
         return false;
     QTest::mouseClick(view.kickPlayerButton, Qt::LeftButton);
-    if (!expect(QTest::qWaitFor([&] { return m_application.actions().isIdle(); }, patience),
+    if (!expect(waitUntil([&] { return m_application.actions().isIdle(); }),
                 QStringLiteral("the kick is carried out")))
         return false;
     const QString command = QStringLiteral("clientkick ") + chosen.first().identifier;
@@ -96,7 +113,7 @@ bool Journey::kickAPlayer()
         return std::any_of(players.begin(), players.end(),
                            [&](const PlayerRow &player) { return playerKey(player) == playerKey(chosen.first()); });
     };
-    if (!expect(QTest::qWaitFor([&] { return !isStillListed(); }, patience),
+    if (!expect(waitUntil([&] { return !isStillListed(); }),
                 QStringLiteral("the kicked player is gone from the list")))
         return false;
     takePicture(QStringLiteral("kicked"));
@@ -114,7 +131,7 @@ bool Journey::writeAMessage()
     QTest::keyClicks(panel->messageTextField, QStringLiteral("Welcome! The rules are on our page."));
     takePicture(QStringLiteral("message"));
     QTest::mouseClick(panel->sendButton, Qt::LeftButton);
-    if (!expect(QTest::qWaitFor([&] { return m_application.actions().isIdle(); }, patience),
+    if (!expect(waitUntil([&] { return m_application.actions().isIdle(); }),
                 QStringLiteral("the message is sent")))
         return false;
     return expect(m_application.server().commandHistory().last().startsWith(QLatin1String("tell ")),
@@ -128,8 +145,8 @@ bool Journey::useTheConsole()
     QTest::keyClicks(window.consoleView->consoleInput, QStringLiteral("sv_hostname"));
     QTest::keyClick(window.consoleView->consoleInput, Qt::Key_Return);
     const TranscriptView &transcript = *window.consoleView->consoleOutput;
-    const bool isAnswered = QTest::qWaitFor(
-        [&] { return transcript.toPlainText().contains(QLatin1String("\"sv_hostname\" is:")); }, patience);
+    const bool isAnswered = waitUntil(
+        [&] { return transcript.toPlainText().contains(QLatin1String("\"sv_hostname\" is:")); });
     if (!expect(isAnswered, QStringLiteral("the console shows the server's reply")))
         return false;
     takePicture(QStringLiteral("console"));

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 class AppDelegate;
 
 /// Goes through the real window as an administrator would, against the built-in demo server, and takes a picture of
@@ -25,6 +27,7 @@ private:
     bool writeAMessage();
     bool useTheConsole();
     bool disconnect();
+    bool waitUntil(const std::function<bool()> &isReached);
     bool expect(bool isTrue, const QString &what);
     void takePicture(const QString &name);
 
@@ -32,4 +35,5 @@ private:
     QString m_folder;
     QString m_failure;
     QStringList m_paths;
+    int m_alertCount = 0;
 };

@@ -12,7 +12,7 @@ private slots:
     void leadsThroughTheWholeWindow()
     {
         const QTemporaryDir folder;
-        AppDelegate application(folder.filePath(QStringLiteral("preferences.ini")));
+        AppDelegate application({folder.filePath(QStringLiteral("preferences.ini")), {}, folder.path()});
         Journey journey(application, {});
         QVERIFY2(journey.perform(), qPrintable(journey.failure()));
     }
@@ -20,7 +20,7 @@ private slots:
     void closesInTheMiddleOfAConnect()
     {
         const QTemporaryDir folder;
-        AppDelegate application(folder.filePath(QStringLiteral("preferences.ini")));
+        AppDelegate application({folder.filePath(QStringLiteral("preferences.ini")), {}, folder.path()});
         application.window().show();
         application.tryDemoServer();
         application.window().close();

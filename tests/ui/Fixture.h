@@ -1,7 +1,11 @@
 #pragma once
 
 #include "ActionQueue.h"
+#include "CatalogueReader.h"
+#include "KelGametype.h"
+#include "KelMapList.h"
 #include "KelServer.h"
+#include "KelSettings.h"
 #include "Preferences.h"
 #include "RecordedAlerts.h"
 #include "ScriptedExchange.h"
@@ -41,4 +45,9 @@ struct Fixture {
     RecordedAlerts alerts;
     KelServer server{exchange, alerts};
     ActionQueue actions;
+    /// The shipped catalogues, with working copies in a folder of the test; connecting does not ask for them by itself.
+    CatalogueReader reader{{QStringLiteral(FERROW_RESOURCES), folder.path()}, alerts, [] {}};
+    KelGametype gametypes{{server, alerts}, reader};
+    KelSettings settings{{server, alerts}, reader};
+    KelMapList maps{server, reader};
 };

@@ -29,7 +29,7 @@ struct Window : Fixture {
     }
     QString status() const { return view.statusLine->status(); }
 
-    FormMainView view{server, actions, alerts, preferences};
+    FormMainView view{server, actions, alerts, preferences, GameCatalogues{gametypes, settings, maps}};
 };
 
 class MainWindowTest : public QObject
@@ -177,7 +177,8 @@ private slots:
         window.view.show();
         window.view.playersView->playersTableView->sortByColumn(6, Qt::DescendingOrder);
         window.view.close();
-        FormMainView again(window.server, window.actions, window.alerts, window.preferences);
+        FormMainView again(window.server, window.actions, window.alerts, window.preferences,
+                           GameCatalogues{window.gametypes, window.settings, window.maps});
         QCOMPARE(again.size(), QSize(1100, 777));
         QCOMPARE(again.playersView->playersController->arranged()->sortColumn(), 6);
     }

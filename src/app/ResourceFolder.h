@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QString>
+
+/// @return the folder of the shipped catalogues: where the program is installed, in its bundle, or the source tree's
+///         for a program that runs where it was built. Needs a QCoreApplication.
+QString resourceFolder();
