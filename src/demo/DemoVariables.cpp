@@ -25,7 +25,9 @@ DemoVariables::DemoVariables()
         add(QString::fromLatin1(map.excludeVariable), QStringLiteral("0"), Row{"", "", Row::Switch});
     for (const DemoGametype &gametype : demoGametypes()) {
         const QString stem = QStringLiteral("scr_%1_").arg(QLatin1StringView(gametype.name));
+        add(stem + QStringLiteral("extratime"), QStringLiteral("0"), Row{"", "", Row::Switch});
         add(stem + QStringLiteral("numlives"), QStringLiteral("0"), Row{"", "", Row::Integer, 0, 25});
+        add(stem + QStringLiteral("respawndelay"), QStringLiteral("0"), Row{"", "", Row::Decimal, 0, 60});
         add(stem + QStringLiteral("roundlimit"), QStringLiteral("1"), Row{"", "", Row::Integer, 0, 12});
         add(stem + QStringLiteral("scorelimit"), QString::fromLatin1(gametype.scoreLimit),
             Row{"", "", Row::Integer, 0, 50000});
