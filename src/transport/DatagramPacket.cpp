@@ -8,6 +8,7 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -140,7 +141,7 @@ bool DatagramPacket::send(const QString &requestText)
         datagram.append(requestText.toLatin1());
     datagram.append('\0');
 
-    const ssize_t sent = withinTimeout(SO_SNDTIMEO, [this, &datagram](bool isBounded) {
+    const ssize_t sent = withinTimeout(SO_SNDTIMEO, [this, &datagram](bool isBounded, microseconds) {
         return ::sendto(m_socket, datagram.constData(), std::size_t(datagram.size()), isBounded ? 0 : MSG_DONTWAIT,
                         reinterpret_cast<const sockaddr *>(&m_address), sizeof m_address);
     });
@@ -275,7 +276,7 @@ ssize_t DatagramPacket::withinTimeout(int option, Call call) const
     for (;;) {
         // Where the time-out cannot be set the call must not wait at all; it then tells what is wrong with the socket.
         const bool isBounded = setTimeout(option, remaining);
-        const ssize_t result = call(isBounded);
+        const ssize_t result = call(isBounded, remaining);
         if (result >= 0 || errno != EINTR)
             return result;
         remaining = std::chrono::duration_cast<microseconds>(deadline - steady_clock::now());
@@ -288,7 +289,16 @@ ssize_t DatagramPacket::withinTimeout(int option, Call call) const
 
 ssize_t DatagramPacket::readDatagram(std::span<char> buffer) const
 {
-    return withinTimeout(SO_RCVTIMEO, [this, buffer](bool isBounded) {
+    return withinTimeout(SO_RCVTIMEO, [this, buffer](bool isBounded, microseconds remaining) -> ssize_t {
+        // The kernel rounds a socket's own time-out up to its tick; poll counts the milliseconds as they are.
+        if (isBounded) {
+            pollfd waited{m_socket, POLLIN, 0};
+            const int ready = ::poll(&waited, 1, int(std::chrono::ceil<milliseconds>(remaining).count()));
+            if (ready == 0)
+                errno = EAGAIN;
+            if (ready <= 0)
+                return -1;
+        }
         return ::recvfrom(m_socket, buffer.data(), buffer.size(), isBounded ? 0 : MSG_DONTWAIT, nullptr, nullptr);
     });
 }
