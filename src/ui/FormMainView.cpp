@@ -16,18 +16,19 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QSignalBlocker>
+#include <QTimer>
+
+#include <chrono>
 
 FormMainView::FormMainView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
                            GameCatalogues catalogues, QWidget *parent)
     : QMainWindow(parent), serversView(new ServersView(this)), tabControlMain(new QTabWidget(this)),
-      playersView(new PlayersView(server, actions, alerts, preferences, this)),
-      consoleView(new ConsoleView(server, actions, this)), welcomePage(new WelcomePage(this)),
-      statusLine(new StatusLine(this)), m_server(server), m_actions(actions), m_alerts(alerts),
-      m_preferences(preferences), m_catalogues(catalogues), m_splitter(new QSplitter(this)), m_stack(new QStackedWidget(this))
+      welcomePage(new WelcomePage(this)), statusLine(new StatusLine(this)), m_server(server), m_actions(actions),
+      m_alerts(alerts), m_preferences(preferences), m_catalogues(catalogues), m_splitter(new QSplitter(this)),
+      m_stack(new QStackedWidget(this))
 {
     setObjectName(QStringLiteral("FormMainView"));
     setWindowTitle(tr("Kelvard Ferrow Remote Console"));
-    makePages();
     layOut();
     makeMenus();
     connectControls();
@@ -41,12 +42,15 @@ static QWidget *laterPage(const QString &text, QWidget *parent)
     auto *page = new QLabel(text, parent);
     page->setAlignment(Qt::AlignCenter);
     page->setEnabled(false);
-    page->hide();
     return page;
 }
 
-void FormMainView::makePages()
+void FormMainView::makeViews()
 {
+    if (!m_pages.isEmpty())
+        return;
+    playersView = new PlayersView(m_server, m_actions, m_alerts, m_preferences, this);
+    consoleView = new ConsoleView(m_server, m_actions, this);
     m_pages.insert(TabItem::Players, playersView);
     m_pages.insert(TabItem::Console, consoleView);
     m_pages.insert(TabItem::Maps, laterPage(tr("This version does not show maps yet."), this));
@@ -56,8 +60,19 @@ void FormMainView::makePages()
     m_pages.insert(TabItem::RankedSettings, laterPage(settingsText, this));
     m_pages.insert(TabItem::Messages, laterPage(tr("This version does not play messages yet."), this));
     m_pages.insert(TabItem::ConfigBuilder, laterPage(tr("This version does not build configurations yet."), this));
-    playersView->hide();
-    consoleView->hide();
+    for (QWidget *page : std::as_const(m_pages))
+        page->hide();
+    fillPlayersMenu();
+    const QByteArray players = m_preferences.value(QStringLiteral("window/playersTable")).toByteArray();
+    if (!players.isEmpty())
+        playersView->playersTableView->horizontalHeader()->restoreState(players);
+}
+
+void FormMainView::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    // After the first frame, so that it comes as early as it can.
+    QTimer::singleShot(std::chrono::milliseconds(50), this, &FormMainView::makeViews);
 }
 
 void FormMainView::layOut()
@@ -108,6 +123,7 @@ QCoro::Task<> FormMainView::tell(QString title, QString text)
 void FormMainView::arrangeTabs()
 {
     {
+        makeViews();
         const QSignalBlocker blocker(tabControlMain); // the tabs in between are nobody's choice
         tabControlMain->clear();
         for (const TabItem item : m_server.tabItems())
@@ -123,6 +139,8 @@ void FormMainView::selectedTabDidChange()
     const int index = tabControlMain->currentIndex();
     const QList<TabItem> items = m_server.tabItems();
     const bool isShown = index >= 0 && index < items.size();
+    if (playersView == nullptr)
+        return;
     playersView->setSelectedTabLabel(isShown ? tabLabel(items.at(index)) : QString());
 }
 
@@ -132,17 +150,15 @@ void FormMainView::restoreLayout()
     m_splitter->setSizes({270, 910});
     restoreGeometry(m_preferences.value(QStringLiteral("window/geometry")).toByteArray());
     m_splitter->restoreState(m_preferences.value(QStringLiteral("window/splitter")).toByteArray());
-    const QByteArray players = m_preferences.value(QStringLiteral("window/playersTable")).toByteArray();
-    if (!players.isEmpty())
-        playersView->playersTableView->horizontalHeader()->restoreState(players);
 }
 
 void FormMainView::saveLayout()
 {
     m_preferences.setValue(QStringLiteral("window/geometry"), saveGeometry());
     m_preferences.setValue(QStringLiteral("window/splitter"), m_splitter->saveState());
-    m_preferences.setValue(QStringLiteral("window/playersTable"),
-                           playersView->playersTableView->horizontalHeader()->saveState());
+    if (playersView != nullptr)
+        m_preferences.setValue(QStringLiteral("window/playersTable"),
+                               playersView->playersTableView->horizontalHeader()->saveState());
 }
 
 void FormMainView::closeEvent(QCloseEvent *event)

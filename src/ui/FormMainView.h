@@ -51,12 +51,17 @@ public:
     /// Shows an alert without waiting for it.
     void reportFailure(const QString &title, const QString &text);
 
+    /// Makes the views behind the tabs, if that is not done yet: the first frame comes without them, they follow at
+    /// once.
+    void makeViews();
+
     ServersView *serversView;
     QTabWidget *tabControlMain;
-    PlayersView *playersView;
-    ConsoleView *consoleView;
     WelcomePage *welcomePage;
     StatusLine *statusLine;
+    // Null until makeViews().
+    PlayersView *playersView = nullptr;
+    ConsoleView *consoleView = nullptr;
 
 public slots:
     void connectButtonPressed();
@@ -66,14 +71,14 @@ signals:
     void demoServerRequested();
 
 protected:
+    void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:
     void layOut();
-    void makePages();
     void makeMenus();
     void makeServerMenu();
-    void makePlayersMenu();
+    void fillPlayersMenu();
     void makeViewMenu();
     void connectControls();
     void restoreLayout();
@@ -95,4 +100,5 @@ private:
     QSplitter *m_splitter;
     QStackedWidget *m_stack;
     QMap<TabItem, QWidget *> m_pages;
+    QMenu *m_playersMenu = nullptr;
 };

@@ -22,6 +22,7 @@ void FormMainView::connectButtonPressed()
 
 void FormMainView::connectTo(ConnectTarget target)
 {
+    makeViews();
     serversView->setConnecting(true);
     statusLine->setStatus(tr("Connecting to %1...").arg(target.label));
     m_actions.start(connectAction(std::move(target)));

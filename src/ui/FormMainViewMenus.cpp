@@ -17,13 +17,15 @@
 void FormMainView::makeMenus()
 {
     QMenu *file = menuBar()->addMenu(tr("&File"));
-    file->addAction(tr("&Save Player List…"), QKeySequence::SaveAs, playersView,
-                    &PlayersView::savePlayerListButtonPressed);
+    file->addAction(tr("&Save Player List…"), QKeySequence::SaveAs, this, [this] {
+        makeViews();
+        playersView->savePlayerListButtonPressed();
+    });
     file->addSeparator();
     QAction *quit = file->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
     quit->setMenuRole(QAction::QuitRole);
     makeServerMenu();
-    makePlayersMenu();
+    m_playersMenu = menuBar()->addMenu(tr("&Players"));
     makeViewMenu();
     QMenu *help = menuBar()->addMenu(tr("&Help"));
     help->addAction(tr("Try the &Demo Server"), this, &FormMainView::demoServerRequested);
@@ -43,9 +45,9 @@ void FormMainView::makeServerMenu()
     connect(menu, &QMenu::aboutToHide, connectAction, [connectAction] { connectAction->setEnabled(true); });
 }
 
-void FormMainView::makePlayersMenu()
+void FormMainView::fillPlayersMenu()
 {
-    QMenu *menu = menuBar()->addMenu(tr("&Players"));
+    QMenu *menu = m_playersMenu;
     const auto add = [&](const QString &text, const QKeySequence &keys, QPushButton *button) {
         QAction *action = menu->addAction(text, keys, button, &QPushButton::click);
         // Grey in the menu when grey in the window; the shortcut itself asks the button.

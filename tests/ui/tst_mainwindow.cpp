@@ -15,7 +15,11 @@
 #include <QPointer>
 
 struct Window : Fixture {
-    Window() { exchange.answer(QStringLiteral("teamstatus"), ScriptedExchange::ok()); }
+    Window()
+    {
+        view.makeViews();
+        exchange.answer(QStringLiteral("teamstatus"), ScriptedExchange::ok());
+    }
 
     void fillForm(const QString &host, const QString &port, const QString &password)
     {
@@ -179,6 +183,7 @@ private slots:
         window.view.close();
         FormMainView again(window.server, window.actions, window.alerts, window.preferences,
                            GameCatalogues{window.gametypes, window.settings, window.maps});
+        again.makeViews();
         QCOMPARE(again.size(), QSize(1100, 777));
         QCOMPARE(again.playersView->playersController->arranged()->sortColumn(), 6);
     }
