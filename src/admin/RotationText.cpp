@@ -1,0 +1,49 @@
+#include "RotationText.h"
+
+#include "QuotedStrings.h"
+
+#include <QStringView>
+
+static QStringView withoutOuter(QStringView text, QChar mark)
+{
+    while (text.startsWith(mark))
+        text = text.sliced(1);
+    while (text.endsWith(mark))
+        text.chop(1);
+    return text;
+}
+
+QString parseMapResponse(const QString &reply)
+{
+    const QStringList fields = quotedStrings(reply);
+    if (fields.size() < 2)
+        return {};
+    return withoutOuter(fields.at(1), QLatin1Char('"')).toString();
+}
+
+QList<RotationRow> parseRotation(const QString &rotation, const QString &gametype, const NameLookup &findMap,
+                                 const NameLookup &findGametype)
+{
+    const QList<QStringView> pieces =
+        withoutOuter(rotation, QLatin1Char('?')).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    QList<RotationRow> rows;
+    RotationRow row{{}, gametype};
+    for (auto piece = pieces.begin(); piece != pieces.end(); ++piece) {
+        if (*piece == QLatin1String("gametype")) {
+            if (++piece == pieces.end())
+                break;
+            row.gametype = findGametype(piece->toString());
+            continue;
+        }
+        const bool isAnnounced = *piece == QLatin1String("map");
+        if (isAnnounced)
+            ++piece;
+        const bool isNamed = piece != pieces.end();
+        if (isNamed)
+            row.map = findMap(piece->toString());
+        rows.append(row); // "map" at the very end stands for the map before it
+        if (!isNamed)
+            break;
+    }
+    return rows;
+}

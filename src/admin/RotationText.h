@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include <functional>
+
+/// One step of the server's map rotation, by the names that users know.
+struct RotationRow {
+    QString map;
+    QString gametype;
+
+    bool operator==(const RotationRow &) const = default;
+};
+
+/// Turns the server's name of something into the one that users know; the name itself when it is unknown.
+using NameLookup = std::function<QString(const QString &)>;
+
+/// @return the value in the reply to a variable's name; empty when the reply holds none. Any thread.
+QString parseMapResponse(const QString &reply);
+
+/// Reads a rotation such as "gametype tdm map mp_a map mp_b". A map may stand without "map" before it.
+/// @param gametype  display name of what is played until the rotation names another gametype.
+QList<RotationRow> parseRotation(const QString &rotation, const QString &gametype, const NameLookup &findMap,
+                                 const NameLookup &findGametype);
