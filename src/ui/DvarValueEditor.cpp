@@ -1,0 +1,100 @@
+#include "DvarValueEditor.h"
+
+#include "DvarSetting.h"
+
+#include <QAccessible>
+#include <QLabel>
+#include <QValidator>
+
+#include <algorithm>
+#include <utility>
+
+namespace
+{
+
+/// Lets everything be typed, but only what the setting accepts be entered.
+class DvarValueValidator : public QValidator
+{
+public:
+    DvarValueValidator(std::shared_ptr<DvarSetting> setting, QObject *parent)
+        : QValidator(parent), m_setting(std::move(setting))
+    {
+    }
+    State validate(QString &text, int &) const override
+    {
+        return m_setting->validateValue(text) ? Acceptable : Intermediate;
+    }
+
+private:
+    std::shared_ptr<DvarSetting> m_setting;
+};
+
+} // namespace
+
+DvarValueEditor::DvarValueEditor(const std::shared_ptr<DvarSetting> &setting, QWidget *parent)
+    : QLineEdit(parent), m_setting(setting), m_hint(new QLabel(parent))
+{
+    setObjectName(QStringLiteral("dvarValueEditor"));
+    setAccessibleName(tr("Value of %1").arg(setting->name()));
+    setAutoFillBackground(true);
+    setValidator(new DvarValueValidator(setting, this));
+    m_hint->setObjectName(QStringLiteral("dvarValueHint"));
+    m_hint->setTextFormat(Qt::PlainText);
+    m_hint->setText(setting->acceptedValues());
+    m_hint->setMargin(4);
+    m_hint->setFrameShape(QFrame::Box);
+    m_hint->setAutoFillBackground(true);
+    m_hint->setBackgroundRole(QPalette::ToolTipBase);
+    m_hint->setForegroundRole(QPalette::ToolTipText);
+    m_hint->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_hint->hide();
+    connect(this, &QLineEdit::textEdited, this, &DvarValueEditor::updateHint);
+}
+
+DvarValueEditor::~DvarValueEditor()
+{
+    delete m_hint; // null when the parent went first
+}
+
+void DvarValueEditor::showHint()
+{
+    if (m_hint.isNull() || m_hint->isVisible())
+        return;
+    setAccessibleDescription(m_hint->text());
+    placeHint();
+    m_hint->show();
+    m_hint->raise();
+    QAccessibleEvent announcement(m_hint, QAccessible::Alert);
+    QAccessible::updateAccessibility(&announcement);
+}
+
+void DvarValueEditor::updateHint()
+{
+    if (!hasAcceptableInput())
+        showHint();
+    else if (!m_hint.isNull())
+        m_hint->hide();
+}
+
+void DvarValueEditor::placeHint()
+{
+    if (m_hint.isNull())
+        return;
+    m_hint->adjustSize();
+    const QRect room = parentWidget()->rect();
+    const int left = std::max(0, std::min(x(), room.right() - m_hint->width()));
+    const bool fitsBelow = geometry().bottom() + 1 + m_hint->height() <= room.bottom();
+    m_hint->move(left, fitsBelow ? geometry().bottom() + 1 : y() - m_hint->height());
+}
+
+void DvarValueEditor::moveEvent(QMoveEvent *event)
+{
+    QLineEdit::moveEvent(event);
+    placeHint();
+}
+
+void DvarValueEditor::resizeEvent(QResizeEvent *event)
+{
+    QLineEdit::resizeEvent(event);
+    placeHint();
+}

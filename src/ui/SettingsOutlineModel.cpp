@@ -1,0 +1,216 @@
+#include "SettingsOutlineModel.h"
+
+#include "DvarSetting.h"
+#include "DvarSettingCategory.h"
+#include "KelServer.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+/// Zero for a category; for a setting, one more than the place of its category among the visible ones.
+static quintptr idBelow(int categoryRow)
+{
+    return static_cast<quintptr>(categoryRow) + 1;
+}
+
+static bool holdsAll(const DvarSetting &setting, const QStringList &words)
+{
+    return std::all_of(words.begin(), words.end(), [&setting](const QString &word) {
+        return setting.name().contains(word, Qt::CaseInsensitive) ||
+               setting.dvar().contains(word, Qt::CaseInsensitive) ||
+               setting.settingDescription().contains(word, Qt::CaseInsensitive);
+    });
+}
+
+SettingsOutlineModel::SettingsOutlineModel(KelServer &server, QObject *parent)
+    : QAbstractItemModel(parent), m_server(server)
+{
+    connect(&server, &KelServer::dvarListChanged, this, &SettingsOutlineModel::followSession);
+    connect(&server, &KelServer::didConnect, this, &SettingsOutlineModel::takeValuesAtConnect);
+}
+
+SettingsOutlineModel::~SettingsOutlineModel() = default;
+
+void SettingsOutlineModel::setCategories(const QList<std::shared_ptr<DvarSettingCategory>> &categories)
+{
+    beginResetModel();
+    m_categories.clear();
+    for (const std::shared_ptr<DvarSettingCategory> &category : categories) {
+        Category added{category, {}, {}};
+        for (const std::shared_ptr<DvarSetting> &setting : category->children())
+            added.rows.append(Row{setting, {}});
+        m_categories.append(added);
+    }
+    arrange();
+    endResetModel();
+}
+
+void SettingsOutlineModel::setFilterText(const QString &text)
+{
+    if (text == m_filterText)
+        return;
+    beginResetModel();
+    m_filterText = text;
+    arrange();
+    endResetModel();
+}
+
+void SettingsOutlineModel::arrange()
+{
+    static const QRegularExpression blanks(QStringLiteral("\\s+"));
+    const QStringList words = m_filterText.split(blanks, Qt::SkipEmptyParts);
+    m_visible.clear();
+    for (int each = 0; each < m_categories.size(); ++each) {
+        Category &category = m_categories[each];
+        category.visible.clear();
+        for (int row = 0; row < category.rows.size(); ++row) {
+            Row &candidate = category.rows[row];
+            if (!holdsAll(*candidate.setting, words))
+                continue;
+            category.visible.append(row);
+            candidate.shown = shownFor(*candidate.setting);
+        }
+        if (!category.visible.isEmpty())
+            m_visible.append(each);
+    }
+}
+
+bool SettingsOutlineModel::hasSettings() const
+{
+    return !m_categories.isEmpty();
+}
+
+void SettingsOutlineModel::followSession()
+{
+    // A connect begins by forgetting everything, and with it what the last connection started from.
+    if (m_server.dvarList().isEmpty()) {
+        m_valuesAtConnect.clear();
+        m_isConnectComplete = false;
+    }
+    announceChanges();
+}
+
+void SettingsOutlineModel::takeValuesAtConnect()
+{
+    m_valuesAtConnect = m_server.dvarList();
+    m_isConnectComplete = true;
+    announceChanges();
+}
+
+void SettingsOutlineModel::beginWrite(const QString &dvar)
+{
+    ++m_writes[dvar];
+    announceChanges();
+}
+
+void SettingsOutlineModel::endWrite(const QString &dvar)
+{
+    if (--m_writes[dvar] <= 0)
+        m_writes.remove(dvar);
+    announceChanges();
+}
+
+void SettingsOutlineModel::announceChanges()
+{
+    for (int categoryRow = 0; categoryRow < m_visible.size(); ++categoryRow) {
+        Category &category = m_categories[m_visible.at(categoryRow)];
+        const QModelIndex parentIndex = index(categoryRow, NameColumn);
+        const int count = static_cast<int>(category.visible.size());
+        // Neighbours are announced together: a view looks every announced row up from the top of the outline.
+        int first = -1;
+        for (int row = 0; row <= count; ++row) {
+            bool isDifferent = false;
+            if (row < count) {
+                Row &each = category.rows[category.visible.at(row)];
+                const Shown now = shownFor(*each.setting);
+                isDifferent = !(now == each.shown);
+                each.shown = now;
+            }
+            if (isDifferent && first < 0)
+                first = row;
+            if (isDifferent || first < 0)
+                continue;
+            emit dataChanged(index(first, ValueColumn, parentIndex), index(row - 1, ValueColumn, parentIndex));
+            first = -1;
+        }
+    }
+}
+
+bool SettingsOutlineModel::isChanged(const QString &dvar, const QString &value) const
+{
+    if (!m_isConnectComplete)
+        return false;
+    const QString old = valueAtConnect(dvar);
+    return old != value || old.isNull() != value.isNull();
+}
+
+SettingsOutlineModel::Shown SettingsOutlineModel::shownFor(const DvarSetting &setting) const
+{
+    const QString value = setting.dvarValue();
+    return Shown{value, isChanged(setting.dvar(), value), m_writes.contains(setting.dvar())};
+}
+
+std::shared_ptr<DvarSetting> SettingsOutlineModel::settingAt(const QModelIndex &index) const
+{
+    if (!index.isValid() || index.internalId() == 0)
+        return nullptr;
+    const Category &category = m_categories.at(m_visible.at(static_cast<int>(index.internalId() - 1)));
+    return category.rows.at(category.visible.at(index.row())).setting;
+}
+
+QModelIndex SettingsOutlineModel::indexOf(const std::shared_ptr<DvarSetting> &setting, int column) const
+{
+    for (int categoryRow = 0; categoryRow < m_visible.size(); ++categoryRow) {
+        const Category &category = m_categories.at(m_visible.at(categoryRow));
+        for (int row = 0; row < category.visible.size(); ++row) {
+            if (category.rows.at(category.visible.at(row)).setting == setting)
+                return createIndex(row, column, idBelow(categoryRow));
+        }
+    }
+    return {};
+}
+
+QModelIndex SettingsOutlineModel::index(int row, int column, const QModelIndex &parent) const
+{
+    if (!hasIndex(row, column, parent))
+        return {};
+    return createIndex(row, column, parent.isValid() ? idBelow(parent.row()) : 0);
+}
+
+QModelIndex SettingsOutlineModel::parent(const QModelIndex &child) const
+{
+    if (!child.isValid() || child.internalId() == 0)
+        return {};
+    return createIndex(static_cast<int>(child.internalId() - 1), NameColumn, quintptr(0));
+}
+
+int SettingsOutlineModel::rowCount(const QModelIndex &parent) const
+{
+    if (!parent.isValid())
+        return static_cast<int>(m_visible.size());
+    if (parent.internalId() != 0 || parent.column() != NameColumn)
+        return 0;
+    return static_cast<int>(m_categories.at(m_visible.at(parent.row())).visible.size());
+}
+
+int SettingsOutlineModel::columnCount(const QModelIndex &) const
+{
+    return ColumnCount;
+}
+
+QVariant SettingsOutlineModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        return {};
+    switch (section) {
+    case NameColumn:
+        return tr("Name");
+    case ValueColumn:
+        return tr("Value");
+    case DescriptionColumn:
+        return tr("Description");
+    default:
+        return {};
+    }
+}

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <QAbstractItemModel>
+#include <QHash>
+#include <QList>
+#include <QString>
+
+#include <memory>
+
+class DvarSetting;
+class DvarSettingCategory;
+class KelServer;
+
+/// Categories of settings with the values that the session has at the moment. It follows the session by itself, and
+/// tells which values are no longer what they were at the end of connecting.
+class SettingsOutlineModel : public QAbstractItemModel
+{
+    Q_OBJECT
+public:
+    enum Column { NameColumn, ValueColumn, DescriptionColumn, ColumnCount };
+    enum Role {
+        IsUnknownRole = Qt::UserRole, ///< the session does not know the variable
+        IsChangedRole,                ///< since the end of connecting
+        IsPendingRole,                ///< a write is on its way
+    };
+
+    /// `server` outlives the model.
+    explicit SettingsOutlineModel(KelServer &server, QObject *parent = nullptr);
+    ~SettingsOutlineModel() override;
+
+    void setCategories(const QList<std::shared_ptr<DvarSettingCategory>> &categories);
+    /// Narrows the rows to settings that have every word of `text` in their name, variable or description.
+    void setFilterText(const QString &text);
+    QString filterText() const { return m_filterText; }
+    /// Whether there are settings at all, shown or hidden by the filter.
+    bool hasSettings() const;
+
+    /// The setting of a row; null for a category.
+    std::shared_ptr<DvarSetting> settingAt(const QModelIndex &index) const;
+    /// The row that shows a setting; invalid while the filter hides it.
+    QModelIndex indexOf(const std::shared_ptr<DvarSetting> &setting, int column = NameColumn) const;
+    /// What a variable was at the end of connecting; null when it was not known.
+    QString valueAtConnect(const QString &dvar) const { return m_valuesAtConnect.value(dvar); }
+
+    /// Marks the rows of a variable as being written, until endWrite() was called as often.
+    void beginWrite(const QString &dvar);
+    void endWrite(const QString &dvar);
+
+    QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
+    QModelIndex parent(const QModelIndex &child) const override;
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    /// Asks for a write of a valid text, or for the opposite of a checkbox whatever the state given. Stores nothing:
+    /// the row shows what the session says.
+    bool setData(const QModelIndex &index, const QVariant &value, int role = Qt::EditRole) override;
+
+signals:
+    void writeRequested(std::shared_ptr<DvarSetting> setting, const QString &value);
+    void toggleRequested(std::shared_ptr<DvarSetting> setting);
+
+private:
+    /// What a row showed when the views were last told.
+    struct Shown {
+        QString value;
+        bool isChanged = false;
+        bool isPending = false;
+        bool operator==(const Shown &other) const
+        {
+            return value == other.value && value.isNull() == other.value.isNull() && isChanged == other.isChanged &&
+                   isPending == other.isPending;
+        }
+    };
+    struct Row {
+        std::shared_ptr<DvarSetting> setting;
+        Shown shown;
+    };
+    struct Category {
+        std::shared_ptr<DvarSettingCategory> category;
+        QList<Row> rows;
+        QList<int> visible; ///< into rows
+    };
+
+    void followSession();
+    void takeValuesAtConnect();
+    void announceChanges();
+    void arrange();
+    bool isChanged(const QString &dvar, const QString &value) const;
+    Shown shownFor(const DvarSetting &setting) const;
+    QVariant settingData(const DvarSetting &setting, int column, int role) const;
+    QVariant valueData(const DvarSetting &setting, int role) const;
+    QString displayText(const DvarSetting &setting, int column) const;
+    QString toolTip(const DvarSetting &setting, int column) const;
+    QString changeText(const DvarSetting &setting) const;
+
+    KelServer &m_server;
+    QList<Category> m_categories;
+    QList<int> m_visible; ///< into m_categories
+    QString m_filterText;
+    QHash<QString, QString> m_valuesAtConnect;
+    bool m_isConnectComplete = false;
+    QHash<QString, int> m_writes;
+};

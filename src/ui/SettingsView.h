@@ -1,0 +1,76 @@
+#pragma once
+
+#include "ActionQueue.h"
+
+#include <QCoroTask>
+
+#include <QLineEdit>
+#include <QListWidget>
+#include <QWidget>
+
+#include <memory>
+
+class DvarSetting;
+class DvarSettingOutlineView;
+class EmptyHint;
+class KelGametype;
+class KelServer;
+class KelSettings;
+class QSplitter;
+class SettingsOutlineModel;
+
+/// The settings of the game with their live values; on an unranked server those of a gametype too. An edit is written
+/// to the server at once.
+class SettingsView : public QWidget
+{
+    Q_OBJECT
+public:
+    enum class Mode { Unranked, Ranked };
+
+    /// Everything handed in outlives the view, and the view outlives the actions that it starts.
+    SettingsView(Mode mode, KelServer &server, ActionQueue &actions, KelSettings &settings, KelGametype &gametypes,
+                 QWidget *parent = nullptr);
+    ~SettingsView() override;
+
+    /// Splitters and column widths, for restoreLayout() of the next run.
+    QByteArray saveLayout() const;
+    /// Anything but what saveLayout() gave leaves the layout as it is.
+    void restoreLayout(const QByteArray &layout);
+
+    QListWidget *settingsGroupList;
+    QLineEdit *settingsFilterField;
+    /// The outline of the game's settings; its object name tells the mode.
+    DvarSettingOutlineView *settingsOutlineView;
+    QListWidget *gametypeList = nullptr;                   ///< null in the ranked mode
+    DvarSettingOutlineView *gametypeOutlineView = nullptr; ///< null in the ranked mode
+
+private:
+    void layOut(Mode mode);
+    void layOutGametypes();
+    QSplitter *pairOf(const QString &title, QListWidget *list, DvarSettingOutlineView *outline);
+    void connectOutline(SettingsOutlineModel *outline);
+    void connectSettings();
+    void connectGametypes();
+    void listGroups();
+    void listGametypes();
+    void showGroup();
+    void showGametype();
+    void updateHints();
+    QString outlineHint(const SettingsOutlineModel &outline, const QString &emptyText) const;
+    QList<QSplitter *> splitters() const;
+    QList<DvarSettingOutlineView *> outlineViews() const;
+
+    QCoro::Task<> writeSetting(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting, QString value);
+    QCoro::Task<> toggleSetting(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting);
+
+    KelServer &m_server;
+    ActionQueue &m_actions;
+    KelSettings &m_settings;
+    KelGametype &m_gametypes;
+    SettingsOutlineModel *m_settingsOutline;
+    SettingsOutlineModel *m_gametypeOutline = nullptr;
+    EmptyHint *m_groupsHint = nullptr;
+    EmptyHint *m_settingsHint = nullptr;
+    EmptyHint *m_gametypesHint = nullptr;
+    EmptyHint *m_gametypeSettingsHint = nullptr;
+};
