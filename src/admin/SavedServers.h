@@ -16,6 +16,8 @@ struct SavedServer {
     QString host;
     QString port;
     std::optional<QString> password;
+
+    bool operator==(const SavedServer &) const = default;
 };
 
 /// What a reading or a writing of the file came to, in words for the user.

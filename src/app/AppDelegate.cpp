@@ -3,6 +3,7 @@
 #include "Appearance.h"
 #include "DemoServer.h"
 #include "FormMainView.h"
+#include "PasswordEncryption.h"
 #include "ResourceFolder.h"
 
 #include <QDir>
@@ -24,13 +25,14 @@ AppDelegate::AppDelegate(Places places)
       m_reader(catalogueFolders(places), m_alerts, [this] { m_window->close(); }),
       m_gametypes(CatalogueContext{m_server, m_alerts}, m_reader),
       m_settings(CatalogueContext{m_server, m_alerts}, m_reader), m_maps(m_server, m_reader),
-      m_catalogues(m_gametypes, m_settings)
+      m_catalogues(m_gametypes, m_settings),
+      m_savedServers(m_reader.folders().applicationSupport + QStringLiteral("/SavedServers.plist"), userLoginName())
 {
     m_server.setCatalogueLoader(&m_catalogues);
     registerDefaults();
     Appearance::apply(m_preferences.value(QStringLiteral("appearance")).toString());
     m_window = std::make_unique<FormMainView>(m_server, m_actions, m_alerts, m_preferences,
-                                              GameCatalogues{m_gametypes, m_settings, m_maps});
+                                              GameCatalogues{m_gametypes, m_settings, m_maps}, m_savedServers);
     m_alerts.setWindow(m_window.get());
     connect(m_window.get(), &FormMainView::demoServerRequested, this, &AppDelegate::tryDemoServer);
 }
@@ -50,9 +52,8 @@ QString AppDelegate::applicationSupportDirectory()
     static const QString path = [] {
         const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
         const QString folder = base + QStringLiteral("/Kelvard Ferrow Remote Console");
-        const bool isThere = QDir(folder).exists();
         // A folder that cannot be made shows when something is written into it.
-        if (!isThere && QDir().mkpath(folder))
+        if (QDir().mkpath(folder))
             QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         return folder;
     }();

@@ -8,6 +8,7 @@
 #include "KelSettings.h"
 #include "Preferences.h"
 #include "RConExchange.h"
+#include "SavedServers.h"
 #include "SheetAlerts.h"
 
 #include <memory>
@@ -52,6 +53,7 @@ private:
     KelSettings m_settings;
     KelMapList m_maps;
     Catalogues m_catalogues;
+    SavedServers m_savedServers;
     ActionQueue m_actions;
     std::unique_ptr<DemoServer> m_demoServer;
     std::unique_ptr<FormMainView> m_window;

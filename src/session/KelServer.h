@@ -86,6 +86,9 @@ public:
 signals:
     void isConnectedChanged(bool isConnected);
     void dvarListChanged();
+    /// A server has answered a connect, also when there was a connection before: what is known of players is void, and
+    /// what waits for its turn was meant for the server before.
+    void connectionBegan();
     /// A connect has come to its end with everything asked for.
     void didConnect();
     void tabItemsChanged();

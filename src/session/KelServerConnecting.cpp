@@ -52,6 +52,7 @@ QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString p
     m_host = host;
     m_port = *newPort;
     setConnected(true);
+    emit connectionBegan();
     for (const QStringView line : QStringView(reply.text).split(QLatin1Char('\n'), Qt::SkipEmptyParts))
         addDvarLine(line);
 

@@ -24,15 +24,16 @@ void ActionQueue::start(QCoro::Task<> action)
 
 QCoro::Task<> ActionQueue::supervise(QCoro::Task<> action)
 {
-    QString fault;
+    bool isFaulty = true;
+    QString fault = QStringLiteral("unknown exception");
     try {
         co_await action;
+        isFaulty = false;
     } catch (const std::exception &exception) {
         fault = QString::fromLocal8Bit(exception.what());
-    } catch (...) {
-        fault = QStringLiteral("unknown exception");
+    } catch (...) { // told as unknown
     }
-    if (!fault.isEmpty())
+    if (isFaulty)
         emit faulted(fault);
     if (--m_running == 0) {
         emit busyChanged(false);
@@ -42,6 +43,8 @@ QCoro::Task<> ActionQueue::supervise(QCoro::Task<> action)
 
 QCoro::Task<ActionQueue::Turn> ActionQueue::turn()
 {
+    if (m_isClosed)
+        co_return Turn();
     const quint64 droppings = m_droppings;
     if (m_isTurnGiven) {
         QPromise<bool> promise;
@@ -63,6 +66,17 @@ QCoro::Task<ActionQueue::Turn> ActionQueue::turn()
 void ActionQueue::dropWaiting()
 {
     ++m_droppings;
+    refuseWaiting();
+}
+
+void ActionQueue::close()
+{
+    m_isClosed = true;
+    dropWaiting();
+}
+
+void ActionQueue::refuseWaiting()
+{
     std::deque<QPromise<bool>> dropped;
     dropped.swap(m_waiting);
     for (QPromise<bool> &promise : dropped) {

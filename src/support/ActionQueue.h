@@ -46,6 +46,12 @@ public:
     /// Refuses every turn that is not yet given. The running action goes on until it looks at its turn.
     void dropWaiting();
 
+    /// Refuses every turn that is not yet given, and leaves the running action alone.
+    void refuseWaiting();
+
+    /// Calls off everything, now and later: no turn is given any more.
+    void close();
+
     /// True when no started action is left.
     bool isIdle() const { return m_running == 0; }
 
@@ -63,4 +69,5 @@ private:
     int m_running = 0;
     quint64 m_droppings = 0;
     bool m_isTurnGiven = false;
+    bool m_isClosed = false;
 };

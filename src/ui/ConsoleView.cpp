@@ -21,7 +21,6 @@ ConsoleView::ConsoleView(KelServer &server, ActionQueue &actions, QWidget *paren
     consoleInput->setObjectName(QStringLiteral("consoleInput"));
     consoleInput->setAccessibleName(tr("Command"));
     consoleInput->setFont(consoleOutput->font());
-    consoleInput->setPlaceholderText(tr("Type a console command"));
     consoleInput->installEventFilter(this);
 
     auto *row = new QHBoxLayout;
@@ -41,8 +40,17 @@ ConsoleView::ConsoleView(KelServer &server, ActionQueue &actions, QWidget *paren
     connect(numericUpDownCommandCursor, &QSpinBox::valueChanged, this, &ConsoleView::consoleHistoryStepperChanged);
     connect(&m_server, &KelServer::consoleMessageAppended, consoleOutput, &TranscriptView::appendConsoleMessage);
     connect(&m_server, &KelServer::consoleCleared, consoleOutput, &QPlainTextEdit::clear);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &ConsoleView::connectionDidChange);
     connect(&m_server, &KelServer::commandHistoryChanged, this,
             [this] { numericUpDownCommandCursor->setCount(static_cast<int>(m_server.commandHistory().size())); });
+    connectionDidChange();
+}
+
+void ConsoleView::connectionDidChange()
+{
+    const bool isConnected = m_server.isConnected();
+    consoleInput->setEnabled(isConnected);
+    consoleInput->setPlaceholderText(isConnected ? tr("Type a console command") : tr("Not connected"));
 }
 
 void ConsoleView::consoleInputDidChange()
@@ -58,8 +66,11 @@ void ConsoleView::consoleInputDidChange()
 QCoro::Task<> ConsoleView::sendLine(QString line)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
+    if (!turn) {
+        if (consoleInput->text().isEmpty()) // called off before it was sent: not lost
+            consoleInput->setText(line);
         co_return;
+    }
     co_await m_server.consoleInputDidChange(line);
 }
 

@@ -30,6 +30,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void connectionDidChange();
     QCoro::Task<> sendLine(QString line);
 
     KelServer &m_server;

@@ -5,10 +5,12 @@
 #include "Appearance.h"
 #include "ConsoleView.h"
 #include "KelServer.h"
+#include "MapsView.h"
 #include "PlaceholderTable.h"
 #include "PlayersView.h"
 #include "Preferences.h"
 #include "ServersView.h"
+#include "SettingsView.h"
 #include "StatusLine.h"
 #include "WelcomePage.h"
 
@@ -21,11 +23,11 @@
 #include <chrono>
 
 FormMainView::FormMainView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                           GameCatalogues catalogues, QWidget *parent)
-    : QMainWindow(parent), serversView(new ServersView(this)), tabControlMain(new QTabWidget(this)),
-      welcomePage(new WelcomePage(this)), statusLine(new StatusLine(this)), m_server(server), m_actions(actions),
-      m_alerts(alerts), m_preferences(preferences), m_catalogues(catalogues), m_splitter(new QSplitter(this)),
-      m_stack(new QStackedWidget(this))
+                           GameCatalogues catalogues, SavedServers &savedServers, QWidget *parent)
+    : QMainWindow(parent), serversView(new ServersView(savedServers, actions, alerts, this)),
+      tabControlMain(new QTabWidget(this)), welcomePage(new WelcomePage(this)), statusLine(new StatusLine(this)),
+      m_server(server), m_actions(actions), m_alerts(alerts), m_preferences(preferences), m_catalogues(catalogues),
+      m_splitter(new QSplitter(this)), m_stack(new QStackedWidget(this))
 {
     setObjectName(QStringLiteral("FormMainView"));
     setWindowTitle(tr("Kelvard Ferrow Remote Console"));
@@ -50,22 +52,29 @@ void FormMainView::makeViews()
     if (!m_pages.isEmpty())
         return;
     playersView = new PlayersView(m_server, m_actions, m_alerts, m_preferences, this);
+    mapsView =
+        new MapsView(m_server, m_actions, m_alerts, m_preferences, m_catalogues.gametypes, m_catalogues.maps, this);
+    unrankedSettingsView = new SettingsView(SettingsView::Mode::Unranked, m_server, m_actions, m_catalogues.settings,
+                                            m_catalogues.gametypes, this);
+    rankedSettingsView = new SettingsView(SettingsView::Mode::Ranked, m_server, m_actions, m_catalogues.settings,
+                                          m_catalogues.gametypes, this);
     consoleView = new ConsoleView(m_server, m_actions, this);
     m_pages.insert(TabItem::Players, playersView);
-    m_pages.insert(TabItem::Console, consoleView);
-    m_pages.insert(TabItem::Maps, laterPage(tr("This version does not show maps yet."), this));
+    m_pages.insert(TabItem::Maps, mapsView);
     m_pages.insert(TabItem::Playlists, laterPage(tr("This version does not show playlists yet."), this));
-    const QString settingsText = tr("This version does not show settings yet.");
-    m_pages.insert(TabItem::UnrankedSettings, laterPage(settingsText, this));
-    m_pages.insert(TabItem::RankedSettings, laterPage(settingsText, this));
+    m_pages.insert(TabItem::UnrankedSettings, unrankedSettingsView);
+    m_pages.insert(TabItem::RankedSettings, rankedSettingsView);
     m_pages.insert(TabItem::Messages, laterPage(tr("This version does not play messages yet."), this));
     m_pages.insert(TabItem::ConfigBuilder, laterPage(tr("This version does not build configurations yet."), this));
+    m_pages.insert(TabItem::Console, consoleView);
     for (QWidget *page : std::as_const(m_pages))
         page->hide();
+    playersView->setFocusProxy(playersView->playersTableView);
+    mapsView->setFocusProxy(mapsView->mapListView);
+    unrankedSettingsView->setFocusProxy(unrankedSettingsView->settingsGroupList);
+    rankedSettingsView->setFocusProxy(rankedSettingsView->settingsGroupList);
     fillPlayersMenu();
-    const QByteArray players = m_preferences.value(QStringLiteral("window/playersTable")).toByteArray();
-    if (!players.isEmpty())
-        playersView->playersTableView->horizontalHeader()->restoreState(players);
+    restoreViewLayouts();
 }
 
 void FormMainView::showEvent(QShowEvent *event)
@@ -97,12 +106,13 @@ void FormMainView::layOut()
 void FormMainView::connectControls()
 {
     connect(serversView, &ServersView::connectButtonPressed, this, &FormMainView::connectButtonPressed);
+    connect(serversView, &ServersView::savedServerChosen, this, &FormMainView::connectToSavedServer);
     connect(serversView, &ServersView::disconnectButtonPressed, this, &FormMainView::disconnectButtonPressed);
     connect(welcomePage->tryDemoServerButton, &QPushButton::clicked, this, &FormMainView::demoServerRequested);
     connect(tabControlMain, &QTabWidget::currentChanged, this, &FormMainView::selectedTabDidChange);
     connect(&m_server, &KelServer::tabItemsChanged, this, &FormMainView::arrangeTabs);
-    connect(&m_server, &KelServer::lastTabRequested, this,
-            [this] { tabControlMain->setCurrentIndex(tabControlMain->count() - 1); });
+    connect(&m_server, &KelServer::lastTabRequested, this, [this] { bringToFront(tabControlMain->count() - 1); });
+    connect(&m_server, &KelServer::connectionBegan, &m_actions, &ActionQueue::refuseWaiting);
     connect(&m_server, &KelServer::isConnectedChanged, serversView, &ServersView::setConnected);
     connect(&m_server, &KelServer::connectProgressed, statusLine, &StatusLine::setProgress);
     connect(&m_actions, &ActionQueue::busyChanged, statusLine, &StatusLine::setBusy);
@@ -120,8 +130,18 @@ QCoro::Task<> FormMainView::tell(QString title, QString text)
     co_await m_alerts.run(title, text);
 }
 
+void FormMainView::bringToFront(int tab)
+{
+    const bool isFocusInside = tabControlMain->isAncestorOf(focusWidget());
+    tabControlMain->setCurrentIndex(tab);
+    if (isFocusInside)
+        tabControlMain->currentWidget()->setFocus();
+}
+
 void FormMainView::arrangeTabs()
 {
+    // From the form the focus goes to what has been connected to; from a tab that goes away, to its successor.
+    const bool takesFocus = m_stack->currentWidget() == welcomePage || tabControlMain->isAncestorOf(focusWidget());
     {
         makeViews();
         const QSignalBlocker blocker(tabControlMain); // the tabs in between are nobody's choice
@@ -131,6 +151,8 @@ void FormMainView::arrangeTabs()
     }
     tabControlMain->setCurrentIndex(0);
     m_stack->setCurrentWidget(tabControlMain);
+    if (takesFocus)
+        tabControlMain->currentWidget()->setFocus();
     selectedTabDidChange();
 }
 
@@ -141,7 +163,16 @@ void FormMainView::selectedTabDidChange()
     const bool isShown = index >= 0 && index < items.size();
     if (playersView == nullptr)
         return;
-    playersView->setSelectedTabLabel(isShown ? tabLabel(items.at(index)) : QString());
+    const QString label = isShown ? tabLabel(items.at(index)) : QString();
+    playersView->setSelectedTabLabel(label);
+    countConfigBuilderVisit(label);
+}
+
+void FormMainView::countConfigBuilderVisit(const QString &label)
+{
+    static int visits = 0;
+    if (label == tabLabel(TabItem::ConfigBuilder) && ++visits == 2)
+        emit configBuilderVisitedAgain();
 }
 
 void FormMainView::restoreLayout()
@@ -152,24 +183,39 @@ void FormMainView::restoreLayout()
     m_splitter->restoreState(m_preferences.value(QStringLiteral("window/splitter")).toByteArray());
 }
 
+void FormMainView::restoreViewLayouts()
+{
+    const auto saved = [this](const char *key) {
+        return m_preferences.value(QLatin1String(key)).toByteArray();
+    };
+    const QByteArray players = saved("window/playersTable");
+    if (!players.isEmpty())
+        playersView->playersTableView->horizontalHeader()->restoreState(players);
+    unrankedSettingsView->restoreLayout(saved("window/unrankedSettings"));
+    rankedSettingsView->restoreLayout(saved("window/rankedSettings"));
+}
+
 void FormMainView::saveLayout()
 {
     m_preferences.setValue(QStringLiteral("window/geometry"), saveGeometry());
     m_preferences.setValue(QStringLiteral("window/splitter"), m_splitter->saveState());
-    if (playersView != nullptr)
-        m_preferences.setValue(QStringLiteral("window/playersTable"),
-                               playersView->playersTableView->horizontalHeader()->saveState());
+    if (playersView == nullptr)
+        return;
+    m_preferences.setValue(QStringLiteral("window/playersTable"),
+                           playersView->playersTableView->horizontalHeader()->saveState());
+    m_preferences.setValue(QStringLiteral("window/unrankedSettings"), unrankedSettingsView->saveLayout());
+    m_preferences.setValue(QStringLiteral("window/rankedSettings"), rankedSettingsView->saveLayout());
 }
 
 void FormMainView::closeEvent(QCloseEvent *event)
 {
     saveLayout();
+    m_actions.close(); // or a timer that comes due would start the next action
     if (m_actions.isIdle()) {
         event->accept();
         return;
     }
     event->ignore(); // come back when the last action has let go
-    m_actions.dropWaiting();
     m_server.cancelExchange();
     connect(&m_actions, &ActionQueue::idle, this, &QWidget::close,
             Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));

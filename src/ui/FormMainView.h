@@ -17,9 +17,13 @@ class ActionQueue;
 class Alerts;
 class ConsoleView;
 class KelServer;
+class MapsView;
 class PlayersView;
 class Preferences;
+class SavedServers;
 class ServersView;
+class SettingsView;
+struct SavedServer;
 class StatusLine;
 class WelcomePage;
 
@@ -40,7 +44,7 @@ class FormMainView : public QMainWindow
 public:
     /// Everything handed in outlives the window.
     FormMainView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                 GameCatalogues catalogues, QWidget *parent = nullptr);
+                 GameCatalogues catalogues, SavedServers &savedServers, QWidget *parent = nullptr);
     ~FormMainView() override;
 
     /// Connects as one action: status line, session, then what a fresh connection shows.
@@ -61,14 +65,21 @@ public:
     StatusLine *statusLine;
     // Null until makeViews().
     PlayersView *playersView = nullptr;
+    MapsView *mapsView = nullptr;
+    SettingsView *unrankedSettingsView = nullptr;
+    SettingsView *rankedSettingsView = nullptr;
     ConsoleView *consoleView = nullptr;
 
 public slots:
     void connectButtonPressed();
+    void connectToSavedServer(const SavedServer &server);
     void disconnectButtonPressed();
 
 signals:
     void demoServerRequested();
+    /// The config builder has come to the front for the second time in the life of the process: its tables select all
+    /// their rows, and leave later visits to the user's own choice.
+    void configBuilderVisitedAgain();
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -84,8 +95,12 @@ private:
     void restoreLayout();
     void saveLayout();
     void arrangeTabs();
+    void bringToFront(int tab);
     void selectedTabDidChange();
-    void askForPassword();
+    void restoreViewLayouts();
+    void countConfigBuilderVisit(const QString &tabLabel);
+    ConnectTarget quickConnectTarget() const;
+    void askForPassword(ConnectTarget target);
     void showAbout();
     QCoro::Task<> connectAction(ConnectTarget target);
     QCoro::Task<> loadGameData();
@@ -101,4 +116,5 @@ private:
     QStackedWidget *m_stack;
     QMap<TabItem, QWidget *> m_pages;
     QMenu *m_playersMenu = nullptr;
+    int m_connects = 0; ///< that wait or are under way
 };

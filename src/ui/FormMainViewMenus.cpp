@@ -17,12 +17,12 @@
 void FormMainView::makeMenus()
 {
     QMenu *file = menuBar()->addMenu(tr("&File"));
-    file->addAction(tr("&Save Player List…"), QKeySequence::SaveAs, this, [this] {
+    file->addAction(tr("&Save Player List…"), QKeySequence(tr("Ctrl+Shift+S")), this, [this] {
         makeViews();
         playersView->savePlayerListButtonPressed();
     });
     file->addSeparator();
-    QAction *quit = file->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
+    QAction *quit = file->addAction(tr("&Quit"), QKeySequence(tr("Ctrl+Q")), this, &QWidget::close);
     quit->setMenuRole(QAction::QuitRole);
     makeServerMenu();
     m_playersMenu = menuBar()->addMenu(tr("&Players"));
@@ -69,8 +69,11 @@ void FormMainView::makeViewMenu()
     QMenu *menu = menuBar()->addMenu(tr("&View"));
     constexpr int mostTabs = 7;
     for (int tab = 0; tab < mostTabs; ++tab) {
-        QAction *action = menu->addAction(QString(), QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + tab)), this,
-                                          [this, tab] { tabControlMain->setCurrentIndex(tab); });
+        QAction *action =
+            menu->addAction(QString(), QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + tab)), this, [this, tab] {
+                tabControlMain->setCurrentIndex(tab);
+                tabControlMain->currentWidget()->setFocus();
+            });
         const auto rename = [this, action, tab] {
             const QList<TabItem> items = m_server.tabItems();
             action->setVisible(tab < items.size());

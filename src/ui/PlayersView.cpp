@@ -31,7 +31,19 @@ static QString withoutOuterBlanks(const QString &text)
     return text.mid(first, end - first);
 }
 
+static QString failureLine(const QString &name, const QString &reason)
+{
+    return QStringLiteral("\n  %1 (%2)").arg(name, reason);
+}
+
 PlayersView::~PlayersView() = default;
+
+void PlayersView::forgetPlayers()
+{
+    m_isListFetched = false;
+    playersController->mergeContent({});
+    updatePlaceholder();
+}
 
 bool PlayersView::isRefreshDue() const
 {
@@ -65,6 +77,7 @@ QCoro::Task<> PlayersView::updatePlayerList()
     const Reply reply = co_await m_server.sendCommand(line);
     if (!reply.isSuccess())
         co_return;
+    m_isListFetched = true;
     playersController->mergeContent(parsePlayerList(reply.text));
     updatePlaceholder();
 }
@@ -114,8 +127,9 @@ void PlayersView::tempBanPlayerButtonPressed()
 
 void PlayersView::messagePlayerButtonPressed()
 {
+    m_recipients = playersController->selectedObjects();
     QStringList names;
-    for (const PlayerRow &player : playersController->selectedObjects())
+    for (const PlayerRow &player : std::as_const(m_recipients))
         names.append(player.name);
     playerSendMessagePanel->reset();
     playerSendMessagePanel->setRecipients(names);
@@ -127,23 +141,36 @@ void PlayersView::sendMessagePanelDidEnd()
     const QString message = playerSendMessagePanel->messageString();
     if (message.isEmpty())
         return;
-    m_actions.start(command(QStringLiteral("tell"), playersController->selectedObjects(), message, noRefresh));
+    // The list may have been fetched anew meanwhile: numbers go to others when players leave.
+    QHash<QString, PlayerRow> present;
+    for (const PlayerRow &player : playersController->content())
+        present.insert(playerKey(player), player);
+    QList<PlayerRow> chosen;
+    QString failures;
+    for (const PlayerRow &player : std::as_const(m_recipients)) {
+        const auto found = present.constFind(playerKey(player));
+        if (found != present.constEnd())
+            chosen.append(*found);
+        else
+            failures += failureLine(player.name, tr("has left the server"));
+    }
+    m_actions.start(command(QStringLiteral("tell"), std::move(chosen), message, noRefresh, failures));
 }
 
 QCoro::Task<> PlayersView::command(QString word, QList<PlayerRow> chosen, QString argument,
-                                   std::chrono::seconds refreshAfter)
+                                   std::chrono::seconds refreshAfter, QString failures)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
     if (!turn)
         co_return;
-    co_await sendCommandToSelectedPlayers(word, chosen, argument);
+    co_await sendCommandToSelectedPlayers(word, chosen, argument, failures);
     if (turn && refreshAfter != noRefresh)
         refreshLater(refreshAfter);
 }
 
-QCoro::Task<> PlayersView::sendCommandToSelectedPlayers(QString word, QList<PlayerRow> chosen, QString optionalArgument)
+QCoro::Task<> PlayersView::sendCommandToSelectedPlayers(QString word, QList<PlayerRow> chosen, QString optionalArgument,
+                                                        QString failures)
 {
-    QString failures;
     for (const PlayerRow &player : std::as_const(chosen)) {
         QString line = word + QLatin1Char(' ') + player.identifier;
         if (!optionalArgument.isEmpty())
@@ -152,7 +179,7 @@ QCoro::Task<> PlayersView::sendCommandToSelectedPlayers(QString word, QList<Play
         if (reply.isCancelled)
             co_return;
         if (!reply.isSuccess() || reply.text.contains(QLatin1String("is not active")))
-            failures += QStringLiteral("\n  %1 (%2)").arg(player.name, withoutOuterBlanks(reply.text));
+            failures += failureLine(player.name, withoutOuterBlanks(reply.text));
     }
     if (failures.isEmpty())
         co_return;

@@ -73,11 +73,15 @@ private:
     void connectControls();
     void selectionDidChange();
     void updatePlaceholder();
+    void forgetPlayers();
     bool isRefreshDue() const;
     void refreshLater(std::chrono::seconds delay);
     QCoro::Task<> refresh();
-    QCoro::Task<> command(QString word, QList<PlayerRow> chosen, QString argument, std::chrono::seconds refreshAfter);
-    QCoro::Task<> sendCommandToSelectedPlayers(QString word, QList<PlayerRow> chosen, QString optionalArgument);
+    /// @param failures  what is to be told already, as lines of the summary alert.
+    QCoro::Task<> command(QString word, QList<PlayerRow> chosen, QString argument, std::chrono::seconds refreshAfter,
+                          QString failures = {});
+    QCoro::Task<> sendCommandToSelectedPlayers(QString word, QList<PlayerRow> chosen, QString optionalArgument,
+                                               QString failures);
     QCoro::Task<> confirmAndKickAll();
 
     KelServer &m_server;
@@ -85,5 +89,7 @@ private:
     Alerts &m_alerts;
     Preferences &m_preferences;
     QString m_selectedTabLabel;
+    QList<PlayerRow> m_recipients; ///< of the message that is being written
     bool m_isRefreshWaiting = false;
+    bool m_isListFetched = false;
 };

@@ -125,19 +125,25 @@ void PlayersView::connectControls()
     connect(playersController->selection(), &QItemSelectionModel::selectionChanged, this,
             &PlayersView::selectionDidChange);
     connect(&m_server, &KelServer::isConnectedChanged, this, &PlayersView::updatePlaceholder);
+    connect(&m_server, &KelServer::connectionBegan, this, &PlayersView::forgetPlayers);
 }
 
 void PlayersView::selectionDidChange()
 {
     const bool isAnySelected = playersController->selection()->hasSelection();
-    for (QPushButton *button : {kickPlayerButton, banPlayerButton, tempBanPlayerButton, messagePlayerButton})
+    for (QPushButton *button : {kickPlayerButton, banPlayerButton, tempBanPlayerButton, messagePlayerButton}) {
+        if (!isAnySelected && button->hasFocus())
+            playersTableView->setFocus(); // else it would go on to "Kick All…"
         button->setEnabled(isAnySelected);
+    }
 }
 
 void PlayersView::updatePlaceholder()
 {
     if (!playersController->content().isEmpty())
         playersTableView->setPlaceholder(tr("No player matches the filter."));
+    else if (m_server.isConnected() && !m_isListFetched)
+        playersTableView->setPlaceholder(tr("The list of players has not arrived yet."));
     else if (m_server.isConnected())
         playersTableView->setPlaceholder(tr("Nobody is playing. Press \"Refresh\" to look again."));
     else

@@ -1,79 +1,23 @@
 #include "ServersView.h"
 
+#include "ActionQueue.h"
+#include "Alerts.h"
+#include "PlaceholderTable.h"
+
 #include <QDesktopServices>
-#include <QFormLayout>
-#include <QGroupBox>
-#include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QUrl>
-#include <QVBoxLayout>
 
-ServersView::ServersView(QWidget *parent)
-    : QWidget(parent), labelField(new QLineEdit(this)), hostField(new QLineEdit(this)), portField(new QLineEdit(this)),
-      passwordField(new QLineEdit(this)), connectButton(new QPushButton(tr("Connect"), this)),
-      disconnectButton(new QPushButton(tr("Disconnect"), this)),
-      hostwellButton(new QPushButton(tr("Server Hosting"), this))
-{
-    layOut();
-    for (QLineEdit *field : {labelField, hostField, portField, passwordField}) {
-        connect(field, &QLineEdit::textChanged, this, &ServersView::controlTextDidChange);
-        connect(field, &QLineEdit::returnPressed, connectButton, &QPushButton::click);
-    }
-    connect(connectButton, &QPushButton::clicked, this, &ServersView::connectButtonPressed);
-    connect(disconnectButton, &QPushButton::clicked, this, &ServersView::disconnectButtonPressed);
-    connect(hostwellButton, &QPushButton::clicked, this, &ServersView::hostwellButtonPressed);
-    controlTextDidChange();
-}
-
-void ServersView::layOut()
-{
-    labelField->setObjectName(QStringLiteral("labelField"));
-    labelField->setAccessibleName(tr("Label"));
-    hostField->setObjectName(QStringLiteral("hostField"));
-    hostField->setAccessibleName(tr("Host"));
-    hostField->setPlaceholderText(QStringLiteral("192.0.2.10"));
-    hostField->setToolTip(tr("The server's IPv4 address, four numbers with dots between them"));
-    portField->setObjectName(QStringLiteral("portField"));
-    portField->setAccessibleName(tr("Port"));
-    portField->setPlaceholderText(QStringLiteral("28960"));
-    passwordField->setObjectName(QStringLiteral("passwordField"));
-    passwordField->setAccessibleName(tr("Password"));
-    passwordField->setEchoMode(QLineEdit::Password);
-    passwordField->setToolTip(tr("The remote-console password. It travels to the server unencrypted."));
-    connectButton->setObjectName(QStringLiteral("connectButton"));
-    disconnectButton->setObjectName(QStringLiteral("disconnectButton"));
-    hostwellButton->setObjectName(QStringLiteral("hostwellButton"));
-    hostwellButton->setFlat(true);
-    hostwellButton->setCursor(Qt::PointingHandCursor);
-    QFont underlined = hostwellButton->font();
-    underlined.setUnderline(true);
-    hostwellButton->setFont(underlined);
-    hostwellButton->setToolTip(tr("Opens the web page of the hosting company"));
-
-    auto *form = new QFormLayout;
-    form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
-    form->addRow(tr("Label"), labelField);
-    form->addRow(tr("Host"), hostField);
-    form->addRow(tr("Port"), portField);
-    form->addRow(tr("Password"), passwordField);
-    auto *buttons = new QHBoxLayout;
-    buttons->addWidget(connectButton);
-    buttons->addWidget(disconnectButton);
-    auto *box = new QGroupBox(tr("Server"), this);
-    auto *boxLayout = new QVBoxLayout(box);
-    boxLayout->addLayout(form);
-    boxLayout->addLayout(buttons);
-    auto *layout = new QVBoxLayout(this);
-    layout->addWidget(box);
-    layout->addStretch();
-    layout->addWidget(hostwellButton, 0, Qt::AlignLeft);
-}
+ServersView::~ServersView() = default;
 
 void ServersView::controlTextDidChange()
 {
     const bool isComplete =
         !hostField->text().isEmpty() && !portField->text().isEmpty() && !passwordField->text().isEmpty();
     connectButton->setEnabled(isComplete && !m_isConnecting);
+    saveToServerListButton->setEnabled(isComplete && !labelField->text().isEmpty());
     disconnectButton->setEnabled(m_isConnecting || m_isConnected);
+    connectToSavedServerButton->setEnabled(savedServersController->selection()->hasSelection() && !m_isConnecting);
 }
 
 void ServersView::setConnected(bool isConnected)
@@ -92,6 +36,101 @@ void ServersView::fillForm(const QString &host, const QString &port)
 {
     hostField->setText(host);
     portField->setText(port);
+}
+
+void ServersView::loadSavedServersList()
+{
+    const SavedServersOutcome outcome = m_savedServers.load();
+    if (!outcome.error.isEmpty())
+        savedServerTableView->setPlaceholder(tr("The saved servers could not be read.\n%1").arg(outcome.error));
+    showList();
+}
+
+void ServersView::showList()
+{
+    savedServersController->mergeContent(m_savedServers.servers());
+    selectionDidChange();
+}
+
+void ServersView::saveToServerListButtonPressed()
+{
+    const SavedServersOutcome outcome = m_savedServers.save(
+        SavedServer{labelField->text(), hostField->text(), portField->text(), passwordField->text()});
+    showList();
+    report(outcome);
+}
+
+void ServersView::deleteSelectionFromTableView()
+{
+    QStringList labels;
+    for (const SavedServer &server : savedServersController->selectedObjects())
+        labels.append(server.label);
+    const SavedServersOutcome outcome = m_savedServers.remove(labels);
+    showList();
+    report(outcome);
+}
+
+void ServersView::connectToSavedServerButtonPressed()
+{
+    const QList<SavedServer> chosen = savedServersController->selectedObjects();
+    if (!chosen.isEmpty() && !m_isConnecting)
+        emit savedServerChosen(chosen.last());
+}
+
+void ServersView::selectionDidChange()
+{
+    const QList<SavedServer> chosen = savedServersController->selectedObjects();
+    savedPasswordField->setEnabled(!chosen.isEmpty());
+    savedPasswordField->setText(chosen.isEmpty() ? QString() : chosen.last().password.value_or(QString()));
+    const bool isUnknown = !chosen.isEmpty() && !chosen.last().password;
+    savedPasswordField->setPlaceholderText(isUnknown ? tr("cannot be decrypted") : QString());
+    controlTextDidChange();
+}
+
+void ServersView::savedPasswordDidChange()
+{
+    const QList<SavedServer> chosen = savedServersController->selectedObjects();
+    const QString password = savedPasswordField->text();
+    if (!chosen.isEmpty() && chosen.last().password.value_or(QString()) != password)
+        storePassword(chosen.last().label, password);
+}
+
+void ServersView::storePassword(const QString &label, const QString &password)
+{
+    const SavedServersOutcome outcome = m_savedServers.setPassword(label, password);
+    showList();
+    report(outcome);
+}
+
+void ServersView::report(const SavedServersOutcome &outcome)
+{
+    QString text = outcome.error;
+    if (!outcome.keptCopy.isEmpty())
+        text += (text.isEmpty() ? QString() : QStringLiteral("\n\n")) +
+                tr("The former file was kept as \"%1\".").arg(outcome.keptCopy);
+    if (!text.isEmpty())
+        m_actions.start(tell(text));
+}
+
+QCoro::Task<> ServersView::tell(QString text)
+{
+    co_await m_alerts.run(tr("Saved Servers"), text);
+}
+
+bool ServersView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == savedServerTableView && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Delete || key == Qt::Key_Backspace) {
+            deleteSelectionFromTableView();
+            return true;
+        }
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            connectToSavedServerButtonPressed();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void ServersView::hostwellButtonPressed()

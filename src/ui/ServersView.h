@@ -1,41 +1,78 @@
 #pragma once
 
+#include "ArrayController.h"
+#include "SavedServers.h"
+
+#include <QCoroTask>
+
 #include <QLineEdit>
 #include <QPushButton>
 #include <QWidget>
 
-/// The pane on the left: where to connect to.
+class ActionQueue;
+class Alerts;
+class PlaceholderTable;
+
+/// The pane on the left: where to connect to, from the list of saved servers or by the form.
 class ServersView : public QWidget
 {
     Q_OBJECT
 public:
-    explicit ServersView(QWidget *parent = nullptr);
+    /// Everything handed in outlives the view.
+    ServersView(SavedServers &savedServers, ActionQueue &actions, Alerts &alerts, QWidget *parent = nullptr);
+    ~ServersView() override;
 
     /// While a connect is under way no second one can be asked for.
     void setConnecting(bool isConnecting);
     /// "Disconnect" can be pressed while there is a connection, or one is being made.
     void setConnected(bool isConnected);
     void fillForm(const QString &host, const QString &port);
+    /// Reads the file of saved servers; one that cannot be read leaves the list empty and says so in its place.
+    void loadSavedServersList();
+    /// Stores the password of a saved server, and shows it if that server is selected.
+    void storePassword(const QString &label, const QString &password);
 
+    PlaceholderTable *savedServerTableView;
+    ArrayController<SavedServer> *savedServersController;
+    QLineEdit *savedPasswordField;
+    QPushButton *connectToSavedServerButton;
     QLineEdit *labelField;
     QLineEdit *hostField;
     QLineEdit *portField;
     QLineEdit *passwordField;
     QPushButton *connectButton;
+    QPushButton *saveToServerListButton;
     QPushButton *disconnectButton;
     QPushButton *hostwellButton;
 
 public slots:
     void controlTextDidChange();
+    void saveToServerListButtonPressed();
+    void connectToSavedServerButtonPressed();
+    void deleteSelectionFromTableView();
     void hostwellButtonPressed();
 
 signals:
     void connectButtonPressed();
     void disconnectButtonPressed();
+    void savedServerChosen(const SavedServer &server);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void nameControls();
     void layOut();
+    void connectControls();
+    void showList();
+    void selectionDidChange();
+    void savedPasswordDidChange();
+    void report(const SavedServersOutcome &outcome);
+    QCoro::Task<> tell(QString text);
 
+    SavedServers &m_savedServers;
+    ActionQueue &m_actions;
+    Alerts &m_alerts;
     bool m_isConnecting = false;
     bool m_isConnected = false;
 };

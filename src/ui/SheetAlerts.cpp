@@ -38,6 +38,9 @@ static QMessageBox *makeBox(const QString &title, const QString &text, const QSt
         box->setDetailedText(text);
     for (QLabel *label : box->findChildren<QLabel *>())
         label->setTextFormat(Qt::PlainText);
+    auto *informative = box->findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel"));
+    if (informative != nullptr) // else the title bar has no room for its title
+        informative->setMinimumWidth(informative->fontMetrics().averageCharWidth() * 52);
     return box;
 }
 

@@ -36,6 +36,11 @@ void StatusLine::setBusy(bool isBusy)
     }
     m_delay.stop();
     m_busyIndicator->hide();
+    clearProgress();
+}
+
+void StatusLine::clearProgress()
+{
     m_busyIndicator->setRange(0, 0);
     m_busyIndicator->setTextVisible(false);
 }

@@ -19,6 +19,7 @@ public:
     void setBusy(bool isBusy);
     /// Tells how far a connect has come; the indicator forgets it when the work ends.
     void setProgress(int done, int total);
+    void clearProgress();
 
     QLabel *toolStripStatusLabelMain;
 

@@ -2,15 +2,36 @@
 
 #include <QFontDatabase>
 #include <QScrollBar>
+#include <QTextBlock>
 #include <QTextDocument>
 
 TranscriptView::TranscriptView(QWidget *parent) : QPlainTextEdit(parent)
 {
     setReadOnly(true);
     setUndoRedoEnabled(false);
+    setMaximumBlockCount(200000); // the oldest lines go before the memory does
     setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+}
+
+/// A line of any length would be laid out as a whole at every change; a server may send one of megabytes.
+static QString inBlocks(const QString &text, qsizetype lengthOfLastLine)
+{
+    constexpr qsizetype longestLine = 2000;
+    QString blocks;
+    blocks.reserve(text.size() + text.size() / longestLine);
+    qsizetype length = lengthOfLastLine;
+    for (const QChar c : text) {
+        if (c == QLatin1Char('\n')) {
+            length = 0;
+        } else if (++length > longestLine) {
+            blocks += QLatin1Char('\n');
+            length = 1;
+        }
+        blocks += c;
+    }
+    return blocks;
 }
 
 void TranscriptView::appendConsoleMessage(const QString &text)
@@ -25,7 +46,7 @@ void TranscriptView::appendConsoleMessage(const QString &text)
     const bool doesSelectEnd = reader.hasSelection() && reader.selectionEnd() == end.position();
     const int anchor = reader.anchor();
     const int position = reader.position();
-    end.insertText(text);
+    end.insertText(inBlocks(text, end.block().length() - 1));
     if (doesSelectEnd) {
         reader.setPosition(anchor);
         reader.setPosition(position, QTextCursor::KeepAnchor);

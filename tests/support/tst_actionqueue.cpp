@@ -147,6 +147,30 @@ private slots:
         QCOMPARE(stage.log.last(), QStringLiteral("kick acts on 3"));
     }
 
+    void aClosedQueueStartsNothingMore()
+    {
+        Stage stage;
+        stage.queue.start(stage.act(QStringLiteral("a")));
+        stage.queue.start(stage.act(QStringLiteral("b")));
+        stage.queue.close();
+        stage.queue.start(stage.act(QStringLiteral("late")));
+        stage.letGo();
+        QTRY_VERIFY(stage.queue.isIdle());
+        QCOMPARE(stage.log.filter(QStringLiteral("begins")), QStringList{QStringLiteral("a begins")});
+    }
+
+    void refusingTheWaitingLeavesTheRunningAlone()
+    {
+        Stage stage;
+        stage.queue.start(stage.act(QStringLiteral("a")));
+        stage.queue.start(stage.act(QStringLiteral("b")));
+        stage.queue.refuseWaiting();
+        stage.letGo();
+        QTRY_VERIFY(stage.queue.isIdle());
+        QVERIFY(stage.log.contains(QStringLiteral("a ends")));
+        QVERIFY(stage.log.contains(QStringLiteral("b dropped")));
+    }
+
     void aFaultyActionIsReportedAndGivesWay()
     {
         Stage stage;

@@ -8,6 +8,7 @@
 #include "KelSettings.h"
 #include "Preferences.h"
 #include "RecordedAlerts.h"
+#include "SavedServers.h"
 #include "ScriptedExchange.h"
 #include "Wait.h"
 
@@ -46,8 +47,10 @@ struct Fixture {
     KelServer server{exchange, alerts};
     ActionQueue actions;
     /// The shipped catalogues, with working copies in a folder of the test; connecting does not ask for them by itself.
-    CatalogueReader reader{{QStringLiteral(FERROW_RESOURCES), folder.path()}, alerts, [] {}};
+    CatalogueReader reader{{QStringLiteral(FERROW_RESOURCES), folder.path()}, alerts, [] {
+                           }};
     KelGametype gametypes{{server, alerts}, reader};
     KelSettings settings{{server, alerts}, reader};
     KelMapList maps{server, reader};
+    SavedServers savedServers{folder.filePath(QStringLiteral("SavedServers.plist")), QStringLiteral("tester")};
 };

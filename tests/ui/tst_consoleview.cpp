@@ -4,6 +4,7 @@
 #include "TranscriptView.h"
 
 #include <QScrollBar>
+#include <QTextBlock>
 
 struct Console : Fixture {
     Console()
@@ -101,6 +102,29 @@ private slots:
         transcript.verticalScrollBar()->setValue(bar->maximum());
         transcript.appendConsoleMessage(QString(5000, QLatin1Char('x')) + QStringLiteral("\nend"));
         QCOMPARE(bar->value(), bar->maximum());
+    }
+
+    void aLineOfAnyLengthIsBroken()
+    {
+        TranscriptView transcript;
+        transcript.appendConsoleMessage(QString(1500, QLatin1Char('a')));
+        transcript.appendConsoleMessage(QString(1000000, QLatin1Char('b')) + QLatin1Char('\n'));
+        QTextBlock block = transcript.document()->begin();
+        qsizetype length = 0;
+        for (; block.isValid(); block = block.next()) {
+            QVERIFY(block.text().size() <= 2000);
+            length += block.text().size();
+        }
+        QCOMPARE(length, qsizetype(1001500));
+    }
+
+    void takesCommandsOnlyWhileConnected()
+    {
+        Console console;
+        console.server.disconnect();
+        QVERIFY(!console.view.consoleInput->isEnabled());
+        console.connectToServer();
+        QVERIFY(console.view.consoleInput->isEnabled());
     }
 
     void keepsTheReadersSelection()

@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
+#include <QSignalSpy>
 
 struct Window : Fixture {
     Window()
@@ -33,7 +34,7 @@ struct Window : Fixture {
     }
     QString status() const { return view.statusLine->status(); }
 
-    FormMainView view{server, actions, alerts, preferences, GameCatalogues{gametypes, settings, maps}};
+    FormMainView view{server, actions, alerts, preferences, GameCatalogues{gametypes, settings, maps}, savedServers};
 };
 
 class MainWindowTest : public QObject
@@ -73,10 +74,14 @@ private slots:
         window.exchange.release();
         QTRY_COMPARE(window.exchange.keptCount(), 1); // the player list, at once
         QCOMPARE(window.status(), QStringLiteral("Connected to QuickConnect (Unranked)"));
-        window.exchange.release();
+        for (int i = 0; i < 4; ++i) {
+            window.exchange.release();
+            QTRY_VERIFY(window.exchange.keptCount() == 1 || window.actions.isIdle());
+        }
         QVERIFY(window.settle());
         QVERIFY(window.view.serversView->connectButton->isEnabled());
-        QCOMPARE(window.exchange.sent(), QStringList({"dvardump", "teamstatus"}));
+        QCOMPARE(window.exchange.sent(),
+                 QStringList({"dvardump", "teamstatus", "g_gametype", "mapname", "sv_mapRotation"}));
         window.view.serversView->disconnectButton->click();
         QCOMPARE(window.status(), QStringLiteral("Not connected"));
         QVERIFY(!window.server.isConnected());
@@ -136,6 +141,21 @@ private slots:
         QVERIFY(window.exchange.sent().isEmpty()); // the players' tab is not in front
     }
 
+    void theConfigBuildersSecondVisitIsTold()
+    {
+        Window window;
+        window.connectByForm();
+        QVERIFY(window.settle());
+        QSignalSpy again(&window.view, &FormMainView::configBuilderVisitedAgain);
+        QList<int> told;
+        for (int visit = 0; visit < 3; ++visit) {
+            window.view.tabControlMain->setCurrentIndex(4);
+            window.view.tabControlMain->setCurrentIndex(0);
+            told.append(static_cast<int>(again.size()));
+        }
+        QCOMPARE(told, QList<int>({0, 1, 1}));
+    }
+
     void aNewPasswordReachesTheForm()
     {
         Window window;
@@ -174,6 +194,42 @@ private slots:
         QCOMPARE(window.exchange.sent(), QStringList{"dvardump"});
     }
 
+    void closingIsNotHeldUpByWhatComesDueMeanwhile()
+    {
+        Window window;
+        window.view.show();
+        window.connectByForm();
+        QVERIFY(window.settle());
+        window.exchange.hold();
+        window.view.playersView->refreshPlayersButtonPressed();
+        window.view.close();
+        window.view.playersView->refreshPlayersButtonPressed(); // as a timer would
+        QTRY_VERIFY(!window.view.isVisible());
+        QVERIFY(window.actions.isIdle());
+    }
+
+    void whatWasMeantForTheServerBeforeIsNotSent()
+    {
+        Window window;
+        window.exchange.answer(QStringLiteral("teamstatus"),
+                               ScriptedExchange::ok(QStringLiteral("1 0 48 g Ann allies 0 10.0.0.1:3074 77 25000\n")));
+        window.connectByForm();
+        QVERIFY(window.settle());
+        window.exchange.forgetSent();
+        window.view.playersView->playersTableView->selectRow(0);
+        window.exchange.hold();
+        window.view.serversView->fillForm(QStringLiteral("10.0.0.2"), QStringLiteral("28960"));
+        window.view.serversView->connectButton->click();
+        window.view.playersView->kickPlayerButton->click(); // the players of the server before are still shown
+        while (!window.actions.isIdle()) {
+            if (window.exchange.keptCount() > 0)
+                window.exchange.release();
+            QTest::qWait(1);
+        }
+        QVERIFY(!window.exchange.sent().contains(QStringLiteral("clientkick 1")));
+        QCOMPARE(window.server.host(), QStringLiteral("10.0.0.2"));
+    }
+
     void theLayoutSurvivesARestart()
     {
         Window window;
@@ -182,7 +238,7 @@ private slots:
         window.view.playersView->playersTableView->sortByColumn(6, Qt::DescendingOrder);
         window.view.close();
         FormMainView again(window.server, window.actions, window.alerts, window.preferences,
-                           GameCatalogues{window.gametypes, window.settings, window.maps});
+                           GameCatalogues{window.gametypes, window.settings, window.maps}, window.savedServers);
         again.makeViews();
         QCOMPARE(again.size(), QSize(1100, 777));
         QCOMPARE(again.playersView->playersController->arranged()->sortColumn(), 6);

@@ -271,6 +271,35 @@ private slots:
         QCOMPARE(players.exchange.sent(), sent);
     }
 
+    void aMessageGoesToThoseItWasWrittenTo()
+    {
+        Players players;
+        players.exchange.answerEverything(ScriptedExchange::ok());
+        players.select({"Ann", "Cy"});
+        players.view.messagePlayerButton->click();
+        // Ann leaves, a newcomer gets her number, and Cy comes back under another one.
+        players.list(line(1, QStringLiteral("New")) + QStringLiteral("7 0 48 g3 Cy allies 0 10.0.0.3:3074 77 25000\n"));
+        players.view.refreshPlayersButtonPressed();
+        QVERIFY(players.settle());
+        players.exchange.forgetSent();
+        players.view.playerSendMessagePanel->messageTextField->setText(QStringLiteral("hello"));
+        players.view.playerSendMessagePanel->sendButton->click();
+        QVERIFY(players.settle());
+        QCOMPARE(players.exchange.sent(), QStringList{"tell 7 hello"});
+        QCOMPARE(players.alerts.texts(), QStringList{"The following player(s) failed to process the 'tell' command: \n"
+                                                     "  Ann (has left the server)"});
+    }
+
+    void anotherServersPlayersAreForgotten()
+    {
+        Players players;
+        players.exchange.forget(QStringLiteral("teamstatus"));
+        players.select({"Ann"});
+        players.connectToServer();
+        QVERIFY(players.view.playersController->content().isEmpty());
+        QVERIFY(!players.view.kickPlayerButton->isEnabled());
+    }
+
     void theTimerFollowsThePreferenceAndEachRefresh()
     {
         Players players;

@@ -1,0 +1,41 @@
+#include "ElidingField.h"
+
+#include <QPainter>
+
+/// Longer texts are cut before they are measured: no screen shows more, and measuring costs time.
+static constexpr int longestShown = 500;
+
+ElidingField::ElidingField(QWidget *parent) : QLineEdit(parent)
+{
+    setReadOnly(true);
+    setFrame(false);
+    setFocusPolicy(Qt::ClickFocus);
+    QPalette plain = palette();
+    plain.setBrush(QPalette::Base, Qt::transparent); // text on the window, not a field to type in
+    setPalette(plain);
+}
+
+void ElidingField::showText(const QString &text)
+{
+    if (text == this->text()) // what is marked for copying stays so
+        return;
+    setText(text);
+    setCursorPosition(0);
+    // Escaped, or a name with brackets would be taken for rich text.
+    setToolTip(QStringLiteral("<span>%1</span>").arg(text.left(longestShown).toHtmlEscaped()));
+}
+
+void ElidingField::paintEvent(QPaintEvent *event)
+{
+    const QMargins margins = textMargins();
+    const QRect area = rect().adjusted(margins.left() + 2, 0, -margins.right() - 2, 0);
+    const QString head = displayText().left(longestShown);
+    if (hasFocus() || fontMetrics().horizontalAdvance(head) <= area.width()) {
+        QLineEdit::paintEvent(event);
+        return;
+    }
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Text));
+    painter.drawText(area, int(alignment()) | Qt::AlignVCenter | Qt::TextSingleLine,
+                     fontMetrics().elidedText(head, Qt::ElideRight, area.width()));
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "ElidingField.h"
+#include "Fixture.h"
+#include "MapsView.h"
+
+#include <QFile>
+
+inline Reply valueReply(const QString &name, const QString &value)
+{
+    return ScriptedExchange::ok(QStringLiteral("\"%1\" is: \"%2\"^7 in force: \"%2\"^7\n").arg(name, value));
+}
+
+/// A fixture with the preferences of the maps' refresh, which a view reads when it is made.
+struct MapsFixture : Fixture {
+    MapsFixture()
+    {
+        preferences.registerDefaults(
+            {{QStringLiteral("autoupdateMaps"), false}, {QStringLiteral("autoupdateMapsInterval"), 30}});
+    }
+};
+
+/// A connected session on a server that plays tdm on mp_saltworks, with the catalogues loaded.
+struct Maps : MapsFixture {
+    Maps()
+    {
+        loadCatalogues();
+        connectToServer();
+        tell(QStringLiteral("g_gametype"), QStringLiteral("tdm"));
+        tell(QStringLiteral("mapname"), QStringLiteral("mp_saltworks"));
+        tell(QStringLiteral("sv_mapRotation"), QStringLiteral("map mp_ropeway gametype dom map mp_millrace mp_new"));
+    }
+
+    void loadCatalogues()
+    {
+        QCOMPARE(awaited(gametypes.loadGametypeList()), CatalogueState::Ready);
+        QCOMPARE(awaited(maps.loadMapList()), CatalogueState::Ready);
+    }
+    void write(const QString &extension, const QByteArray &xml)
+    {
+        QFile file(folder.filePath(QStringLiteral("FerrowRcon.exe.") + extension));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(xml), xml.size());
+    }
+    void tell(const QString &name, const QString &value) { exchange.answer(name, valueReply(name, value)); }
+    void choose(const QString &gametype, const QString &map)
+    {
+        view.gametypePopUpButton->setCurrentText(gametype);
+        const QModelIndexList found = view.mapListController->arranged()->match(
+            view.mapListController->arranged()->index(0, 0), Qt::DisplayRole, map, 1, Qt::MatchExactly);
+        QCOMPARE(found.size(), 1);
+        view.mapListController->selection()->select(found.first(), QItemSelectionModel::ClearAndSelect);
+    }
+    QStringList listedMaps() const
+    {
+        QStringList names;
+        for (const MapInst &map : view.mapListController->content())
+            names.append(map.name);
+        return names;
+    }
+    QStringList current() const { return {view.currentGameTypeField->text(), view.currentMapField->text()}; }
+    QList<RotationRow> rotation() const { return view.mapServerRotationController->content(); }
+
+    MapsView view{server, actions, alerts, preferences, gametypes, maps};
+};

@@ -1,0 +1,138 @@
+#include "MapsFixture.h"
+
+#include <QAbstractItemModelTester>
+
+class MapLoadingTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void loadsAMap_data()
+    {
+        QTest::addColumn<bool>("isGametypeSet");
+        QTest::addColumn<bool>("isMapLoaded");
+        QTest::addColumn<QStringList>("sent");
+        QTest::addColumn<QStringList>("current");
+        QTest::addColumn<QStringList>("texts");
+        const QString set = "setadmindvar g_gametype \"dom\"";
+        const QString map = "map mp_ropeway";
+        QTest::newRow("both succeed") << true << true << QStringList{set, map} << QStringList{"Domination", "Ropeway"}
+                                      << QStringList();
+        QTest::newRow("gametype fails") << false << true << QStringList{set} << QStringList{"old", "old"}
+                                        << QStringList{"'g_gametype' returned an error: lost"};
+        QTest::newRow("map fails") << true << false << QStringList{set, map} << QStringList{"Domination", "old"}
+                                   << QStringList{"'map' returned an error: lost"};
+    }
+    void loadsAMap()
+    {
+        QFETCH(bool, isGametypeSet);
+        QFETCH(bool, isMapLoaded);
+        Maps maps;
+        const Reply lost = ScriptedExchange::failure("lost");
+        maps.exchange.answer("setadmindvar g_gametype \"dom\"", isGametypeSet ? ScriptedExchange::ok() : lost);
+        maps.exchange.answer("map mp_ropeway", isMapLoaded ? ScriptedExchange::ok() : lost);
+        maps.view.currentGameTypeField->showText("old");
+        maps.view.currentMapField->showText("old");
+        maps.choose("Domination", "Ropeway");
+        maps.view.loadMapButton->click();
+        QVERIFY(maps.settle());
+        QTEST(maps.exchange.sent(), "sent");
+        QTEST(maps.current(), "current");
+        QTEST(maps.alerts.texts(), "texts");
+        for (const QString &title : maps.alerts.titles())
+            QCOMPARE(title, QString("Remote Command Failure"));
+    }
+
+    void whatWasChosenAtThePressIsLoaded()
+    {
+        Maps maps;
+        maps.exchange.answerEverything(ScriptedExchange::ok());
+        maps.exchange.hold();
+        maps.view.startNextMapButton->click();
+        maps.choose("Domination", "Ropeway");
+        maps.view.loadMapButton->click(); // waits behind the other
+        maps.choose("Free for All", "Millrace");
+        for (const char *command : {"map_rotate", "setadmindvar g_gametype \"dom\"", "map mp_ropeway"}) {
+            QTRY_COMPARE(maps.exchange.keptCount(), 1);
+            QCOMPARE(maps.exchange.sent().last(), QString(command));
+            maps.exchange.release();
+        }
+        QVERIFY(maps.settle());
+        QCOMPARE(maps.current(), QStringList({"Domination", "Ropeway"}));
+    }
+
+    void nothingIsLoadedWithoutAChoice_data()
+    {
+        QTest::addColumn<QByteArray>("gametypes");
+        QTest::addColumn<bool>("isMapSelected");
+        const QByteArray tdm = "<a><Gametype><name>TDM</name><dvarName>tdm</dvarName></Gametype></a>";
+        QTest::newRow("no map") << tdm << false;
+        QTest::newRow("no gametype") << QByteArray("<a/>") << true;
+        QTest::newRow("gametype without a short name")
+            << QByteArray("<a><Gametype><name>X</name></Gametype></a>") << true;
+    }
+    void nothingIsLoadedWithoutAChoice()
+    {
+        QFETCH(QByteArray, gametypes);
+        QFETCH(bool, isMapSelected);
+        Maps maps;
+        maps.choose("Domination", "Ropeway");
+        QVERIFY(maps.view.loadMapButton->isEnabled());
+        maps.write("gametypes", gametypes);
+        maps.loadCatalogues();
+        if (!isMapSelected)
+            maps.view.mapListController->selection()->clear();
+        QVERIFY(!maps.view.loadMapButton->isEnabled());
+        maps.view.loadMapButtonPressed();
+        QVERIFY(maps.settle());
+        QCOMPARE(maps.exchange.sent(), QStringList());
+        QCOMPARE(maps.alerts.texts(), QStringList{"Select a gametype and a map first."});
+    }
+
+    void thePickersFollowTheCatalogues()
+    {
+        Maps maps;
+        const QAbstractItemModelTester tester(maps.view.mapListController);
+        QCOMPARE(maps.listedMaps().size(), 16);
+        QCOMPARE(maps.listedMaps().first(), QString("Brickfield"));
+        QCOMPARE(maps.view.gametypePopUpButton->count(), 12);
+        maps.choose("Domination", "Ropeway");
+        maps.write("gametypes", "<a><Gametype><name>New</name><dvarName>n</dvarName></Gametype>"
+                                "<Gametype><name>Domination</name><dvarName>old</dvarName></Gametype>"
+                                "<Gametype><name>Domination</name><dvarName>dom2</dvarName></Gametype></a>");
+        maps.write("maps", "<a><version>4.0</version><Map><name>Zoo</name><dvarName>mp_zoo</dvarName></Map>"
+                           "<Map><name>Ropeway</name><dvarName>mp_r1</dvarName></Map>"
+                           "<Map><name>Attic</name><dvarName>mp_attic</dvarName></Map>"
+                           "<Map><name>Ropeway</name><dvarName>mp_r2</dvarName></Map>"
+                           "<Map><name>Ropeway</name><dvarName>mp_r2</dvarName></Map></a>");
+        maps.loadCatalogues();
+        QCOMPARE(maps.listedMaps(), QStringList({"Zoo", "Attic", "Ropeway"})); // the file's order, the later of two
+        QCOMPARE(maps.view.gametypePopUpButton->currentText(), QString("Domination"));
+        QCOMPARE(maps.view.gametypePopUpButton->count(), 2);
+        maps.exchange.answerEverything(ScriptedExchange::ok());
+        maps.view.loadMapButton->click();
+        QVERIFY(maps.settle());
+        QCOMPARE(maps.exchange.sent(), QStringList({"setadmindvar g_gametype \"dom2\"", "map mp_r2"}));
+        maps.write("maps", "<a><version>4.0</version></a>");
+        maps.write("gametypes", "<a/>");
+        maps.loadCatalogues();
+        QVERIFY(maps.listedMaps().isEmpty());
+        QCOMPARE(maps.view.gametypePopUpButton->currentText(), QString());
+    }
+
+    void theMapsFollowTheModeOfTheServer()
+    {
+        Maps maps;
+        const QString dump = QStringLiteral("rcon_password \"s\"\nsv_hostname \"h\"\nsv_ranked \"%1\"\n"
+                                            "playlist_enabled \"0\"\nplaylist_excludeMap \"a\"\n"
+                                            "playlist_excludeGametype \"b\"\nplaylist_excludeGametypeMap \"c\"\n"
+                                            "mapexclude_brickfield \"1\"\nmapexclude_coldstore \"0\"\n");
+        for (const auto &[ranked, first] : {std::pair("2", "Cold Store"), std::pair("1", "Brickfield")}) {
+            maps.exchange.answer("dvardump", ScriptedExchange::ok(dump.arg(ranked)));
+            maps.connectToServer();
+            QCOMPARE(maps.listedMaps().first(), QString(first));
+        }
+    }
+};
+
+QTEST_MAIN(MapLoadingTest)
+#include "tst_maploading.moc"

@@ -1,0 +1,113 @@
+#include "Fixture.h"
+#include "FormMainView.h"
+#include "PlaceholderTable.h"
+#include "ServersView.h"
+
+#include <QDir>
+
+struct Servers : Fixture {
+    void save(const QString &label, const QString &host, const QString &password)
+    {
+        view.labelField->setText(label);
+        view.fillForm(host, QStringLiteral("28960"));
+        view.passwordField->setText(password);
+        view.saveToServerListButton->click();
+    }
+    QStringList labels() const
+    {
+        QStringList list;
+        for (const SavedServer &saved : view.savedServersController->arrangedObjects())
+            list.append(saved.label + "@" + saved.host);
+        return list;
+    }
+    QList<SavedServer> stored() const
+    {
+        SavedServers again(folder.filePath(QStringLiteral("SavedServers.plist")), QStringLiteral("tester"));
+        if (!again.load().error.isEmpty())
+            return {};
+        return again.servers();
+    }
+
+    ServersView view{savedServers, actions, alerts};
+};
+
+class ServersViewTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void savingNeedsALabelToo()
+    {
+        Servers servers;
+        servers.view.fillForm(QStringLiteral("10.0.0.1"), QStringLiteral("28960"));
+        servers.view.passwordField->setText(QStringLiteral("pw"));
+        QVERIFY(!servers.view.saveToServerListButton->isEnabled());
+        servers.view.labelField->setText(QStringLiteral("Home"));
+        QVERIFY(servers.view.saveToServerListButton->isEnabled());
+        servers.view.portField->clear();
+        QVERIFY(!servers.view.saveToServerListButton->isEnabled());
+    }
+
+    void savesReplacesAndDeletes()
+    {
+        Servers servers;
+        servers.save(QStringLiteral("b"), QStringLiteral("10.0.0.1"), QStringLiteral("one"));
+        servers.save(QStringLiteral("A"), QStringLiteral("10.0.0.2"), QStringLiteral("two"));
+        servers.save(QStringLiteral("b"), QStringLiteral("10.0.0.3"), QStringLiteral("three"));
+        QCOMPARE(servers.labels(), QStringList({"A@10.0.0.2", "b@10.0.0.3"}));
+        QCOMPARE(servers.stored().size(), 2);
+        servers.view.savedServerTableView->selectRow(0);
+        QTest::keyClick(servers.view.savedServerTableView, Qt::Key_Delete);
+        QCOMPARE(servers.labels(), QStringList{"b@10.0.0.3"});
+        QCOMPARE(servers.stored().size(), 1);
+        QVERIFY(servers.alerts.shown().isEmpty());
+    }
+
+    void showsAndStoresTheSelectedPassword()
+    {
+        Servers servers;
+        servers.save(QStringLiteral("Home"), QStringLiteral("10.0.0.1"), QStringLiteral("one"));
+        QVERIFY(!servers.view.savedPasswordField->isEnabled());
+        servers.view.savedServerTableView->selectRow(0);
+        QCOMPARE(servers.view.savedPasswordField->text(), QStringLiteral("one"));
+        servers.view.savedPasswordField->setText(QStringLiteral("two"));
+        QTest::keyClick(servers.view.savedPasswordField, Qt::Key_Return);
+        QCOMPARE(servers.stored().first().password.value_or(QString()), QStringLiteral("two"));
+        servers.view.storePassword(QStringLiteral("Home"), QStringLiteral("three"));
+        QCOMPARE(servers.view.savedPasswordField->text(), QStringLiteral("three"));
+    }
+
+    void aFailedSaveIsReported()
+    {
+        Servers servers;
+        QVERIFY(QDir(servers.folder.path()).mkdir(QStringLiteral("SavedServers.plist")));
+        servers.save(QStringLiteral("Home"), QStringLiteral("10.0.0.1"), QStringLiteral("one"));
+        QVERIFY(servers.settle());
+        QCOMPARE(servers.alerts.titles(), QStringList{"Saved Servers"});
+        QCOMPARE(servers.view.hostField->text(), QStringLiteral("10.0.0.1"));
+    }
+
+    void connectsToTheLastSelectedAndFollowsItsPassword()
+    {
+        Fixture fixture;
+        fixture.exchange.answer(QStringLiteral("teamstatus"), ScriptedExchange::ok());
+        QVERIFY(fixture.savedServers.save({"Home", "10.0.0.9", "28961", QStringLiteral("pw")}).error.isEmpty());
+        FormMainView window(fixture.server, fixture.actions, fixture.alerts, fixture.preferences,
+                            GameCatalogues{fixture.gametypes, fixture.settings, fixture.maps}, fixture.savedServers);
+        ServersView &view = *window.serversView;
+        QVERIFY(!view.connectToSavedServerButton->isEnabled());
+        view.savedServerTableView->selectRow(0);
+        view.connectToSavedServerButton->click();
+        QVERIFY(fixture.settle());
+        const Request first = fixture.exchange.requests().first();
+        QCOMPARE(first.host, QStringLiteral("10.0.0.9"));
+        QCOMPARE(first.port, 28961);
+        QCOMPARE(first.password, QStringLiteral("pw"));
+        fixture.exchange.answerEverything(ScriptedExchange::ok());
+        awaited(fixture.server.setDvar(QStringLiteral("rcon_password"), QStringLiteral("new")));
+        QCOMPARE(fixture.savedServers.servers().first().password.value_or(QString()), QStringLiteral("new"));
+        QCOMPARE(view.savedPasswordField->text(), QStringLiteral("new"));
+    }
+};
+
+QTEST_MAIN(ServersViewTest)
+#include "tst_serversview.moc"
