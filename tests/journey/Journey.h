@@ -25,6 +25,8 @@ private:
     bool connectToDemoServer();
     bool kickAPlayer();
     bool writeAMessage();
+    bool loadAMap();
+    bool changeASetting();
     bool useTheConsole();
     bool disconnect();
     bool waitUntil(const std::function<bool()> &isReached);
