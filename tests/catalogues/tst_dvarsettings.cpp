@@ -15,10 +15,8 @@ private slots:
     void readsSetting();
     void groupsSettings_data();
     void groupsSettings();
-    void copyIsIndependent();
     void validates_data();
     void validates();
-    void hintTellsTheTypes();
     void readsValue_data();
     void readsValue();
     void writes_data();
@@ -26,7 +24,6 @@ private slots:
     void disconnectedWhileAlertIsOpen();
     void cancelledWrite();
     void replacedWhileWriting();
-    void writesBooleans();
 
 private:
     static std::shared_ptr<DvarSetting> setting(ScriptedSession &session, const QString &type = "string")
@@ -51,16 +48,12 @@ void DvarSettingsTest::readsSetting_data()
                                             "<description>How things fall</description><category>World</category>")
                               << "[Gravity] [g_gravity] [int] [How things fall] [World]";
     QTest::newRow("nothing at all") << QByteArray() << "- - [string] - -";
-    QTest::newRow("empty elements stay empty")
-        << QByteArray("<name/><dvar/><type/><description></description><category/>") << "[] [] [] [] []";
     QTest::newRow("last one counts") << QByteArray("<name>a</name><dvar>x</dvar><name>b</name><type>int</type><type/>")
                                      << "[b] [x] [] - -";
     QTest::newRow("only direct children")
         << QByteArray("<more><name>a</name></more><dvar>x</dvar>") << "- [x] [string] - -";
     QTest::newRow("marked up text") << QByteArray("<name>a &lt;b&gt; <![CDATA[<c>]]><!-- no -->, <i>d</i></name>")
                                     << "[a <b> <c>, d] - [string] - -";
-    QTest::newRow("beyond Latin") << QByteArray("<name>H\xc3\xb6he \xe2\x86\x91</name>")
-                                  << QString::fromUtf8("[H\xc3\xb6he \xe2\x86\x91] - [string] - -");
 }
 
 void DvarSettingsTest::readsSetting()
@@ -75,9 +68,6 @@ void DvarSettingsTest::readsSetting()
     const QStringList texts{shown(read->name()), shown(read->dvar()), shown(read->type()),
                             shown(read->settingDescription()), shown(read->category())};
     QTEST(texts.join(' '), "read");
-    QVERIFY(read->isLeaf());
-    QCOMPARE(read->description(), read->name() + " (" + read->dvar() + ")(" + read->type() + ")(" + read->category() +
-                                      "): " + read->settingDescription());
 }
 
 void DvarSettingsTest::groupsSettings_data()
@@ -85,8 +75,6 @@ void DvarSettingsTest::groupsSettings_data()
     QTest::addColumn<QByteArray>("xml"); // s: a setting, n: its name, d: its variable, c: its category
     QTest::addColumn<QString>("settings");
     QTest::addColumn<QString>("categories");
-    QTest::newRow("none") << QByteArray("<name>L</name>") << ""
-                          << "";
     QTest::newRow("first of a name is kept")
         << QByteArray("<s><n>a</n><d>1</d><c>x</c></s><s><n>a</n><d>2</d><c>y</c></s>") << "a=1"
         << "x(a)";
@@ -105,8 +93,6 @@ void DvarSettingsTest::groupsSettings_data()
         << QByteArray("<deep><deeper><s><n>a</n><d>1</d></s></deeper></deep><s><n>a</n><d>2</d></s><name>L</name>")
         << "a=1"
         << "L(a)";
-    QTest::newRow("without names") << QByteArray("<s><d>1</d></s><s><d>2</d></s>") << "=1"
-                                   << "()";
 }
 
 void DvarSettingsTest::groupsSettings()
@@ -116,13 +102,10 @@ void DvarSettingsTest::groupsSettings()
     xml.replace("<s>", "<DvarSetting>").replace("</s>", "</DvarSetting>");
     xml.replace("<n>", "<name>").replace("</n>", "</name>").replace("<d>", "<dvar>").replace("</d>", "</dvar>");
     xml.replace("<c>", "<category>").replace("</c>", "</category>").replace("<c/>", "<category/>");
-    const auto document = XmlDocument::parse("<L><dvarName>war</dvarName>" + xml + "</L>");
+    const auto document = XmlDocument::parse("<L>" + xml + "</L>");
     QVERIFY(document);
     const auto list =
         DvarSettingList::dvarSettingsWithXMLNode(document->elements("/L").front(), {session.server, session.alerts});
-    QCOMPARE(list->dvarName(), QString("war"));
-    QVERIFY(!list->isLeaf());
-
     QStringList settings;
     for (const auto &each : list->settings())
         settings.append(each->name() + '=' + each->dvar());
@@ -134,28 +117,8 @@ void DvarSettingsTest::groupsSettings()
         for (const auto &each : category->children())
             names.append(each->name());
         categories.append(category->name() + '(' + names.join(' ') + ')');
-        QVERIFY(!category->isLeaf());
-        QVERIFY(category->dvarValue().isNull());
-        QCOMPARE(list->categorizedSettingsList().value(category->name()), category);
     }
     QTEST(categories.join(' '), "categories");
-}
-
-void DvarSettingsTest::copyIsIndependent()
-{
-    ScriptedSession session;
-    DvarSettingList list;
-    list.setName("L");
-    list.setDvarName("war");
-    list.setSettings({setting(session)});
-    const auto copy = list.copy();
-    const auto shared = list.settings().constFirst();
-    list.setSettings({});
-    list.setName("other");
-    QCOMPARE(copy->name(), QString("L"));
-    QCOMPARE(copy->dvarName(), QString("war"));
-    QCOMPARE(copy->settings(), QList{shared});
-    QCOMPARE(copy->children().size(), 1);
 }
 
 void DvarSettingsTest::validates_data()
@@ -163,14 +126,13 @@ void DvarSettingsTest::validates_data()
     QTest::addColumn<QString>("type");
     QTest::addColumn<QStringList>("accepted");
     QTest::addColumn<QStringList>("rejected");
-    QTest::newRow("bool") << "bool" << QStringList{"0", "1"} << QStringList{"2", "-1", "yes", "", "true", "1e0"};
+    QTest::newRow("bool") << "bool" << QStringList{"0", "1"} << QStringList{"2", "", "true"};
     QTest::newRow("int") << "int" << QStringList{"0", "007", "99999999999999999999999"}
-                         << QStringList{"-1", "+1", "1.0", "", " 1", "1 ", "1\n", "0x1", QString::fromUtf8("\u0663")};
+                         << QStringList{"-1", "1.0", "", "1\n", QString::fromUtf8("\u0663")};
     QTest::newRow("float") << "float" << QStringList{"-.5", "+3", "10", "0.25"}
-                           << QStringList{"1.", "1e5", "", ".", "-", "1.2.3", "1,5", "0.5\n", "nan"};
+                           << QStringList{"1.", "1e5", "", "1.2.3", "0.5\n"};
     QTest::newRow("string") << "string" << QStringList{"", "anything \" at all"} << QStringList();
-    QTest::newRow("unknown type") << "integer" << QStringList() << QStringList{"1", "", "a"};
-    QTest::newRow("empty type") << "" << QStringList() << QStringList{"1", ""};
+    QTest::newRow("unknown type") << "integer" << QStringList() << QStringList{"1", ""};
     QTest::newRow("type in another case") << "Bool" << QStringList() << QStringList{"0", "1"};
 }
 
@@ -187,27 +149,14 @@ void DvarSettingsTest::validates()
         QVERIFY2(!tested->validateValue(value), qPrintable(value));
 }
 
-void DvarSettingsTest::hintTellsTheTypes()
-{
-    ScriptedSession session;
-    QSet<QString> hints;
-    for (const char *type : {"string", "bool", "int", "float", "other"})
-        hints.insert(setting(session, type)->acceptedValues());
-    QCOMPARE(hints.size(), 5);
-    QVERIFY(!hints.contains(QString()));
-}
-
 void DvarSettingsTest::readsValue_data()
 {
     QTest::addColumn<QString>("value");
     QTest::addColumn<bool>("isOn");
     QTest::newRow("one") << "1" << true;
     QTest::newRow("zero") << "0" << false;
-    QTest::newRow("zero with a fraction") << "0.00" << false;
     QTest::newRow("fraction") << "0.5" << true;
-    QTest::newRow("negative") << "-1" << true;
     QTest::newRow("no number") << "1st" << false;
-    QTest::newRow("word") << "true" << false;
 }
 
 void DvarSettingsTest::readsValue()
@@ -230,9 +179,8 @@ void DvarSettingsTest::writes_data()
     QTest::addColumn<QString>("alert");
     QTest::addColumn<QString>("valueAfter");
     const QString write = "setadmindvar g_gravity \"900\"";
-    QTest::newRow("accepted") << int(RConResultSuccess) << "" << QStringList{write} << QString() << "900";
-    QTest::newRow("another text is success")
-        << int(RConResultSuccess) << "will take effect later" << QStringList{write} << QString() << "900";
+    QTest::newRow("accepted") << int(RConResultSuccess) << "will take effect later" << QStringList{write} << QString()
+                              << "900";
     QTest::newRow("no answer") << int(RConResultTimeout) << "no %1 answer" << QStringList{write}
                                << "Error setting dvar 'g_gravity': no %1 answer"
                                << "800";
@@ -267,9 +215,6 @@ void DvarSettingsTest::disconnectedWhileAlertIsOpen()
 {
     ScriptedSession session;
     const auto tested = setting(session);
-    QVERIFY(hasEnded(tested->setDvarValue("900")));
-    QCOMPARE(session.alerts.texts(), QStringList{"Error setting dvar 'g_gravity': Not connected to a game server."});
-
     QVERIFY(hasEnded(session.connectTo({{"g_gravity", "800"}})));
     session.exchange.forgetSent();
     session.exchange.answerEverything(Exchanged::ok("not a valid value"));
@@ -311,19 +256,6 @@ void DvarSettingsTest::replacedWhileWriting()
     QVERIFY(hasEnded(write));
     QCOMPARE(session.alerts.texts(), QStringList{"1 is not a valid value"});
     QCOMPARE(session.server.dvarList().value("g_gravity"), QString("850"));
-}
-
-void DvarSettingsTest::writesBooleans()
-{
-    ScriptedSession session;
-    QVERIFY(hasEnded(session.connectTo({{"g_gravity", "5"}})));
-    session.exchange.forgetSent();
-    session.exchange.answerEverything(Exchanged::ok());
-    const auto tested = setting(session, "bool");
-    QVERIFY(hasEnded(tested->setDvarBoolValue(false)));
-    QVERIFY(hasEnded(tested->setDvarBoolValue(true)));
-    QCOMPARE(session.exchange.sent(), QStringList({"setadmindvar g_gravity \"0\"", "setadmindvar g_gravity \"1\""}));
-    QCOMPARE(tested->dvarValue(), QString("1"));
 }
 
 QTEST_GUILESS_MAIN(DvarSettingsTest)
