@@ -28,7 +28,6 @@ int main(int argc, char **argv)
 
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("ferrow-rcon"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Kelvard Ferrow Remote Console"));
     QApplication::setApplicationVersion(CommandLine::version());
     const CommandLine line = CommandLine::parse(QApplication::arguments());
     if (!line.error.isEmpty()) {

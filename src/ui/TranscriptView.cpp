@@ -9,6 +9,13 @@ TranscriptView::TranscriptView(QWidget *parent) : QPlainTextEdit(parent)
 {
     setReadOnly(true);
     setUndoRedoEnabled(false);
+    // Lines are laid out as they come into view, and wrapped ones push the end further down then.
+    QScrollBar *bar = verticalScrollBar();
+    connect(bar, &QScrollBar::valueChanged, this, [this, bar](int value) { m_followsEnd = value == bar->maximum(); });
+    connect(bar, &QScrollBar::rangeChanged, this, [this, bar](int, int maximum) {
+        if (m_followsEnd)
+            bar->setValue(maximum);
+    });
     setMaximumBlockCount(200000); // the oldest lines go before the memory does
     setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
@@ -37,7 +44,7 @@ static QString inBlocks(const QString &text, qsizetype lengthOfLastLine)
 void TranscriptView::appendConsoleMessage(const QString &text)
 {
     QScrollBar *bar = verticalScrollBar();
-    const bool isAtEnd = bar->value() == bar->maximum();
+    const bool followsEnd = m_followsEnd;
     const int readersPlace = bar->value();
     QTextCursor reader = textCursor();
     QTextCursor end(document());
@@ -52,5 +59,6 @@ void TranscriptView::appendConsoleMessage(const QString &text)
         reader.setPosition(position, QTextCursor::KeepAnchor);
         setTextCursor(reader);
     }
-    bar->setValue(isAtEnd ? bar->maximum() : readersPlace);
+    bar->setValue(followsEnd ? bar->maximum() : readersPlace);
+    m_followsEnd = followsEnd;
 }

@@ -11,4 +11,7 @@ public:
 
     /// Appends `text` as it stands, without a line break of its own.
     void appendConsoleMessage(const QString &text);
+
+private:
+    bool m_followsEnd = true;
 };
