@@ -127,20 +127,20 @@ private slots:
         QVERIFY(console.view.consoleInput->isEnabled());
     }
 
-    void followsItsEndThroughWrappedLines()
+    void standsAtItsEndWhenItComesIntoView()
     {
+        // Filled behind another tab, where lines are not yet laid out.
         TranscriptView transcript;
+        for (int i = 0; i < 60; ++i)
+            transcript.appendConsoleMessage(
+                QStringLiteral("a reply with words that do not fit one line ").repeated(i % 9) +
+                QStringLiteral("\nshort\n"));
         transcript.resize(400, 200);
         transcript.show();
         QVERIFY(QTest::qWaitForWindowExposed(&transcript));
         const QScrollBar *bar = transcript.verticalScrollBar();
-        for (int i = 0; i < 40; ++i) {
-            transcript.appendConsoleMessage(
-                QStringLiteral("a reply with words that do not fit one line ").repeated(i % 9) +
-                QStringLiteral("\nshort\n"));
-            transcript.grab(); // painting lays out what has come into view
-            QCOMPARE(bar->value(), bar->maximum());
-        }
+        QTRY_VERIFY(bar->maximum() > 0);
+        QCOMPARE(bar->value(), bar->maximum());
         transcript.resize(250, 200);
         transcript.grab();
         QCOMPARE(bar->value(), bar->maximum());
