@@ -2,15 +2,12 @@
 #include "SavedServers.h"
 
 #include <QDir>
-#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
 #include <optional>
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 // Made by another property-list library: "Ödland" with the password "secret" of the account "alice", and "beta".
 static const QByteArray binaryFile = QByteArray::fromBase64(
@@ -35,24 +32,6 @@ static QByteArray xmlEntry(const QByteArray &label, const QByteArray &more = {})
 static QByteArray xmlPassword(const QByteArray &secret)
 {
     return "<key>password</key><data>" + secret.toBase64() + "</data>";
-}
-
-/// Arrays within one another, each referring to the next one `width` times; the last one to itself if `isCircle`.
-static QByteArray binaryArrays(int count, int width, bool isCircle)
-{
-    QByteArray file = "bplist00";
-    QByteArray offsets;
-    for (int i = 0; i < count; ++i) {
-        const bool isLast = i == count - 1;
-        offsets.append(char(file.size() >> 8)).append(char(file.size() & 0xff));
-        file.append(isLast && !isCircle ? '\xa0' : char(0xa0 | width));
-        for (int j = 0; j < width && (!isLast || isCircle); ++j)
-            file.append(char(isLast ? i : i + 1));
-    }
-    const auto table = static_cast<char>(file.size());
-    const auto tableHigh = static_cast<char>(file.size() >> 8);
-    return file + offsets + QByteArray(6, '\0') + "\x02\x01" + QByteArray(7, '\0') + char(count) + QByteArray(8, '\0') +
-           QByteArray(6, '\0') + tableHigh + table;
 }
 
 static QStringList rowsOf(const SavedServers &list)
@@ -118,17 +97,11 @@ private slots:
         QTest::addColumn<QString>("salt");
         QTest::addColumn<QString>("text");
         QTest::addColumn<QByteArray>("cipher");
-        const auto row = [](const char *name, const QString &salt, const QString &text, const QByteArray &cipher) {
-            QTest::newRow(name) << salt << text << cipher;
-        };
-        row("empty", "alice", "", "349762fc75f15ac666600c51210cd4c3");
-        row("whole block", "alice", "0123456789abcdef",
-            "c4810ad9958907ceff701fd9b4604a482f4e738f610aaa061f82768977ec7abc");
-        row("alice", "alice", "secret", aliceSecret.toHex());
-        row("bob", "bob", "secret", "f83c50962da613df06039a9e098a6b62");
-        row("mark and zero", "alice", QChar(0xfeff) + QString("a") + QChar(0) + 'b',
-            "3f94211cc430663fd1d99e8b6f552708");
-        row("beyond ASCII", "jörg", "pässwört€", "431d793d54dd75273b8b571b54192d57");
+        QTest::newRow("whole block") << "alice"
+                                     << "0123456789abcdef"
+                                     << QByteArray("c4810ad9958907ceff701fd9b4604a482f4e738f610aaa061f82768977ec7abc");
+        QTest::newRow("beyond ASCII") << QString::fromUtf8("jörg") << QString::fromUtf8("pässwört€")
+                                      << QByteArray("431d793d54dd75273b8b571b54192d57");
     }
     void passwordsAgreeWithTheOpensslCommand()
     {
@@ -145,8 +118,7 @@ private slots:
     {
         const Aes256Key key = *keyFromPassword("p", "s");
         const QByteArray noUtf8 = *aes256Encrypt("a\xff", key);
-        const QByteArray characterBreaksOff = *aes256Encrypt("a\xc3", key);
-        for (const QByteArray &cipher : {QByteArray(), QByteArray(8, 'x'), noUtf8, characterBreaksOff})
+        for (const QByteArray &cipher : {QByteArray(), QByteArray(8, 'x'), noUtf8})
             QCOMPARE(AES256DecryptWithPassword(cipher, "p", "s"), std::nullopt);
     }
 
@@ -161,13 +133,6 @@ private slots:
         QTest::newRow("XML, in order without case")
             << xmlFile(xmlEntry("b") + xmlEntry("C") + xmlEntry("A &amp; B", xmlPassword(aliceSecret))) << "alice"
             << QStringList{"A & B|h|1|secret", "b|h|1|(none)", "C|h|1|(none)"};
-        QTest::newRow("wrong types")
-            << xmlFile("<key>n</key><integer>1</integer><key>e</key><dict><key>host</key><true/>"
-                       "<key>port</key><integer>28960</integer><key>password</key><string>p</string></dict>")
-            << "alice" << QStringList{"e||28960|(none)"};
-        QTest::newRow("label twice") << xmlFile(xmlEntry("a") + "<key>a</key><dict/>") << "alice"
-                                     << QStringList{"a|||(none)"};
-        QTest::newRow("no entries") << xmlFile({}) << "alice" << QStringList();
     }
     void readsBothFlavours()
     {
@@ -214,19 +179,15 @@ private slots:
     void rewriteNarrowsPermissionsAndKeepsWhatIsUnknown()
     {
         put(xmlFile(xmlEntry("a", xmlPassword(aliceSecret) + "<key>colour</key><string>red</string>") +
-                    "<key>future</key><array><integer>-7</integer></array>"
-                    "<key>ported</key><dict><key>port</key><integer>28960</integer></dict>"));
+                    "<key>future</key><array><integer>-7</integer></array>"));
         QVERIFY(QFile::setPermissions(m_path, QFileDevice::Permissions(0x6644)));
         SavedServers list(m_path, "bob");
         QCOMPARE(list.load().error, QString());
         QCOMPARE(list.save({"a", "elsewhere", "2", std::nullopt}).error, QString());
-        QByteArray written = contentOf(m_path);
+        const QByteArray written = contentOf(m_path);
         for (const QByteArray &part : QByteArrayList{"colour", "red", "-7", aliceSecret.toBase64()})
             QVERIFY2(written.contains(part), part.constData());
         QVERIFY(isPrivate(m_path));
-        QCOMPARE(list.setPassword("ported", "pw").error, QString());
-        written = contentOf(m_path);
-        QVERIFY(written.contains("<integer>28960</integer>"));
         // Only a server saved over the value that is no entry would lose it.
         const SavedServersOutcome outcome = list.save({"future", "h", "1", "p"});
         QCOMPARE(outcome.error, QString());
@@ -236,27 +197,18 @@ private slots:
     void damagedFilesAreKeptAside_data()
     {
         QTest::addColumn<QByteArray>("file");
-        QByteArray garbage(4096, '\0');
-        QRandomGenerator random(1);
-        random.fillRange(reinterpret_cast<quint32 *>(garbage.data()), garbage.size() / 4);
-        const auto nested = [](const QByteArray &open, const QByteArray &close, int levels) {
-            return xmlFile("<key>a</key>" + open.repeated(levels) + close.repeated(levels));
-        };
+        const QByteArray circle("bplist00\xd1\x01\0\x51\x61\x08\x0b\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x02"
+                                "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x0d",
+                                47);
         QTest::newRow("no bytes") << QByteArray();
-        QTest::newRow("garbage") << garbage;
-        QTest::newRow("binary garbage") << "bplist00" + garbage;
+        QTest::newRow("binary garbage") << "bplist00" + QByteArray(4096, '\xff');
         QTest::newRow("binary cut off") << binaryFile.chopped(1);
-        QTest::newRow("binary key with a zero") << QByteArray(binaryFile).replace("beta", QByteArray("be\0a", 4));
-        QTest::newRow("binary root is no dictionary") << binaryArrays(2, 1, false);
-        QTest::newRow("binary circle") << binaryArrays(3, 1, true);
-        QTest::newRow("binary deep") << binaryArrays(100, 1, false);
-        QTest::newRow("binary that multiplies") << binaryArrays(31, 9, false);
+        QTest::newRow("binary dictionary within itself") << circle;
         QTest::newRow("XML cut off") << xmlFile(xmlEntry("a")).chopped(20);
         QTest::newRow("XML root is no dictionary") << QByteArray("<plist version=\"1.0\"><array/></plist>");
-        QTest::newRow("XML in Latin-1") << xmlFile(xmlEntry("\xd6"));
         QTest::newRow("XML with entities") << QByteArray("<!DOCTYPE plist [<!ENTITY a \"b\">]><plist><dict/></plist>");
-        QTest::newRow("XML deep") << nested("<array>", "</array>", 400000);
-        QTest::newRow("XML deep by hidden ends") << nested("<array a='>'/>", "", 400000);
+        QTest::newRow("XML deep") << xmlFile("<key>a</key>" + QByteArray("<array>").repeated(100'000) +
+                                             QByteArray("</array>").repeated(100'000));
         QTest::newRow("larger than the bound")
             << xmlFile("<key>a</key><string>" + QByteArray(3 << 20, 'x') + "</string>");
     }
@@ -276,24 +228,6 @@ private slots:
         QCOMPARE(asides().size(), 1);
         QCOMPARE(list.load().error, QString());
         QCOMPARE(rowsOf(list), QStringList({"a|h|1|p", "b|h|1|p"}));
-    }
-
-    void mutatedFilesAreReadOrRefused()
-    {
-        QRandomGenerator random(7);
-        const QByteArray xml = xmlFile(xmlEntry("a", xmlPassword(aliceSecret)));
-        int refused = 0;
-        for (int i = 0; i < 200; ++i) {
-            QByteArray file = i % 2 == 0 ? binaryFile : xml;
-            for (int change = random.bounded(1, 5); change > 0; --change)
-                file[random.bounded(file.size())] = static_cast<char>(random.bounded(256));
-            put(file);
-            SavedServers list(m_path, "alice");
-            const bool isRefused = !list.load().error.isEmpty();
-            QVERIFY(!isRefused || list.servers().isEmpty());
-            refused += isRefused ? 1 : 0;
-        }
-        QVERIFY(refused > 0 && refused < 200);
     }
 
     void changesOfAnotherProgramAreKeptAside()
@@ -317,11 +251,8 @@ private slots:
     void unusualTextsAreStoredOrRefused()
     {
         SavedServers list(m_path, "alice");
-        for (const QString &refused : QStringList{QString(), QString("a") + QChar(0), QString(QChar(0xd800))})
+        for (const QString &refused : QStringList{QString(), QString("a") + QChar(0), QString(20000, 'x')})
             QVERIFY(!list.save({refused, "h", "1", "p"}).error.isEmpty());
-        for (const QString &refused : {QString(QChar(0)), QString(20000, 'x')})
-            QVERIFY(!list.save({"a", refused, "1", "p"}).error.isEmpty());
-        QVERIFY(!list.save({"a", "h", "1", QString(20000, 'x')}).error.isEmpty());
         QCOMPARE(list.servers().size(), 0);
         QVERIFY(!QFile::exists(m_path));
         QCOMPARE(list.save({"bell\a", "h", "1", "p"}).error, QString());
@@ -329,70 +260,27 @@ private slots:
         QCOMPARE(rowsOf(list), QStringList("bell\a|h|1|p"));
     }
 
-    void failedWritesLeaveTheFileAndTellWhy_data()
+    void fullDiskLeavesTheFileAndIsTold()
     {
-        QTest::addColumn<QString>("obstacle");
-        for (const char *obstacle : {"full disk", "disk too full for the copy", "folder not writable",
-                                     "folder cannot be made", "pipe in its place"})
-            QTest::newRow(obstacle) << obstacle;
-    }
-    void failedWritesLeaveTheFileAndTellWhy()
-    {
-        QFETCH(QString, obstacle);
-        QByteArray before = xmlFile(xmlEntry("a"));
+        const QByteArray before = xmlFile(xmlEntry("a"));
         put(before);
-        const QString former = m_path;
         SavedServers list(m_path, "alice");
         QCOMPARE(list.load().error, QString());
-        if (obstacle == "disk too full for the copy") {
-            before = xmlFile(xmlEntry("a") + "<!--" + QByteArray(6000, 'x') + "-->");
-            put(before);
-        } else if (obstacle == "folder cannot be made") {
-            m_path += "/below/SavedServers.plist";
-            list = SavedServers(m_path, "alice");
-        } else if (obstacle == "pipe in its place") {
-            m_path = m_folder->filePath("pipe");
-            QCOMPARE(mkfifo(qPrintable(m_path), 0600), 0);
-            list = SavedServers(m_path, "alice");
-            QVERIFY(!list.load().error.isEmpty());
-        }
-        const SavedServersOutcome outcome = saveBehind(obstacle, list);
+        rlimit former{};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &former), 0);
+        const rlimit small{64, former.rlim_max};
+        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+        setrlimit(RLIMIT_FSIZE, &small);
+        const SavedServersOutcome outcome = list.save({"b", "h", "1", "p"});
+        setrlimit(RLIMIT_FSIZE, &former);
+        std::signal(SIGXFSZ, handler);
         QVERIFY2(outcome.error.contains(m_path), qPrintable(outcome.error));
-        QCOMPARE(contentOf(former), before);
+        QCOMPARE(contentOf(m_path), before);
         QCOMPARE(asides(), QStringList());
-        QVERIFY(rowsOf(list).contains("b|h|1|p"));
-        if (m_path != former)
-            return;
         // The obstacle gone, the next change brings the earlier one with it.
         QCOMPARE(list.save({"c", "h", "1", "p"}).error, QString());
         QCOMPARE(list.load().error, QString());
         QCOMPARE(rowsOf(list), QStringList({"a|h|1|(none)", "b|h|1|p", "c|h|1|p"}));
-    }
-
-private:
-    SavedServersOutcome saveBehind(const QString &obstacle, SavedServers &list) const
-    {
-        const SavedServer server{"b", "h", "1", "p"};
-        if (obstacle.contains("full")) {
-            rlimit former{};
-            getrlimit(RLIMIT_FSIZE, &former);
-            const rlimit small{obstacle == "full disk" ? 64U : 4096U, former.rlim_max};
-            const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-            setrlimit(RLIMIT_FSIZE, &small);
-            const SavedServersOutcome outcome = list.save(server);
-            setrlimit(RLIMIT_FSIZE, &former);
-            std::signal(SIGXFSZ, handler);
-            return outcome;
-        }
-        if (obstacle != "folder not writable")
-            return list.save(server);
-        // The administrator's account may write everywhere, so it steps down for the one call.
-        const uid_t user = geteuid();
-        const bool isReady = chmod(qPrintable(m_folder->path()), 0555) == 0 && chmod(qPrintable(m_path), 0666) == 0 &&
-                             seteuid(user == 0 ? 65534 : user) == 0;
-        const SavedServersOutcome outcome = list.save(server);
-        const bool isBack = seteuid(user) == 0 && chmod(qPrintable(m_folder->path()), 0700) == 0;
-        return isReady && isBack ? outcome : SavedServersOutcome();
     }
 };
 

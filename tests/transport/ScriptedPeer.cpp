@@ -5,17 +5,8 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 
 using namespace std::chrono_literals;
-
-namespace
-{
-
-// Sent by the peer to itself: what arrives before it was sent before it.
-const QByteArray mark = "mark";
-
-} // namespace
 
 ScriptedPeer::ScriptedPeer(QList<Answer> script) : m_script(std::move(script))
 {
@@ -26,14 +17,14 @@ ScriptedPeer::ScriptedPeer(QList<Answer> script) : m_script(std::move(script))
     if (::bind(m_socket, reinterpret_cast<const sockaddr *>(&m_address), length) != 0 ||
         ::getsockname(m_socket, reinterpret_cast<sockaddr *>(&m_address), &length) != 0)
         qFatal("no socket for the scripted peer");
+    const timeval patience{0, 20'000};
+    ::setsockopt(m_socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     m_thread = std::jthread([this](const std::stop_token &stop) { serve(stop); });
 }
 
 ScriptedPeer::~ScriptedPeer()
 {
-    m_thread.request_stop();
-    sendToSelf(mark);
-    m_thread.join();
+    requests();
     ::close(m_socket);
 }
 
@@ -45,10 +36,9 @@ bool ScriptedPeer::waitForRequests(qsizetype count)
 
 QList<QByteArray> ScriptedPeer::requests()
 {
-    std::unique_lock lock(m_mutex);
-    const int marks = m_marks;
-    sendToSelf(mark);
-    m_changed.wait_for(lock, 10s, [this, marks] { return m_marks > marks; });
+    m_thread.request_stop();
+    if (m_thread.joinable())
+        m_thread.join();
     return m_requests;
 }
 
@@ -60,29 +50,21 @@ QByteArray ScriptedPeer::framed(const QByteArray &payload)
 void ScriptedPeer::serve(const std::stop_token &stop)
 {
     std::array<char, 65536> buffer;
-    while (!stop.stop_requested()) {
+    while (true) {
         sockaddr_in client{};
         socklen_t clientLength = sizeof client;
         const ssize_t length =
             ::recvfrom(m_socket, buffer.data(), buffer.size(), 0, reinterpret_cast<sockaddr *>(&client), &clientLength);
-        if (length < 0 && errno != EINTR)
+        if (length < 0 && stop.stop_requested())
             return;
         if (length < 0)
             continue;
-        const QByteArray request(buffer.data(), length);
-        qsizetype number = -1;
         {
             const std::lock_guard lock(m_mutex);
-            if (request == mark) {
-                ++m_marks;
-            } else {
-                number = m_requests.size();
-                m_requests.append(request);
-            }
+            m_requests.append(QByteArray(buffer.data(), length));
             m_changed.notify_all();
         }
-        if (number >= 0)
-            perform(m_script.value(number), client, stop);
+        perform(m_script.value(m_requests.size() - 1), client, stop);
     }
 }
 
@@ -100,10 +82,4 @@ void ScriptedPeer::perform(const Answer &answer, const sockaddr_in &client, cons
                      reinterpret_cast<const sockaddr *>(&client), sizeof client);
         }
     }
-}
-
-void ScriptedPeer::sendToSelf(const QByteArray &datagram) const
-{
-    ::sendto(m_socket, datagram.constData(), size_t(datagram.size()), 0, reinterpret_cast<const sockaddr *>(&m_address),
-             sizeof m_address);
 }

@@ -32,7 +32,7 @@ public:
     /// Waits until `count` requests have come; false when they do not within ten seconds.
     bool waitForRequests(qsizetype count);
 
-    /// All requests that were sent to the peer before this call, in order.
+    /// Ends the peer and returns all requests that were sent to it, in order.
     QList<QByteArray> requests();
 
     /// A reply datagram with `payload`.
@@ -41,7 +41,6 @@ public:
 private:
     void serve(const std::stop_token &stop);
     void perform(const Answer &answer, const sockaddr_in &client, const std::stop_token &stop);
-    void sendToSelf(const QByteArray &datagram) const;
 
     QList<Answer> m_script;
     sockaddr_in m_address{};
@@ -49,6 +48,5 @@ private:
     std::mutex m_mutex;
     std::condition_variable_any m_changed;
     QList<QByteArray> m_requests;
-    int m_marks = 0;
     std::jthread m_thread;
 };

@@ -8,8 +8,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <sys/stat.h>
-
 #include <future>
 #include <map>
 #include <memory>
@@ -27,11 +25,6 @@ const auto framed = &ScriptedPeer::framed;
 const QString timeOutText = QStringLiteral(
     "A connection attempt failed because the connected party did not properly respond after a period of time, or "
     "established a connection failed because connected host has failed to respond.");
-
-QByteArray refusal()
-{
-    return QByteArray::fromHex("ffffffff0a");
-}
 
 struct Outcome {
     RConResult result = RConResultSuccess;
@@ -58,7 +51,6 @@ struct SlowCase {
     std::stop_source source;
     std::future<Outcome> future;
     Outcome outcome;
-    QElapsedTimer sinceStop;
     qint64 stopMilliseconds = 0;
 };
 
@@ -79,10 +71,8 @@ private slots:
     void noRetry();
     void badHosts();
     void withoutAReply();
-    void portWraps();
     void loggingOff_data();
     void loggingOff();
-    void resultTexts();
 
 private:
     void addSlowCase(const std::string &name, Road road, QList<Answer> script);
@@ -106,10 +96,11 @@ void TransportTest::stopAtRequest(const std::string &name, qsizetype request)
 {
     SlowCase &slow = *m_slowCases.at(name);
     QVERIFY(slow.peer.waitForRequests(request));
-    slow.sinceStop.start();
+    QElapsedTimer sinceStop;
+    sinceStop.start();
     slow.source.request_stop();
     slow.outcome = slow.future.get();
-    slow.stopMilliseconds = slow.sinceStop.elapsed();
+    slow.stopMilliseconds = sinceStop.elapsed();
 }
 
 /// The lines of the exchanges with `port`; each begins with a date, which is checked and taken off.
@@ -143,12 +134,9 @@ void TransportTest::initTestCase()
     const Answer good{{framed("good")}};
     addSlowCase("silent", &RCon::sendTo, {});
     addSlowCase("second answered", &RCon::sendTo, {{}, good});
-    addSlowCase("third answered", &RCon::sendTo, {{}, {}, good});
-    addSlowCase("second refused", &RCon::sendTo, {{}, {{refusal()}}});
-    addSlowCase("single, silent", &RCon::sendSingleTo, {});
     addSlowCase("single, third answered", &RCon::sendSingleTo, {{}, {}, good});
-    addSlowCase("four datagrams", &RCon::sendTo, {{{framed("a")}, {framed("b")}, {framed("c"), 100ms}, {framed("d")}}});
-    addSlowCase("datagram doubled", &RCon::sendTo, {{{framed("a")}, {framed("a")}, {framed("b")}}});
+    addSlowCase("split, one doubled", &RCon::sendTo,
+                {{{framed("a")}, {framed("b")}, {framed("b")}, {framed("c"), 100ms}}});
     addSlowCase("marks split", &RCon::sendTo, {{{framed("a\\")}, {framed("n^")}, {framed("1b")}}});
     addSlowCase("cancelled read", &RCon::sendTo, {});
     addSlowCase("cancelled drip", &RCon::sendTo, {{{framed("x"), 20ms, 60'000}}});
@@ -183,29 +171,13 @@ void TransportTest::slowCases_data()
                                      << QStringList{" Send(1): status %1 all", lost(1) + " numPackets=0",
                                                     " Send(2): status %1 all",
                                                     "  Res(2): RConResultSuccess numPackets=1"};
-    QTest::newRow("third answered") << good << "good" << 3250
-                                    << QStringList{
-                                           " Send(1): status %1 all", lost(1) + " numPackets=0",
-                                           " Send(2): status %1 all", lost(2) + " numPackets=0",
-                                           " Send(3): status %1 all", "  Res(3): RConResultSuccess numPackets=1"};
-    QTest::newRow("second refused") << unsigned(RConResultInvalidPassword) << "Invalid Password." << 1000
-                                    << QStringList{" Send(1): status %1 all", lost(1) + " numPackets=0",
-                                                   " Send(2): status %1 all",
-                                                   "  Res(2): Invalid Password. numPackets=0"};
-    QTest::newRow("single, silent") << late << timeOutText << 3250
-                                    << QStringList{" SendSingle(1): status %1 all", lost(1) + "@",
-                                                   " SendSingle(2): status %1 all", lost(2),
-                                                   " SendSingle(3): status %1 all", lost(3)};
     QTest::newRow("single, third answered")
         << good << "good" << 2500 << QStringList{" SendSingle(1): status %1 all", lost(1) + "@",
                                                  " SendSingle(2): status %1 all", lost(2),
                                                  " SendSingle(3): status %1 all", "  Res(3): RConResultSuccess"};
-    QTest::newRow("four datagrams") << good << "abcd" << 600
-                                    << QStringList{" Send(1): status %1 all",
-                                                   "  Res(1): RConResultSuccess numPackets=4"};
-    QTest::newRow("datagram doubled") << good << "aab" << 500
-                                      << QStringList{" Send(1): status %1 all",
-                                                     "  Res(1): RConResultSuccess numPackets=3"};
+    QTest::newRow("split, one doubled") << good << "abbc" << 600
+                                        << QStringList{" Send(1): status %1 all",
+                                                       "  Res(1): RConResultSuccess numPackets=4"};
     // Each datagram is cleaned by itself, so what is split over two stays.
     QTest::newRow("marks split") << good << "a\\n^1b" << 500
                                  << QStringList{" Send(1): status %1 all", "  Res(1): RConResultSuccess numPackets=3"};
@@ -248,7 +220,7 @@ void TransportTest::cancelled()
     QCOMPARE(slow.outcome.result, RConResultError);
     QCOMPARE(slow.outcome.text, "RConResultError");
     QVERIFY2(slow.stopMilliseconds < mostMilliseconds, QByteArray::number(slow.stopMilliseconds));
-    QCOMPARE(slow.peer.waitForRequests(requests), true);
+    QCOMPARE(slow.peer.requests().size(), requests);
     const QStringList lines = logLines(slow.peer.port());
     QCOMPARE(lines.size(), 2 * requests - 1);
     QVERIFY2(lines.last().contains("Send("), qPrintable(lines.last()));
@@ -273,11 +245,10 @@ void TransportTest::noRetry_data()
     QTest::addColumn<QByteArray>("datagram");
     QTest::addColumn<unsigned>("result");
     QTest::addColumn<QString>("text");
-    QTest::newRow("refused") << refusal() << unsigned(RConResultInvalidPassword) << "Invalid Password.";
+    QTest::newRow("refused") << QByteArray::fromHex("ffffffff0a") << unsigned(RConResultInvalidPassword)
+                             << "Invalid Password.";
     QTest::newRow("refused in words") << framed("Invalid password.\n") << unsigned(RConResultInvalidPassword)
                                       << "Invalid Password.";
-    QTest::newRow("no password set") << framed("The server must set 'rcon_password' for clients to use 'rcon'.\n")
-                                     << unsigned(RConResultInvalidPassword) << "Invalid Password.";
     QTest::newRow("garbage") << QByteArray("garbage") << unsigned(RConResultInvalidPacket) << "RConResultInvalidPacket";
     QTest::newRow("empty") << QByteArray() << unsigned(RConResultNullReply) << "RConResultNullReply";
 }
@@ -304,44 +275,33 @@ void TransportTest::badHosts()
 {
     QFile log("log.txt");
     const qint64 before = log.size();
-    for (const QString host : {"localhost", "127.0.1", ""}) {
-        QString text;
-        QCOMPARE(RCon::sendTo(host, 1, "secret", "status", &text), RConResultError);
-        QCOMPARE(text, "No such host is known.");
-    }
+    QString text;
+    QCOMPARE(RCon::sendTo("localhost", 1, "secret", "status", &text), RConResultError);
+    QCOMPARE(text, "No such host is known.");
     QCOMPARE(log.size(), before);
 }
 
 void TransportTest::withoutAReply()
 {
-    ScriptedPeer peer({{{refusal()}}, {{framed("good")}}});
-    QCOMPARE(RCon::sendTo("127.0.0.1", peer.port(), "secret", "status"), RConResultInvalidPassword);
+    ScriptedPeer peer({{{"garbage"}}, {{framed("good")}}});
+    QCOMPARE(RCon::sendTo("127.0.0.1", peer.port(), "secret", "status"), RConResultInvalidPacket);
     QCOMPARE(RCon::sendSingleTo("127.0.0.1", peer.port(), "secret", "status"), RConResultSuccess);
     QCOMPARE(RCon::sendTo("nowhere", peer.port(), "secret", "status"), RConResultError);
-}
-
-void TransportTest::portWraps()
-{
-    ScriptedPeer peer({{{framed("good")}}});
-    QCOMPARE(exchange(&RCon::sendSingleTo, peer.port() + 0x10000).text, "good");
 }
 
 void TransportTest::loggingOff_data()
 {
     QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<QString>("kind");
-    QTest::newRow("unset") << QByteArray() << "file";
-    QTest::newRow("zero") << QByteArray("0") << "file";
-    QTest::newRow("trailing blank") << QByteArray("1 ") << "file";
-    QTest::newRow("no file") << QByteArray("1") << "none";
-    QTest::newRow("a folder") << QByteArray("1") << "folder";
-    QTest::newRow("a pipe that nobody reads") << QByteArray("1") << "pipe";
+    QTest::addColumn<bool>("hasFile");
+    QTest::newRow("unset") << QByteArray() << true;
+    QTest::newRow("zero") << QByteArray("0") << true;
+    QTest::newRow("no file") << QByteArray("1") << false;
 }
 
 void TransportTest::loggingOff()
 {
     QFETCH(QByteArray, value);
-    QFETCH(QString, kind);
+    QFETCH(bool, hasFile);
     QTemporaryDir folder;
     QVERIFY(QDir::setCurrent(folder.path()));
     const auto back = qScopeGuard([this] {
@@ -349,12 +309,8 @@ void TransportTest::loggingOff()
         QVERIFY(QDir::setCurrent(m_folder.path()));
     });
     QFile file("log.txt");
-    if (kind == "file")
+    if (hasFile)
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write("kept\n") == 5 && file.flush());
-    else if (kind == "folder")
-        QVERIFY(QDir().mkdir("log.txt"));
-    else if (kind == "pipe")
-        QCOMPARE(::mkfifo("log.txt", 0600), 0);
     if (value.isEmpty())
         qunsetenv("FerrowRconLog");
     else
@@ -362,16 +318,8 @@ void TransportTest::loggingOff()
 
     ScriptedPeer peer({{{framed("good")}}});
     QCOMPARE(exchange(&RCon::sendSingleTo, peer.port()).text, "good");
-    QCOMPARE(file.exists(), kind != "none");
-    if (kind == "file")
-        QCOMPARE(file.size(), 5);
-}
-
-void TransportTest::resultTexts()
-{
-    QCOMPARE(RCon::resultStr(RConResultSuccess), "RConResultSuccess");
-    QCOMPARE(RCon::resultStr(RConResultError), "RConResultError");
-    QVERIFY(RCon::resultStr(static_cast<RConResult>(6)).isNull());
+    QCOMPARE(file.exists(), hasFile);
+    QCOMPARE(file.size(), hasFile ? 5 : 0);
 }
 
 QTEST_GUILESS_MAIN(TransportTest)
