@@ -6,11 +6,6 @@
 
 #include <QFile>
 
-inline Reply valueReply(const QString &name, const QString &value)
-{
-    return ScriptedExchange::ok(QStringLiteral("\"%1\" is: \"%2\"^7 in force: \"%2\"^7\n").arg(name, value));
-}
-
 /// A fixture with the preferences of the maps' refresh, which a view reads when it is made.
 struct MapsFixture : Fixture {
     MapsFixture()
@@ -42,7 +37,10 @@ struct Maps : MapsFixture {
         QVERIFY(file.open(QIODevice::WriteOnly));
         QCOMPARE(file.write(xml), xml.size());
     }
-    void tell(const QString &name, const QString &value) { exchange.answer(name, valueReply(name, value)); }
+    void tell(const QString &name, const QString &value)
+    {
+        exchange.answer(name, ScriptedExchange::ok(QString("\"%1\" is: \"%2\"^7\n").arg(name, value)));
+    }
     void choose(const QString &gametype, const QString &map)
     {
         view.gametypePopUpButton->setCurrentText(gametype);

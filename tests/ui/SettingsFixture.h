@@ -8,8 +8,10 @@
 #include "SettingsOutlineModel.h"
 #include "SettingsView.h"
 
+#include <QContextMenuEvent>
 #include <QFile>
 #include <QLabel>
+#include <QMenu>
 
 inline QByteArray settingXml(const QByteArray &name, const QByteArray &dvar, const QByteArray &type,
                              const QByteArray &category, const QByteArray &description = "Nothing to tell.")
@@ -24,28 +26,21 @@ struct SettingsFixture : Fixture {
     explicit SettingsFixture(SettingsView::Mode mode = SettingsView::Mode::Unranked)
         : isRanked(mode == SettingsView::Mode::Ranked), view(mode, server, actions, settings, gametypes)
     {
-        dump({{"g_time", "20"},
-              {"g_gravity", "-.5"},
-              {"g_fire", "1"},
-              {"g_cam", "0"},
-              {"g_motd", "hello"},
-              {"g_odd", "3"},
-              {"scr_score", "100"}});
+        dump("20");
         connectToServer();
+        exchange.answerEverything(ScriptedExchange::ok());
         loadCatalogues();
         view.resize(740, 560);
         view.show();
     }
 
-    void dump(const QList<std::pair<QString, QString>> &values)
+    void dump(const QString &timeLimit)
     {
-        QString text = QStringLiteral("rcon_password \"secret\"\nsv_hostname \"h\"\nsv_ranked \"%1\"\n"
-                                      "playlist_enabled \"0\"\nplaylist_excludeMap \"a\"\n"
-                                      "playlist_excludeGametype \"b\"\nplaylist_excludeGametypeMap \"c\"\n")
-                           .arg(isRanked ? QLatin1String("2") : QLatin1String("1"));
-        for (const auto &[name, value] : values)
-            text += QStringLiteral("%1 \"%2\"\n").arg(name, value);
-        exchange.answer(QStringLiteral("dvardump"), ScriptedExchange::ok(text));
+        const QString text = "rcon_password \"secret\"\nsv_hostname \"h\"\nsv_ranked \"%1\"\nplaylist_enabled \"0\"\n"
+                             "playlist_excludeMap \"a\"\nplaylist_excludeGametype \"b\"\n"
+                             "playlist_excludeGametypeMap \"c\"\ng_time \"%2\"\ng_gravity \"-.5\"\ng_fire \"1\"\n"
+                             "g_cam \"0\"\ng_motd \"hello\"\nscr_score \"100\"\n";
+        exchange.answer("dvardump", ScriptedExchange::ok(text.arg(isRanked ? "2" : "1", timeLimit)));
     }
 
     void write(const QString &extension, const QByteArray &content)
@@ -66,7 +61,7 @@ struct SettingsFixture : Fixture {
                   settingXml("Lost switch", "g_lost", "BOOL", "rules") +
                   settingXml("Lost text", "g_lostText", "string", "rules") +
                   "</SettingInst><SettingInst><name>About</name>" + settingXml("Message", "g_motd", "string", "Texts") +
-                  settingXml("Odd", "g_odd", "", "Texts") + "</SettingInst></s>");
+                  "</SettingInst></s>");
         write(QStringLiteral("gametypes"), "<g><Gametype><name>Team</name><dvarName>tdm</dvarName>" +
                                                settingXml("Score limit", "scr_score", "int", "Limits") +
                                                "</Gametype><Gametype><name>Duel</name></Gametype></g>");
@@ -108,7 +103,7 @@ struct SettingsFixture : Fixture {
         const auto *hint = tree().findChild<QLabel *>(QStringLiteral("dvarValueHint"));
         return hint != nullptr && hint->isVisible();
     }
-    /// Opens the editor of a setting by key and types over its value; an empty text clears the field.
+    /// Opens the editor of a setting by key and types over its value.
     void type(const QString &dvar, const QString &text)
     {
         view.activateWindow();
@@ -116,14 +111,24 @@ struct SettingsFixture : Fixture {
         tree().setCurrentIndex(valueOf(dvar).siblingAtColumn(0));
         QTest::keyClick(&tree(), Qt::Key_F2);
         QVERIFY(editor() != nullptr);
-        if (text.isEmpty())
-            QTest::keyClick(editor(), Qt::Key_Delete);
         QTest::keyClicks(editor(), text);
     }
     void press(const QString &dvar, Qt::Key key)
     {
         tree().setCurrentIndex(valueOf(dvar));
         QTest::keyClick(&tree(), key);
+    }
+
+    /// An action of the context menu that the key brings up on the current row.
+    QAction *menuAction(const QString &text) const
+    {
+        QContextMenuEvent byKey(QContextMenuEvent::Keyboard, QPoint(1, 1), QPoint(1, 1));
+        QCoreApplication::sendEvent(tree().viewport(), &byKey);
+        for (QAction *action : tree().findChildren<QMenu *>("settingMenu").last()->actions()) {
+            if (action->text() == text)
+                return action;
+        }
+        return nullptr;
     }
 
     bool isRanked;
