@@ -20,8 +20,7 @@ inline QByteArray settingXml(const QByteArray &name, const QByteArray &dvar, con
            category + "</category><description>" + description + "</description></DvarSetting>";
 }
 
-/// A view with catalogues of the test's own, on a session that has just connected. The server does not know g_lost and
-/// g_lostText.
+/// A view with catalogues of the test's own, on a session that has just connected. The server does not know g_lost.
 struct SettingsFixture : Fixture {
     explicit SettingsFixture(SettingsView::Mode mode = SettingsView::Mode::Unranked)
         : isRanked(mode == SettingsView::Mode::Ranked), view(mode, server, actions, settings, gametypes)
@@ -59,7 +58,6 @@ struct SettingsFixture : Fixture {
                   settingXml("Friendly fire", "g_fire", "bool", "rules", "Hurts the team as well.") +
                   settingXml("Replay", "g_cam", "Bool", "rules", "Shows the last moments.") +
                   settingXml("Lost switch", "g_lost", "BOOL", "rules") +
-                  settingXml("Lost text", "g_lostText", "string", "rules") +
                   "</SettingInst><SettingInst><name>About</name>" + settingXml("Message", "g_motd", "string", "Texts") +
                   "</SettingInst></s>");
         write(QStringLiteral("gametypes"), "<g><Gametype><name>Team</name><dvarName>tdm</dvarName>" +

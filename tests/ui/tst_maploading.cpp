@@ -101,11 +101,6 @@ private slots:
         maps.view.loadMapButton->click();
         QVERIFY(maps.settle());
         QCOMPARE(maps.exchange.sent(), QStringList({"setadmindvar g_gametype \"dom2\"", "map mp_r2"}));
-        maps.write("maps", "<a><version>4.0</version></a>");
-        maps.write("gametypes", "<a/>");
-        maps.loadCatalogues();
-        QVERIFY(maps.listedMaps().isEmpty());
-        QCOMPARE(maps.view.gametypePopUpButton->currentText(), QString());
     }
 };
 

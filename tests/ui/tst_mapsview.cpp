@@ -9,27 +9,14 @@ class MapsViewTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void asksForWhatTheFlagsName_data()
+    void theRotationAloneAsksForTheGametypeAsWell()
     {
-        QTest::addColumn<int>("flags");
-        QTest::addColumn<QStringList>("sent");
-        QTest::addColumn<QStringList>("current");
-        QTest::addColumn<int>("rows");
-        QTest::newRow("gametype") << 1 << QStringList{"g_gametype"} << QStringList{"Team Match", "old"} << 0;
-        QTest::newRow("map") << 2 << QStringList{"mapname"} << QStringList{"old", "Saltworks"} << 0;
-        QTest::newRow("rotation") << 4 << QStringList{"g_gametype", "sv_mapRotation"}
-                                  << QStringList{"Team Match", "old"} << 3;
-    }
-    void asksForWhatTheFlagsName()
-    {
-        QFETCH(int, flags);
         Maps maps;
-        maps.view.currentGameTypeField->showText("old");
         maps.view.currentMapField->showText("old");
-        awaited(maps.view.updateMapList(flags));
-        QTEST(maps.exchange.sent(), "sent");
-        QTEST(maps.current(), "current");
-        QTEST(int(maps.rotation().size()), "rows");
+        awaited(maps.view.updateMapList(MapsView::RotationFlag));
+        QCOMPARE(maps.exchange.sent(), QStringList({"g_gametype", "sv_mapRotation"}));
+        QCOMPARE(maps.current(), QStringList({"Team Match", "old"}));
+        QCOMPARE(maps.rotation(), tdmRotation);
     }
 
     void aRefreshNeverTouchesTheRotation()

@@ -10,7 +10,6 @@ private slots:
     {
         QTest::addColumn<QString>("dvar");
         QTest::addColumn<QStringList>("sent");
-        QTest::newRow("on") << "g_fire" << QStringList{"setadmindvar g_fire \"0\""};
         QTest::newRow("off, Bool") << "g_cam" << QStringList{"setadmindvar g_cam \"1\""};
         QTest::newRow("not known to the server") << "g_lost" << QStringList{"setadmindvar g_lost \"1\""};
         QTest::newRow("not a box") << "g_time" << QStringList{};
@@ -50,32 +49,17 @@ private slots:
         QCOMPARE(shown.exchange.sent(), QStringList{"setadmindvar g_fire \"0\""});
     }
 
-    void sendsWhatIsTyped_data()
+    void sendsWhatIsTypedWhenItDiffers()
     {
-        QTest::addColumn<QString>("dvar");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QStringList>("sent");
-        QTest::addColumn<QString>("shownAfter");
-        QTest::newRow("another value") << "g_time"
-                                       << "30" << QStringList{"setadmindvar g_time \"30\""} << "30";
-        QTest::newRow("the same") << "g_time"
-                                  << "20" << QStringList{} << "20";
-        QTest::newRow("unknown to the server")
-            << "g_lostText"
-            << "here" << QStringList{"setadmindvar g_lostText \"here\""} << "Not known to the server";
-    }
-    void sendsWhatIsTyped()
-    {
-        QFETCH(QString, dvar);
-        QFETCH(QString, text);
         SettingsFixture shown;
-        shown.type(dvar, text);
-        QTest::keyClick(shown.editor(), Qt::Key_Return);
-        QTRY_VERIFY(shown.editor() == nullptr);
+        for (const char *text : {"20", "30"}) {
+            shown.type("g_time", text);
+            QTest::keyClick(shown.editor(), Qt::Key_Return);
+            QTRY_VERIFY(shown.editor() == nullptr);
+        }
         QVERIFY(shown.settle());
-        QTEST(shown.exchange.sent(), "sent");
-        QTEST(shown.shownValue(dvar), "shownAfter");
-        QVERIFY(shown.alerts.shown().isEmpty());
+        QCOMPARE(shown.exchange.sent(), QStringList{"setadmindvar g_time \"30\""});
+        QCOMPARE(shown.shownValue("g_time"), QString("30"));
     }
 
     void aRejectedValueStaysInTheField()
