@@ -45,6 +45,9 @@ QSize DvarValueDelegate::sizeHint(const QStyleOptionViewItem &option, const QMod
 bool DvarValueDelegate::eventFilter(QObject *object, QEvent *event)
 {
     auto *field = qobject_cast<DvarValueEditor *>(object);
+    // Another window in front, an alert of ours perhaps: what is half typed is not meant for the server yet.
+    if (field != nullptr && event->type() == QEvent::FocusOut && !field->isActiveWindow())
+        return false;
     if (field == nullptr || event->type() != QEvent::KeyPress)
         return QStyledItemDelegate::eventFilter(object, event);
     const int key = static_cast<QKeyEvent *>(event)->key();

@@ -29,6 +29,8 @@ void FormMainView::connectButtonPressed()
 
 void FormMainView::connectTo(ConnectTarget target)
 {
+    if (m_connects > 0) // the one that is under way can be called off first
+        return;
     makeViews();
     ++m_connects;
     serversView->setConnecting(true);

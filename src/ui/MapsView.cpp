@@ -41,6 +41,13 @@ QCoro::Task<> MapsView::refresh()
     co_await updateMapList(GametypeFlag | MapFlag);
 }
 
+void MapsView::forgetServer()
+{
+    currentGameTypeField->showText({});
+    currentMapField->showText({});
+    mapServerRotationController->mergeContent({});
+}
+
 QCoro::Task<> MapsView::updateMapList(int flags)
 {
     if (!m_server.isConnected())

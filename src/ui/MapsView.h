@@ -86,6 +86,7 @@ private:
     void mapListDidChange();
     void choiceDidChange();
     void updatePlaceholder();
+    void forgetServer();
     void showRotation(const QString &rotation, const QString &gametype);
     Choice choice() const;
     QCoro::Task<> refresh();

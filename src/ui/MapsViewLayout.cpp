@@ -161,6 +161,7 @@ void MapsView::layOut()
 
 void MapsView::connectControls()
 {
+    connect(&m_server, &KelServer::connectionBegan, this, &MapsView::forgetServer);
     connect(refreshCurrentMapButton, &QPushButton::clicked, this, &MapsView::refreshCurrentMapButtonPressed);
     connect(restartMapButton, &QPushButton::clicked, this, &MapsView::restartMapButtonPressed);
     connect(fastRestartMapButton, &QPushButton::clicked, this, &MapsView::fastRestartMapButtonPressed);

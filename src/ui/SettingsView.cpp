@@ -117,10 +117,7 @@ QCoro::Task<> SettingsView::writeSetting(SettingsOutlineModel *outline, std::sha
     const ActionQueue::Turn turn = co_await m_actions.turn();
     if (!turn)
         co_return;
-    // Compared now, not when it was typed: a write before this one may have changed what the server has.
-    const QString old = setting->dvarValue();
-    if (!old.isNull() && old == value)
-        co_return;
+    // Also when the session holds the same: somebody else may have changed it at the server meanwhile.
     co_await setting->setDvarValue(value);
 }
 
