@@ -23,6 +23,8 @@ public:
         std::function<QString(const Row &)> text;
         std::function<QVariant(const Row &)> sortKey; ///< number or text; null sorts by the text
         Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter;
+        /// Takes a typed text into the row and tells whether that changed it; null where cells cannot be edited.
+        std::function<bool(Row &, const QString &)> edit = nullptr;
     };
     using KeyOf = std::function<QString(const Row &)>;
 
@@ -65,26 +67,28 @@ public:
         return rows;
     }
 
-    void addObject(Row row)
+    void addObject(Row row) { insertObjects(static_cast<int>(m_rows.size()), {std::move(row)}); }
+    void addObjects(const QList<Row> &rows) { insertObjects(static_cast<int>(m_rows.size()), rows); }
+
+    /// Puts rows before the one at `place` of the content.
+    void insertObjects(int place, const QList<Row> &rows)
     {
-        const int last = static_cast<int>(m_rows.size());
-        beginInsertRows({}, last, last);
-        m_rows.append(std::move(row));
+        if (rows.isEmpty())
+            return;
+        beginInsertRows({}, place, place + static_cast<int>(rows.size()) - 1);
+        m_rows = m_rows.first(place) + rows + m_rows.sliced(place);
         endInsertRows();
     }
 
     void removeSelected()
     {
-        QList<int> doomed;
+        QList<bool> isKept(m_rows.size(), true);
         for (const QModelIndex &index : m_selection.selectedRows())
-            doomed.append(m_arranged.mapToSource(index).row());
-        std::sort(doomed.begin(), doomed.end(), std::greater<>());
-        for (const int row : std::as_const(doomed)) {
-            beginRemoveRows({}, row, row);
-            m_rows.removeAt(row);
-            endRemoveRows();
-        }
+            isKept[m_arranged.mapToSource(index).row()] = false;
+        removeUnkept(isKept);
     }
+
+    void removeAll() { removeUnkept(QList<bool>(m_rows.size(), false)); }
 
     /// Replaces the rows by `rows`, in their order. Rows with a key that was there are changed in place, and the
     /// selection, hidden or not, stays with the keys, so that a refresh disturbs nothing.
@@ -125,13 +129,26 @@ public:
             return {};
         const Row &row = m_rows.at(index.row());
         const Column &column = m_columns.at(index.column());
-        if (role == Qt::DisplayRole)
+        if (role == Qt::DisplayRole || (role == Qt::EditRole && column.edit))
             return column.text(row);
         if (role == ArrangedRows::SortRole)
             return column.sortKey ? column.sortKey(row) : QVariant(column.text(row));
         if (role == Qt::TextAlignmentRole)
             return QVariant::fromValue(column.alignment);
         return {};
+    }
+    Qt::ItemFlags flags(const QModelIndex &index) const override
+    {
+        const Qt::ItemFlags flags = QAbstractTableModel::flags(index);
+        return index.isValid() && m_columns.at(index.column()).edit ? flags | Qt::ItemIsEditable : flags;
+    }
+    bool setData(const QModelIndex &index, const QVariant &value, int role = Qt::EditRole) override
+    {
+        if (role != Qt::EditRole || (flags(index) & Qt::ItemIsEditable) == 0)
+            return false;
+        if (m_columns.at(index.column()).edit(m_rows[index.row()], value.toString()))
+            emit dataChanged(index, index, {Qt::DisplayRole, Qt::EditRole});
+        return true;
     }
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override
     {
@@ -142,6 +159,19 @@ public:
         if (role == Qt::TextAlignmentRole)
             return QVariant::fromValue(m_columns.at(section).alignment);
         return {};
+    }
+
+protected:
+    /// Takes the row at `from` of the content out and puts it in again at `to`, counted without it.
+    void moveObject(int from, int to)
+    {
+        if (from == to)
+            return;
+        // The model counts the place before which the row goes while the row still stands where it was.
+        if (!beginMoveRows({}, from, from, {}, to > from ? to + 1 : to))
+            return;
+        m_rows.move(from, to);
+        endMoveRows();
     }
 
 private:
@@ -186,6 +216,11 @@ private:
         QList<bool> isKept(m_rows.size());
         for (int row = 0; row < m_rows.size(); ++row)
             isKept[row] = --wanted[m_keyOf(m_rows.at(row))] >= 0;
+        removeUnkept(isKept);
+    }
+
+    void removeUnkept(const QList<bool> &isKept)
+    {
         int last = static_cast<int>(m_rows.size()) - 1;
         while (last >= 0) {
             if (isKept.at(last)) {

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "ArrayController.h"
+#include "ReorderableRows.h"
+
+#include <concepts>
+
+/// An entry that can be duplicated by dragging.
+template <typename Entry>
+concept CopyableEntry = requires(const Entry &entry)
+{
+    {
+        entry.copy()
+        } -> std::same_as<std::shared_ptr<Entry>>;
+};
+
+/// An array controller whose rows the user puts into the order that counts: by dragging, by the keyboard, and back by
+/// undoing. The rows are shared with whoever else edits them. Its table is neither sorted nor filtered.
+/// Main thread only.
+template <std::equality_comparable Entry>
+class RSRTVArrayController : public ArrayController<std::shared_ptr<Entry>>, public ReorderableRows
+{
+public:
+    using Row = std::shared_ptr<Entry>;
+    using Base = ArrayController<Row>;
+
+    explicit RSRTVArrayController(QList<typename Base::Column> columns, QObject *parent = nullptr)
+        : Base(std::move(columns), keyOf, parent)
+    {
+    }
+
+    bool tableObjectsSupportCopying() const override { return CopyableEntry<Entry>; }
+    int arrangedCount() const override { return this->rowCount(); }
+
+    void moveObjectsInArrangedObjects(const QList<int> &fromIndexes, int toIndex) override
+    {
+        int target = std::clamp(toIndex, 0, arrangedCount());
+        int movedFromBelow = 0;
+        for (const int index : fromLargest(fromIndexes)) {
+            if (index < target)
+                this->moveObject(index, --target);
+            else
+                this->moveObject(index + movedFromBelow++, target);
+        }
+    }
+
+    void copyObjectsInArrangedObjects(const QList<int> &fromIndexes, int toIndex) override
+    {
+        if constexpr (CopyableEntry<Entry>) {
+            QList<Row> copies;
+            for (const int index : fromLargest(fromIndexes))
+                copies.prepend(this->content().at(index)->copy());
+            this->insertObjects(std::clamp(toIndex, 0, arrangedCount()), copies);
+        }
+    }
+
+    std::unique_ptr<RowsState> state() const override
+    {
+        auto state = std::make_unique<State>();
+        for (const Row &row : this->content())
+            state->rows.append({row, *row});
+        return state;
+    }
+
+    void restore(const RowsState &state) override
+    {
+        const auto *wanted = dynamic_cast<const State *>(&state);
+        if (wanted == nullptr)
+            return;
+        QList<Row> rows;
+        for (const auto &[row, held] : wanted->rows) {
+            *row = held;
+            rows.append(row);
+        }
+        this->mergeContent(rows);
+        if (!rows.isEmpty()) {
+            emit this->dataChanged(this->index(0, 0), this->index(arrangedCount() - 1, this->columnCount() - 1),
+                                   {Qt::DisplayRole, Qt::EditRole});
+        }
+    }
+
+protected:
+    void selectRows(int first, int count) override
+    {
+        QItemSelection rows;
+        if (count > 0) {
+            rows.select(this->arranged()->index(first, 0),
+                        this->arranged()->index(first + count - 1, this->columnCount() - 1));
+        }
+        this->selection()->select(rows, QItemSelectionModel::ClearAndSelect);
+        if (count > 0)
+            this->selection()->setCurrentIndex(this->arranged()->index(first, 0), QItemSelectionModel::NoUpdate);
+    }
+
+private:
+    struct State final : RowsState {
+        bool equals(const RowsState &other) const override
+        {
+            const auto *state = dynamic_cast<const State *>(&other);
+            return state != nullptr && state->rows == rows;
+        }
+        QList<std::pair<Row, Entry>> rows;
+    };
+
+    /// A row is itself, whatever it holds: two rows may hold the same.
+    static QString keyOf(const Row &row) { return QString::number(reinterpret_cast<quintptr>(row.get())); }
+};
