@@ -65,6 +65,20 @@ QHash<QString, MapInst> KelMapList::filteredList() const
     return filtered;
 }
 
+QList<MapInst> KelMapList::listedMaps() const
+{
+    QHash<QString, MapInst> left = filteredList();
+    QList<MapInst> listed;
+    for (const MapInst &map : m_maps) {
+        const auto found = left.constFind(map.name);
+        if (found == left.constEnd() || *found != map)
+            continue;
+        listed.append(map);
+        left.erase(found);
+    }
+    return listed;
+}
+
 QString KelMapList::findMapByDvar(const QString &dvarName) const
 {
     const QHash<QString, MapInst> listed = list();

@@ -32,6 +32,8 @@ public:
     QHash<QString, MapInst> list() const;
     /// list() without the maps that a ranked server has taken out of play.
     QHash<QString, MapInst> filteredList() const;
+    /// The maps of filteredList(), in the order of the file; each name once.
+    QList<MapInst> listedMaps() const;
     QString version() const { return m_version; }
 
     /// The display name of a map that the server knows by this name; the name itself when it is unknown.
