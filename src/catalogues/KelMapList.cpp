@@ -4,23 +4,14 @@
 
 #include <utility>
 
-static KelMapList *latestMaps = nullptr;
-
 KelMapList::KelMapList(KelServer &server, CatalogueReader reader, QObject *parent)
     : QObject(parent), m_server(server), m_reader(std::move(reader))
 {
-    latestMaps = this;
-}
-
-KelMapList::~KelMapList()
-{
-    if (latestMaps == this)
-        latestMaps = nullptr;
 }
 
 KelMapList *KelMapList::sharedKelMapList()
 {
-    return latestMaps;
+    return SharedInstance<KelMapList>::latest();
 }
 
 QCoro::Task<CatalogueState> KelMapList::loadMapList()

@@ -2,6 +2,7 @@
 
 #include "CatalogueReader.h"
 #include "MapInst.h"
+#include "SharedInstance.h"
 
 #include <QCoroTask>
 
@@ -18,7 +19,6 @@ class KelMapList : public QObject
 public:
     /// `server` outlives the catalogue. The latest catalogue made is the shared one.
     KelMapList(KelServer &server, CatalogueReader reader, QObject *parent = nullptr);
-    ~KelMapList() override;
 
     /// @return the latest catalogue made, or null.
     static KelMapList *sharedKelMapList();
@@ -49,4 +49,5 @@ private:
     CatalogueReader m_reader;
     QList<MapInst> m_maps;
     QString m_version;
+    SharedInstance<KelMapList> m_shared{this};
 };
