@@ -34,22 +34,28 @@ public:
 
     void moveObjectsInArrangedObjects(const QList<int> &fromIndexes, int toIndex) override
     {
-        int target = std::clamp(toIndex, 0, arrangedCount());
-        int movedFromBelow = 0;
-        for (const int index : fromLargest(fromIndexes)) {
-            if (index < target)
-                this->moveObject(index, --target);
-            else
-                this->moveObject(index + movedFromBelow++, target);
-        }
+        const QList<int> fromTop = fromSmallest(fromIndexes);
+        const int target = std::clamp(toIndex, 0, arrangedCount());
+        QList<int> order;
+        order.reserve(arrangedCount());
+        const auto appendOthers = [&](int first, int end) {
+            for (int row = first; row < end; ++row) {
+                if (!std::binary_search(fromTop.begin(), fromTop.end(), row))
+                    order.append(row);
+            }
+        };
+        appendOthers(0, target);
+        order.append(fromTop);
+        appendOthers(target, arrangedCount());
+        this->rearrange(order);
     }
 
     void copyObjectsInArrangedObjects(const QList<int> &fromIndexes, int toIndex) override
     {
         if constexpr (CopyableEntry<Entry>) {
             QList<Row> copies;
-            for (const int index : fromLargest(fromIndexes))
-                copies.prepend(this->content().at(index)->copy());
+            for (const int index : fromSmallest(fromIndexes))
+                copies.append(this->content().at(index)->copy());
             this->insertObjects(std::clamp(toIndex, 0, arrangedCount()), copies);
         }
     }
