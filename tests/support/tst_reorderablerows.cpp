@@ -1,50 +1,8 @@
-#include "RSRTVArrayController.h"
+#include "Letters.h"
 
 #include <QAbstractItemModelTester>
 #include <QElapsedTimer>
 #include <QTest>
-
-struct Letter {
-    QString text;
-    bool operator==(const Letter &) const = default;
-};
-
-struct CopyableLetter {
-    QString text;
-    bool operator==(const CopyableLetter &) const = default;
-    std::shared_ptr<CopyableLetter> copy() const
-    {
-        return std::make_shared<CopyableLetter>(CopyableLetter{text + QLatin1Char('\'')});
-    }
-};
-
-template <typename Entry>
-struct Table {
-    using Rows = RSRTVArrayController<Entry>;
-
-    explicit Table(const QString &letters)
-    {
-        QList<typename Rows::Row> entries;
-        for (const QChar letter : letters)
-            entries.append(std::make_shared<Entry>(Entry{letter}));
-        rows.addObjects(entries);
-    }
-
-    static bool edit(typename Rows::Row &row, const QString &text) { return std::exchange(row->text, text) != text; }
-
-    QString shown() const { return textOf(rows.arrangedObjects()); }
-    QString selected() const { return textOf(rows.selectedObjects()); }
-    static QString textOf(const QList<typename Rows::Row> &entries)
-    {
-        QString text;
-        for (const auto &entry : entries)
-            text += entry->text;
-        return text;
-    }
-
-    Rows rows{{{QStringLiteral("Letter"), [](const auto &row) { return row->text; }, nullptr, Qt::AlignLeft, edit}}};
-    QAbstractItemModelTester tester{&rows};
-};
 
 class ReorderableRowsTest : public QObject
 {
@@ -78,52 +36,52 @@ private slots:
         QFETCH(QString, moved);
         QFETCH(QString, copied);
         QFETCH(QString, selected);
-        Table<Letter> plain(QStringLiteral("VWXYZ"));
-        QVERIFY(plain.rows.acceptDrop(dragged, target, true, true)); // cannot be copied, so they move
+        Letters<Letter> plain(QStringLiteral("VWXYZ"));
+        QVERIFY(plain.acceptDrop(dragged, target, true, true)); // cannot be copied, so they move
         QCOMPARE(plain.shown(), moved);
         QCOMPARE(plain.selected(), selected);
-        Table<CopyableLetter> copyable(QStringLiteral("VWXYZ"));
-        QVERIFY(copyable.rows.acceptDrop(dragged, target, true, false));
+        Letters<CopyableLetter> copyable(QStringLiteral("VWXYZ"));
+        QVERIFY(copyable.acceptDrop(dragged, target, true, false));
         QCOMPARE(copyable.shown(), moved);
         QCOMPARE(copyable.selected(), selected);
-        Table<CopyableLetter> copies(QStringLiteral("VWXYZ"));
-        QVERIFY(copies.rows.acceptDrop(dragged, target, true, true));
+        Letters<CopyableLetter> copies(QStringLiteral("VWXYZ"));
+        QVERIFY(copies.acceptDrop(dragged, target, true, true));
         QCOMPARE(copies.shown(), copied);
         QCOMPARE(copies.selected().remove(QLatin1Char('\'')), selected);
-        QVERIFY(!copies.rows.acceptDrop(dragged, target, false, true)); // from elsewhere
+        QVERIFY(!copies.acceptDrop(dragged, target, false, true)); // from elsewhere
         QCOMPARE(copies.shown(), copied);
     }
 
     void statesAreReturnedTo()
     {
-        Table<Letter> table(QStringLiteral("ABCD"));
-        const auto before = table.rows.state();
-        const auto second = table.rows.content().at(1);
-        table.rows.acceptDrop({3}, 0, true, false);
-        QVERIFY(table.rows.setData(table.rows.index(2, 0), QStringLiteral("b")));
-        table.rows.removeSelected(); // D
-        const auto after = table.rows.state();
+        Letters<Letter> table(QStringLiteral("ABCD"));
+        const QAbstractItemModelTester tester(&table);
+        const auto before = table.state();
+        const auto second = table.content().at(1);
+        table.acceptDrop({3}, 0, true, false);
+        QVERIFY(table.setData(table.index(2, 1), QStringLiteral("b")));
+        table.removeSelected(); // D
+        const auto after = table.state();
         QCOMPARE(table.shown(), QStringLiteral("AbC"));
         QVERIFY(!after->equals(*before));
-        table.rows.restore(*before);
+        table.restore(*before);
         QCOMPARE(table.shown(), QStringLiteral("ABCD"));
-        QCOMPARE(table.rows.content().at(1), second); // the same entry, which others hold too
-        QVERIFY(table.rows.state()->equals(*before));
-        table.rows.restore(*after);
+        QCOMPARE(table.content().at(1), second); // the same entry, which others hold too
+        QVERIFY(table.state()->equals(*before));
+        table.restore(*after);
         QCOMPARE(table.shown(), QStringLiteral("AbC"));
     }
 
     void thousandsOfScatteredRowsMoveAtOnce()
     {
-        Table<Letter> table(QString(4000, QLatin1Char('x')));
+        Letters<Letter> table(QString(4000, QLatin1Char('x')));
         QList<int> everyOther;
-        for (int row = 0; row < 4000; row += 2) {
+        for (int row = 0; row < 4000; row += 2)
             everyOther.append(row);
-            table.rows.selection()->select(table.rows.arranged()->index(row, 0), QItemSelectionModel::Select);
-        }
+        table.choose(everyOther);
         QElapsedTimer timer;
         timer.start();
-        table.rows.acceptDrop(everyOther, 4000, true, false);
+        table.acceptDrop(everyOther, 4000, true, false);
         QCOMPARE(table.selected().size(), 2000);
         QVERIFY2(timer.elapsed() < 1000, qPrintable(QString::number(timer.elapsed())));
     }
