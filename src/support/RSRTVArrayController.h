@@ -74,13 +74,19 @@ public:
         if (wanted == nullptr)
             return;
         QList<Row> rows;
+        int firstChanged = -1;
+        int lastChanged = -1;
         for (const auto &[row, held] : wanted->rows) {
-            *row = held;
+            if (!(*row == held)) {
+                *row = held;
+                lastChanged = static_cast<int>(rows.size());
+                firstChanged = firstChanged < 0 ? lastChanged : firstChanged;
+            }
             rows.append(row);
         }
         this->mergeContent(rows);
-        if (!rows.isEmpty()) {
-            emit this->dataChanged(this->index(0, 0), this->index(arrangedCount() - 1, this->columnCount() - 1),
+        if (firstChanged >= 0) {
+            emit this->dataChanged(this->index(firstChanged, 0), this->index(lastChanged, this->columnCount() - 1),
                                    {Qt::DisplayRole, Qt::EditRole});
         }
     }
