@@ -162,16 +162,24 @@ public:
     }
 
 protected:
-    /// Takes the row at `from` of the content out and puts it in again at `to`, counted without it.
-    void moveObject(int from, int to)
+    /// Puts the rows into another order, in one announced step: `order` names, for each new place, the row that comes
+    /// there, every row once.
+    void rearrange(const QList<int> &order)
     {
-        if (from == to)
+        if (std::is_sorted(order.begin(), order.end()))
             return;
-        // The model counts the place before which the row goes while the row still stands where it was.
-        if (!beginMoveRows({}, from, from, {}, to > from ? to + 1 : to))
-            return;
-        m_rows.move(from, to);
-        endMoveRows();
+        emit layoutAboutToBeChanged();
+        QList<Row> rows;
+        rows.reserve(order.size());
+        QList<int> newRowOf(order.size());
+        for (const int row : order) {
+            newRowOf[row] = static_cast<int>(rows.size());
+            rows.append(m_rows.at(row));
+        }
+        m_rows = std::move(rows);
+        for (const QModelIndex &old : persistentIndexList())
+            changePersistentIndex(old, index(newRowOf.at(old.row()), old.column()));
+        emit layoutChanged();
     }
 
 private:
@@ -237,7 +245,7 @@ private:
         }
     }
 
-    /// Brings the rows that stay into the order of the new list, in one announced step.
+    /// Brings the rows that stay into the order of the new list.
     void reorder(const QList<Row> &rows)
     {
         QHash<QString, QList<int>> places;
@@ -248,23 +256,9 @@ private:
             placeOf[row] = places[m_keyOf(m_rows.at(row))].takeLast();
         QList<int> order(m_rows.size());
         std::iota(order.begin(), order.end(), 0);
-        const auto comesBefore = [&](int left, int right) {
-            return placeOf.at(left) < placeOf.at(right);
-        };
-        if (std::is_sorted(order.begin(), order.end(), comesBefore))
-            return;
-        std::sort(order.begin(), order.end(), comesBefore);
-        emit layoutAboutToBeChanged();
-        QList<Row> sorted;
-        QList<int> newRowOf(m_rows.size());
-        for (const int row : std::as_const(order)) {
-            newRowOf[row] = static_cast<int>(sorted.size());
-            sorted.append(m_rows.at(row));
-        }
-        m_rows = std::move(sorted);
-        for (const QModelIndex &old : persistentIndexList())
-            changePersistentIndex(old, index(newRowOf.at(old.row()), old.column()));
-        emit layoutChanged();
+        std::sort(order.begin(), order.end(),
+                  [&](int left, int right) { return placeOf.at(left) < placeOf.at(right); });
+        rearrange(order);
     }
 
     void insertNew(const QList<Row> &rows)

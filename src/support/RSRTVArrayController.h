@@ -34,22 +34,28 @@ public:
 
     void moveObjectsInArrangedObjects(const QList<int> &fromIndexes, int toIndex) override
     {
-        int target = std::clamp(toIndex, 0, arrangedCount());
-        int movedFromBelow = 0;
-        for (const int index : fromLargest(fromIndexes)) {
-            if (index < target)
-                this->moveObject(index, --target);
-            else
-                this->moveObject(index + movedFromBelow++, target);
-        }
+        const QList<int> fromTop = fromSmallest(fromIndexes);
+        const int target = std::clamp(toIndex, 0, arrangedCount());
+        QList<int> order;
+        order.reserve(arrangedCount());
+        const auto appendOthers = [&](int first, int end) {
+            for (int row = first; row < end; ++row) {
+                if (!std::binary_search(fromTop.begin(), fromTop.end(), row))
+                    order.append(row);
+            }
+        };
+        appendOthers(0, target);
+        order.append(fromTop);
+        appendOthers(target, arrangedCount());
+        this->rearrange(order);
     }
 
     void copyObjectsInArrangedObjects(const QList<int> &fromIndexes, int toIndex) override
     {
         if constexpr (CopyableEntry<Entry>) {
             QList<Row> copies;
-            for (const int index : fromLargest(fromIndexes))
-                copies.prepend(this->content().at(index)->copy());
+            for (const int index : fromSmallest(fromIndexes))
+                copies.append(this->content().at(index)->copy());
             this->insertObjects(std::clamp(toIndex, 0, arrangedCount()), copies);
         }
     }
@@ -68,13 +74,19 @@ public:
         if (wanted == nullptr)
             return;
         QList<Row> rows;
+        int firstChanged = -1;
+        int lastChanged = -1;
         for (const auto &[row, held] : wanted->rows) {
-            *row = held;
+            if (!(*row == held)) {
+                *row = held;
+                lastChanged = static_cast<int>(rows.size());
+                firstChanged = firstChanged < 0 ? lastChanged : firstChanged;
+            }
             rows.append(row);
         }
         this->mergeContent(rows);
-        if (!rows.isEmpty()) {
-            emit this->dataChanged(this->index(0, 0), this->index(arrangedCount() - 1, this->columnCount() - 1),
+        if (firstChanged >= 0) {
+            emit this->dataChanged(this->index(firstChanged, 0), this->index(lastChanged, this->columnCount() - 1),
                                    {Qt::DisplayRole, Qt::EditRole});
         }
     }

@@ -14,7 +14,7 @@ bool ReorderableRows::acceptDrop(const QList<int> &rows, int row, bool isFromThi
     const DropOperation operation = validateDrop(isFromThisTable, isCopyWanted);
     if (operation == DropOperation::None)
         return false;
-    const QList<int> dragged = fromLargest(rows);
+    const QList<int> dragged = fromSmallest(rows);
     const int target = std::clamp(row, 0, arrangedCount());
     int above = 0;
     if (operation == DropOperation::Copy) {
@@ -38,14 +38,14 @@ void ReorderableRows::deleteSelectionFromTableView()
         m_deleteSelection();
 }
 
-QList<int> ReorderableRows::fromLargest(const QList<int> &indexes) const
+QList<int> ReorderableRows::fromSmallest(const QList<int> &indexes) const
 {
     QList<int> rows;
     for (const int index : indexes) {
         if (index >= 0 && index < arrangedCount())
             rows.append(index);
     }
-    std::sort(rows.begin(), rows.end(), std::greater<>());
+    std::sort(rows.begin(), rows.end());
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     return rows;
 }

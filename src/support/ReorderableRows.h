@@ -60,8 +60,8 @@ public:
     virtual void restore(const RowsState &state) = 0;
 
 protected:
-    /// `indexes` that are rows of the table, each once, the largest first.
-    QList<int> fromLargest(const QList<int> &indexes) const;
+    /// `indexes` that are rows of the table, each once, the smallest first.
+    QList<int> fromSmallest(const QList<int> &indexes) const;
     virtual void selectRows(int first, int count) = 0;
 
 private:

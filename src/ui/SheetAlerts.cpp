@@ -2,6 +2,7 @@
 
 #include <QCoroFuture>
 
+#include <QApplication>
 #include <QFutureWatcher>
 #include <QLabel>
 #include <QMessageBox>
@@ -44,11 +45,23 @@ static QMessageBox *makeBox(const QString &title, const QString &text, const QSt
     return box;
 }
 
+/// An alert over an open sheet belongs to that sheet: beside it, it could come to lie behind it or, where sheets of one
+/// window queue, never be shown.
+static QWidget *frontOf(QWidget *window)
+{
+    QWidget *front = QApplication::activeModalWidget();
+    for (const QWidget *owner = front; owner != nullptr; owner = owner->parentWidget()) {
+        if (owner == window)
+            return front;
+    }
+    return window;
+}
+
 QCoro::Task<int> SheetAlerts::run(QString title, QString text, QStringList buttons)
 {
     if (buttons.isEmpty())
         buttons.append(QMessageBox::tr("OK"));
-    QMessageBox *box = makeBox(title, text, buttons, m_window);
+    QMessageBox *box = makeBox(title, text, buttons, frontOf(m_window));
     const auto pressed = std::make_shared<int>(static_cast<int>(buttons.size()) - 1);
     QAbstractButton *last = nullptr;
     for (int i = 0; i < buttons.size(); ++i) {

@@ -1,0 +1,63 @@
+#include "AddMessageToRotationWindowController.h"
+
+#include "Number.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+
+AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMessage addMessage, QWidget *parent)
+    : QDialog(parent, Qt::Sheet), messageTextField(new QLineEdit(this)), durationTextField(new QLineEdit(this)),
+      addButton(new QPushButton(tr("Add"), this)), m_durationHint(new QLabel(this)), m_addMessage(std::move(addMessage))
+{
+    setObjectName(QStringLiteral("AddMessageToRotationWindowController"));
+    setWindowTitle(tr("Add Message"));
+    setWindowModality(Qt::WindowModal);
+    messageTextField->setObjectName(QStringLiteral("messageTextField"));
+    messageTextField->setAccessibleName(tr("Message"));
+    messageTextField->setMinimumWidth(fontMetrics().averageCharWidth() * 50);
+    durationTextField->setObjectName(QStringLiteral("durationTextField"));
+    durationTextField->setAccessibleName(tr("Duration"));
+    durationTextField->setPlaceholderText(tr("seconds"));
+    m_durationHint->setObjectName(QStringLiteral("durationHint"));
+    m_durationHint->setWordWrap(true);
+    addButton->setObjectName(QStringLiteral("addButton"));
+    addButton->setDefault(true);
+    auto *buttons = new QDialogButtonBox(this);
+    buttons->addButton(addButton, QDialogButtonBox::ActionRole);
+    QPushButton *closeButton = buttons->addButton(tr("Close"), QDialogButtonBox::ActionRole);
+    closeButton->setObjectName(QStringLiteral("closeButton"));
+    closeButton->setAutoDefault(false);
+    auto *layout = new QFormLayout(this);
+    layout->addRow(tr("Message"), messageTextField);
+    layout->addRow(tr("Duration"), durationTextField);
+    layout->addRow(QString(), m_durationHint);
+    layout->addRow(buttons);
+    connect(messageTextField, &QLineEdit::textChanged, this,
+            &AddMessageToRotationWindowController::controlTextDidChange);
+    connect(durationTextField, &QLineEdit::textChanged, this,
+            &AddMessageToRotationWindowController::controlTextDidChange);
+    connect(addButton, &QPushButton::clicked, this, &AddMessageToRotationWindowController::addButtonPressed);
+    connect(closeButton, &QPushButton::clicked, this, &AddMessageToRotationWindowController::closeButtonPressed);
+    controlTextDidChange();
+}
+
+void AddMessageToRotationWindowController::controlTextDidChange()
+{
+    const QString duration = durationTextField->text();
+    addButton->setEnabled(!messageTextField->text().isEmpty() && !duration.isEmpty());
+    const bool isStall = !duration.isEmpty() && !parseNumber(duration);
+    m_durationHint->setText(isStall ? tr("Playback stays on this message until Stop is pressed")
+                                    : tr("Seconds until the next message"));
+    durationTextField->setAccessibleDescription(m_durationHint->text());
+}
+
+void AddMessageToRotationWindowController::addButtonPressed()
+{
+    const QString message = messageTextField->text();
+    const QString duration = durationTextField->text();
+    if (message.isEmpty() || duration.isEmpty())
+        return;
+    m_addMessage(message, duration);
+    messageTextField->clear();
+    messageTextField->setFocus();
+}

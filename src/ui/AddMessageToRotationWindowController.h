@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include <functional>
+
+/// The sheet that adds messages to the open rotation, one after another, until it is closed.
+class AddMessageToRotationWindowController : public QDialog
+{
+    Q_OBJECT
+public:
+    using AddMessage = std::function<void(const QString &message, const QString &duration)>;
+
+    /// @param addMessage  takes each message, as it was typed; what it uses outlives the sheet.
+    explicit AddMessageToRotationWindowController(AddMessage addMessage, QWidget *parent = nullptr);
+
+    bool addButtonEnabled() const { return addButton->isEnabled(); }
+
+    QLineEdit *messageTextField;
+    QLineEdit *durationTextField;
+    QPushButton *addButton;
+
+public slots:
+    void controlTextDidChange();
+    void addButtonPressed();
+    void closeButtonPressed() { done(QDialog::Rejected); }
+
+private:
+    QLabel *m_durationHint;
+    const AddMessage m_addMessage;
+};

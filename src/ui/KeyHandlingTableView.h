@@ -1,0 +1,69 @@
+#pragma once
+
+#include "PlaceholderTable.h"
+#include "RowDrag.h"
+
+#include <functional>
+
+class ReorderableRows;
+
+/// A table whose rows are edited in place with Return, deleted with the Delete key, put into order by dragging or with
+/// Alt and the arrow keys, and copied and pasted as text. Nothing can be dropped on it from elsewhere.
+class KeyHandlingTableView : public PlaceholderTable
+{
+    Q_OBJECT
+public:
+    explicit KeyHandlingTableView(QWidget *parent = nullptr);
+
+    /// The rows to put into order and to delete from; null for none. They outlive the table, whose model shows them
+    /// neither sorted nor filtered.
+    void setRows(ReorderableRows *rows) { m_drag.setRows(rows); }
+    /// Who deletes the selected rows, for a table without rows to put into order.
+    void setDeleteHandler(std::function<void()> deleteSelection) { m_deleteSelection = std::move(deleteSelection); }
+
+    void setModel(QAbstractItemModel *model) override;
+
+    /// @return whether the key was Return, Enter, Delete or Backspace and has been handled.
+    bool performKeyPressFromKeyDown(const QKeyEvent *event);
+    /// Moves the selected rows by one, up for -1 and down for 1; at the edge of the table nothing happens.
+    void moveSelection(int step);
+    /// What is being typed into a cell counts, as if Return had been pressed.
+    void finishEditing();
+
+    void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
+
+signals:
+    /// A key found nothing to act on, and the system beep sounded.
+    void beeped();
+    void copyRequested();
+    /// The clipboard's text is to become rows. Not empty.
+    void pasteRequested(const QString &text);
+
+protected:
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index, const QEvent *event) const override;
+    bool event(QEvent *event) override;
+    bool viewportEvent(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void keyReleaseEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    /// The keys that this table takes before a menu's shortcut does.
+    bool isOwnKey(const QKeyEvent *event) const;
+    bool editSelection();
+    bool deleteSelection();
+    bool handleOtherKey(const QKeyEvent *event);
+    void paste();
+    void beep();
+    int firstSelectedRow() const;
+    bool showToolTip(const QHelpEvent *event);
+
+    RowDrag m_drag;
+    std::function<void()> m_deleteSelection;
+    bool m_isChoiceDeferred = false; ///< a press on a selected row changes the selection only if no drag follows
+};

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "ArrayController.h"
+#include "RotationLabels.h"
+
+#include <QDialog>
+#include <QPushButton>
+
+class KeyHandlingTableView;
+class RotationStore;
+
+/// A row of the dialogs that list the rotations.
+struct RotationName {
+    QString name;
+    bool operator==(const RotationName &) const = default;
+};
+
+/// A sheet with the names of all rotations of a kind, filled when it is made. The store outlives it.
+class RotationListDialog : public QDialog
+{
+    Q_OBJECT
+public:
+    ArrayController<RotationName> *rotationArrayController;
+    KeyHandlingTableView *tableView;
+
+public slots:
+    void updateTable();
+    void closePressed() { done(QDialog::Rejected); }
+
+protected:
+    RotationListDialog(RotationStore &store, QPushButton *actionButton, QWidget *parent);
+
+    QPushButton *actionButton() const { return m_actionButton; }
+    /// The names of the selected rows, from the top.
+    QStringList selectedNames() const;
+
+    RotationStore &m_store;
+
+private:
+    QPushButton *m_actionButton;
+};
