@@ -20,6 +20,8 @@ void PlaylistDelegate::initStyleOption(QStyleOptionViewItem *option, const QMode
     const QModelIndex row = m_playlists.playlistList.arranged()->mapToSource(index);
     if (!current || !row.isValid() || m_playlists.playlistList.content().at(row.row()) != *current)
         return;
+    if (index.column() > nameColumn) // bold would only make long texts longer
+        return;
     option->font.setBold(true);
     option->fontMetrics = QFontMetrics(option->font);
     if (index.column() == nameColumn)
