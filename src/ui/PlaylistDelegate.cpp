@@ -25,7 +25,7 @@ void PlaylistDelegate::initStyleOption(QStyleOptionViewItem *option, const QMode
     option->font.setBold(true);
     option->fontMetrics = QFontMetrics(option->font);
     if (index.column() == nameColumn)
-        option->text = tr("%1 (running)").arg(option->text);
+        option->text = tr("%1 (current)").arg(option->text);
 }
 
 bool PlaylistDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
