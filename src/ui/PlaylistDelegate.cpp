@@ -20,10 +20,12 @@ void PlaylistDelegate::initStyleOption(QStyleOptionViewItem *option, const QMode
     const QModelIndex row = m_playlists.playlistList.arranged()->mapToSource(index);
     if (!current || !row.isValid() || m_playlists.playlistList.content().at(row.row()) != *current)
         return;
+    if (index.column() > nameColumn) // bold would only make long texts longer
+        return;
     option->font.setBold(true);
     option->fontMetrics = QFontMetrics(option->font);
     if (index.column() == nameColumn)
-        option->text = tr("%1 (running)").arg(option->text);
+        option->text = tr("%1 (current)").arg(option->text);
 }
 
 bool PlaylistDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,

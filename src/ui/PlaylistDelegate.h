@@ -4,7 +4,7 @@
 
 class KelPlaylists;
 
-/// Draws the table of playlists: marks the one that the server runs, and tells cut texts in full in a tooltip.
+/// Draws the table of playlists: marks the current one by a word, and tells cut texts in full in a tooltip.
 class PlaylistDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

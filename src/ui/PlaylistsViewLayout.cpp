@@ -59,7 +59,7 @@ void PlaylistsView::setUpTables()
     playlistsTableView->setSortingEnabled(true);
     playlistsTableView->sortByColumn(0, Qt::AscendingOrder);
     playlistsTableView->setColumnWidth(0, 48);
-    playlistsTableView->setColumnWidth(1, 190);
+    playlistsTableView->setColumnWidth(1, 215);
     exclusionsTableView->setModel(m_playlists.exclusionListController.arranged());
     exclusionsTableView->setSelectionModel(m_playlists.exclusionListController.selection());
     // The order is the server's; a third click on a column title returns to it.
