@@ -52,6 +52,7 @@ public:
     QString version() const { return m_version; }
     /// The rows of the table, in the order in which they are played.
     QList<std::shared_ptr<Entry>> entries() const { return m_table.arrangedObjects(); }
+    int rowCount() const { return m_table.rowCount(); }
 
     QAbstractItemModel *tableModel() override { return m_table.arranged(); }
     QItemSelectionModel *tableSelection() override { return m_table.selection(); }
