@@ -8,63 +8,40 @@
 struct Player : RotationFixture {
     Player()
     {
-        QString dump;
-        for (const char *name : {"rcon_password", "sv_hostname", "sv_ranked", "playlist_enabled", "playlist_excludeMap",
-                                 "playlist_excludeGametype", "playlist_excludeGametypeMap"})
-            dump += QStringLiteral("%1 \"0\"\n").arg(QLatin1String(name));
-        exchange.answerEverything(ScriptedExchange::ok(dump));
+        exchange.answerEverything(
+            ScriptedExchange::ok("rcon_password \"0\"\nsv_hostname \"0\"\nsv_ranked \"0\"\nplaylist_enabled \"0\"\n"
+                                 "playlist_excludeMap \"0\"\nplaylist_excludeGametype \"0\"\n"
+                                 "playlist_excludeGametypeMap \"0\"\n"));
         awaited(server.connectToHost("10.0.0.1", "28960", "x"));
     }
     /// @return what was sent, the state, the index, the row on air, and the seconds that are waited.
     QString take(const QString &step)
     {
         exchange.forgetSent();
-        const QHash<QString, std::function<void()>> steps{
-            {"start",
-             [this] {
-                 messages.startRotation();
-             }},
-            {"stop",
-             [this] {
-                 messages.stopRotation();
-             }},
-            {"clear",
-             [this] {
-                 messages.deleteAllItems();
-             }},
-            {"swap",
-             [this] {
-                 messages.rows().moveObjectsInArrangedObjects({0}, 2);
-             }},
-            {"timer",
-             [this] {
-                 std::exchange(timer->wait, std::nullopt) ? timer->fire() : void();
-             }},
-            {"stale",
-             [this] {
-                 messages.advanceRotation();
-             }},
-            {"refuse",
-             [this] {
-                 actions.refuseWaiting();
-             }},
-            {"close",
-             [this] {
-                 actions.close();
-             }},
-        };
-        steps.value(step, [] {})();
+        using Step = void (KelMessageRotation::*)();
+        const QHash<QString, Step> steps{{"start", &KelMessageRotation::startRotation},
+                                         {"stop", &KelMessageRotation::stopRotation},
+                                         {"clear", &KelMessageRotation::deleteAllItems},
+                                         {"stale", &KelMessageRotation::advanceRotation}};
+        if (const Step member = steps.value(step))
+            (messages.*member)();
+        else if (step == "timer" && std::exchange(timer->wait, std::nullopt))
+            timer->fire();
+        else if (step == "swap")
+            messages.rows().moveObjectsInArrangedObjects({0}, 2);
+        else if (step == "refuse")
+            actions.refuseWaiting();
+        else if (step == "close")
+            actions.close();
         const bool isDone = QTest::qWaitFor([this] {
             if (exchange.keptCount() > 0)
                 exchange.release();
             return actions.isIdle();
         });
         const QString wait = timer->wait ? QString::number(*timer->wait) : QStringLiteral("-");
-        return exchange.sent().join('|') + QStringLiteral(" %1 %2 %3 %4")
-                                               .arg(messages.currentPlayState())
-                                               .arg(messages.currentMessageIndex())
-                                               .arg(messages.rowOnAir())
-                                               .arg(isDone ? wait : QStringLiteral("stuck"));
+        const QString state = QStringLiteral(" %1%2%3 ").arg(messages.currentPlayState());
+        return exchange.sent().join('|') + state.arg(messages.currentMessageIndex()).arg(messages.rowOnAir()) +
+               (isDone ? wait : QStringLiteral("stuck"));
     }
 };
 
@@ -77,19 +54,17 @@ private slots:
         QTest::addColumn<QString>("durations");
         QTest::addColumn<bool>("loops");
         QTest::addColumn<QStringList>("steps"); // what happens, and what is then
-        const QString m0 = "start=say \"0\" 1 0 0 ";
-        const QString m1 = "timer=say \"1\" 1 1 1 ";
-        QTest::newRow("no rows") << "" << true << QStringList{"start= 0 0 -1 -"};
-        QTest::newRow("end") << "3 4" << false << QStringList{m0 + '3', m1 + '4', "timer= 0 1 -1 -", "stale= 0 1 -1 -"};
-        QTest::newRow("loop") << "3 4" << true << QStringList{m0 + '3', m1 + '4', "timer=say \"0\" 1 0 0 3"};
-        QTest::newRow("anew") << "3 4" << false << QStringList{m0 + '3', m1 + '4', m0 + '3', "stop= 0 0 -1 -"};
+        const QString m0 = "start=say \"0\" 100 ";
+        const QString m1 = "timer=say \"1\" 111 ";
+        QTest::newRow("no rows") << "" << true << QStringList{"start= 00-1 -"};
+        QTest::newRow("end") << "3 4" << false << QStringList{m0 + '3', m1 + '4', "timer= 01-1 -", "stale= 01-1 -"};
+        QTest::newRow("loop") << "3 4" << true << QStringList{m0 + '3', m1 + '4', "timer=say \"0\" 100 3"};
+        QTest::newRow("anew") << "3 4" << false << QStringList{m0 + '3', m1 + '4', m0 + '3', "stop= 00-1 -"};
         QTest::newRow("rows gone, loop") << "3 4" << true
-                                         << QStringList{m0 + '3', "clear= 1 0 -1 3", "timer= 1 0 -1 -",
-                                                        "start= 1 0 -1 -"};
-        QTest::newRow("rows gone") << "3" << false << QStringList{m0 + '3', "clear= 1 0 -1 3", "timer= 0 0 -1 -"};
-        QTest::newRow("rows moved") << "3 4" << false
-                                    << QStringList{m0 + '3', "swap= 1 0 1 3", "timer=say \"0\" 1 1 1 3"};
-        QTest::newRow("no number") << "x" << true << QStringList{m0 + '-', "timer= 1 0 0 -", "stop= 0 0 -1 -"};
+                                         << QStringList{m0 + '3', "clear= 10-1 3", "timer= 10-1 -", "start= 10-1 -"};
+        QTest::newRow("rows gone") << "3" << false << QStringList{m0 + '3', "clear= 10-1 3", "timer= 00-1 -"};
+        QTest::newRow("rows moved") << "3 4" << false << QStringList{m0 + '3', "swap= 101 3", "timer=say \"0\" 111 3"};
+        QTest::newRow("no number") << "x" << true << QStringList{m0 + '-', "timer= 100 -", "stop= 00-1 -"};
         QTest::newRow("odd numbers") << "7.9 0" << false << QStringList{m0 + '7', m1 + '0'};
     }
     void plays()
@@ -112,11 +87,11 @@ private slots:
     void callsOffWhatWaits_data()
     {
         QTest::addColumn<QString>("state");
-        QTest::newRow("nothing") << "say \"a\" 1 0 0 5";
-        QTest::newRow("start") << "say \"a\" 1 0 0 5"; // once
-        QTest::newRow("stop") << " 0 0 -1 -";
-        QTest::newRow("refuse") << " 1 0 0 5"; // another server: only this message is lost
-        QTest::newRow("close") << " 1 0 0 -";
+        QTest::newRow("nothing") << "say \"a\" 100 5";
+        QTest::newRow("start") << "say \"a\" 100 5"; // once
+        QTest::newRow("stop") << " 00-1 -";
+        QTest::newRow("refuse") << " 100 5"; // another server: only this message is lost
+        QTest::newRow("close") << " 100 -";
     }
     void callsOffWhatWaits()
     {
@@ -135,10 +110,10 @@ private slots:
         const RecordedAlerts::Shown alert{"Remote Command Failure", "'Say' returned an error: gone", {}};
         awaited(f.messages.addMessageToCurrentRotation("a \"b\" %1", "0"));
         f.exchange.answerEverything(ScriptedExchange::failure("gone"));
-        QCOMPARE(f.take("start"), "say \"a \\\"b\\\" %1\" 1 0 0 1"); // one second, in which Stop can be pressed
+        QCOMPARE(f.take("start"), "say \"a \\\"b\\\" %1\" 100 1"); // one second, in which Stop can be pressed
         f.messages.setQuickMessageText("a \"b\"");
         f.messages.sendQuickMessage();
-        QCOMPARE(f.take({}), " 1 0 0 1");
+        QCOMPARE(f.take({}), " 100 1");
         QCOMPARE(f.server.commandHistory().last(), "say \"a \"b\"\"");
         QCOMPARE(f.messages.quickMessageText(), QString());
         QCOMPARE(f.alerts.shown(), QList({alert, alert}));
