@@ -5,6 +5,7 @@
 #include "Number.h"
 #include "PreciseOneShotTimer.h"
 
+#include <algorithm>
 #include <utility>
 
 static KelMessageRotation *latestStore = nullptr;
@@ -86,14 +87,9 @@ QCoro::Task<> KelMessageRotation::addMessageToCurrentRotation(QString message, Q
     co_await addEntries(added);
 }
 
-int KelMessageRotation::rowCount() const
-{
-    return static_cast<int>(entries().size());
-}
-
 void KelMessageRotation::setCurrentMessageIndex(int index)
 {
-    const int stored = index < 0 ? 0 : std::max(0, std::min(index, rowCount() - 1));
+    const int stored = std::clamp(index, 0, std::max(0, rowCount() - 1));
     if (std::exchange(m_messageIndex, stored) != stored)
         emit currentMessageIndexChanged(stored);
 }
@@ -151,21 +147,24 @@ QCoro::Task<> KelMessageRotation::showMessage(std::shared_ptr<const MessageRotat
                                               quint64 showing)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
+    qint64 shortestWait = 0;
     if (turn && showing == m_showing) {
         const Reply reply = co_await m_server.sendCommand(line);
-        if (turn && !reply.isCancelled && !reply.isSuccess())
+        if (turn && !reply.isCancelled && !reply.isSuccess()) {
             co_await tellOfFailure(reply.text);
+            shortestWait = 1; // or one alert would follow the other, with no moment to press Stop
+        }
     }
     // A turn that was refused because another connection began only costs this one message.
     if (showing == m_showing && !m_actions.isClosed())
-        waitFor(entry->duration);
+        waitFor(entry->duration, shortestWait);
 }
 
-void KelMessageRotation::waitFor(const QString &duration)
+void KelMessageRotation::waitFor(const QString &duration, qint64 shortest)
 {
     // Without a number the message stays until Stop: that is how a rotation is held.
     if (const std::optional<qint64> seconds = parseNumber(duration))
-        m_timer->start(*seconds, [this] { advanceRotation(); });
+        m_timer->start(std::max(*seconds, shortest), [this] { advanceRotation(); });
 }
 
 QCoro::Task<> KelMessageRotation::tellOfFailure(QString error)

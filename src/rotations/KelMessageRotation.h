@@ -65,6 +65,8 @@ public:
     void setCurrentMessageIndex(int index);
     /// The message that was shown last while playing, wherever its row is now; null when stopped.
     std::shared_ptr<const MessageRotationInst> entryOnAir() const { return m_entryOnAir; }
+    /// Where entryOnAir() is now; -1 when it is nowhere in the table.
+    int rowOnAir() const { return static_cast<int>(entries().indexOf(m_entryOnAir)); }
     /// How long until the next message; nothing while none is waited for.
     std::optional<std::chrono::milliseconds> remainingTime() const { return m_timer->remaining(); }
 
@@ -95,11 +97,10 @@ private:
     void displayCurrentMessage();
     void setEntryOnAir(std::shared_ptr<const MessageRotationInst> entry);
     void setPlayState(PlayState state);
-    int rowCount() const;
     QCoro::Task<> showMessage(std::shared_ptr<const MessageRotationInst> entry, QString line, quint64 showing);
     QCoro::Task<> sendText(QString text);
     QCoro::Task<> tellOfFailure(QString error);
-    void waitFor(const QString &duration);
+    void waitFor(const QString &duration, qint64 shortest);
 
     Preferences &m_preferences;
     Alerts &m_alerts;

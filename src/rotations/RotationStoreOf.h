@@ -52,6 +52,7 @@ public:
     QString version() const { return m_version; }
     /// The rows of the table, in the order in which they are played.
     QList<std::shared_ptr<Entry>> entries() const { return m_table.arrangedObjects(); }
+    int rowCount() const { return m_table.rowCount(); }
 
     QAbstractItemModel *tableModel() override { return m_table.arranged(); }
     QItemSelectionModel *tableSelection() override { return m_table.selection(); }
@@ -129,7 +130,7 @@ public:
             co_return true;
         const QString title = saveQuestionTitle();
         const QString text = Kind::words().saveQuestion;
-        const QStringList buttons{tr("Yes"), tr("No")};
+        const QStringList buttons{RotationStore::tr("Yes"), RotationStore::tr("No")};
         const int pressed = co_await m_alerts.run(title, text, buttons);
         const bool isDone = co_await followAnswer(pressed);
         co_return isDone;
@@ -141,7 +142,7 @@ public:
             co_return true;
         const QString title = saveQuestionTitle();
         const QString text = Kind::words().saveQuestion;
-        const QStringList buttons{tr("Yes"), tr("No"), tr("Cancel")};
+        const QStringList buttons{RotationStore::tr("Yes"), RotationStore::tr("No"), RotationStore::tr("Cancel")};
         const int pressed = co_await m_alerts.run(title, text, buttons);
         const bool isDone = co_await followAnswer(pressed);
         co_return isDone;
@@ -151,8 +152,9 @@ public:
     QCoro::Task<> addEntries(QList<Entry> added)
     {
         if (m_table.rowCount() + added.size() > MaximumRows) {
-            const QString text = tr("A rotation can have %1 entries. Nothing was added.").arg(MaximumRows);
-            co_await m_alerts.run(tr("Too Many Entries"), text);
+            const QString text =
+                RotationStore::tr("A rotation can have %1 entries. Nothing was added.").arg(MaximumRows);
+            co_await m_alerts.run(RotationStore::tr("Too Many Entries"), text);
             co_return;
         }
         QList<std::shared_ptr<Entry>> newRows;
@@ -196,7 +198,8 @@ protected:
         const std::optional<XmlDocument> document = m_file.read(&error);
         if (!document) {
             const QString text =
-                tr("\"%1\" could not be read: %2\n\nThe file stays as it is, and is kept as a copy when you save.")
+                RotationStore::tr(
+                    "\"%1\" could not be read: %2\n\nThe file stays as it is, and is kept as a copy when you save.")
                     .arg(QDir::toNativeSeparators(m_file.path()), error);
             const QString title = Kind::words().loadFailed;
             co_await m_alerts.run(title, text);
@@ -212,7 +215,7 @@ protected:
 
 private:
     /// Shared by both kinds: the message rotation's question has always carried this title.
-    static QString saveQuestionTitle() { return tr("Unsaved Changes to Map Rotation"); }
+    static QString saveQuestionTitle() { return RotationStore::tr("Unsaved Changes to Map Rotation"); }
 
     Dictionary dictionary() const { return m_rotations.value_or(Dictionary()); }
 
@@ -251,17 +254,19 @@ private:
     {
         QString text;
         if (!outcome.isSuccess()) {
-            text = tr("The rotations could not be written to \"%1\": %2\n\nThe file on disk is unchanged; the changes "
-                      "are kept until the program ends.")
+            text = RotationStore::tr(
+                       "The rotations could not be written to \"%1\": %2\n\nThe file on disk is unchanged; the changes "
+                       "are kept until the program ends.")
                        .arg(QDir::toNativeSeparators(m_file.path()), outcome.error);
         }
         if (!outcome.keptCopy.isEmpty()) {
             text += (text.isEmpty() ? QString() : QStringLiteral("\n\n")) +
-                    tr("The former file was kept as \"%1\".").arg(QDir::toNativeSeparators(outcome.keptCopy));
+                    RotationStore::tr("The former file was kept as \"%1\".")
+                        .arg(QDir::toNativeSeparators(outcome.keptCopy));
         }
         if (text.isEmpty())
             co_return;
-        const QString title = outcome.isSuccess() ? tr("Former File Kept") : Kind::words().saveFailed;
+        const QString title = outcome.isSuccess() ? RotationStore::tr("Former File Kept") : Kind::words().saveFailed;
         co_await m_alerts.run(title, text);
     }
 

@@ -1,0 +1,190 @@
+#include "ActionQueue.h"
+#include "Alerts.h"
+#include "KelMessageRotation.h"
+#include "KelServer.h"
+#include "PreciseOneShotTimer.h"
+#include "RConExchange.h"
+
+#include <QCoreApplication>
+#include <QCoroTimer>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <arpa/inet.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+// How late a message reaches the server: from the moment its timer is due until its datagram is there.
+
+using Clock = std::chrono::steady_clock;
+
+/// Answers everything but "teamstatus", which it leaves without a reply, and notes when each "say" came.
+class Server
+{
+public:
+    Server()
+    {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        auto *generic = reinterpret_cast<sockaddr *>(&address);
+        const timeval wait{0, 50'000};
+        if (bind(m_socket, generic, length) != 0 || getsockname(m_socket, generic, &length) != 0 ||
+            setsockopt(m_socket, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait) != 0)
+            qFatal("no port for the server");
+        m_port = ntohs(address.sin_port);
+        m_thread = std::thread([this] { run(); });
+    }
+    ~Server()
+    {
+        m_isStopping = true;
+        m_thread.join();
+        close(m_socket);
+    }
+    Server(const Server &) = delete;
+    Server &operator=(const Server &) = delete;
+
+    quint16 port() const { return m_port; }
+    std::vector<Clock::time_point> takeSays()
+    {
+        const std::lock_guard guard(m_mutex);
+        return std::exchange(m_says, {});
+    }
+
+private:
+    void run()
+    {
+        char request[2048];
+        while (!m_isStopping) {
+            sockaddr_in from{};
+            socklen_t length = sizeof from;
+            auto *generic = reinterpret_cast<sockaddr *>(&from);
+            const ssize_t size = recvfrom(m_socket, request, sizeof request, 0, generic, &length);
+            const Clock::time_point now = Clock::now();
+            const QByteArray text(request, std::max<ssize_t>(size, 0));
+            if (size <= 0 || text.contains("teamstatus"))
+                continue;
+            if (text.contains("say")) {
+                const std::lock_guard guard(m_mutex);
+                m_says.push_back(now);
+            }
+            const QByteArray reply = QByteArray("\xff\xff\xff\xff\x01print\n") + dump;
+            if (sendto(m_socket, reply.constData(), static_cast<std::size_t>(reply.size()), 0, generic, length) < 0)
+                qFatal("the server cannot answer");
+        }
+    }
+
+    static inline const QByteArray dump = "rcon_password \"x\"\nsv_hostname \"h\"\nsv_ranked \"0\"\nplaylist_enabled "
+                                          "\"0\"\nplaylist_excludeMap \"a\"\nplaylist_excludeGametype \"b\"\n"
+                                          "playlist_excludeGametypeMap \"c\"\n";
+    int m_socket = socket(AF_INET, SOCK_DGRAM, 0);
+    quint16 m_port = 0;
+    std::atomic<bool> m_isStopping = false;
+    std::mutex m_mutex;
+    std::vector<Clock::time_point> m_says;
+    std::thread m_thread;
+};
+
+/// The real timer, which tells when it is due.
+class NotingTimer final : public OneShotTimer
+{
+public:
+    void start(qint64 seconds, std::function<void()> fired) override
+    {
+        due.push_back(Clock::now() + std::chrono::seconds(seconds));
+        m_timer.start(seconds, std::move(fired));
+    }
+    void stop() override { m_timer.stop(); }
+    std::optional<std::chrono::milliseconds> remaining() const override { return m_timer.remaining(); }
+
+    std::vector<Clock::time_point> due;
+
+private:
+    PreciseOneShotTimer m_timer;
+};
+
+class FatalAlerts final : public Alerts
+{
+public:
+    QCoro::Task<int> run(QString title, QString text, QStringList) override
+    {
+        qFatal("%s: %s", qPrintable(title), qPrintable(text));
+        co_return 0;
+    }
+};
+
+class PlaybackBench : public QObject
+{
+public:
+    QCoro::Task<> run()
+    {
+        const QString host = QStringLiteral("127.0.0.1");
+        const QString port = QString::number(m_server.port());
+        const QString password = QStringLiteral("x");
+        co_await m_session.connectToHost(host, port, password);
+        m_preferences.setValue(QStringLiteral("checkBoxLoopMessages"), true);
+        const QList<MessageRotationInst> messages(1, {QStringLiteral("hello"), QStringLiteral("1")});
+        co_await m_messages.addEntries(messages);
+        co_await measure(20, QStringLiteral("with an idle connection"));
+        connect(&m_refresh, &QTimer::timeout, this, [this] { m_actions.start(askInVain()); });
+        m_refresh.start(std::chrono::seconds(5));
+        co_await measure(15, QStringLiteral("beside a refresh every 5 s that costs 3.25 s"));
+        QCoreApplication::quit();
+    }
+
+private:
+    QCoro::Task<> askInVain()
+    {
+        const ActionQueue::Turn turn = co_await m_actions.turn();
+        const QString line = QStringLiteral("teamstatus");
+        const Reply reply = co_await m_session.sendCommand(line);
+        if (reply.isSuccess())
+            qFatal("there was a reply");
+    }
+
+    QCoro::Task<> measure(std::size_t count, QString name)
+    {
+        m_timer->due.clear();
+        m_server.takeSays();
+        m_messages.startRotation();
+        while (m_timer->due.size() <= count)
+            co_await QCoro::sleepFor(std::chrono::milliseconds(100));
+        m_messages.stopRotation();
+        const std::vector<Clock::time_point> says = m_server.takeSays();
+        std::vector<double> late; // the first message is sent at once, so the next is what the first timer brings
+        for (std::size_t i = 0; i < count && i + 1 < says.size(); ++i)
+            late.push_back(std::chrono::duration<double, std::milli>(says[i + 1] - m_timer->due[i]).count());
+        std::sort(late.begin(), late.end());
+        std::printf("message %s: %.1f ms late, median of %zu; largest %.1f\n", qPrintable(name), late[late.size() / 2],
+                    late.size(), late.back());
+        std::fflush(stdout);
+    }
+
+    QTemporaryDir m_folder;
+    Server m_server;
+    Preferences m_preferences{m_folder.filePath(QStringLiteral("preferences.ini"))};
+    FatalAlerts m_alerts;
+    RConExchange m_exchange;
+    KelServer m_session{m_exchange, m_alerts};
+    ActionQueue m_actions;
+    NotingTimer *m_timer = new NotingTimer; // owned by the next
+    KelMessageRotation m_messages{
+        {m_preferences, m_alerts, m_session, m_actions}, m_folder.path(), std::unique_ptr<OneShotTimer>(m_timer)};
+    QTimer m_refresh;
+};
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    PlaybackBench bench;
+    QTimer::singleShot(0, &bench, [&bench] { const QCoro::Task<> detached = bench.run(); });
+    return QCoreApplication::exec();
+}

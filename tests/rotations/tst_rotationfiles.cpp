@@ -1,0 +1,128 @@
+#include "FileSizeLimit.h"
+#include "RotationFixture.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QTest>
+
+class RotationFilesTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void textsSurviveOrAreRefused_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("isStorable");
+        QTest::newRow("blanks") << "  " << true;
+        QTest::newRow("line breaks") << "a\r\nb\rc\nd\t" << true;
+        QTest::newRow("markup") << "<b a=\"1\">&amp; ']]> %1" << true;
+        QTest::newRow("byte-order marks") << QString(2, QChar(0xfeff)) << true;
+        QTest::newRow("control character") << "a\x1b" << false;
+        QTest::newRow("zero") << QString(2, QChar(0)) << false;
+        QTest::newRow("half a character") << QString(QChar(0xd83d)) << false;
+        QTest::newRow("more than can be read again") << QString(33 << 20, 'x') << false;
+    }
+    void textsSurviveOrAreRefused()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, isStorable);
+        RotationFixture f;
+        QVERIFY(awaited(f.maps.saveUIChanges("old")));
+        awaited(f.maps.addToRotation(text, text));
+        QCOMPARE(awaited(f.maps.saveUIChanges(text.left(9) + "n")), isStorable);
+        QCOMPARE(f.alerts.titles(), isStorable ? QStringList() : QStringList("Map Rotations Not Saved"));
+        QCOMPARE(f.maps.hasUnsavedWork(), !isStorable);
+        KelMapRotation again(f.preferences, f.alerts, f.folder.path());
+        awaited(again.loadMapRotation());
+        QCOMPARE(again.mapRotationList() == f.maps.mapRotationList(), isStorable);
+        QVERIFY(again.contains("old"));
+    }
+
+    void writesTheFormOfOthers()
+    {
+        RotationFixture f;
+        QVERIFY(awaited(f.messages.saveUIChanges("b")));
+        awaited(f.messages.addMessageToCurrentRotation("hi", "7"));
+        QVERIFY(awaited(f.messages.saveUIChanges("A")));
+        QCOMPARE(f.bytes(f.folder.filePath("FerrowRcon.exe.msgrotate")),
+                 "<KelMessageRotation xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" "
+                 "xmlns:xsd=\"http://www.w3.org/2001/XMLSchema\"><version>1.0</version><MessageRotation>"
+                 "<name>A</name><Rotation><MessageRotationInst><message>hi</message><duration>7</duration>"
+                 "</MessageRotationInst></Rotation></MessageRotation><MessageRotation><name>b</name>"
+                 "<Rotation/></MessageRotation></KelMessageRotation>");
+    }
+
+    void readsTheFilesOfOthers()
+    {
+        RotationFixture f;
+        f.put(f.path,
+              "<?xml version=\"1.0\"?>\n<r><version>2</version><MapRotation/><MapRotation><name>n</name>"
+              "</MapRotation><deep><MapRotation><Rotation><RotationInst><gametype>g</gametype><map>x</map>"
+              "<map>m</map></RotationInst>\n<RotationInst/></Rotation><name>&#7;n</name></MapRotation></deep></r>");
+        awaited(f.maps.loadMapRotation());
+        QCOMPARE(f.maps.names(), QStringList({"", "n"}));
+        QCOMPARE(f.maps.mapRotationList().value("n").description(),
+                 "name=n rotation=(map=m gametype=g, map= gametype=)");
+        QCOMPARE(f.maps.version(), "2");
+    }
+
+    void keepsDamagedAndChangedFilesAside_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<bool>("isDamaged");
+        QTest::newRow("cut off") << QByteArray("<KelMapRotation><MapRotation><name>n") << true;
+        QTest::newRow("too many") << "<a>" + QByteArray("<b/>").repeated(500'000) + "</a>" << true;
+        QTest::newRow("changed since") << QByteArray("<KelMapRotation/>") << false;
+    }
+    void keepsDamagedAndChangedFilesAside()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(bool, isDamaged);
+        RotationFixture f;
+        QVERIFY(awaited(f.maps.saveUIChanges("kept")));
+        f.put(f.path, content);
+        if (isDamaged)
+            awaited(f.maps.loadMapRotation());
+        QVERIFY(awaited(f.maps.saveUIChanges("new")));
+        QCOMPARE(f.maps.names(), QStringList({"kept", "new"}));
+        QCOMPARE(f.alerts.titles(),
+                 QStringList({"Map Rotations Not Loaded", "Former File Kept"}).mid(isDamaged ? 0 : 1));
+        const QString copies = isDamaged ? "*.damaged-*" : "*.changed-*";
+        QCOMPARE(f.bytes(f.folder.filePath(QDir(f.folder.path()).entryList({copies}).value(0))), content);
+    }
+
+    void aFullDiskLosesNothing()
+    {
+        RotationFixture f;
+        QVERIFY(awaited(f.maps.saveUIChanges("n")));
+        const QByteArray before = f.bytes(f.path);
+        awaited(f.maps.addToRotation(QString(9000, 'x'), "g"));
+        {
+            const FileSizeLimit limit(4096);
+            QVERIFY(!awaited(f.maps.saveUIChanges("n")));
+            QVERIFY(!f.maps.unsavedChanges() && !awaited(f.maps.saveUnsavedWork()));
+        }
+        QCOMPARE(f.alerts.titles(), QStringList({"Map Rotations Not Saved", "Unsaved Changes to Map Rotation",
+                                                 "Map Rotations Not Saved"}));
+        QCOMPARE(f.bytes(f.path), before);
+        QVERIFY(awaited(f.maps.saveUnsavedWork()) && !f.maps.hasUnsavedWork());
+        QVERIFY(f.bytes(f.path).size() > 9000);
+    }
+
+    void clearsWhatKilledSavesLeft()
+    {
+        RotationFixture f;
+        for (const auto &[ending, age, goes] :
+             {std::tuple("xKqPaw", 120, true), {"xKqPaw", 20, false}, {"backup", 120, false}}) {
+            QFile file(f.path + '.' + ending);
+            f.put(file.fileName(), "<KelMapRotation xmlns");
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-age), QFileDevice::FileModificationTime));
+            awaited(f.maps.loadMapRotation());
+            QCOMPARE(file.exists(), !goes);
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(RotationFilesTest)
+#include "tst_rotationfiles.moc"
