@@ -47,3 +47,24 @@ QList<RotationRow> parseRotation(const QString &rotation, const QString &gametyp
     }
     return rows;
 }
+
+static QString serverName(const QString &name, const NameLookup &find, QStringList &unknown)
+{
+    const QString dvarName = find(name);
+    if (dvarName.isEmpty() && !unknown.contains(name))
+        unknown.append(name);
+    return dvarName;
+}
+
+BuiltRotation buildRotation(const QList<RotationRow> &rows, const NameLookup &findMapDvar,
+                            const NameLookup &findGametypeDvar)
+{
+    BuiltRotation built;
+    for (const RotationRow &row : rows) {
+        const QString gametype = serverName(row.gametype, findGametypeDvar, built.unknownGametypes);
+        const QString map = serverName(row.map, findMapDvar, built.unknownMaps);
+        built.text += QStringLiteral("gametype %1 map %2 ").arg(gametype, map);
+    }
+    built.text = built.isComplete() ? built.text.trimmed() : QString();
+    return built;
+}

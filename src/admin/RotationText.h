@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -23,3 +24,18 @@ QString parseMapResponse(const QString &reply);
 /// @param gametype  display name of what is played until the rotation names another gametype.
 QList<RotationRow> parseRotation(const QString &rotation, const QString &gametype, const NameLookup &findMap,
                                  const NameLookup &findGametype);
+
+/// A rotation as the server takes it.
+struct BuiltRotation {
+    QString text;
+    /// Maps and gametypes that have no server name, each once and in their order. With one of them, `text` is empty.
+    QStringList unknownMaps;
+    QStringList unknownGametypes;
+
+    bool isComplete() const { return unknownMaps.isEmpty() && unknownGametypes.isEmpty(); }
+};
+
+/// Turns the names that users know into the server's: "gametype tdm map mp_a gametype tdm map mp_b".
+/// @param findMapDvar, findGametypeDvar  the server's name for what users know by a name; empty when it is unknown.
+BuiltRotation buildRotation(const QList<RotationRow> &rows, const NameLookup &findMapDvar,
+                            const NameLookup &findGametypeDvar);

@@ -4,6 +4,7 @@
 #include "Catalogues.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
+#include "KelPlaylists.h"
 #include "KelServer.h"
 #include "KelSettings.h"
 #include "Preferences.h"
@@ -52,6 +53,7 @@ private:
     KelGametype m_gametypes;
     KelSettings m_settings;
     KelMapList m_maps;
+    KelPlaylists m_playlists;
     Catalogues m_catalogues;
     SavedServers m_savedServers;
     ActionQueue m_actions;

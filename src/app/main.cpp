@@ -1,8 +1,10 @@
 #include "AppDelegate.h"
 #include "CommandLine.h"
 #include "FormMainView.h"
+#include "ResourceFolder.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QTimer>
 
 #include <cstdio>
@@ -34,6 +36,8 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "ferrow-rcon: %s\n", qPrintable(line.error));
         return 2;
     }
+    QApplication::setDesktopFileName(QStringLiteral("net.kelvard.ferrow_rcon"));
+    QApplication::setWindowIcon(QIcon(resourceFolder() + QStringLiteral("/icons/48.png")));
     AppDelegate delegate;
     delegate.window().show();
     if (line.isDemo)

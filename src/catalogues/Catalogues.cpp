@@ -3,6 +3,7 @@
 #include "DvarSetting.h"
 #include "DvarSettingList.h"
 #include "KelGametype.h"
+#include "KelPlaylists.h"
 #include "KelSettings.h"
 
 static QStringList dvarsOf(const QList<std::shared_ptr<DvarSettingList>> &lists)
@@ -39,5 +40,6 @@ QStringList Catalogues::gametypeDvars() const
 
 QCoro::Task<> Catalogues::updateControls()
 {
-    co_return; // neither catalogue has a control that follows the server
+    m_playlists.updateControls();
+    co_return;
 }

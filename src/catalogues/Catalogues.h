@@ -3,14 +3,18 @@
 #include "CatalogueLoader.h"
 
 class KelGametype;
+class KelPlaylists;
 class KelSettings;
 
-/// The gametypes and the settings together, as the session loads and asks for them. Main thread only.
+/// The gametypes, the settings and the playlists together, as the session loads and asks for them. Main thread only.
 class Catalogues : public CatalogueLoader
 {
 public:
-    /// Both outlive this.
-    Catalogues(KelGametype &gametypes, KelSettings &settings) : m_gametypes(gametypes), m_settings(settings) {}
+    /// All of them outlive this.
+    Catalogues(KelGametype &gametypes, KelSettings &settings, KelPlaylists &playlists)
+        : m_gametypes(gametypes), m_settings(settings), m_playlists(playlists)
+    {
+    }
 
     QCoro::Task<> loadCatalogues() override;
     QStringList settingDvars() const override;
@@ -20,4 +24,5 @@ public:
 private:
     KelGametype &m_gametypes;
     KelSettings &m_settings;
+    KelPlaylists &m_playlists;
 };

@@ -4,23 +4,14 @@
 
 #include <utility>
 
-static KelGametype *latestGametypes = nullptr;
-
 KelGametype::KelGametype(const CatalogueContext &context, CatalogueReader reader, QObject *parent)
     : QObject(parent), m_context(context), m_reader(std::move(reader))
 {
-    latestGametypes = this;
-}
-
-KelGametype::~KelGametype()
-{
-    if (latestGametypes == this)
-        latestGametypes = nullptr;
 }
 
 KelGametype *KelGametype::sharedKelGametype()
 {
-    return latestGametypes;
+    return SharedInstance<KelGametype>::latest();
 }
 
 QCoro::Task<CatalogueState> KelGametype::loadGametypeList()

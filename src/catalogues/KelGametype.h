@@ -2,6 +2,7 @@
 
 #include "CatalogueContext.h"
 #include "CatalogueReader.h"
+#include "SharedInstance.h"
 
 #include <QCoroTask>
 
@@ -21,7 +22,6 @@ class KelGametype : public QObject
 public:
     /// What `context` refers to outlives the catalogue. The latest catalogue made is the shared one.
     KelGametype(const CatalogueContext &context, CatalogueReader reader, QObject *parent = nullptr);
-    ~KelGametype() override;
 
     /// @return the latest catalogue made, or null.
     static KelGametype *sharedKelGametype();
@@ -62,4 +62,5 @@ private:
     QList<std::shared_ptr<DvarSettingList>> m_gametypes;
     std::weak_ptr<DvarSettingList> m_selectedSettingList;
     QString m_version;
+    SharedInstance<KelGametype> m_shared{this};
 };

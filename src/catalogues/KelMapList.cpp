@@ -4,23 +4,14 @@
 
 #include <utility>
 
-static KelMapList *latestMaps = nullptr;
-
 KelMapList::KelMapList(KelServer &server, CatalogueReader reader, QObject *parent)
     : QObject(parent), m_server(server), m_reader(std::move(reader))
 {
-    latestMaps = this;
-}
-
-KelMapList::~KelMapList()
-{
-    if (latestMaps == this)
-        latestMaps = nullptr;
 }
 
 KelMapList *KelMapList::sharedKelMapList()
 {
-    return latestMaps;
+    return SharedInstance<KelMapList>::latest();
 }
 
 QCoro::Task<CatalogueState> KelMapList::loadMapList()
@@ -63,6 +54,20 @@ QHash<QString, MapInst> KelMapList::filteredList() const
     QHash<QString, MapInst> filtered = list();
     filtered.removeIf([this](const QHash<QString, MapInst>::iterator &each) { return isExcluded(each.value()); });
     return filtered;
+}
+
+QList<MapInst> KelMapList::listedMaps() const
+{
+    QHash<QString, MapInst> left = filteredList();
+    QList<MapInst> listed;
+    for (const MapInst &map : m_maps) {
+        const auto found = left.constFind(map.name);
+        if (found == left.constEnd() || *found != map)
+            continue;
+        listed.append(map);
+        left.erase(found);
+    }
+    return listed;
 }
 
 QString KelMapList::findMapByDvar(const QString &dvarName) const

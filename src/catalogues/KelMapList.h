@@ -2,6 +2,7 @@
 
 #include "CatalogueReader.h"
 #include "MapInst.h"
+#include "SharedInstance.h"
 
 #include <QCoroTask>
 
@@ -18,7 +19,6 @@ class KelMapList : public QObject
 public:
     /// `server` outlives the catalogue. The latest catalogue made is the shared one.
     KelMapList(KelServer &server, CatalogueReader reader, QObject *parent = nullptr);
-    ~KelMapList() override;
 
     /// @return the latest catalogue made, or null.
     static KelMapList *sharedKelMapList();
@@ -32,6 +32,8 @@ public:
     QHash<QString, MapInst> list() const;
     /// list() without the maps that a ranked server has taken out of play.
     QHash<QString, MapInst> filteredList() const;
+    /// The maps of filteredList(), in the order of the file; each name once.
+    QList<MapInst> listedMaps() const;
     QString version() const { return m_version; }
 
     /// The display name of a map that the server knows by this name; the name itself when it is unknown.
@@ -47,4 +49,5 @@ private:
     CatalogueReader m_reader;
     QList<MapInst> m_maps;
     QString m_version;
+    SharedInstance<KelMapList> m_shared{this};
 };

@@ -6,23 +6,14 @@
 
 #include <utility>
 
-static KelSettings *latestSettings = nullptr;
-
 KelSettings::KelSettings(const CatalogueContext &context, CatalogueReader reader, QObject *parent)
     : QObject(parent), m_context(context), m_reader(std::move(reader))
 {
-    latestSettings = this;
-}
-
-KelSettings::~KelSettings()
-{
-    if (latestSettings == this)
-        latestSettings = nullptr;
 }
 
 KelSettings *KelSettings::sharedKelSettings()
 {
-    return latestSettings;
+    return SharedInstance<KelSettings>::latest();
 }
 
 QCoro::Task<CatalogueState> KelSettings::loadSettings()

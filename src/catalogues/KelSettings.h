@@ -2,6 +2,7 @@
 
 #include "CatalogueContext.h"
 #include "CatalogueReader.h"
+#include "SharedInstance.h"
 
 #include <QCoroTask>
 
@@ -23,7 +24,6 @@ class KelSettings : public QObject
 public:
     /// What `context` refers to outlives the catalogue. The latest catalogue made is the shared one.
     KelSettings(const CatalogueContext &context, CatalogueReader reader, QObject *parent = nullptr);
-    ~KelSettings() override;
 
     /// @return the latest catalogue made, or null.
     static KelSettings *sharedKelSettings();
@@ -58,4 +58,5 @@ private:
     QStringList m_groupNames;
     QString m_selectedSettingList;
     QString m_version = QStringLiteral("");
+    SharedInstance<KelSettings> m_shared{this};
 };

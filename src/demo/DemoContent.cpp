@@ -51,6 +51,12 @@ constexpr auto Playlists = std::to_array<DemoPlaylist>({
     {7, "tdm dom koth ctf"},
     {8, "duel"},
     {9, "ctf dm dom esc hunt koth ladder lms relay siege tdm"},
+    {10, "tdm dm"},
+    {11, "siege ctf dom"},
+    {12, "lms relay koth"},
+    {21, "lms"},
+    {22, "ladder"},
+    {23, "duel"},
 });
 
 constexpr auto Names = std::to_array<const char *>({

@@ -2,8 +2,6 @@
 
 #include "QuotedStrings.h"
 
-static KelServer *latestServer = nullptr;
-
 static QString withoutOuterQuotes(const QString &value)
 {
     qsizetype first = 0;
@@ -23,18 +21,11 @@ static Reply notConnected()
 KelServer::KelServer(Exchange &exchange, Alerts &alerts, QObject *parent)
     : QObject(parent), m_exchange(exchange), m_alerts(alerts)
 {
-    latestServer = this;
-}
-
-KelServer::~KelServer()
-{
-    if (latestServer == this)
-        latestServer = nullptr;
 }
 
 KelServer *KelServer::sharedKelServer()
 {
-    return latestServer;
+    return SharedInstance<KelServer>::latest();
 }
 
 void KelServer::disconnect()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Exchange.h"
+#include "SharedInstance.h"
 #include "TabItem.h"
 
 #include <QCoroTask>
@@ -24,7 +25,6 @@ class KelServer : public QObject
 public:
     /// `exchange` and `alerts` outlive the session. The latest session made is the shared one.
     KelServer(Exchange &exchange, Alerts &alerts, QObject *parent = nullptr);
-    ~KelServer() override;
 
     /// @return the latest session made, or null.
     static KelServer *sharedKelServer();
@@ -127,4 +127,5 @@ private:
     QList<TabItem> m_tabItems;
     QStringList m_commandHistory;
     int m_commandHistoryCursor = 0;
+    SharedInstance<KelServer> m_shared{this};
 };

@@ -51,6 +51,7 @@ public:
 
     /// Calls off everything, now and later: no turn is given any more.
     void close();
+    bool isClosed() const { return m_isClosed; }
 
     /// True when no started action is left.
     bool isIdle() const { return m_running == 0; }

@@ -45,11 +45,18 @@ static Shape shapeOf(pugi::xml_node root)
     }
 }
 
+static void appendUtf8(const char *utf8, QString &text)
+{
+    for (; qstrncmp(utf8, "\xEF\xBB\xBF", 3) == 0; utf8 += 3) // the conversion would drop it as a mark
+        text += QChar(QChar::ByteOrderMark);
+    text += QString::fromUtf8(utf8);
+}
+
 static void appendText(pugi::xml_node node, QString &text)
 {
     for (const pugi::xml_node child : node.children()) {
         if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata)
-            text += QString::fromUtf8(child.value());
+            appendUtf8(child.value(), text);
         else if (child.type() == pugi::node_element)
             appendText(child, text); // no deeper than a document may be
     }
@@ -57,7 +64,7 @@ static void appendText(pugi::xml_node node, QString &text)
 
 XmlDocument::XmlDocument() : m_document(std::make_unique<pugi::xml_document>()) {}
 
-std::optional<XmlDocument> XmlDocument::read(const QString &path, QString *error)
+std::optional<QByteArray> XmlDocument::bytesOf(const QString &path, qint64 maximumSize, QString *error)
 {
     const QFileInfo info(path);
     if (info.exists() && !info.isFile()) { // opening a pipe would wait for its writer
@@ -69,23 +76,31 @@ std::optional<XmlDocument> XmlDocument::read(const QString &path, QString *error
         report(error, file.errorString());
         return std::nullopt;
     }
-    const QByteArray bytes = file.read(MaximumSize + 1);
+    const QByteArray bytes = file.read(maximumSize + 1);
     if (file.error() != QFileDevice::NoError) {
         report(error, file.errorString());
         return std::nullopt;
     }
-    return parse(bytes, error);
+    return bytes;
 }
 
-std::optional<XmlDocument> XmlDocument::parse(const QByteArray &bytes, QString *error)
+std::optional<XmlDocument> XmlDocument::read(const QString &path, QString *error, const XmlReading &reading)
 {
-    if (bytes.size() > MaximumSize) {
-        report(error, tr("It is larger than %1 MiB.").arg(MaximumSize / (1024 * 1024)));
+    const std::optional<QByteArray> bytes = bytesOf(path, reading.maximumSize, error);
+    return bytes ? parse(*bytes, error, reading) : std::nullopt;
+}
+
+std::optional<XmlDocument> XmlDocument::parse(const QByteArray &bytes, QString *error, const XmlReading &reading)
+{
+    if (bytes.size() > reading.maximumSize) {
+        report(error, tr("It is larger than %1 MiB.").arg(reading.maximumSize / (1024 * 1024)));
         return std::nullopt;
     }
     XmlDocument document;
+    const unsigned int flags =
+        pugi::parse_default | (reading.keepsBlankTexts ? pugi::parse_ws_pcdata_single : pugi::parse_minimal);
     const pugi::xml_parse_result result =
-        document.m_document->load_buffer(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+        document.m_document->load_buffer(bytes.constData(), static_cast<std::size_t>(bytes.size()), flags);
     if (!result) {
         const QString reason = QString::fromLatin1(result.description());
         const auto line = bytes.left(static_cast<qsizetype>(result.offset)).count('\n') + 1;
@@ -97,8 +112,8 @@ std::optional<XmlDocument> XmlDocument::parse(const QByteArray &bytes, QString *
         report(error, tr("Its elements are nested more than %1 deep.").arg(MaximumDepth));
         return std::nullopt;
     }
-    if (shape.elementCount > MaximumElements) {
-        report(error, tr("It holds more than %1 elements.").arg(MaximumElements));
+    if (shape.elementCount > reading.maximumElements) {
+        report(error, tr("It holds more than %1 elements.").arg(reading.maximumElements));
         return std::nullopt;
     }
     return document;

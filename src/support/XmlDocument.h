@@ -10,19 +10,28 @@
 #include <optional>
 #include <vector>
 
+/// How much of an XML document is read, and how.
+struct XmlReading {
+    qint64 maximumSize = 8 * 1024 * 1024; ///< bytes
+    int maximumElements = 100'000;
+    bool keepsBlankTexts = false; ///< a text of blanks counts where it is all that an element holds
+};
+
 /// An XML document from outside, read within bounds: its size, its depth and the number of its elements are limited,
 /// and neither a document type nor an external entity is ever followed. Nodes live as long as the document. Any thread.
 class XmlDocument
 {
     Q_DECLARE_TR_FUNCTIONS(XmlDocument)
 public:
-    static constexpr qint64 MaximumSize = 8 * 1024 * 1024; ///< bytes
-    static constexpr int MaximumDepth = 16;                ///< nodes within nodes
-    static constexpr int MaximumElements = 100'000;
+    static constexpr int MaximumDepth = 16; ///< nodes within nodes
 
     /// @param error  what is wrong, with the line where it shows, in the user's language; may be null.
-    static std::optional<XmlDocument> read(const QString &path, QString *error = nullptr);
-    static std::optional<XmlDocument> parse(const QByteArray &bytes, QString *error = nullptr);
+    static std::optional<XmlDocument> read(const QString &path, QString *error = nullptr,
+                                           const XmlReading &reading = {});
+    static std::optional<XmlDocument> parse(const QByteArray &bytes, QString *error = nullptr,
+                                            const XmlReading &reading = {});
+    /// @return what the file holds, or one byte more than `maximumSize` of it; nothing when it cannot be read.
+    static std::optional<QByteArray> bytesOf(const QString &path, qint64 maximumSize, QString *error = nullptr);
 
     /// The elements that an XPath query finds, in document order.
     std::vector<pugi::xml_node> elements(const char *query) const;

@@ -8,6 +8,7 @@
 #include "MapsView.h"
 #include "PlaceholderTable.h"
 #include "PlayersView.h"
+#include "PlaylistsView.h"
 #include "Preferences.h"
 #include "ServersView.h"
 #include "SettingsView.h"
@@ -54,6 +55,8 @@ void FormMainView::makeViews()
     playersView = new PlayersView(m_server, m_actions, m_alerts, m_preferences, this);
     mapsView =
         new MapsView(m_server, m_actions, m_alerts, m_preferences, m_catalogues.gametypes, m_catalogues.maps, this);
+    playlistsView = new PlaylistsView(m_server, m_actions, m_alerts, m_catalogues.gametypes, m_catalogues.maps,
+                                      m_catalogues.playlists, this);
     unrankedSettingsView = new SettingsView(SettingsView::Mode::Unranked, m_server, m_actions, m_catalogues.settings,
                                             m_catalogues.gametypes, this);
     rankedSettingsView = new SettingsView(SettingsView::Mode::Ranked, m_server, m_actions, m_catalogues.settings,
@@ -61,7 +64,7 @@ void FormMainView::makeViews()
     consoleView = new ConsoleView(m_server, m_actions, this);
     m_pages.insert(TabItem::Players, playersView);
     m_pages.insert(TabItem::Maps, mapsView);
-    m_pages.insert(TabItem::Playlists, laterPage(tr("This version does not show playlists yet."), this));
+    m_pages.insert(TabItem::Playlists, playlistsView);
     m_pages.insert(TabItem::UnrankedSettings, unrankedSettingsView);
     m_pages.insert(TabItem::RankedSettings, rankedSettingsView);
     m_pages.insert(TabItem::Messages, laterPage(tr("This version does not play messages yet."), this));
@@ -71,6 +74,7 @@ void FormMainView::makeViews()
         page->hide();
     playersView->setFocusProxy(playersView->playersTableView);
     mapsView->setFocusProxy(mapsView->mapListView);
+    playlistsView->setFocusProxy(playlistsView->playlistsTableView);
     unrankedSettingsView->setFocusProxy(unrankedSettingsView->settingsGroupList);
     rankedSettingsView->setFocusProxy(rankedSettingsView->settingsGroupList);
     fillPlayersMenu();
@@ -191,6 +195,7 @@ void FormMainView::restoreViewLayouts()
     const QByteArray players = saved("window/playersTable");
     if (!players.isEmpty())
         playersView->playersTableView->horizontalHeader()->restoreState(players);
+    playlistsView->restoreLayout(saved("window/playlists"));
     unrankedSettingsView->restoreLayout(saved("window/unrankedSettings"));
     rankedSettingsView->restoreLayout(saved("window/rankedSettings"));
 }
@@ -203,6 +208,7 @@ void FormMainView::saveLayout()
         return;
     m_preferences.setValue(QStringLiteral("window/playersTable"),
                            playersView->playersTableView->horizontalHeader()->saveState());
+    m_preferences.setValue(QStringLiteral("window/playlists"), playlistsView->saveLayout());
     m_preferences.setValue(QStringLiteral("window/unrankedSettings"), unrankedSettingsView->saveLayout());
     m_preferences.setValue(QStringLiteral("window/rankedSettings"), rankedSettingsView->saveLayout());
 }

@@ -19,6 +19,7 @@ class ConsoleView;
 class KelServer;
 class MapsView;
 class PlayersView;
+class PlaylistsView;
 class Preferences;
 class SavedServers;
 class ServersView;
@@ -66,6 +67,7 @@ public:
     // Null until makeViews().
     PlayersView *playersView = nullptr;
     MapsView *mapsView = nullptr;
+    PlaylistsView *playlistsView = nullptr;
     SettingsView *unrankedSettingsView = nullptr;
     SettingsView *rankedSettingsView = nullptr;
     ConsoleView *consoleView = nullptr;

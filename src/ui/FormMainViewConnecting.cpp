@@ -2,6 +2,7 @@
 
 #include "ActionQueue.h"
 #include "KelMapList.h"
+#include "KelPlaylists.h"
 #include "KelServer.h"
 #include "MapsView.h"
 #include "PlayersView.h"
@@ -65,7 +66,10 @@ QCoro::Task<> FormMainView::connectAction(ConnectTarget target)
 
 QCoro::Task<> FormMainView::loadGameData()
 {
-    co_await m_catalogues.maps.loadMapList();
+    const CatalogueState maps = co_await m_catalogues.maps.loadMapList();
+    if (maps == CatalogueState::Missing)
+        co_return; // the program is about to end
+    co_await m_catalogues.playlists.loadPlaylists();
 }
 
 QCoro::Task<> FormMainView::connectToServerWithLabel(ConnectTarget target)

@@ -2,6 +2,7 @@
 
 class KelGametype;
 class KelMapList;
+class KelPlaylists;
 class KelSettings;
 
 /// What the window knows of the game. All of it outlives the window.
@@ -9,4 +10,5 @@ struct GameCatalogues {
     KelGametype &gametypes;
     KelSettings &settings;
     KelMapList &maps;
+    KelPlaylists &playlists;
 };

@@ -83,6 +83,29 @@ private slots:
         }
         QCOMPARE(walked.size(), rows.size());
     }
+
+    void buildsWhatTheServerTakes_data()
+    {
+        QTest::addColumn<Rows>("rows");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("unknown");
+        QTest::newRow("the gametype is repeated") << Rows{{"Alley", "Duel"}, {"Bank", "Duel"}}
+                                                  << "gametype du map mp_a gametype du map mp_b" << QStringList();
+        QTest::newRow("nothing") << Rows{} << "" << QStringList();
+        QTest::newRow("unknown ones, each once")
+            << Rows{{"Cave", "Duel"}, {"Alley", "Chess"}, {"Cave", "Go"}} << "" << QStringList{"Cave", "Chess", "Go"};
+    }
+    void buildsWhatTheServerTakes()
+    {
+        QFETCH(Rows, rows);
+        const QHash<QString, QString> dvars{{"Alley", "mp_a"}, {"Bank", "mp_b"}, {"Duel", "du"}};
+        const NameLookup find = [&](const QString &name) {
+            return dvars.value(name);
+        };
+        const BuiltRotation built = buildRotation(rows, find, find);
+        QTEST(built.text, "text");
+        QTEST(built.unknownMaps + built.unknownGametypes, "unknown");
+    }
 };
 
 QTEST_GUILESS_MAIN(RotationTextTest)

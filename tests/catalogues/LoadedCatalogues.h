@@ -5,6 +5,7 @@
 #include "Catalogues.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
+#include "KelPlaylists.h"
 #include "KelSettings.h"
 
 #include <optional>
@@ -15,7 +16,9 @@ struct LoadedCatalogues {
         : reader({resources.value_or(files.folders().resources), files.folders().applicationSupport}, session.alerts,
                  [this] { ++terminations; }),
           context{session.server, session.alerts}, gametypes(context, reader), settings(context, reader),
-          maps(session.server, reader), catalogues(gametypes, settings)
+          maps(session.server, reader),
+          playlists(session.server, gametypes, maps, session.alerts, reader.folders().resources),
+          catalogues(gametypes, settings, playlists)
     {
     }
 
@@ -41,5 +44,6 @@ struct LoadedCatalogues {
     KelGametype gametypes;
     KelSettings settings;
     KelMapList maps;
+    KelPlaylists playlists;
     Catalogues catalogues;
 };

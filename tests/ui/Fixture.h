@@ -4,6 +4,7 @@
 #include "CatalogueReader.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
+#include "KelPlaylists.h"
 #include "KelServer.h"
 #include "KelSettings.h"
 #include "Preferences.h"
@@ -52,5 +53,6 @@ struct Fixture {
     KelGametype gametypes{{server, alerts}, reader};
     KelSettings settings{{server, alerts}, reader};
     KelMapList maps{server, reader};
+    KelPlaylists playlists{server, gametypes, maps, alerts, QStringLiteral(FERROW_RESOURCES)};
     SavedServers savedServers{folder.filePath(QStringLiteral("SavedServers.plist")), QStringLiteral("tester")};
 };

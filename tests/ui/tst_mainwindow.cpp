@@ -34,7 +34,8 @@ struct Window : Fixture {
     }
     QString status() const { return view.statusLine->status(); }
 
-    FormMainView view{server, actions, alerts, preferences, GameCatalogues{gametypes, settings, maps}, savedServers};
+    FormMainView view{server,      actions, alerts, preferences, GameCatalogues{gametypes, settings, maps, playlists},
+                      savedServers};
 };
 
 class MainWindowTest : public QObject
@@ -238,7 +239,8 @@ private slots:
         window.view.playersView->playersTableView->sortByColumn(6, Qt::DescendingOrder);
         window.view.close();
         FormMainView again(window.server, window.actions, window.alerts, window.preferences,
-                           GameCatalogues{window.gametypes, window.settings, window.maps}, window.savedServers);
+                           GameCatalogues{window.gametypes, window.settings, window.maps, window.playlists},
+                           window.savedServers);
         again.makeViews();
         QCOMPARE(again.size(), QSize(1100, 777));
         QCOMPARE(again.playersView->playersController->arranged()->sortColumn(), 6);

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "MapRotation.h"
+#include "RotationStoreOf.h"
+
+/// What the store of map rotations differs in from that of messages.
+struct MapRotationKind {
+    using Entry = MapRotationInst;
+    using Rotation = MapRotation;
+    static constexpr const char *fileName = "FerrowRcon.exe.maprotate";
+    static constexpr const char *rootElement = "KelMapRotation";
+    static constexpr QLatin1String currentRotationKey{"currentMapRotationName"};
+
+    static RotationWords words();
+    static MapRotation rotationWithXMLNode(pugi::xml_node node) { return MapRotation::mapRotationWithXMLNode(node); }
+};
+
+/// The store of map rotations and the rows of the rotation builder. Main thread only.
+class KelMapRotation final : public RotationStoreOf<MapRotationKind>
+{
+    Q_OBJECT
+public:
+    /// @param folder  where the file is; preferences and alerts outlive the store. The latest store made is the shared
+    /// one.
+    KelMapRotation(Preferences &preferences, Alerts &alerts, const QString &folder, QObject *parent = nullptr);
+    ~KelMapRotation() override;
+
+    /// @return the latest store made, or null.
+    static KelMapRotation *sharedKelMapRotation();
+
+    /// Reads the file anew and opens the rotation that was open; keeps everything when there is no file to read.
+    QCoro::Task<> loadMapRotation() { return load(); }
+    Dictionary mapRotationList() const { return *rotations(); }
+
+    /// Appends one row before the first wait; alerts when the table is full.
+    QCoro::Task<> addToRotation(QString map, QString gametype);
+};

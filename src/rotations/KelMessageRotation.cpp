@@ -1,0 +1,213 @@
+#include "KelMessageRotation.h"
+
+#include "ActionQueue.h"
+#include "KelServer.h"
+#include "Number.h"
+#include "PreciseOneShotTimer.h"
+
+#include <utility>
+
+static KelMessageRotation *latestStore = nullptr;
+
+RotationWords MessageRotationKind::words()
+{
+    return RotationWords{
+        KelMessageRotation::tr("Unable to Create Message Rotation"),
+        KelMessageRotation::tr("The message rotation named '%1' already exists!"),
+        KelMessageRotation::tr("Unable to Delete Message Rotation"),
+        KelMessageRotation::tr("The message rotation named '%1' does not exist!"),
+        KelMessageRotation::tr("You have made changes in the Message Rotation which have not been saved.\n\nDo you "
+                               "want to save them?"),
+        KelMessageRotation::tr("Message Rotations Not Loaded"),
+        KelMessageRotation::tr("Message Rotations Not Saved"),
+    };
+}
+
+using Row = std::shared_ptr<MessageRotationInst>;
+
+/// @return whether `field` holds something else now.
+static bool replace(QString &field, const QString &text)
+{
+    return std::exchange(field, text) != text;
+}
+
+static QList<RSRTVArrayController<MessageRotationInst>::Column> columns()
+{
+    RSRTVArrayController<MessageRotationInst>::Column message;
+    message.title = KelMessageRotation::tr("Message");
+    message.text = [](const Row &row) {
+        return row->message;
+    };
+    message.edit = [](Row &row, const QString &text) {
+        return replace(row->message, text);
+    };
+    RSRTVArrayController<MessageRotationInst>::Column duration;
+    duration.title = KelMessageRotation::tr("Duration");
+    duration.text = [](const Row &row) {
+        return row->duration;
+    };
+    duration.edit = [](Row &row, const QString &text) {
+        return replace(row->duration, text);
+    };
+    return {message, duration};
+}
+
+static QString sayCommand(const QString &text)
+{
+    return QStringLiteral("say \"%1\"").arg(text);
+}
+
+KelMessageRotation::KelMessageRotation(Surroundings surroundings, const QString &folder,
+                                       std::unique_ptr<OneShotTimer> timer, QObject *parent)
+    : RotationStoreOf(surroundings.preferences, surroundings.alerts, folder, columns(), std::nullopt, parent),
+      m_preferences(surroundings.preferences), m_alerts(surroundings.alerts), m_server(surroundings.server),
+      m_actions(surroundings.actions),
+      m_timer(timer != nullptr ? std::move(timer) : std::make_unique<PreciseOneShotTimer>())
+{
+    latestStore = this;
+    connect(tableModel(), &QAbstractItemModel::rowsInserted, this, &KelMessageRotation::updateTransportButtons);
+    connect(tableModel(), &QAbstractItemModel::rowsRemoved, this, &KelMessageRotation::updateTransportButtons);
+}
+
+KelMessageRotation::~KelMessageRotation()
+{
+    if (latestStore == this)
+        latestStore = nullptr;
+}
+
+KelMessageRotation *KelMessageRotation::sharedKelMessageRotation()
+{
+    return latestStore;
+}
+
+QCoro::Task<> KelMessageRotation::addMessageToCurrentRotation(QString message, QString duration)
+{
+    const QList<MessageRotationInst> added(1, MessageRotationInst{message, duration});
+    co_await addEntries(added);
+}
+
+int KelMessageRotation::rowCount() const
+{
+    return static_cast<int>(entries().size());
+}
+
+void KelMessageRotation::setCurrentMessageIndex(int index)
+{
+    const int stored = index < 0 ? 0 : std::max(0, std::min(index, rowCount() - 1));
+    if (std::exchange(m_messageIndex, stored) != stored)
+        emit currentMessageIndexChanged(stored);
+}
+
+void KelMessageRotation::startRotation()
+{
+    m_timer->stop();
+    ++m_showing;
+    if (rowCount() == 0)
+        return;
+    setPlayState(Playing);
+    setCurrentMessageIndex(0);
+    updateTransportButtons();
+    displayCurrentMessage();
+}
+
+void KelMessageRotation::stopRotation()
+{
+    m_timer->stop();
+    ++m_showing;
+    setPlayState(Stopped);
+    setEntryOnAir(nullptr);
+    updateTransportButtons();
+}
+
+void KelMessageRotation::advanceRotation()
+{
+    m_timer->stop();
+    if (m_playState != Playing)
+        return;
+    const int next = m_messageIndex + 1;
+    setCurrentMessageIndex(next);
+    if (m_messageIndex == next)
+        displayCurrentMessage();
+    else if (m_preferences.boolValue(QStringLiteral("checkBoxLoopMessages")))
+        startRotation();
+    else
+        stopRotation();
+}
+
+void KelMessageRotation::displayCurrentMessage()
+{
+    setCurrentMessageIndex(m_messageIndex);
+    const QList<Row> rows = entries();
+    if (rows.isEmpty())
+        return;
+    const Row row = rows.at(m_messageIndex);
+    QString text = row->message;
+    text.replace(QLatin1Char('"'), QLatin1String("\\\""));
+    setEntryOnAir(row);
+    m_actions.start(showMessage(row, sayCommand(text), ++m_showing));
+}
+
+QCoro::Task<> KelMessageRotation::showMessage(std::shared_ptr<const MessageRotationInst> entry, QString line,
+                                              quint64 showing)
+{
+    const ActionQueue::Turn turn = co_await m_actions.turn();
+    if (turn && showing == m_showing) {
+        const Reply reply = co_await m_server.sendCommand(line);
+        if (turn && !reply.isCancelled && !reply.isSuccess())
+            co_await tellOfFailure(reply.text);
+    }
+    // A turn that was refused because another connection began only costs this one message.
+    if (showing == m_showing && !m_actions.isClosed())
+        waitFor(entry->duration);
+}
+
+void KelMessageRotation::waitFor(const QString &duration)
+{
+    // Without a number the message stays until Stop: that is how a rotation is held.
+    if (const std::optional<qint64> seconds = parseNumber(duration))
+        m_timer->start(*seconds, [this] { advanceRotation(); });
+}
+
+QCoro::Task<> KelMessageRotation::tellOfFailure(QString error)
+{
+    const QString text = tr("'Say' returned an error: %1").arg(error);
+    co_await m_alerts.run(tr("Remote Command Failure"), text);
+}
+
+void KelMessageRotation::setPlayState(PlayState state)
+{
+    if (std::exchange(m_playState, state) != state)
+        emit playStateChanged(state);
+}
+
+void KelMessageRotation::setEntryOnAir(std::shared_ptr<const MessageRotationInst> entry)
+{
+    if (m_entryOnAir == entry)
+        return;
+    m_entryOnAir = std::move(entry);
+    emit entryOnAirChanged();
+}
+
+void KelMessageRotation::setQuickMessageText(const QString &text)
+{
+    if (replace(m_quickMessageText, text))
+        emit quickMessageTextChanged(text);
+}
+
+void KelMessageRotation::sendQuickMessage()
+{
+    m_actions.start(sendText(m_quickMessageText));
+}
+
+QCoro::Task<> KelMessageRotation::sendText(QString text)
+{
+    const ActionQueue::Turn turn = co_await m_actions.turn();
+    if (!turn)
+        co_return;
+    const QString line = sayCommand(text);
+    const Reply reply = co_await m_server.sendCommand(line);
+    if (turn && !reply.isCancelled && !reply.isSuccess())
+        co_await tellOfFailure(reply.text);
+    if (m_quickMessageText == text) // what was typed in the meantime is the next message
+        setQuickMessageText({});
+}

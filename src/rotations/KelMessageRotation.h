@@ -1,0 +1,114 @@
+#pragma once
+
+#include "MessageRotation.h"
+#include "OneShotTimer.h"
+#include "RotationStoreOf.h"
+
+#include <memory>
+
+class ActionQueue;
+class KelServer;
+
+/// What the store of message rotations differs in from that of maps.
+struct MessageRotationKind {
+    using Entry = MessageRotationInst;
+    using Rotation = MessageRotation;
+    static constexpr const char *fileName = "FerrowRcon.exe.msgrotate";
+    static constexpr const char *rootElement = "KelMessageRotation";
+    static constexpr QLatin1String currentRotationKey{"currentMessageRotationName"};
+
+    static RotationWords words();
+    static MessageRotation rotationWithXMLNode(pugi::xml_node node)
+    {
+        return MessageRotation::messageRotationWithXMLNode(node);
+    }
+};
+
+/// The store of message rotations, the rows of the message table, and the player that sends them to the server.
+/// Main thread only. Every message that is sent is an action with a turn of its own.
+class KelMessageRotation final : public RotationStoreOf<MessageRotationKind>
+{
+    Q_OBJECT
+public:
+    enum PlayState { Stopped = 0, Playing = 1 };
+
+    /// What the player stands on. All of it outlives the store.
+    struct Surroundings {
+        Preferences &preferences;
+        Alerts &alerts;
+        KelServer &server;
+        ActionQueue &actions;
+    };
+
+    /// @param folder  where the file is.
+    /// @param timer   waits out the duration of a message; a precise one of its own when it is null.
+    /// The latest store made is the shared one.
+    KelMessageRotation(Surroundings surroundings, const QString &folder, std::unique_ptr<OneShotTimer> timer = nullptr,
+                       QObject *parent = nullptr);
+    ~KelMessageRotation() override;
+
+    /// @return the latest store made, or null.
+    static KelMessageRotation *sharedKelMessageRotation();
+
+    /// Reads the file anew and opens the rotation that was open; keeps everything when there is no file to read.
+    QCoro::Task<> loadMessageRotation() { return load(); }
+    /// Nothing until a file was read or a rotation saved: until then newRotationNamed() keeps nothing.
+    std::optional<Dictionary> messageRotationList() const { return rotations(); }
+
+    /// Appends one row before the first wait; alerts when the table is full.
+    QCoro::Task<> addMessageToCurrentRotation(QString message, QString duration);
+
+    PlayState currentPlayState() const { return m_playState; }
+    /// The row of the message that is shown: a number, which stays when rows are moved or removed.
+    int currentMessageIndex() const { return m_messageIndex; }
+    /// Stores the index, brought into the table; 0 when the table is empty.
+    void setCurrentMessageIndex(int index);
+    /// The message that was shown last while playing, wherever its row is now; null when stopped.
+    std::shared_ptr<const MessageRotationInst> entryOnAir() const { return m_entryOnAir; }
+    /// How long until the next message; nothing while none is waited for.
+    std::optional<std::chrono::milliseconds> remainingTime() const { return m_timer->remaining(); }
+
+    /// Plays from the first row. Without rows it only gives up what was due next.
+    void startRotation();
+    /// Stops; a message that waits for its turn is not sent any more. Disconnecting and closing call it.
+    void stopRotation();
+    /// Goes on to the next row, and past the last one to the first row or to a stop, as the preference has it.
+    void advanceRotation();
+
+    bool startEnabled() const { return m_playState != Playing && rowCount() > 0; }
+    bool stopEnabled() const { return m_playState == Playing; }
+    void updateTransportButtons() { emit transportButtonsChanged(startEnabled(), stopEnabled()); }
+
+    QString quickMessageText() const { return m_quickMessageText; }
+    void setQuickMessageText(const QString &text);
+    /// Sends the quick message as it stands. The text goes when the message was sent, success or not.
+    void sendQuickMessage();
+
+signals:
+    void playStateChanged(KelMessageRotation::PlayState state);
+    void currentMessageIndexChanged(int index);
+    void entryOnAirChanged();
+    void transportButtonsChanged(bool startEnabled, bool stopEnabled);
+    void quickMessageTextChanged(const QString &text);
+
+private:
+    void displayCurrentMessage();
+    void setEntryOnAir(std::shared_ptr<const MessageRotationInst> entry);
+    void setPlayState(PlayState state);
+    int rowCount() const;
+    QCoro::Task<> showMessage(std::shared_ptr<const MessageRotationInst> entry, QString line, quint64 showing);
+    QCoro::Task<> sendText(QString text);
+    QCoro::Task<> tellOfFailure(QString error);
+    void waitFor(const QString &duration);
+
+    Preferences &m_preferences;
+    Alerts &m_alerts;
+    KelServer &m_server;
+    ActionQueue &m_actions;
+    std::unique_ptr<OneShotTimer> m_timer;
+    PlayState m_playState = Stopped;
+    int m_messageIndex = 0;
+    quint64 m_showing = 0; // tells a message that was called off from the one that is due
+    std::shared_ptr<const MessageRotationInst> m_entryOnAir;
+    QString m_quickMessageText;
+};
