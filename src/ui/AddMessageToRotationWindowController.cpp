@@ -14,7 +14,7 @@ AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMe
     setWindowModality(Qt::WindowModal);
     messageTextField->setObjectName(QStringLiteral("messageTextField"));
     messageTextField->setAccessibleName(tr("Message"));
-    messageTextField->setMinimumWidth(fontMetrics().averageCharWidth() * 50);
+    messageTextField->setMinimumWidth(fontMetrics().averageCharWidth() * 60);
     durationTextField->setObjectName(QStringLiteral("durationTextField"));
     durationTextField->setAccessibleName(tr("Duration"));
     durationTextField->setPlaceholderText(tr("seconds"));

@@ -8,9 +8,7 @@ struct Letter {
     bool operator==(const Letter &) const = default;
 };
 
-struct CopyableLetter {
-    QString text;
-    bool operator==(const CopyableLetter &) const = default;
+struct CopyableLetter : Letter {
     std::shared_ptr<CopyableLetter> copy() const
     {
         return std::make_shared<CopyableLetter>(CopyableLetter{text + QLatin1Char('\'')});
@@ -30,7 +28,7 @@ public:
     {
         QList<Row> rows;
         for (const QChar letter : letters)
-            rows.append(std::make_shared<Entry>(Entry{letter}));
+            rows.append(std::make_shared<Entry>(Entry{QString(letter)}));
         this->addObjects(rows);
     }
 

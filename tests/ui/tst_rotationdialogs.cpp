@@ -9,6 +9,7 @@
 #include "SheetAlerts.h"
 #include "Wait.h"
 
+#include <QClipboard>
 #include <QTest>
 
 /// Rotations of letters, which writes down what it is asked.
@@ -97,15 +98,17 @@ private slots:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("refused");
         QTest::addColumn<QStringList>("asked");
-        QTest::newRow("new, trimmed") << true << " Delta \n" << QString() << QStringList{"new Delta"};
-        QTest::newRow("new, blanks only") << true << "  " << QString() << QStringList{"new "};
-        QTest::newRow("new, taken") << true << " Beta"
-                                    << "Beta" << QStringList();
-        QTest::newRow("save as, with its blanks") << false << " Delta " << QString() << QStringList{"save  Delta "};
-        QTest::newRow("save as, taken without blanks") << false << " Beta "
-                                                       << "Beta" << QStringList();
-        QTest::newRow("save as, markers") << false << "%1 %2" << QString() << QStringList{"save %1 %2"};
-        QTest::newRow("save as, nothing") << false << "" << QString() << QStringList();
+        const auto row = [](const char *name, bool isNew, const char *typed, const char *refused,
+                            const QStringList &asked) {
+            QTest::newRow(name) << isNew << QString(typed) << QString(refused) << asked;
+        };
+        row("new, trimmed", true, " Delta \n", "", {"new Delta"});
+        row("new, blanks only", true, "  ", "", {"new "});
+        row("new, taken", true, " Beta", "Beta", {});
+        row("save as, with its blanks", false, " Delta ", "", {"save  Delta "});
+        row("save as, taken without blanks", false, " Beta ", "Beta", {});
+        row("save as, markers", false, "%1 %2", "", {"save %1 %2"});
+        row("save as, nothing", false, "", "", {});
     }
     void names()
     {
@@ -193,6 +196,7 @@ private slots:
     void whatHappensInATurnIsTakenBackAtOnce()
     {
         Pane p;
+        const auto first = p.store.letters.content().first();
         QUndoStack &stack = *p.pane.undoStack();
         p.store.letters.choose({0, 1});
         p.pane.removeButton->setEnabled(true);
@@ -210,6 +214,7 @@ private slots:
         stack.undo();
         stack.undo();
         QCOMPARE(p.store.letters.shown(), QString("VWX"));
+        QCOMPARE(p.store.letters.content().first(), first); // the same entry, which others hold too
         stack.setIndex(stack.count());
         QCOMPARE(p.store.letters.shown(), QString("AXb"));
         p.store.openRotationNamed("Alpha");
@@ -234,8 +239,10 @@ private slots:
             return misfits;
         });
         p.store.letters.choose({2, 0});
-        QCOMPARE(p.pane.textOfSelection(), QString("\tV\n\tX"));
-        p.pane.pasteRows(QString("\tY\r\n").repeated(2000) + QString("bad %1\n").repeated(3));
+        QTest::keyClick(p.pane.tableView, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), QString("\tV\n\tX"));
+        QGuiApplication::clipboard()->setText(QString("\tY\r\n").repeated(2000) + QString("bad %1\n").repeated(3));
+        QTest::keyClick(p.pane.tableView, Qt::Key_V, Qt::ControlModifier);
         QVERIFY(p.settle());
         QCOMPARE(p.store.letters.content().size(), 2003);
         QCOMPARE(p.alerts.shown().size(), 1);
