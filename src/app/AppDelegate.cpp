@@ -27,14 +27,16 @@ AppDelegate::AppDelegate(Places places)
       m_settings(CatalogueContext{m_server, m_alerts}, m_reader), m_maps(m_server, m_reader),
       m_playlists(m_server, m_gametypes, m_maps, m_alerts, m_reader.folders().resources),
       m_catalogues(m_gametypes, m_settings, m_playlists),
-      m_savedServers(m_reader.folders().applicationSupport + QStringLiteral("/SavedServers.plist"), userLoginName())
+      m_savedServers(m_reader.folders().applicationSupport + QStringLiteral("/SavedServers.plist"), userLoginName()),
+      m_mapRotations(m_preferences, m_alerts, m_reader.folders().applicationSupport),
+      m_messageRotations({m_preferences, m_alerts, m_server, m_actions}, m_reader.folders().applicationSupport)
 {
     m_server.setCatalogueLoader(&m_catalogues);
     registerDefaults();
     Appearance::apply(m_preferences.value(QStringLiteral("appearance")).toString());
-    m_window =
-        std::make_unique<FormMainView>(m_server, m_actions, m_alerts, m_preferences,
-                                       GameCatalogues{m_gametypes, m_settings, m_maps, m_playlists}, m_savedServers);
+    m_window = std::make_unique<FormMainView>(m_server, m_actions, m_alerts, m_preferences,
+                                              GameCatalogues{m_gametypes, m_settings, m_maps, m_playlists},
+                                              Rotations{m_mapRotations, m_messageRotations}, m_savedServers);
     m_alerts.setWindow(m_window.get());
     connect(m_window.get(), &FormMainView::demoServerRequested, this, &AppDelegate::tryDemoServer);
 }

@@ -4,6 +4,8 @@
 #include "Catalogues.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
+#include "KelMapRotation.h"
+#include "KelMessageRotation.h"
 #include "KelPlaylists.h"
 #include "KelServer.h"
 #include "KelSettings.h"
@@ -57,6 +59,8 @@ private:
     Catalogues m_catalogues;
     SavedServers m_savedServers;
     ActionQueue m_actions;
+    KelMapRotation m_mapRotations;
+    KelMessageRotation m_messageRotations;
     std::unique_ptr<DemoServer> m_demoServer;
     std::unique_ptr<FormMainView> m_window;
 };

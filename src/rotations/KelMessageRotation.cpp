@@ -97,6 +97,7 @@ void KelMessageRotation::setCurrentMessageIndex(int index)
 void KelMessageRotation::startRotation()
 {
     m_timer->stop();
+    m_isSending = false;
     ++m_showing;
     if (rowCount() == 0)
         return;
@@ -109,6 +110,7 @@ void KelMessageRotation::startRotation()
 void KelMessageRotation::stopRotation()
 {
     m_timer->stop();
+    m_isSending = false;
     ++m_showing;
     setPlayState(Stopped);
     setEntryOnAir(nullptr);
@@ -139,6 +141,7 @@ void KelMessageRotation::displayCurrentMessage()
     const Row row = rows.at(m_messageIndex);
     QString text = row->message;
     text.replace(QLatin1Char('"'), QLatin1String("\\\""));
+    m_isSending = true;
     setEntryOnAir(row);
     m_actions.start(showMessage(row, sayCommand(text), ++m_showing));
 }

@@ -67,6 +67,8 @@ public:
     std::shared_ptr<const MessageRotationInst> entryOnAir() const { return m_entryOnAir; }
     /// Where entryOnAir() is now; -1 when it is nowhere in the table.
     int rowOnAir() const { return static_cast<int>(entries().indexOf(m_entryOnAir)); }
+    /// The message on air is on its way to the server, or waits for its turn.
+    bool isSending() const { return m_isSending; }
     /// How long until the next message; nothing while none is waited for.
     std::optional<std::chrono::milliseconds> remainingTime() const { return m_timer->remaining(); }
 
@@ -109,6 +111,7 @@ private:
     std::unique_ptr<OneShotTimer> m_timer;
     PlayState m_playState = Stopped;
     int m_messageIndex = 0;
+    bool m_isSending = false;
     quint64 m_showing = 0; // tells a message that was called off from the one that is due
     std::shared_ptr<const MessageRotationInst> m_entryOnAir;
     QString m_quickMessageText;

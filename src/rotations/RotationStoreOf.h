@@ -165,6 +165,15 @@ public:
             setUnsavedChanges(true);
     }
 
+    /// Makes these the rows of the table, in one step, before the first wait; alerts when they are too many, and
+    /// changes nothing then.
+    QCoro::Task<> replaceEntries(QList<Entry> entries)
+    {
+        if (entries.size() <= MaximumRows)
+            m_table.removeAll();
+        co_await addEntries(entries);
+    }
+
     void deleteSelectedItems() override { m_table.removeSelected(); }
     void deleteAllItems() override { m_table.removeAll(); }
 
@@ -181,7 +190,7 @@ protected:
         connect(&m_table, &QAbstractItemModel::rowsRemoved, this, [this] { noteChange(); });
         connect(&m_table, &QAbstractItemModel::dataChanged, this, [this] { noteChange(); });
         connect(&m_table, &QAbstractItemModel::rowsInserted, this, [this] { noteOrder(); });
-        connect(&m_table, &QAbstractItemModel::rowsMoved, this, [this] { noteOrder(); });
+        connect(&m_table, &QAbstractItemModel::layoutChanged, this, [this] { noteOrder(); });
         m_table.setKeyHandlingDelegate([this] { deleteSelectedItems(); });
     }
 

@@ -4,12 +4,17 @@
 #include "Alerts.h"
 #include "Appearance.h"
 #include "ConsoleView.h"
+#include "KelMapRotation.h"
+#include "KelMessageRotation.h"
 #include "KelServer.h"
+#include "KeyHandlingTableView.h"
 #include "MapsView.h"
+#include "MessagesView.h"
 #include "PlaceholderTable.h"
 #include "PlayersView.h"
 #include "PlaylistsView.h"
 #include "Preferences.h"
+#include "RotationPane.h"
 #include "ServersView.h"
 #include "SettingsView.h"
 #include "StatusLine.h"
@@ -22,13 +27,14 @@
 #include <QTimer>
 
 #include <chrono>
+#include <utility>
 
 FormMainView::FormMainView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                           GameCatalogues catalogues, SavedServers &savedServers, QWidget *parent)
+                           GameCatalogues catalogues, Rotations rotations, SavedServers &savedServers, QWidget *parent)
     : QMainWindow(parent), serversView(new ServersView(savedServers, actions, alerts, this)),
       tabControlMain(new QTabWidget(this)), welcomePage(new WelcomePage(this)), statusLine(new StatusLine(this)),
       m_server(server), m_actions(actions), m_alerts(alerts), m_preferences(preferences), m_catalogues(catalogues),
-      m_splitter(new QSplitter(this)), m_stack(new QStackedWidget(this))
+      m_rotations(rotations), m_splitter(new QSplitter(this)), m_stack(new QStackedWidget(this))
 {
     setObjectName(QStringLiteral("FormMainView"));
     setWindowTitle(tr("Kelvard Ferrow Remote Console"));
@@ -53,21 +59,32 @@ void FormMainView::makeViews()
     if (!m_pages.isEmpty())
         return;
     playersView = new PlayersView(m_server, m_actions, m_alerts, m_preferences, this);
-    mapsView =
-        new MapsView(m_server, m_actions, m_alerts, m_preferences, m_catalogues.gametypes, m_catalogues.maps, this);
+    mapsView = new MapsView(m_server, m_actions, m_alerts, m_preferences, m_catalogues, m_rotations.maps, this);
     playlistsView = new PlaylistsView(m_server, m_actions, m_alerts, m_catalogues.gametypes, m_catalogues.maps,
                                       m_catalogues.playlists, this);
     unrankedSettingsView = new SettingsView(SettingsView::Mode::Unranked, m_server, m_actions, m_catalogues.settings,
                                             m_catalogues.gametypes, this);
     rankedSettingsView = new SettingsView(SettingsView::Mode::Ranked, m_server, m_actions, m_catalogues.settings,
                                           m_catalogues.gametypes, this);
+    messagesView = new MessagesView(m_rotations.messages, m_actions, m_alerts, m_preferences, this);
     consoleView = new ConsoleView(m_server, m_actions, this);
+    insertViews();
+    m_undoGroup.addStack(mapsView->rotationPane->undoStack());
+    m_undoGroup.addStack(messagesView->rotationPane->undoStack());
+    fillPlayersMenu();
+    fillMapsMenu();
+    fillMessagesMenu();
+    restoreViewLayouts();
+}
+
+void FormMainView::insertViews()
+{
     m_pages.insert(TabItem::Players, playersView);
     m_pages.insert(TabItem::Maps, mapsView);
     m_pages.insert(TabItem::Playlists, playlistsView);
     m_pages.insert(TabItem::UnrankedSettings, unrankedSettingsView);
     m_pages.insert(TabItem::RankedSettings, rankedSettingsView);
-    m_pages.insert(TabItem::Messages, laterPage(tr("This version does not play messages yet."), this));
+    m_pages.insert(TabItem::Messages, messagesView);
     m_pages.insert(TabItem::ConfigBuilder, laterPage(tr("This version does not build configurations yet."), this));
     m_pages.insert(TabItem::Console, consoleView);
     for (QWidget *page : std::as_const(m_pages))
@@ -77,8 +94,7 @@ void FormMainView::makeViews()
     playlistsView->setFocusProxy(playlistsView->playlistsTableView);
     unrankedSettingsView->setFocusProxy(unrankedSettingsView->settingsGroupList);
     rankedSettingsView->setFocusProxy(rankedSettingsView->settingsGroupList);
-    fillPlayersMenu();
-    restoreViewLayouts();
+    messagesView->setFocusProxy(messagesView->rotationPane->tableView);
 }
 
 void FormMainView::showEvent(QShowEvent *event)
@@ -170,6 +186,8 @@ void FormMainView::selectedTabDidChange()
     const QString label = isShown ? tabLabel(items.at(index)) : QString();
     playersView->setSelectedTabLabel(label);
     countConfigBuilderVisit(label);
+    RotationPane *pane = currentRotationPane();
+    m_undoGroup.setActiveStack(pane == nullptr ? nullptr : pane->undoStack());
 }
 
 void FormMainView::countConfigBuilderVisit(const QString &label)
@@ -216,6 +234,13 @@ void FormMainView::saveLayout()
 void FormMainView::closeEvent(QCloseEvent *event)
 {
     saveLayout();
+    if (m_rotations.maps.hasUnsavedWork() || m_rotations.messages.hasUnsavedWork()) {
+        event->ignore();
+        if (!std::exchange(m_isAskingToClose, true))
+            m_actions.start(closeAfterQuestion());
+        return;
+    }
+    m_rotations.messages.stopRotation();
     m_actions.close(); // or a timer that comes due would start the next action
     if (m_actions.isIdle()) {
         event->accept();

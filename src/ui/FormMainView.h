@@ -1,6 +1,7 @@
 #pragma once
 
 #include "GameCatalogues.h"
+#include "Rotations.h"
 #include "TabItem.h"
 
 #include <QCoroTask>
@@ -10,6 +11,7 @@
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QTabWidget>
+#include <QUndoGroup>
 
 #include <functional>
 
@@ -18,8 +20,10 @@ class Alerts;
 class ConsoleView;
 class KelServer;
 class MapsView;
+class MessagesView;
 class PlayersView;
 class PlaylistsView;
+class RotationPane;
 class Preferences;
 class SavedServers;
 class ServersView;
@@ -45,7 +49,7 @@ class FormMainView : public QMainWindow
 public:
     /// Everything handed in outlives the window.
     FormMainView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                 GameCatalogues catalogues, SavedServers &savedServers, QWidget *parent = nullptr);
+                 GameCatalogues catalogues, Rotations rotations, SavedServers &savedServers, QWidget *parent = nullptr);
     ~FormMainView() override;
 
     /// Connects as one action: status line, session, then what a fresh connection shows.
@@ -68,6 +72,7 @@ public:
     PlayersView *playersView = nullptr;
     MapsView *mapsView = nullptr;
     PlaylistsView *playlistsView = nullptr;
+    MessagesView *messagesView = nullptr;
     SettingsView *unrankedSettingsView = nullptr;
     SettingsView *rankedSettingsView = nullptr;
     ConsoleView *consoleView = nullptr;
@@ -91,7 +96,13 @@ private:
     void layOut();
     void makeMenus();
     void makeServerMenu();
+    void makeFileMenu();
+    void makeEditMenu();
     void fillPlayersMenu();
+    void fillMapsMenu();
+    void fillMessagesMenu();
+    RotationPane *currentRotationPane() const;
+    void insertViews();
     void makeViewMenu();
     void connectControls();
     void restoreLayout();
@@ -105,6 +116,9 @@ private:
     void askForPassword(ConnectTarget target);
     void showAbout();
     QCoro::Task<> connectAction(ConnectTarget target);
+    /// Asks about what no file holds yet, before it would be lost. @return whether to go on.
+    QCoro::Task<bool> settleUnsavedWork();
+    QCoro::Task<> closeAfterQuestion();
     QCoro::Task<> loadGameData();
     QCoro::Task<> connectToServerWithLabel(ConnectTarget target);
     QCoro::Task<> tell(QString title, QString text);
@@ -114,9 +128,15 @@ private:
     Alerts &m_alerts;
     Preferences &m_preferences;
     GameCatalogues m_catalogues;
+    Rotations m_rotations;
     QSplitter *m_splitter;
     QStackedWidget *m_stack;
     QMap<TabItem, QWidget *> m_pages;
     QMenu *m_playersMenu = nullptr;
+    QMenu *m_mapsMenu = nullptr;
+    QMenu *m_messagesMenu = nullptr;
+    QUndoGroup m_undoGroup;
+    QString m_statusBeforeConnect;
+    bool m_isAskingToClose = false;
     int m_connects = 0; ///< that wait or are under way
 };

@@ -2,10 +2,15 @@
 
 #include "ActionQueue.h"
 #include "KelMapList.h"
+#include "KelMapRotation.h"
+#include "KelMessageRotation.h"
 #include "KelPlaylists.h"
 #include "KelServer.h"
+#include "KeyHandlingTableView.h"
 #include "MapsView.h"
+#include "MessagesView.h"
 #include "PlayersView.h"
+#include "RotationPane.h"
 #include "ServersView.h"
 #include "StatusLine.h"
 
@@ -35,6 +40,7 @@ void FormMainView::connectTo(ConnectTarget target)
     makeViews();
     ++m_connects;
     serversView->setConnecting(true);
+    m_statusBeforeConnect = statusLine->status();
     statusLine->setStatus(tr("Connecting to %1...").arg(target.label));
     m_actions.start(connectAction(std::move(target)));
 }
@@ -42,14 +48,21 @@ void FormMainView::connectTo(ConnectTarget target)
 QCoro::Task<> FormMainView::connectAction(ConnectTarget target)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
+    bool goesOn = false;
     if (turn)
+        goesOn = co_await settleUnsavedWork();
+    if (turn && goesOn)
         co_await loadGameData();
-    if (turn)
+    if (turn && goesOn)
         co_await connectToServerWithLabel(target);
     serversView->setConnecting(--m_connects > 0);
     statusLine->clearProgress();
     if (!turn) // called off: the status line already tells so
         co_return;
+    if (!goesOn) {
+        statusLine->setStatus(m_statusBeforeConnect);
+        co_return;
+    }
     if (!m_server.isConnected()) {
         statusLine->setStatus(tr("Not connected"));
         co_return;
@@ -69,7 +82,29 @@ QCoro::Task<> FormMainView::loadGameData()
     const CatalogueState maps = co_await m_catalogues.maps.loadMapList();
     if (maps == CatalogueState::Missing)
         co_return; // the program is about to end
+    co_await m_rotations.messages.loadMessageRotation();
     co_await m_catalogues.playlists.loadPlaylists();
+    co_await m_rotations.maps.loadMapRotation();
+}
+
+QCoro::Task<bool> FormMainView::settleUnsavedWork()
+{
+    makeViews(); // they hold the panel that asks for a name
+    mapsView->rotationPane->tableView->finishEditing();
+    messagesView->rotationPane->tableView->finishEditing();
+    const bool areMapsSettled = co_await m_rotations.maps.saveUnsavedWork();
+    if (!areMapsSettled)
+        co_return false;
+    const bool areMessagesSettled = co_await m_rotations.messages.saveUnsavedWork();
+    co_return areMessagesSettled;
+}
+
+QCoro::Task<> FormMainView::closeAfterQuestion()
+{
+    const bool goesOn = co_await settleUnsavedWork();
+    m_isAskingToClose = false;
+    if (goesOn)
+        close();
 }
 
 QCoro::Task<> FormMainView::connectToServerWithLabel(ConnectTarget target)
@@ -86,6 +121,7 @@ void FormMainView::disconnectButtonPressed()
     m_server.cancelExchange();
     if (mapsView != nullptr)
         mapsView->stopAutoupdateMapsTimer();
+    m_rotations.messages.stopRotation();
     statusLine->setStatus(tr("Not connected"));
     m_server.disconnect();
 }

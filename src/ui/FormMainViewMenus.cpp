@@ -3,8 +3,11 @@
 #include "ActionQueue.h"
 #include "Appearance.h"
 #include "KelServer.h"
+#include "MapsView.h"
+#include "MessagesView.h"
 #include "PlayersView.h"
 #include "Preferences.h"
+#include "RotationPane.h"
 #include "ServersView.h"
 #include "WelcomePage.h"
 
@@ -16,22 +19,70 @@
 
 void FormMainView::makeMenus()
 {
-    QMenu *file = menuBar()->addMenu(tr("&File"));
-    file->addAction(tr("&Save Player List…"), QKeySequence(tr("Ctrl+Shift+S")), this, [this] {
-        makeViews();
-        playersView->savePlayerListButtonPressed();
-    });
-    file->addSeparator();
-    QAction *quit = file->addAction(tr("&Quit"), QKeySequence(tr("Ctrl+Q")), this, &QWidget::close);
-    quit->setMenuRole(QAction::QuitRole);
+    makeFileMenu();
+    makeEditMenu();
     makeServerMenu();
     m_playersMenu = menuBar()->addMenu(tr("&Players"));
+    m_mapsMenu = menuBar()->addMenu(tr("&Maps"));
+    m_messagesMenu = menuBar()->addMenu(tr("M&essages"));
     makeViewMenu();
     QMenu *help = menuBar()->addMenu(tr("&Help"));
     help->addAction(tr("Try the &Demo Server"), this, &FormMainView::demoServerRequested);
     help->addAction(tr("Server &Hosting"), serversView, &ServersView::hostwellButtonPressed);
     QAction *about = help->addAction(tr("&About"), this, &FormMainView::showAbout);
     about->setMenuRole(QAction::AboutRole);
+}
+
+RotationPane *FormMainView::currentRotationPane() const
+{
+    const QWidget *page = tabControlMain->currentWidget();
+    if (page == nullptr || m_stack->currentWidget() != tabControlMain)
+        return nullptr;
+    if (page == mapsView)
+        return mapsView->rotationPane;
+    return page == messagesView ? messagesView->rotationPane : nullptr;
+}
+
+void FormMainView::makeFileMenu()
+{
+    QMenu *file = menuBar()->addMenu(tr("&File"));
+    QList<QAction *> rotationActions;
+    const auto add = [&](const QString &text, QKeySequence::StandardKey key, void (RotationPane::*slot)()) {
+        rotationActions.append(file->addAction(text, QKeySequence(key), this, [this, slot] {
+            if (RotationPane *pane = currentRotationPane())
+                (pane->*slot)();
+        }));
+    };
+    add(tr("&New Rotation…"), QKeySequence::New, &RotationPane::newRotationMenuItemClicked);
+    add(tr("&Open Rotation…"), QKeySequence::Open, &RotationPane::openRotationMenuItemClicked);
+    add(tr("&Save Rotation"), QKeySequence::Save, &RotationPane::saveRotationMenuItemClicked);
+    // Grey in the menu where there is no rotation to act on; the shortcuts ask for themselves.
+    connect(file, &QMenu::aboutToShow, this, [this, rotationActions] {
+        for (QAction *action : rotationActions)
+            action->setEnabled(currentRotationPane() != nullptr);
+    });
+    connect(file, &QMenu::aboutToHide, this, [rotationActions] {
+        for (QAction *action : rotationActions)
+            action->setEnabled(true);
+    });
+    file->addSeparator();
+    file->addAction(tr("Save &Player List…"), QKeySequence(tr("Ctrl+Shift+S")), this, [this] {
+        makeViews();
+        playersView->savePlayerListButtonPressed();
+    });
+    file->addSeparator();
+    QAction *quit = file->addAction(tr("&Quit"), QKeySequence(tr("Ctrl+Q")), this, &QWidget::close);
+    quit->setMenuRole(QAction::QuitRole);
+}
+
+void FormMainView::makeEditMenu()
+{
+    QMenu *edit = menuBar()->addMenu(tr("&Edit"));
+    QAction *undo = m_undoGroup.createUndoAction(edit, tr("&Undo"));
+    undo->setShortcut(QKeySequence::Undo);
+    QAction *redo = m_undoGroup.createRedoAction(edit, tr("&Redo"));
+    redo->setShortcut(QKeySequence::Redo);
+    edit->addActions({undo, redo});
 }
 
 void FormMainView::makeServerMenu()
@@ -45,23 +96,49 @@ void FormMainView::makeServerMenu()
     connect(menu, &QMenu::aboutToHide, connectAction, [connectAction] { connectAction->setEnabled(true); });
 }
 
+/// Repeats a button in a menu.
+static void addButtonAction(QMenu *menu, const QString &text, const QKeySequence &keys, QPushButton *button)
+{
+    QAction *action = menu->addAction(text, keys, button, &QPushButton::click);
+    // Grey in the menu when grey in the window; the shortcut itself asks the button.
+    QObject::connect(menu, &QMenu::aboutToShow, action, [action, button] { action->setEnabled(button->isEnabled()); });
+    QObject::connect(menu, &QMenu::aboutToHide, action, [action] { action->setEnabled(true); });
+}
+
 void FormMainView::fillPlayersMenu()
 {
     QMenu *menu = m_playersMenu;
-    const auto add = [&](const QString &text, const QKeySequence &keys, QPushButton *button) {
-        QAction *action = menu->addAction(text, keys, button, &QPushButton::click);
-        // Grey in the menu when grey in the window; the shortcut itself asks the button.
-        connect(menu, &QMenu::aboutToShow, action, [action, button] { action->setEnabled(button->isEnabled()); });
-        connect(menu, &QMenu::aboutToHide, action, [action] { action->setEnabled(true); });
-    };
-    add(tr("&Refresh"), QKeySequence::Refresh, playersView->refreshPlayersButton);
+    addButtonAction(menu, tr("&Refresh"), QKeySequence::Refresh, playersView->refreshPlayersButton);
     menu->addSeparator();
-    add(tr("&Message…"), QKeySequence(tr("Ctrl+M")), playersView->messagePlayerButton);
-    add(tr("&Kick"), QKeySequence(tr("Ctrl+K")), playersView->kickPlayerButton);
-    add(tr("&Temp Ban"), QKeySequence(), playersView->tempBanPlayerButton);
-    add(tr("&Ban"), QKeySequence(), playersView->banPlayerButton);
+    addButtonAction(menu, tr("&Message…"), QKeySequence(tr("Ctrl+M")), playersView->messagePlayerButton);
+    addButtonAction(menu, tr("&Kick"), QKeySequence(tr("Ctrl+K")), playersView->kickPlayerButton);
+    addButtonAction(menu, tr("&Temp Ban"), QKeySequence(), playersView->tempBanPlayerButton);
+    addButtonAction(menu, tr("&Ban"), QKeySequence(), playersView->banPlayerButton);
     menu->addSeparator();
-    add(tr("Kick &All…"), QKeySequence(), playersView->kickAllButton);
+    addButtonAction(menu, tr("Kick &All…"), QKeySequence(), playersView->kickAllButton);
+}
+
+void FormMainView::fillMapsMenu()
+{
+    QMenu *menu = m_mapsMenu;
+    addButtonAction(menu, tr("&Refresh"), QKeySequence(), mapsView->refreshCurrentMapButton);
+    addButtonAction(menu, tr("Restart &Map"), QKeySequence(), mapsView->restartMapButton);
+    addButtonAction(menu, tr("&Fast Restart"), QKeySequence(), mapsView->fastRestartMapButton);
+    addButtonAction(menu, tr("Ne&xt Map"), QKeySequence(), mapsView->startNextMapButton);
+    addButtonAction(menu, tr("&Load Map"), QKeySequence(), mapsView->loadMapButton);
+    menu->addSeparator();
+    addButtonAction(menu, tr("&Copy Server's Rotation to Builder"), QKeySequence(), mapsView->copyToBuilderButton);
+    addButtonAction(menu, tr("&Add Map…"), QKeySequence(), mapsView->addMapButton);
+    addButtonAction(menu, tr("Set Rotation &on Server"), QKeySequence(), mapsView->setBuiltRotationButton);
+}
+
+void FormMainView::fillMessagesMenu()
+{
+    QMenu *menu = m_messagesMenu;
+    addButtonAction(menu, tr("&Add Message…"), QKeySequence(), messagesView->addMessageButton);
+    menu->addSeparator();
+    addButtonAction(menu, tr("&Start"), QKeySequence(), messagesView->buttonStartMessageRotation);
+    addButtonAction(menu, tr("S&top"), QKeySequence(), messagesView->buttonStopMessageRotation);
 }
 
 void FormMainView::makeViewMenu()

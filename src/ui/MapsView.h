@@ -2,6 +2,7 @@
 
 #include "ActionQueue.h"
 #include "ArrayController.h"
+#include "GameCatalogues.h"
 #include "MapInst.h"
 #include "RotationText.h"
 
@@ -17,13 +18,14 @@
 
 class Alerts;
 class ElidingField;
-class KelGametype;
-class KelMapList;
+class KelMapRotation;
 class KelServer;
+class MapGametypePairWindowController;
 class PlaceholderTable;
 class Preferences;
+class RotationPane;
 
-/// What the server plays and will play, and the commands that change it.
+/// What the server plays and will play, the commands that change it, and the rotations that are built for it.
 class MapsView : public QWidget
 {
     Q_OBJECT
@@ -31,8 +33,8 @@ public:
     enum RefreshFlag { GametypeFlag = 1, MapFlag = 2, RotationFlag = 4 };
 
     /// Everything handed in outlives the view.
-    MapsView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences, KelGametype &gametypes,
-             KelMapList &maps, QWidget *parent = nullptr);
+    MapsView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
+             const GameCatalogues &catalogues, KelMapRotation &rotations, QWidget *parent = nullptr);
     ~MapsView() override;
 
     /// Asks the server for what `flags`, a set of RefreshFlag, name; the rotation asks for the gametype too. Takes no
@@ -56,6 +58,12 @@ public:
     QPushButton *loadMapButton;
     PlaceholderTable *mapServerRotationTableView;
     ArrayController<RotationRow> *mapServerRotationController;
+    QPushButton *copyToBuilderButton;
+    RotationPane *rotationPane;
+    QPushButton *addMapButton;
+    QPushButton *setBuiltRotationButton;
+    /// Made when it is opened for the first time.
+    MapGametypePairWindowController *mapGametypePairWindowController = nullptr;
     QTimer autoupdateMapsTimer;
 
 public slots:
@@ -68,6 +76,11 @@ public slots:
     void fastRestartMapButtonPressed();
     void startNextMapButtonPressed();
     void loadMapButtonPressed();
+    void addMapToRotationMenuItemClicked();
+    /// Makes the builder's rows the server's rotation and starts the first of them. Nothing is sent when a name is
+    /// unknown to the catalogues.
+    void setBuiltRotationButtonPressed();
+    void copyCurrentMapRotationToBuilderButtonPressed();
 
 private:
     /// What "Load Map" is to load, as it was chosen at the press.
@@ -85,7 +98,10 @@ private:
     void gametypeListDidChange();
     void mapListDidChange();
     void choiceDidChange();
+    QLayout *serverRotationLayout();
+    void nameRotationControls();
     void updatePlaceholder();
+    void updateCopyButton();
     void forgetServer();
     void showRotation(const QString &rotation, const QString &gametype);
     Choice choice() const;
@@ -94,6 +110,10 @@ private:
     QCoro::Task<> loadMap(Choice chosen);
     QCoro::Task<> tellOfMissingChoice();
     QCoro::Task<> tellOfFailure(QString command, QString error);
+    QCoro::Task<> setBuiltRotation(QString rotation);
+    QCoro::Task<> tellOfUnknownNames(BuiltRotation built);
+    QCoro::Task<> copyToBuilder(QList<RotationRow> rows);
+    QList<qsizetype> takeRows(const QList<QStringList> &rows);
 
     KelServer &m_server;
     ActionQueue &m_actions;
@@ -101,5 +121,6 @@ private:
     Preferences &m_preferences;
     KelGametype &m_gametypes;
     KelMapList &m_maps;
+    KelMapRotation &m_rotations;
     bool m_isRefreshWaiting = false;
 };

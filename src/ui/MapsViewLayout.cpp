@@ -4,9 +4,12 @@
 #include "EmptyHint.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
+#include "KelMapRotation.h"
 #include "KelServer.h"
+#include "KeyHandlingTableView.h"
 #include "PlaceholderTable.h"
 #include "Preferences.h"
+#include "RotationPane.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -31,7 +34,7 @@ static QString rotationKey(const RotationRow &row)
 }
 
 MapsView::MapsView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                   KelGametype &gametypes, KelMapList &maps, QWidget *parent)
+                   const GameCatalogues &catalogues, KelMapRotation &rotations, QWidget *parent)
     : QWidget(parent), currentGameTypeField(new ElidingField(this)), currentMapField(new ElidingField(this)),
       refreshCurrentMapButton(new QPushButton(tr("Refresh"), this)),
       restartMapButton(new QPushButton(tr("Restart Map"), this)),
@@ -43,14 +46,20 @@ MapsView::MapsView(KelServer &server, ActionQueue &actions, Alerts &alerts, Pref
           {mapColumn()}, [](const MapInst &map) { return map.name; }, this)),
       loadMapButton(new QPushButton(tr("Load Map"), this)), mapServerRotationTableView(new PlaceholderTable(this)),
       mapServerRotationController(new ArrayController<RotationRow>(rotationColumns(), rotationKey, this)),
-      m_server(server), m_actions(actions), m_alerts(alerts), m_preferences(preferences), m_gametypes(gametypes),
-      m_maps(maps)
+      copyToBuilderButton(new QPushButton(tr("Copy to Builder"), this)),
+      rotationPane(new RotationPane(rotations, mapRotationLabels(), actions, alerts, this)),
+      addMapButton(new QPushButton(tr("Add Map…"), this)),
+      setBuiltRotationButton(new QPushButton(tr("Set on Server"), this)), m_server(server), m_actions(actions),
+      m_alerts(alerts), m_preferences(preferences), m_gametypes(catalogues.gametypes), m_maps(catalogues.maps),
+      m_rotations(rotations)
 {
     nameControls();
+    nameRotationControls();
     layOut();
     gametypeListDidChange();
     mapListDidChange();
     updatePlaceholder();
+    updateCopyButton();
     connectControls();
 }
 
@@ -90,6 +99,10 @@ void MapsView::nameControls()
     hint->setText(tr("The maps are listed here once you have connected to a server."));
     loadMapButton->setObjectName(QStringLiteral("loadMapButton"));
     loadMapButton->setToolTip(tr("Start the selected map with the gametype above"));
+}
+
+void MapsView::nameRotationControls()
+{
     mapServerRotationTableView->setObjectName(QStringLiteral("mapServerRotationTableView"));
     mapServerRotationTableView->setAccessibleName(tr("Server rotation"));
     mapServerRotationTableView->setModel(mapServerRotationController->arranged());
@@ -102,6 +115,14 @@ void MapsView::nameControls()
     mapServerRotationTableView->horizontalHeader()->setStretchLastSection(false);
     mapServerRotationTableView->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
     mapServerRotationTableView->setColumnWidth(1, 150);
+    copyToBuilderButton->setObjectName(QStringLiteral("copyToBuilderButton"));
+    copyToBuilderButton->setToolTip(tr("Put the server's rotation into the builder below"));
+    addMapButton->setObjectName(QStringLiteral("addMapButton"));
+    setBuiltRotationButton->setObjectName(QStringLiteral("setBuiltRotationButton"));
+    setBuiltRotationButton->setToolTip(tr("Make this the server's rotation and start its first map"));
+    rotationPane->addButtonAtFront(addMapButton);
+    rotationPane->addButtonAtEnd(setBuiltRotationButton);
+    rotationPane->setTakeRows([this](const QList<QStringList> &rows) { return takeRows(rows); });
 }
 
 static QLabel *titleOf(const QString &text, QWidget *control)
@@ -109,6 +130,17 @@ static QLabel *titleOf(const QString &text, QWidget *control)
     auto *label = new QLabel(text, control->parentWidget());
     label->setBuddy(control);
     return label;
+}
+
+QLayout *MapsView::serverRotationLayout()
+{
+    auto *title = new QHBoxLayout;
+    title->addWidget(titleOf(tr("Server rotation"), mapServerRotationTableView), 1);
+    title->addWidget(copyToBuilderButton);
+    auto *layout = new QVBoxLayout;
+    layout->addLayout(title);
+    layout->addWidget(mapServerRotationTableView, 1);
+    return layout;
 }
 
 void MapsView::layOut()
@@ -137,8 +169,9 @@ void MapsView::layOut()
     load->addWidget(mapListView, 1);
     load->addWidget(loadMapButton);
     auto *rotation = new QVBoxLayout;
-    rotation->addWidget(titleOf(tr("Server rotation"), mapServerRotationTableView));
-    rotation->addWidget(mapServerRotationTableView, 1);
+    rotation->addLayout(serverRotationLayout(), 2);
+    rotation->addSpacing(4);
+    rotation->addWidget(rotationPane, 3);
     auto *below = new QHBoxLayout;
     below->addLayout(load, 2);
     below->addSpacing(8);
@@ -151,10 +184,10 @@ void MapsView::layOut()
     layout->addSpacing(8);
     layout->addLayout(below, 1);
     // Top to bottom, left to right.
-    const QList<QWidget *> order{refreshCurrentMapButton,   restartMapButton, fastRestartMapButton,
-                                 startNextMapButton,        autoupdateMaps,   autoupdateMapsInterval,
-                                 gametypePopUpButton,       mapListView,      loadMapButton,
-                                 mapServerRotationTableView};
+    const QList<QWidget *> order{
+        refreshCurrentMapButton, restartMapButton,       fastRestartMapButton,       startNextMapButton,
+        autoupdateMaps,          autoupdateMapsInterval, gametypePopUpButton,        mapListView,
+        loadMapButton,           copyToBuilderButton,    mapServerRotationTableView, rotationPane->tableView};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order.at(i - 1), order.at(i));
 }
@@ -167,6 +200,11 @@ void MapsView::connectControls()
     connect(fastRestartMapButton, &QPushButton::clicked, this, &MapsView::fastRestartMapButtonPressed);
     connect(startNextMapButton, &QPushButton::clicked, this, &MapsView::startNextMapButtonPressed);
     connect(loadMapButton, &QPushButton::clicked, this, &MapsView::loadMapButtonPressed);
+    connect(addMapButton, &QPushButton::clicked, this, &MapsView::addMapToRotationMenuItemClicked);
+    connect(setBuiltRotationButton, &QPushButton::clicked, this, &MapsView::setBuiltRotationButtonPressed);
+    connect(copyToBuilderButton, &QPushButton::clicked, this, &MapsView::copyCurrentMapRotationToBuilderButtonPressed);
+    connect(mapServerRotationController, &QAbstractItemModel::rowsInserted, this, &MapsView::updateCopyButton);
+    connect(mapServerRotationController, &QAbstractItemModel::rowsRemoved, this, &MapsView::updateCopyButton);
     connect(autoupdateMaps, &QCheckBox::toggled, this, [this](bool isOn) {
         m_preferences.setValue(QStringLiteral("autoupdateMaps"), isOn);
         autoupdateMapsChanged();
@@ -183,6 +221,11 @@ void MapsView::connectControls()
     // The catalogue is loaded before the server's mode, by which maps are left out, is known.
     connect(&m_server, &KelServer::didConnect, this, &MapsView::mapListDidChange);
     connect(&m_server, &KelServer::isConnectedChanged, this, &MapsView::updatePlaceholder);
+}
+
+void MapsView::updateCopyButton()
+{
+    copyToBuilderButton->setEnabled(mapServerRotationController->rowCount() > 0);
 }
 
 void MapsView::updatePlaceholder()

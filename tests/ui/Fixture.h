@@ -4,6 +4,8 @@
 #include "CatalogueReader.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
+#include "KelMapRotation.h"
+#include "KelMessageRotation.h"
 #include "KelPlaylists.h"
 #include "KelServer.h"
 #include "KelSettings.h"
@@ -54,5 +56,7 @@ struct Fixture {
     KelSettings settings{{server, alerts}, reader};
     KelMapList maps{server, reader};
     KelPlaylists playlists{server, gametypes, maps, alerts, QStringLiteral(FERROW_RESOURCES)};
+    KelMapRotation mapRotations{preferences, alerts, folder.path()};
+    KelMessageRotation messageRotations{{preferences, alerts, server, actions}, folder.path()};
     SavedServers savedServers{folder.filePath(QStringLiteral("SavedServers.plist")), QStringLiteral("tester")};
 };

@@ -59,5 +59,6 @@ struct Maps : MapsFixture {
     QStringList current() const { return {view.currentGameTypeField->text(), view.currentMapField->text()}; }
     QList<RotationRow> rotation() const { return view.mapServerRotationController->content(); }
 
-    MapsView view{server, actions, alerts, preferences, gametypes, maps};
+    MapsView view{server,      actions, alerts, preferences, GameCatalogues{gametypes, settings, maps, playlists},
+                  mapRotations};
 };

@@ -34,7 +34,12 @@ struct Window : Fixture {
     }
     QString status() const { return view.statusLine->status(); }
 
-    FormMainView view{server,      actions, alerts, preferences, GameCatalogues{gametypes, settings, maps, playlists},
+    FormMainView view{server,
+                      actions,
+                      alerts,
+                      preferences,
+                      GameCatalogues{gametypes, settings, maps, playlists},
+                      Rotations{mapRotations, messageRotations},
                       savedServers};
 };
 
@@ -240,7 +245,7 @@ private slots:
         window.view.close();
         FormMainView again(window.server, window.actions, window.alerts, window.preferences,
                            GameCatalogues{window.gametypes, window.settings, window.maps, window.playlists},
-                           window.savedServers);
+                           Rotations{window.mapRotations, window.messageRotations}, window.savedServers);
         again.makeViews();
         QCOMPARE(again.size(), QSize(1100, 777));
         QCOMPARE(again.playersView->playersController->arranged()->sortColumn(), 6);

@@ -93,7 +93,7 @@ private slots:
         QVERIFY(fixture.savedServers.save({"Home", "10.0.0.9", "28961", QStringLiteral("pw")}).error.isEmpty());
         FormMainView window(fixture.server, fixture.actions, fixture.alerts, fixture.preferences,
                             GameCatalogues{fixture.gametypes, fixture.settings, fixture.maps, fixture.playlists},
-                            fixture.savedServers);
+                            Rotations{fixture.mapRotations, fixture.messageRotations}, fixture.savedServers);
         ServersView &view = *window.serversView;
         QVERIFY(!view.connectToSavedServerButton->isEnabled());
         view.savedServerTableView->selectRow(0);

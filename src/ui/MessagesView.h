@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
+#include <QTimer>
+#include <QWidget>
+
+#include <memory>
+
+class ActionQueue;
+class AddMessageToRotationWindowController;
+class Alerts;
+class ColorPreview;
+class KelMessageRotation;
+class OnAirDelegate;
+class Preferences;
+class QMenu;
+class QuickMessageField;
+class RotationPane;
+
+/// The rotation of chat messages with what plays it, and the message that is sent at once.
+class MessagesView : public QWidget
+{
+    Q_OBJECT
+public:
+    /// Everything handed in outlives the view.
+    MessagesView(KelMessageRotation &messages, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
+                 QWidget *parent = nullptr);
+    ~MessagesView() override;
+
+    RotationPane *rotationPane;
+    QPushButton *addMessageButton;
+    QPushButton *buttonStartMessageRotation;
+    QPushButton *buttonStopMessageRotation;
+    QCheckBox *checkBoxLoopMessages;
+    QLabel *onAirLabel;
+    QuickMessageField *quickMessageTextField;
+    QPushButton *colorButton;
+    QPushButton *quickMessageButton;
+    ColorPreview *colorPreview;
+    QLabel *unsendableLabel;
+    /// The Add Message sheet while it is open.
+    QPointer<AddMessageToRotationWindowController> addMessageToRotationWindowController;
+
+public slots:
+    void addMessageToRotationMenuItemClicked();
+    void startMessageRotationButtonPressed();
+    void stopMessageRotationButtonPressed();
+    void quickMessageButtonPressed();
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    void nameControls();
+    void layOut();
+    void connectControls();
+    void quickMessageDidChange();
+    void updateTransport();
+    void updateOnAir();
+    QString onAirText() const;
+    QList<qsizetype> takeRows(const QList<QStringList> &rows);
+
+    KelMessageRotation &m_messages;
+    ActionQueue &m_actions;
+    Preferences &m_preferences;
+    OnAirDelegate *m_onAirDelegate;
+    QMenu *m_colorMenu;
+    QTimer m_secondTimer; ///< counts the remaining seconds down while they can be seen
+};
