@@ -24,7 +24,7 @@ public:
         std::function<QVariant(const Row &)> sortKey; ///< number or text; null sorts by the text
         Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter;
         /// Takes a typed text into the row and tells whether that changed it; null where cells cannot be edited.
-        std::function<bool(Row &, const QString &)> edit = nullptr;
+        std::function<bool(Row &, const QString &)> edit{};
     };
     using KeyOf = std::function<QString(const Row &)>;
 
