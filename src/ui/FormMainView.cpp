@@ -3,6 +3,7 @@
 #include "ActionQueue.h"
 #include "Alerts.h"
 #include "Appearance.h"
+#include "ConfigBuilderView.h"
 #include "ConsoleView.h"
 #include "KelServer.h"
 #include "MapsView.h"
@@ -58,6 +59,9 @@ void FormMainView::makeViews()
                                             m_catalogues.gametypes, this);
     rankedSettingsView = new SettingsView(SettingsView::Mode::Ranked, m_server, m_actions, m_catalogues.settings,
                                           m_catalogues.gametypes, this);
+    configBuilderView =
+        new ConfigBuilderView(m_server, m_actions, m_alerts, m_catalogues.settings, m_catalogues.gametypes, this);
+    connect(this, &FormMainView::configBuilderVisitedAgain, configBuilderView, &ConfigBuilderView::selectAllRows);
     consoleView = new ConsoleView(m_server, m_actions, this);
     m_pages.insert(TabItem::Players, playersView);
     m_pages.insert(TabItem::Maps, mapsView);
@@ -65,7 +69,7 @@ void FormMainView::makeViews()
     m_pages.insert(TabItem::UnrankedSettings, unrankedSettingsView);
     m_pages.insert(TabItem::RankedSettings, rankedSettingsView);
     m_pages.insert(TabItem::Messages, laterPage(tr("This version does not play messages yet."), this));
-    m_pages.insert(TabItem::ConfigBuilder, laterPage(tr("This version does not build configurations yet."), this));
+    m_pages.insert(TabItem::ConfigBuilder, configBuilderView);
     m_pages.insert(TabItem::Console, consoleView);
     for (QWidget *page : std::as_const(m_pages))
         page->hide();

@@ -15,6 +15,7 @@
 
 class ActionQueue;
 class Alerts;
+class ConfigBuilderView;
 class ConsoleView;
 class KelServer;
 class MapsView;
@@ -68,6 +69,7 @@ public:
     MapsView *mapsView = nullptr;
     SettingsView *unrankedSettingsView = nullptr;
     SettingsView *rankedSettingsView = nullptr;
+    ConfigBuilderView *configBuilderView = nullptr;
     ConsoleView *consoleView = nullptr;
 
 public slots:
