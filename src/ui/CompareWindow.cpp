@@ -96,7 +96,7 @@ void CompareWindow::layOut()
     comparisonTableView->setModel(comparisonController->arranged());
     comparisonTableView->setSelectionModel(comparisonController->selection());
     comparisonTableView->setSortingEnabled(true);
-    comparisonTableView->sortByColumn(0, Qt::AscendingOrder);
+    comparisonTableView->sortByColumn(3, Qt::AscendingOrder); // what loading would change comes first
     const QList<int> widths{230, 170, 170, 110};
     for (int column = 0; column < widths.size(); ++column)
         comparisonTableView->setColumnWidth(column, widths.at(column));
@@ -155,8 +155,10 @@ QString CompareWindow::countsText() const
     const auto number = [this](State state) {
         return QString::number(m_comparison.count(state));
     };
-    return tr("%1 differ, %2 only in file, %3 only on server, %4 same")
-        .arg(number(State::Differs), number(State::OnlyInFile), number(State::OnlyOnServer), number(State::Same));
+    const QString counts =
+        tr("%1 differ, %2 only in file, %3 only on server, %4 same")
+            .arg(number(State::Differs), number(State::OnlyInFile), number(State::OnlyOnServer), number(State::Same));
+    return m_comparison.changes().isEmpty() ? tr("The file would change nothing: %1").arg(counts) : counts;
 }
 
 void CompareWindow::copyButtonPressed()

@@ -61,6 +61,8 @@ private:
     void connectControls();
     void showCatalogues();
     void updateSummary();
+    /// A button that is grey for the time of a loading gets the focus back.
+    void followLoading(bool isUnderWay);
     void updateButtons();
     /// What is selected, with the values as the session holds them now.
     ConfigurationContent selectedContent() const;
@@ -76,5 +78,6 @@ private:
     KelSettings &m_settings;
     KelGametype &m_gametypes;
     std::unique_ptr<ConfigurationLoading> m_loading;
+    QWidget *m_focusedBefore = nullptr;  ///< the loading
     QString m_folder = QDir::homePath(); ///< of the file that was chosen last
 };

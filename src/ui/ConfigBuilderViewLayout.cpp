@@ -86,7 +86,7 @@ void ConfigBuilderView::connectControls()
     connect(&m_gametypes, &KelGametype::gametypeListChanged, this, &ConfigBuilderView::showCatalogues);
     connect(&m_server, &KelServer::dvarListChanged, this, &ConfigBuilderView::showCatalogues);
     connect(&m_server, &KelServer::isConnectedChanged, this, &ConfigBuilderView::updateButtons);
-    connect(m_loading.get(), &ConfigurationLoading::isUnderWayChanged, this, &ConfigBuilderView::updateButtons);
+    connect(m_loading.get(), &ConfigurationLoading::isUnderWayChanged, this, &ConfigBuilderView::followLoading);
 }
 
 void ConfigBuilderView::showCatalogues()
@@ -111,6 +111,16 @@ void ConfigBuilderView::updateSummary()
     const QString gametypes = counted(content.gametypes.size(), tr("1 gametype"), tr("%1 gametypes"));
     const QString variables = counted(writtenEntries(content).size(), tr("1 variable"), tr("%1 variables"));
     configSummaryLabel->setText(tr("Saving writes %1, %2, %3.").arg(groups, gametypes, variables));
+}
+
+void ConfigBuilderView::followLoading(bool isUnderWay)
+{
+    QWidget *focused = window()->focusWidget();
+    if (isUnderWay)
+        m_focusedBefore = focused == loadConfigButton || focused == compareConfigButton ? focused : nullptr;
+    updateButtons();
+    if (!isUnderWay && m_focusedBefore != nullptr)
+        m_focusedBefore->setFocus();
 }
 
 void ConfigBuilderView::updateButtons()

@@ -30,6 +30,8 @@ void ProgressWindowController::setTitle(const QString &title)
     m_title = title;
     if (titleLabel != nullptr)
         titleLabel->setText(title);
+    if (m_window != nullptr)
+        m_window->setWindowTitle(title);
 }
 
 void ProgressWindowController::setProgressMax(double progressMax)
