@@ -66,7 +66,10 @@ void ConfigBuilderView::loadConfigButtonPressed()
 void ConfigBuilderView::compareConfigButtonPressed()
 {
     openPanel(QStringLiteral("compareConfigPanel"), tr("Compare With Configuration"), QFileDialog::AcceptOpen,
-              [this](const QString &path) { m_actions.start(compare(path)); });
+              [this](const QString &path) {
+                  m_actions.start(compare(
+                      path, {m_settings.sortedSettingsValues(), m_gametypes.listedGametypes(), m_server.dvarList()}));
+              });
 }
 
 QCoro::Task<> ConfigBuilderView::saveConfigTo(QString path, ConfigurationContent content)
@@ -88,20 +91,18 @@ QCoro::Task<> ConfigBuilderView::saveConfigTo(QString path, ConfigurationContent
     co_await m_alerts.run(tr("Save Failed"), text);
 }
 
-QCoro::Task<> ConfigBuilderView::compare(QString path)
+QCoro::Task<> ConfigBuilderView::compare(QString path, ConfigurationContent everything)
 {
-    const std::optional<QList<ConfigurationEntry>> file = co_await m_loading->readEntries(path);
-    if (!file || !m_server.isConnected())
-        co_return;
-    const QHash<QString, QString> dvars = m_server.dvarList();
-    const ConfigurationContent everything{m_settings.sortedSettingsValues(), m_gametypes.listedGametypes(), dvars};
-    const ConfigurationComparison comparison(*file, dvars, writtenEntries(everything));
-    showComparison(comparison, QFileInfo(path).fileName());
+    const QList<ConfigurationEntry> written = writtenEntries(everything);
+    const std::optional<ConfigurationComparison> comparison =
+        co_await m_loading->compareFile(path, everything.dvars, written);
+    if (comparison)
+        showComparison(*comparison, QFileInfo(path).fileName());
 }
 
-void ConfigBuilderView::showComparison(ConfigurationComparison comparison, const QString &fileName)
+void ConfigBuilderView::showComparison(const ConfigurationComparison &comparison, const QString &fileName)
 {
-    auto *compareWindow = new CompareWindow(std::move(comparison), fileName, window());
+    auto *compareWindow = new CompareWindow(comparison, fileName, window());
     connect(compareWindow, &CompareWindow::loadRequested, this,
             [this](const QList<ConfigurationEntry> &entries) { m_actions.start(m_loading->loadEntries(entries)); });
     // What it shows is no longer what the server has.

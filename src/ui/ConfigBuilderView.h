@@ -69,8 +69,8 @@ private:
     /// A file dialog on the window; `chosen` gets the file when the dialog has gone, if there is one.
     void openPanel(const QString &name, const QString &title, QFileDialog::AcceptMode mode,
                    std::function<void(const QString &)> chosen);
-    QCoro::Task<> compare(QString path);
-    void showComparison(ConfigurationComparison comparison, const QString &fileName);
+    QCoro::Task<> compare(QString path, ConfigurationContent everything);
+    void showComparison(const ConfigurationComparison &comparison, const QString &fileName);
 
     KelServer &m_server;
     ActionQueue &m_actions;

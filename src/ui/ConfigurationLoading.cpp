@@ -99,9 +99,10 @@ QCoro::Task<> ConfigurationLoading::loadEntries(QList<ConfigurationEntry> entrie
     co_await write(entries);
 }
 
-QCoro::Task<std::optional<QList<ConfigurationEntry>>> ConfigurationLoading::readEntries(QString path)
+QCoro::Task<std::optional<ConfigurationComparison>>
+ConfigurationLoading::compareFile(QString path, QHash<QString, QString> dvars, QList<ConfigurationEntry> written)
 {
-    std::optional<QList<ConfigurationEntry>> result;
+    std::optional<ConfigurationComparison> result;
     if (m_isUnderWay || !m_server.isConnected())
         co_return result;
     const Run run(*this);
@@ -111,10 +112,15 @@ QCoro::Task<std::optional<QList<ConfigurationEntry>>> ConfigurationLoading::read
     const QList<ConfigurationEntry> entries = co_await parse(*text);
     if (m_isCalledOff)
         co_return result;
-    if (entries.isEmpty())
+    if (entries.isEmpty()) {
         co_await tellOfNoEntries(path);
-    else
-        result = entries;
+        co_return result;
+    }
+    const QFuture<ConfigurationComparison> pending =
+        QtConcurrent::run([entries, dvars, written] { return ConfigurationComparison(entries, dvars, written); });
+    const ConfigurationComparison comparison = co_await pending;
+    if (!m_isCalledOff)
+        result = comparison;
     co_return result;
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "ConfigurationComparison.h"
 #include "ConfigurationFile.h"
 #include "ProgressWindowController.h"
 
 #include <QCoroTask>
 
+#include <QHash>
 #include <QList>
 #include <QObject>
 
@@ -31,9 +33,10 @@ public:
     QCoro::Task<> loadFile(QString path);
     /// Writes `entries` in their order. The action that calls it has no turn.
     QCoro::Task<> loadEntries(QList<ConfigurationEntry> entries);
-    /// Reads what a file sets.
-    /// @return nothing if that is nothing, which the user has been told, or if the connection has ended meanwhile.
-    QCoro::Task<std::optional<QList<ConfigurationEntry>>> readEntries(QString path);
+    /// Compares what the file at `path` sets; the other arguments are those of ConfigurationComparison.
+    /// @return nothing if it sets nothing, which the user has been told, or if the connection has ended meanwhile.
+    QCoro::Task<std::optional<ConfigurationComparison>> compareFile(QString path, QHash<QString, QString> dvars,
+                                                                    QList<ConfigurationEntry> written);
 
     bool isUnderWay() const { return m_isUnderWay; }
     /// The progress sheet, while it is shown; else null.
