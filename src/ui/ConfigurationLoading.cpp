@@ -180,6 +180,8 @@ QCoro::Task<ConfigurationLoading::Outcome> ConfigurationLoading::writeOne(Config
     const QString text = tr("'%1' returned an error: %2").arg(entry.dvar, reply.text);
     co_await m_alerts.run(tr("Remote Command Failure"), text);
     m_isCalledOff = m_isCalledOff || !turn;
+    if (m_progressWindowController && m_progressWindowController->window() != nullptr)
+        m_progressWindowController->window()->activateWindow(); // else Escape would go to the window below
     co_return Outcome::Failed;
 }
 
