@@ -3,6 +3,7 @@
 #include "ActionQueue.h"
 #include "Alerts.h"
 #include "Appearance.h"
+#include "ConfigBuilderView.h"
 #include "ConsoleView.h"
 #include "KelMapRotation.h"
 #include "KelMessageRotation.h"
@@ -15,6 +16,7 @@
 #include "PlaylistsView.h"
 #include "Preferences.h"
 #include "RotationPane.h"
+#include "SectionTable.h"
 #include "ServersView.h"
 #include "SettingsView.h"
 #include "StatusLine.h"
@@ -46,14 +48,6 @@ FormMainView::FormMainView(KelServer &server, ActionQueue &actions, Alerts &aler
 
 FormMainView::~FormMainView() = default;
 
-static QWidget *laterPage(const QString &text, QWidget *parent)
-{
-    auto *page = new QLabel(text, parent);
-    page->setAlignment(Qt::AlignCenter);
-    page->setEnabled(false);
-    return page;
-}
-
 void FormMainView::makeViews()
 {
     if (!m_pages.isEmpty())
@@ -67,6 +61,9 @@ void FormMainView::makeViews()
     rankedSettingsView = new SettingsView(SettingsView::Mode::Ranked, m_server, m_actions, m_catalogues.settings,
                                           m_catalogues.gametypes, this);
     messagesView = new MessagesView(m_rotations.messages, m_actions, m_alerts, m_preferences, this);
+    configBuilderView =
+        new ConfigBuilderView(m_server, m_actions, m_alerts, m_catalogues.settings, m_catalogues.gametypes, this);
+    connect(this, &FormMainView::configBuilderVisitedAgain, configBuilderView, &ConfigBuilderView::selectAllRows);
     consoleView = new ConsoleView(m_server, m_actions, this);
     insertViews();
     m_undoGroup.addStack(mapsView->rotationPane->undoStack());
@@ -85,7 +82,7 @@ void FormMainView::insertViews()
     m_pages.insert(TabItem::UnrankedSettings, unrankedSettingsView);
     m_pages.insert(TabItem::RankedSettings, rankedSettingsView);
     m_pages.insert(TabItem::Messages, messagesView);
-    m_pages.insert(TabItem::ConfigBuilder, laterPage(tr("This version does not build configurations yet."), this));
+    m_pages.insert(TabItem::ConfigBuilder, configBuilderView);
     m_pages.insert(TabItem::Console, consoleView);
     for (QWidget *page : std::as_const(m_pages))
         page->hide();
@@ -95,6 +92,7 @@ void FormMainView::insertViews()
     unrankedSettingsView->setFocusProxy(unrankedSettingsView->settingsGroupList);
     rankedSettingsView->setFocusProxy(rankedSettingsView->settingsGroupList);
     messagesView->setFocusProxy(messagesView->rotationPane->tableView);
+    configBuilderView->setFocusProxy(configBuilderView->configBuilderGeneralSettingsTable);
 }
 
 void FormMainView::showEvent(QShowEvent *event)

@@ -17,6 +17,7 @@
 
 class ActionQueue;
 class Alerts;
+class ConfigBuilderView;
 class ConsoleView;
 class KelServer;
 class MapsView;
@@ -75,6 +76,7 @@ public:
     MessagesView *messagesView = nullptr;
     SettingsView *unrankedSettingsView = nullptr;
     SettingsView *rankedSettingsView = nullptr;
+    ConfigBuilderView *configBuilderView = nullptr;
     ConsoleView *consoleView = nullptr;
 
 public slots:

@@ -1,17 +1,22 @@
 #include "ProgressWindowController.h"
 
+#include <QHBoxLayout>
 #include <QVBoxLayout>
 
 #include <cmath>
 
 namespace
 {
-/// Ends with its task, not with Escape.
+/// Ends with its task: Escape can but ask the task to end.
 class ProgressSheet final : public QDialog
 {
 public:
     using QDialog::QDialog;
-    void reject() override {}
+    void reject() override
+    {
+        if (auto *cancelButton = findChild<QPushButton *>(QStringLiteral("cancelButton")))
+            cancelButton->click();
+    }
 };
 } // namespace
 
@@ -25,6 +30,8 @@ void ProgressWindowController::setTitle(const QString &title)
     m_title = title;
     if (titleLabel != nullptr)
         titleLabel->setText(title);
+    if (m_window != nullptr)
+        m_window->setWindowTitle(title);
 }
 
 void ProgressWindowController::setProgressMax(double progressMax)
@@ -52,12 +59,29 @@ void ProgressWindowController::beginSheet(QWidget *window)
     titleLabel->setTextFormat(Qt::PlainText);
     progressIndicator = new QProgressBar(m_window);
     progressIndicator->setObjectName(QStringLiteral("progressIndicator"));
+    progressIndicator->setAccessibleName(QDialog::tr("Progress"));
     progressIndicator->setMinimumWidth(320);
     auto *layout = new QVBoxLayout(m_window);
     layout->addWidget(titleLabel);
     layout->addWidget(progressIndicator);
+    if (m_cancel)
+        addCancelButton();
     awakeFromNib();
     m_window->open();
+}
+
+void ProgressWindowController::addCancelButton()
+{
+    auto *cancelButton = new QPushButton(QDialog::tr("Cancel"), m_window);
+    cancelButton->setObjectName(QStringLiteral("cancelButton"));
+    QObject::connect(cancelButton, &QPushButton::clicked, cancelButton, [cancelButton, cancel = m_cancel] {
+        cancelButton->setEnabled(false);
+        cancel();
+    });
+    auto *row = new QHBoxLayout;
+    row->addStretch();
+    row->addWidget(cancelButton);
+    static_cast<QVBoxLayout *>(m_window->layout())->addLayout(row);
 }
 
 void ProgressWindowController::awakeFromNib()

@@ -4,8 +4,10 @@
 #include <QLabel>
 #include <QPointer>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QString>
 
+#include <functional>
 #include <limits>
 
 /// The progress sheet of one long task. Its values may be set before the sheet is shown and are applied then;
@@ -25,6 +27,10 @@ public:
     void setProgressMax(double progressMax);
     void setCurrentProgress(double currentProgress);
 
+    /// Gives the sheet a "Cancel" button, which calls `cancel` once; the sheet stays until endSheet(). Set before the
+    /// sheet is shown.
+    void setCancel(std::function<void()> cancel) { m_cancel = std::move(cancel); }
+
     /// Shows the sheet on `window`, which owns it until it is closed.
     void beginSheet(QWidget *window);
     void endSheet();
@@ -33,10 +39,12 @@ public:
 
 private:
     void awakeFromNib();
+    void addCancelButton();
 
     QString m_title;
     double m_progressMax = std::numeric_limits<double>::quiet_NaN();
     double m_currentProgress = std::numeric_limits<double>::quiet_NaN();
+    std::function<void()> m_cancel;
     QPointer<QDialog> m_window;
     QPointer<QLabel> titleLabel;
     QPointer<QProgressBar> progressIndicator;

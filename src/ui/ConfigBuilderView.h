@@ -1,0 +1,83 @@
+#pragma once
+
+#include "ConfigurationText.h"
+
+#include <QCoroTask>
+
+#include <QDir>
+#include <QFileDialog>
+#include <QLabel>
+#include <QPushButton>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+class ActionQueue;
+class Alerts;
+class ConfigurationComparison;
+class ConfigurationLoading;
+class KelGametype;
+class KelServer;
+class KelSettings;
+class ProgressWindowController;
+class SectionTable;
+
+/// Writes the server's settings into a configuration file, and loads such a file into the server or compares it.
+class ConfigBuilderView : public QWidget
+{
+    Q_OBJECT
+public:
+    /// Everything handed in outlives the view, and the view outlives the actions that it starts.
+    ConfigBuilderView(KelServer &server, ActionQueue &actions, Alerts &alerts, KelSettings &settings,
+                      KelGametype &gametypes, QWidget *parent = nullptr);
+    ~ConfigBuilderView() override;
+
+    /// Writes `content` to `path`, with the extension "cfg" if it has another or none; asks first if the file exists.
+    QCoro::Task<> saveConfigTo(QString path, ConfigurationContent content);
+
+    /// The progress sheet of a loading, while it is shown; else null.
+    ProgressWindowController *progressWindowController() const;
+
+    SectionTable *configBuilderGeneralSettingsTable;
+    SectionTable *configBuilderGametypeSettingsTable;
+    QPushButton *selectAllButton;
+    QPushButton *selectNoneButton;
+    QLabel *configSummaryLabel; ///< what saving would write
+    QPushButton *saveConfigButton;
+    QPushButton *loadConfigButton;
+    QPushButton *compareConfigButton;
+
+public slots:
+    void saveConfigButtonPressed();
+    void loadConfigButtonPressed();
+    void compareConfigButtonPressed();
+    void selectAllRows();
+    void selectNoRows();
+
+private:
+    void nameControls();
+    void layOut();
+    void connectControls();
+    void showCatalogues();
+    void updateSummary();
+    /// A button that is grey for the time of a loading gets the focus back.
+    void followLoading(bool isUnderWay);
+    void updateButtons();
+    /// What is selected, with the values as the session holds them now.
+    ConfigurationContent selectedContent() const;
+    /// A file dialog on the window; `chosen` gets the file when the dialog has gone, if there is one.
+    void openPanel(const QString &name, const QString &title, QFileDialog::AcceptMode mode,
+                   std::function<void(const QString &)> chosen);
+    QCoro::Task<> compare(QString path, ConfigurationContent everything);
+    void showComparison(const ConfigurationComparison &comparison, const QString &fileName);
+
+    KelServer &m_server;
+    ActionQueue &m_actions;
+    Alerts &m_alerts;
+    KelSettings &m_settings;
+    KelGametype &m_gametypes;
+    std::unique_ptr<ConfigurationLoading> m_loading;
+    QWidget *m_focusedBefore = nullptr;  ///< the loading
+    QString m_folder = QDir::homePath(); ///< of the file that was chosen last
+};

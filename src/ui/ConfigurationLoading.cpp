@@ -1,0 +1,201 @@
+#include "ConfigurationLoading.h"
+
+#include "ActionQueue.h"
+#include "Alerts.h"
+#include "KelServer.h"
+
+#include <QCoroFuture>
+
+#include <QWidget>
+#include <QtConcurrentRun>
+
+#include <utility>
+
+/// Marks the loading as under way and leaves nothing of it behind, however it ends.
+class ConfigurationLoading::Run
+{
+public:
+    explicit Run(ConfigurationLoading &loading) : m_loading(loading)
+    {
+        m_loading.m_isCancelled = false;
+        m_loading.m_isCalledOff = false;
+        setUnderWay(true);
+    }
+    ~Run()
+    {
+        m_loading.endSheet();
+        setUnderWay(false);
+    }
+    Run(const Run &) = delete;
+    Run &operator=(const Run &) = delete;
+
+private:
+    void setUnderWay(bool isUnderWay)
+    {
+        m_loading.m_isUnderWay = isUnderWay;
+        emit m_loading.isUnderWayChanged(isUnderWay);
+    }
+
+    ConfigurationLoading &m_loading;
+};
+
+ConfigurationLoading::ConfigurationLoading(KelServer &server, ActionQueue &actions, Alerts &alerts, QWidget *view)
+    : m_server(server), m_actions(actions), m_alerts(alerts), m_view(view)
+{
+    const auto callOff = [this] {
+        m_isCalledOff = true;
+        endSheet();
+    };
+    connect(&server, &KelServer::connectionBegan, this, callOff);
+    connect(&server, &KelServer::isConnectedChanged, this, [callOff](bool isConnected) {
+        if (!isConnected)
+            callOff();
+    });
+}
+
+ConfigurationLoading::~ConfigurationLoading() = default;
+
+void ConfigurationLoading::beginSheet()
+{
+    m_progressWindowController = std::make_unique<ProgressWindowController>();
+    m_progressWindowController->setTitle(tr("Loading configuration..."));
+    m_progressWindowController->setProgressMax(100);
+    m_progressWindowController->setCurrentProgress(0);
+    m_progressWindowController->setCancel([this] { m_isCancelled = true; });
+    m_progressWindowController->beginSheet(m_view->window());
+}
+
+void ConfigurationLoading::endSheet()
+{
+    m_progressWindowController.reset();
+}
+
+QCoro::Task<> ConfigurationLoading::loadFile(QString path)
+{
+    if (m_isUnderWay || !m_server.isConnected())
+        co_return;
+    const Run run(*this);
+    const std::optional<QString> text = co_await readText(path);
+    if (!text || m_isCalledOff)
+        co_return;
+    beginSheet();
+    const QList<ConfigurationEntry> entries = co_await parse(*text);
+    if (m_isCalledOff)
+        co_return;
+    if (entries.isEmpty()) {
+        endSheet();
+        co_await tellOfNoEntries(path);
+        co_return;
+    }
+    co_await write(entries);
+}
+
+QCoro::Task<> ConfigurationLoading::loadEntries(QList<ConfigurationEntry> entries)
+{
+    if (m_isUnderWay || !m_server.isConnected())
+        co_return;
+    const Run run(*this);
+    beginSheet();
+    co_await write(entries);
+}
+
+QCoro::Task<std::optional<ConfigurationComparison>>
+ConfigurationLoading::compareFile(QString path, QHash<QString, QString> dvars, QList<ConfigurationEntry> written)
+{
+    std::optional<ConfigurationComparison> result;
+    if (m_isUnderWay || !m_server.isConnected())
+        co_return result;
+    const Run run(*this);
+    const std::optional<QString> text = co_await readText(path);
+    if (!text || m_isCalledOff)
+        co_return result;
+    const QList<ConfigurationEntry> entries = co_await parse(*text);
+    if (m_isCalledOff)
+        co_return result;
+    if (entries.isEmpty()) {
+        co_await tellOfNoEntries(path);
+        co_return result;
+    }
+    const QFuture<ConfigurationComparison> pending =
+        QtConcurrent::run([entries, dvars, written] { return ConfigurationComparison(entries, dvars, written); });
+    const ConfigurationComparison comparison = co_await pending;
+    if (!m_isCalledOff)
+        result = comparison;
+    co_return result;
+}
+
+QCoro::Task<std::optional<QString>> ConfigurationLoading::readText(QString path)
+{
+    // Elsewhere, since a disk in the network takes its time.
+    const QFuture<ConfigurationFile::Content> pending =
+        QtConcurrent::run([path] { return ConfigurationFile::read(path); });
+    const ConfigurationFile::Content content = co_await pending;
+    if (!content.text && !m_isCalledOff) {
+        const QString text = tr("The configuration file \"%1\" could not be read. Nothing was written to the "
+                                "server.\n\n%2")
+                                 .arg(path, content.error);
+        co_await m_alerts.run(tr("Load Failed"), text);
+    }
+    co_return content.text;
+}
+
+QCoro::Task<QList<ConfigurationEntry>> ConfigurationLoading::parse(QString text)
+{
+    const QFuture<QList<ConfigurationEntry>> pending =
+        QtConcurrent::run([text] { return ConfigurationFile::entries(text); });
+    const QList<ConfigurationEntry> entries = co_await pending;
+    co_return entries;
+}
+
+QCoro::Task<> ConfigurationLoading::write(QList<ConfigurationEntry> entries)
+{
+    m_progressWindowController->setProgressMax(static_cast<double>(entries.size()));
+    qsizetype position = 0;
+    qsizetype written = 0;
+    for (const ConfigurationEntry &entry : std::as_const(entries)) {
+        const Outcome outcome = co_await writeOne(entry);
+        if (outcome == Outcome::NotSent || m_isCalledOff)
+            break;
+        if (outcome == Outcome::Written)
+            ++written;
+        m_progressWindowController->setCurrentProgress(static_cast<double>(position++));
+    }
+    endSheet();
+    if (m_isCancelled && !m_isCalledOff && position < entries.size())
+        co_await tellOfCancel(written, entries.size());
+}
+
+QCoro::Task<ConfigurationLoading::Outcome> ConfigurationLoading::writeOne(ConfigurationEntry entry)
+{
+    const ActionQueue::Turn turn = co_await m_actions.turn();
+    m_isCalledOff = m_isCalledOff || !turn;
+    if (m_isCalledOff || m_isCancelled)
+        co_return Outcome::NotSent;
+    const Reply reply = co_await m_server.setDvar(entry.dvar, entry.value);
+    m_isCalledOff = m_isCalledOff || !turn || reply.isCancelled;
+    if (m_isCalledOff)
+        co_return Outcome::NotSent;
+    if (reply.isSuccess())
+        co_return Outcome::Written;
+    const QString text = tr("'%1' returned an error: %2").arg(entry.dvar, reply.text);
+    co_await m_alerts.run(tr("Remote Command Failure"), text);
+    m_isCalledOff = m_isCalledOff || !turn;
+    if (m_progressWindowController && m_progressWindowController->window() != nullptr)
+        m_progressWindowController->window()->activateWindow(); // else Escape would go to the window below
+    co_return Outcome::Failed;
+}
+
+QCoro::Task<> ConfigurationLoading::tellOfNoEntries(QString path)
+{
+    const QString text = tr("\"%1\" sets no variable. A line of a configuration file is the name of a variable, a "
+                            "blank and its value in double quotes.")
+                             .arg(path);
+    co_await m_alerts.run(tr("Nothing to Load"), text);
+}
+
+QCoro::Task<> ConfigurationLoading::tellOfCancel(qsizetype written, qsizetype total)
+{
+    const QString text = tr("%1 of %2 variables were written to the server. The others were left as they are.")
+                             .arg(QString::number(written), QString::number(total));
+    co_await m_alerts.run(tr("Loading Cancelled"), text);
+}

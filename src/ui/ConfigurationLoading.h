@@ -1,0 +1,69 @@
+#pragma once
+
+#include "ConfigurationComparison.h"
+#include "ConfigurationFile.h"
+#include "ProgressWindowController.h"
+
+#include <QCoroTask>
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+
+#include <memory>
+#include <optional>
+
+class ActionQueue;
+class Alerts;
+class KelServer;
+class QWidget;
+
+/// Reads configuration files and writes what they set to the server. Every write takes a turn of its own, so that a
+/// message or a refresh that is due goes in between. One loading at a time; disconnecting and another connection end it
+/// without an alert. Main thread only.
+class ConfigurationLoading : public QObject
+{
+    Q_OBJECT
+public:
+    /// Everything handed in outlives this; the progress sheet stands on the window of `view`.
+    ConfigurationLoading(KelServer &server, ActionQueue &actions, Alerts &alerts, QWidget *view);
+    ~ConfigurationLoading() override;
+
+    /// Writes the variables of the file at `path`, and tells what went wrong. The action that calls it has no turn.
+    QCoro::Task<> loadFile(QString path);
+    /// Writes `entries` in their order. The action that calls it has no turn.
+    QCoro::Task<> loadEntries(QList<ConfigurationEntry> entries);
+    /// Compares what the file at `path` sets; the other arguments are those of ConfigurationComparison.
+    /// @return nothing if it sets nothing, which the user has been told, or if the connection has ended meanwhile.
+    QCoro::Task<std::optional<ConfigurationComparison>> compareFile(QString path, QHash<QString, QString> dvars,
+                                                                    QList<ConfigurationEntry> written);
+
+    bool isUnderWay() const { return m_isUnderWay; }
+    /// The progress sheet, while it is shown; else null.
+    ProgressWindowController *progressWindowController() const { return m_progressWindowController.get(); }
+
+signals:
+    void isUnderWayChanged(bool isUnderWay);
+
+private:
+    class Run;
+    enum class Outcome { NotSent, Failed, Written };
+
+    void beginSheet();
+    void endSheet();
+    QCoro::Task<std::optional<QString>> readText(QString path);
+    QCoro::Task<QList<ConfigurationEntry>> parse(QString text);
+    QCoro::Task<> write(QList<ConfigurationEntry> entries);
+    QCoro::Task<Outcome> writeOne(ConfigurationEntry entry);
+    QCoro::Task<> tellOfNoEntries(QString path);
+    QCoro::Task<> tellOfCancel(qsizetype written, qsizetype total);
+
+    KelServer &m_server;
+    ActionQueue &m_actions;
+    Alerts &m_alerts;
+    QWidget *m_view;
+    std::unique_ptr<ProgressWindowController> m_progressWindowController;
+    bool m_isUnderWay = false;
+    bool m_isCancelled = false; ///< by the user, who is told how far it came
+    bool m_isCalledOff = false; ///< with the connection
+};
