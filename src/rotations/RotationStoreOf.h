@@ -307,7 +307,7 @@ private:
         if (name.isEmpty() && m_saveAsPanel) {
             const int failedWrites = m_failedWrites;
             name = co_await m_saveAsPanel();
-            if (m_failedWrites != failedWrites) // the panel has tried it and told so
+            if (m_hasWriteFailed && m_failedWrites != failedWrites) // the panel has tried it and told so
                 co_return false;
         }
         if (name.isEmpty())
