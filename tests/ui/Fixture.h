@@ -2,6 +2,7 @@
 
 #include "ActionQueue.h"
 #include "CatalogueReader.h"
+#include "GameCatalogues.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
 #include "KelMapRotation.h"
@@ -11,6 +12,7 @@
 #include "KelSettings.h"
 #include "Preferences.h"
 #include "RecordedAlerts.h"
+#include "Rotations.h"
 #include "SavedServers.h"
 #include "ScriptedExchange.h"
 #include "Wait.h"
@@ -36,6 +38,9 @@ struct Fixture {
         awaited(server.connectToHost(QStringLiteral("10.0.0.1"), QStringLiteral("28960"), QStringLiteral("typed")));
         exchange.forgetSent();
     }
+
+    GameCatalogues catalogues() { return {gametypes, settings, maps, playlists}; }
+    Rotations rotations() { return {mapRotations, messageRotations}; }
 
     /// @return whether all actions have ended.
     bool settle()

@@ -59,6 +59,5 @@ struct Maps : MapsFixture {
     QStringList current() const { return {view.currentGameTypeField->text(), view.currentMapField->text()}; }
     QList<RotationRow> rotation() const { return view.mapServerRotationController->content(); }
 
-    MapsView view{server,      actions, alerts, preferences, GameCatalogues{gametypes, settings, maps, playlists},
-                  mapRotations};
+    MapsView view{server, actions, alerts, preferences, catalogues(), mapRotations};
 };

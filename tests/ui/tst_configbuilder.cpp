@@ -91,8 +91,8 @@ private slots:
     void theSecondVisitSelectsAllRows()
     {
         Builder builder;
-        FormMainView main(builder.server, builder.actions, builder.alerts, builder.preferences,
-                          GameCatalogues{builder.gametypes, builder.settings, builder.maps}, builder.savedServers);
+        FormMainView main(builder.server, builder.actions, builder.alerts, builder.preferences, builder.catalogues(),
+                          builder.rotations(), builder.savedServers);
         main.makeViews();
         emit main.configBuilderVisitedAgain();
         QCOMPARE(names(main.configBuilderView->configBuilderGeneralSettingsTable).size(),

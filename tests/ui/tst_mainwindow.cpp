@@ -34,13 +34,7 @@ struct Window : Fixture {
     }
     QString status() const { return view.statusLine->status(); }
 
-    FormMainView view{server,
-                      actions,
-                      alerts,
-                      preferences,
-                      GameCatalogues{gametypes, settings, maps, playlists},
-                      Rotations{mapRotations, messageRotations},
-                      savedServers};
+    FormMainView view{server, actions, alerts, preferences, catalogues(), rotations(), savedServers};
 };
 
 class MainWindowTest : public QObject
@@ -243,9 +237,8 @@ private slots:
         window.view.show();
         window.view.playersView->playersTableView->sortByColumn(6, Qt::DescendingOrder);
         window.view.close();
-        FormMainView again(window.server, window.actions, window.alerts, window.preferences,
-                           GameCatalogues{window.gametypes, window.settings, window.maps, window.playlists},
-                           Rotations{window.mapRotations, window.messageRotations}, window.savedServers);
+        FormMainView again(window.server, window.actions, window.alerts, window.preferences, window.catalogues(),
+                           window.rotations(), window.savedServers);
         again.makeViews();
         QCOMPARE(again.size(), QSize(1100, 777));
         QCOMPARE(again.playersView->playersController->arranged()->sortColumn(), 6);

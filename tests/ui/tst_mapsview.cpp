@@ -145,7 +145,8 @@ private slots:
         QVERIFY(!maps.view.autoupdateMapsTimer.isActive());
         maps.view.autoupdateMapsChanged(); // as after the next connect
         QVERIFY(maps.view.autoupdateMapsTimer.isActive());
-        const MapsView later(maps.server, maps.actions, maps.alerts, maps.preferences, maps.gametypes, maps.maps);
+        const MapsView later(maps.server, maps.actions, maps.alerts, maps.preferences, maps.catalogues(),
+                             maps.mapRotations);
         QVERIFY(later.autoupdateMaps->isChecked());
         QCOMPARE(later.autoupdateMapsInterval->value(), 86400);
         maps.view.autoupdateMapsTimer.setInterval(1);

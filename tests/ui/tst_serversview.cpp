@@ -91,9 +91,8 @@ private slots:
         Fixture fixture;
         fixture.exchange.answer(QStringLiteral("teamstatus"), ScriptedExchange::ok());
         QVERIFY(fixture.savedServers.save({"Home", "10.0.0.9", "28961", QStringLiteral("pw")}).error.isEmpty());
-        FormMainView window(fixture.server, fixture.actions, fixture.alerts, fixture.preferences,
-                            GameCatalogues{fixture.gametypes, fixture.settings, fixture.maps, fixture.playlists},
-                            Rotations{fixture.mapRotations, fixture.messageRotations}, fixture.savedServers);
+        FormMainView window(fixture.server, fixture.actions, fixture.alerts, fixture.preferences, fixture.catalogues(),
+                            fixture.rotations(), fixture.savedServers);
         ServersView &view = *window.serversView;
         QVERIFY(!view.connectToSavedServerButton->isEnabled());
         view.savedServerTableView->selectRow(0);
