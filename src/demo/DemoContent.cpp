@@ -43,20 +43,17 @@ constexpr auto Gametypes = std::to_array<DemoGametype>({
 
 constexpr auto Playlists = std::to_array<DemoPlaylist>({
     {1, "tdm"},
-    {2, "dm ladder"},
+    {2, "dm"},
     {3, "dom koth"},
-    {4, "ctf relay"},
+    {4, "ctf"},
     {5, "siege esc"},
-    {6, "lms hunt"},
+    {6, "lms"},
     {7, "tdm dom koth ctf"},
-    {8, "duel"},
-    {9, "ctf dm dom esc hunt koth ladder lms relay siege tdm"},
-    {10, "tdm dm"},
-    {11, "siege ctf dom"},
-    {12, "lms relay koth"},
+    {8, "ctf dm dom esc koth lms siege tdm"},
+    {9, "tdm dm"},
     {21, "lms"},
-    {22, "ladder"},
-    {23, "duel"},
+    {22, "dm"},
+    {23, "koth"},
 });
 
 constexpr auto Names = std::to_array<const char *>({

@@ -189,7 +189,7 @@ protected:
     {
         connect(&m_table, &QAbstractItemModel::rowsRemoved, this, [this] { noteChange(); });
         connect(&m_table, &QAbstractItemModel::dataChanged, this, [this] { noteChange(); });
-        connect(&m_table, &QAbstractItemModel::rowsInserted, this, [this] { noteOrder(); });
+        connect(&m_table, &QAbstractItemModel::rowsInserted, this, [this] { noteChange(); });
         connect(&m_table, &QAbstractItemModel::layoutChanged, this, [this] { noteOrder(); });
         m_table.setKeyHandlingDelegate([this] { deleteSelectedItems(); });
     }

@@ -71,6 +71,7 @@ void FormMainView::makeViews()
     fillPlayersMenu();
     fillMapsMenu();
     fillMessagesMenu();
+    fillConfigurationMenu();
     restoreViewLayouts();
 }
 

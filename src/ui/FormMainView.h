@@ -103,6 +103,7 @@ private:
     void fillPlayersMenu();
     void fillMapsMenu();
     void fillMessagesMenu();
+    void fillConfigurationMenu();
     RotationPane *currentRotationPane() const;
     void insertViews();
     void makeViewMenu();
@@ -137,6 +138,7 @@ private:
     QMenu *m_playersMenu = nullptr;
     QMenu *m_mapsMenu = nullptr;
     QMenu *m_messagesMenu = nullptr;
+    QMenu *m_configurationMenu = nullptr;
     QUndoGroup m_undoGroup;
     QString m_statusBeforeConnect;
     bool m_isAskingToClose = false;

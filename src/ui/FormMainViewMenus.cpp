@@ -2,6 +2,7 @@
 
 #include "ActionQueue.h"
 #include "Appearance.h"
+#include "ConfigBuilderView.h"
 #include "KelServer.h"
 #include "MapsView.h"
 #include "MessagesView.h"
@@ -25,6 +26,7 @@ void FormMainView::makeMenus()
     m_playersMenu = menuBar()->addMenu(tr("&Players"));
     m_mapsMenu = menuBar()->addMenu(tr("&Maps"));
     m_messagesMenu = menuBar()->addMenu(tr("M&essages"));
+    m_configurationMenu = menuBar()->addMenu(tr("&Configuration"));
     makeViewMenu();
     QMenu *help = menuBar()->addMenu(tr("&Help"));
     help->addAction(tr("Try the &Demo Server"), this, &FormMainView::demoServerRequested);
@@ -139,6 +141,14 @@ void FormMainView::fillMessagesMenu()
     menu->addSeparator();
     addButtonAction(menu, tr("&Start"), QKeySequence(), messagesView->buttonStartMessageRotation);
     addButtonAction(menu, tr("S&top"), QKeySequence(), messagesView->buttonStopMessageRotation);
+}
+
+void FormMainView::fillConfigurationMenu()
+{
+    QMenu *menu = m_configurationMenu;
+    addButtonAction(menu, tr("&Save Config…"), QKeySequence(), configBuilderView->saveConfigButton);
+    addButtonAction(menu, tr("&Load Config…"), QKeySequence(), configBuilderView->loadConfigButton);
+    addButtonAction(menu, tr("&Compare With File…"), QKeySequence(), configBuilderView->compareConfigButton);
 }
 
 void FormMainView::makeViewMenu()

@@ -7,10 +7,10 @@
 #include "KelMapList.h"
 #include "KelPlaylists.h"
 #include "KelServer.h"
+#include "KeyHandlingTableView.h"
 #include "MapGametypePairWindowController.h"
 #include "PlaceholderTable.h"
 
-#include <QApplication>
 #include <QKeyEvent>
 
 #include <utility>
@@ -99,10 +99,7 @@ void PlaylistsView::addPlaylistExclusion()
 
 void PlaylistsView::removeExclusionPressed()
 {
-    if (m_playlists.exclusionListController.selection()->hasSelection())
-        m_playlists.deleteSelection();
-    else
-        QApplication::beep();
+    m_playlists.deleteSelection();
 }
 
 bool PlaylistsView::eventFilter(QObject *object, QEvent *event)
@@ -111,14 +108,9 @@ bool PlaylistsView::eventFilter(QObject *object, QEvent *event)
         return QWidget::eventFilter(object, event);
     const auto *press = static_cast<QKeyEvent *>(event);
     const bool isReturn = press->key() == Qt::Key_Return || press->key() == Qt::Key_Enter;
-    const bool isDelete = press->key() == Qt::Key_Delete || press->key() == Qt::Key_Backspace;
     if (object == playlistsTableView && isReturn && playlistsTableView->selectionModel()->hasSelection()) {
         if (!press->isAutoRepeat())
             startPlaylistButtonPressed();
-        return true;
-    }
-    if (object == exclusionsTableView && isDelete) {
-        removeExclusionPressed();
         return true;
     }
     return QWidget::eventFilter(object, event);

@@ -17,6 +17,7 @@ class KelMapList;
 class KelPlaylists;
 class KelServer;
 class MapGametypePairWindowController;
+class KeyHandlingTableView;
 class PlaceholderTable;
 
 /// The playlists that the server can run, and what is left out of them.
@@ -35,7 +36,7 @@ public:
     ElidingField *currentPlaylistField;
     PlaceholderTable *playlistsTableView;
     QPushButton *startPlaylistButton;
-    PlaceholderTable *exclusionsTableView;
+    KeyHandlingTableView *exclusionsTableView;
     /// Tells of edits that were not sent; empty when there are none.
     QLabel *unsentExclusionsLabel;
     QPushButton *addExclusionButton;

@@ -3,6 +3,7 @@
 #include "ElidingField.h"
 #include "KelPlaylists.h"
 #include "KelServer.h"
+#include "KeyHandlingTableView.h"
 #include "MapGametypePairWindowController.h"
 #include "PlaceholderTable.h"
 #include "PlaylistDelegate.h"
@@ -15,8 +16,9 @@
 PlaylistsView::PlaylistsView(KelServer &server, ActionQueue &actions, Alerts &alerts, KelGametype &gametypes,
                              KelMapList &maps, KelPlaylists &playlists, QWidget *parent)
     : QWidget(parent), currentPlaylistField(new ElidingField(this)), playlistsTableView(new PlaceholderTable(this)),
-      startPlaylistButton(new QPushButton(tr("Start Playlist"), this)), exclusionsTableView(new PlaceholderTable(this)),
-      unsentExclusionsLabel(new QLabel(this)), addExclusionButton(new QPushButton(tr("Add Exclusion…"), this)),
+      startPlaylistButton(new QPushButton(tr("Start Playlist"), this)),
+      exclusionsTableView(new KeyHandlingTableView(this)), unsentExclusionsLabel(new QLabel(this)),
+      addExclusionButton(new QPushButton(tr("Add Exclusion…"), this)),
       removeExclusionButton(new QPushButton(tr("Remove"), this)),
       applyExclusionsButton(new QPushButton(tr("Apply Exclusions"), this)),
       mapGametypePairWindowController(new MapGametypePairWindowController(maps, gametypes, this)), m_server(server),
@@ -41,6 +43,7 @@ void PlaylistsView::nameControls()
     playlistsTableView->setAccessibleName(tr("Playlists"));
     startPlaylistButton->setObjectName(QStringLiteral("startPlaylistButton"));
     startPlaylistButton->setToolTip(tr("Run the selected playlist; a ranked server begins it after the current map"));
+    exclusionsTableView->setDeleteHandler([this] { removeExclusionPressed(); });
     exclusionsTableView->setObjectName(QStringLiteral("exclusionsTableView"));
     exclusionsTableView->setAccessibleName(tr("Exclusions"));
     unsentExclusionsLabel->setObjectName(QStringLiteral("unsentExclusionsLabel"));
@@ -67,8 +70,7 @@ void PlaylistsView::setUpTables()
     exclusionsTableView->horizontalHeader()->setSortIndicatorClearable(true);
     exclusionsTableView->setSortingEnabled(true);
     exclusionsTableView->setColumnWidth(0, 240);
-    for (PlaceholderTable *table : {playlistsTableView, exclusionsTableView})
-        table->installEventFilter(this);
+    playlistsTableView->installEventFilter(this);
 }
 
 static QLabel *titleOf(const QString &text, QWidget *control)

@@ -18,7 +18,8 @@ RotationLabels mapRotationLabels()
             tr("Map Rotation '%1' already exists!"),
             tr("Rotation builder"),
             QStringLiteral("mapRotationPreviewTableView"),
-            tr("No maps yet. Press \"Add Map…\" to add one, or \"Open…\" for a saved rotation.")};
+            tr("No maps yet. Press \"Add Map…\" to add one, or \"Open…\" for a saved rotation."),
+            false};
 }
 
 RotationLabels messageRotationLabels()
@@ -32,5 +33,6 @@ RotationLabels messageRotationLabels()
             tr("Message Rotation '%1' already exists!"),
             tr("Messages"),
             QStringLiteral("messageRotationTableView"),
-            tr("No messages yet. Press \"Add Message…\" to add one, or \"Open…\" for a saved rotation.")};
+            tr("No messages yet. Press \"Add Message…\" to add one, or \"Open…\" for a saved rotation."),
+            true};
 }

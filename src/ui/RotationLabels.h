@@ -14,6 +14,7 @@ struct RotationLabels {
     QString tableName;   ///< what the table of the open rotation is called aloud
     QString tableObjectName;
     QString placeholder; ///< in the table while it is empty
+    bool savesAgain;     ///< once more after its Save As panel has saved
 };
 
 RotationLabels mapRotationLabels();

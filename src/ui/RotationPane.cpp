@@ -107,7 +107,10 @@ void RotationPane::saveRotationAsMenuItemClicked()
 
 QCoro::Task<> RotationPane::saveRotationAs()
 {
-    [[maybe_unused]] const QString name = co_await saveAsPanel();
+    const QString name = co_await saveAsPanel();
+    // The panel has saved the rotation already; the end of the message rotation's panel has always saved it once more.
+    if (m_labels.savesAgain && !name.isEmpty() && !m_store.hasUnsavedWork())
+        co_await m_store.saveUIChanges(name);
     endFileAction();
 }
 
@@ -133,10 +136,14 @@ void RotationPane::deleteRotationMenuItemClicked()
 
 QCoro::Task<> RotationPane::deleteRotation()
 {
-    auto *sheet = new DeleteRotationWindowController(m_store, m_labels, m_actions, window());
-    sheet->setAttribute(Qt::WA_DeleteOnClose);
-    const QFuture<int> closed = opened(sheet);
-    co_await closed;
+    // Deleting opens the current rotation anew, and with it what was not saved would be lost.
+    const bool isGoingOn = co_await m_store.saveUnsavedWork();
+    if (isGoingOn) {
+        auto *sheet = new DeleteRotationWindowController(m_store, m_labels, m_actions, window());
+        sheet->setAttribute(Qt::WA_DeleteOnClose);
+        const QFuture<int> closed = opened(sheet);
+        co_await closed;
+    }
     endFileAction();
 }
 

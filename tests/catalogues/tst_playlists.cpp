@@ -100,7 +100,7 @@ private slots:
     {
         QFETCH(QStringList, values);
         Shipped loaded;
-        QCOMPARE(loaded.playlists.playlistList.content().size(), 12);
+        QCOMPARE(loaded.playlists.playlistList.content().size(), 9);
         QVERIFY(hasEnded(loaded.session.connectTo({{"playlist", "1"}})));
         loaded.session.exchange.answerEverything(ScriptedExchange::ok());
         const QStringList names{"playlist", "playlist_excludeMap", "playlist_excludeGametype",

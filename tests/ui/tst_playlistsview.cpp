@@ -1,5 +1,6 @@
 #include "ElidingField.h"
 #include "Fixture.h"
+#include "KeyHandlingTableView.h"
 #include "MapGametypePairWindowController.h"
 #include "PlaceholderTable.h"
 #include "PlaylistsView.h"
