@@ -1,9 +1,12 @@
 #include "ConsoleView.h"
 #include "Fixture.h"
 #include "FormMainView.h"
+#include "KeyHandlingTableView.h"
+#include "MessagesView.h"
 #include "PlaceholderTable.h"
 #include "PlayersView.h"
 #include "ProgressWindowController.h"
+#include "RotationPane.h"
 #include "ServersView.h"
 #include "SheetAlerts.h"
 #include "StatusLine.h"
@@ -192,6 +195,30 @@ private slots:
         QVERIFY(window.actions.isIdle());
         QVERIFY(window.alerts.shown().isEmpty());
         QCOMPARE(window.exchange.sent(), QStringList{"dvardump"});
+    }
+
+    void whatIsBeingTypedIsAskedAboutOnClosing()
+    {
+        Window window;
+        const QString text(40000, QLatin1Char('a')); // more than a field takes by itself
+        awaited(window.messageRotations.addMessageToCurrentRotation(text, QStringLiteral("3")));
+        QVERIFY(awaited(window.messageRotations.saveUIChanges(QStringLiteral("n"))));
+        window.view.show();
+        window.connectByForm();
+        QVERIFY(window.settle());
+        window.view.tabControlMain->setCurrentWidget(window.view.messagesView);
+        QVERIFY(QTest::qWaitForWindowActive(&window.view));
+        QTableView *table = window.view.messagesView->rotationPane->tableView;
+        table->setFocus();
+        table->selectRow(0);
+        QTest::keyClick(table, Qt::Key_Return);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_End);
+        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("b"));
+        window.alerts.answerWith(2);
+        window.view.close();
+        QVERIFY(window.settle() && window.view.isVisible());
+        QCOMPARE(window.alerts.titles(), QStringList{"Unsaved Changes to Map Rotation"});
+        QVERIFY(window.messageRotations.entries().first()->message == text + QLatin1Char('b'));
     }
 
     void closingIsNotHeldUpByWhatComesDueMeanwhile()
