@@ -29,6 +29,7 @@ public slots:
     void closeButtonPressed() { done(QDialog::Rejected); }
 
 private:
+    QLabel *m_unsendableLabel;
     QLabel *m_durationHint;
     const AddMessage m_addMessage;
 };

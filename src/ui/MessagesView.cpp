@@ -41,18 +41,12 @@ void MessagesView::quickMessageButtonPressed()
     m_messages.sendQuickMessage();
 }
 
-/// What the server's alphabet lacks cannot be sent, and then nothing of the message is.
-static bool isSendable(const QString &text)
-{
-    return QString::fromLatin1(text.toLatin1()) == text;
-}
-
 void MessagesView::quickMessageDidChange()
 {
     const QString text = quickMessageTextField->text();
     m_messages.setQuickMessageText(text);
     colorPreview->showMessage(text);
-    unsendableLabel->setVisible(!isSendable(text));
+    unsendableLabel->setVisible(!KelMessageRotation::isSendable(text));
 }
 
 void MessagesView::updateTransport()

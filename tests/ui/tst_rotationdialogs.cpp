@@ -185,9 +185,12 @@ private slots:
         sheet.messageTextField->setText(" hi ");
         QVERIFY(!sheet.addButtonEnabled());
         sheet.durationTextField->setText("soon");
+        QVERIFY(sheet.findChild<QLabel *>("unsendableLabel")->isHidden());
         QVERIFY(sheet.findChild<QLabel *>("durationHint")->text().contains("until Stop is pressed"));
         sheet.addButton->click();
         sheet.addButton->click(); // without a message
+        sheet.messageTextField->setText("\u0142");
+        QVERIFY(sheet.findChild<QLabel *>("unsendableLabel")->isVisible());
         QCOMPARE(added, QStringList({" hi ", "soon"}));
         QCOMPARE(sheet.durationTextField->text(), QString("soon"));
         QVERIFY(sheet.isVisible() && sheet.focusWidget() == sheet.messageTextField);
