@@ -65,9 +65,8 @@ QString MessagesView::onAirText() const
     if (m_messages.currentPlayState() != KelMessageRotation::Playing)
         return tr("Stopped");
     const int row = m_messages.rowOnAir();
-    if (row < 0)
-        return tr("On air: a message that is no longer in the list");
-    const QString place = tr("On air: message %1 of %2").arg(row + 1).arg(m_messages.entries().size());
+    const QString place = row < 0 ? tr("On air: a message that is no longer in the list")
+                                  : tr("On air: message %1 of %2").arg(row + 1).arg(m_messages.entries().size());
     if (m_messages.isSending())
         return tr("%1, being sent").arg(place);
     const auto remaining = m_messages.remainingTime();
