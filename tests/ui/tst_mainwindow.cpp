@@ -277,7 +277,8 @@ private slots:
         window.show();
         SheetAlerts alerts;
         alerts.setWindow(&window);
-        const QString text = QStringLiteral("<b>bold</b>\n").repeated(500);
+        const QString word(70, QLatin1Char('a'));
+        const QString text = word + QStringLiteral("\n<b>bold</b>").repeated(500);
         QCoro::Task<int> asking =
             alerts.run(QStringLiteral("Title"), text, {QStringLiteral("Yes"), QStringLiteral("No")});
         auto *box = window.findChild<QMessageBox *>(QStringLiteral("alert"));
@@ -285,6 +286,7 @@ private slots:
         for (const QLabel *label : box->findChildren<QLabel *>())
             QVERIFY(label->textFormat() == Qt::PlainText || label->text().isEmpty() || !label->pixmap().isNull());
         QVERIFY(box->informativeText().size() < 1300);
+        QVERIFY(box->width() > box->fontMetrics().horizontalAdvance(word));
         QCOMPARE(box->detailedText(), text);
         QTest::keyClick(box, Qt::Key_Escape);
         QCOMPARE(awaited(std::move(asking)), 1); // dismissing is the last button
