@@ -65,7 +65,7 @@ void AddMessageToRotationWindowController::addButtonPressed()
     const QString duration = durationTextField->text();
     if (message.isEmpty() || duration.isEmpty())
         return;
-    m_addMessage(message, duration);
-    messageTextField->clear();
+    if (m_addMessage(message, duration))
+        messageTextField->clear();
     messageTextField->setFocus();
 }

@@ -16,8 +16,10 @@ void MessagesView::addMessageToRotationMenuItemClicked()
     if (addMessageToRotationWindowController != nullptr)
         return;
     const auto addMessage = [this](const QString &message, const QString &duration) {
+        const int before = m_messages.rowCount();
         m_actions.start(m_messages.addMessageToCurrentRotation(message, duration));
         rotationPane->tableView->scrollToBottom();
+        return m_messages.rowCount() > before; // a full table has told that it takes no more
     };
     addMessageToRotationWindowController = new AddMessageToRotationWindowController(addMessage, window());
     addMessageToRotationWindowController->setAttribute(Qt::WA_DeleteOnClose);

@@ -179,8 +179,10 @@ private slots:
     void messagesAreAddedUntilTheSheetIsClosed()
     {
         QStringList added;
-        AddMessageToRotationWindowController sheet(
-            [&](const QString &message, const QString &duration) { added << message << duration; });
+        AddMessageToRotationWindowController sheet([&](const QString &message, const QString &duration) {
+            added << message << duration;
+            return added.size() < 4;
+        });
         sheet.show();
         sheet.messageTextField->setText(" hi ");
         QVERIFY(!sheet.addButtonEnabled());
@@ -192,7 +194,8 @@ private slots:
         sheet.messageTextField->setText("\u0142");
         QVERIFY(sheet.findChild<QLabel *>("unsendableLabel")->isVisible());
         QCOMPARE(added, QStringList({" hi ", "soon"}));
-        QCOMPARE(sheet.durationTextField->text(), QString("soon"));
+        sheet.addButton->click(); // no room
+        QCOMPARE(sheet.messageTextField->text() + sheet.durationTextField->text(), QString("\u0142soon"));
         QVERIFY(sheet.isVisible() && sheet.focusWidget() == sheet.messageTextField);
     }
 
