@@ -1,14 +1,18 @@
 #pragma once
 
+#include "DemoServer.h"
+
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
 
 #include <functional>
 
 class AppDelegate;
+class FormMainView;
 
-/// Goes through the real window as an administrator would, against the built-in demo server, and takes a picture of
-/// each step.
+/// Goes through the real window as an administrator would, with mouse and keys, against two demo servers, and takes a
+/// picture of each step. Each step looks at what it has done, also at the server.
 class Journey
 {
 public:
@@ -22,20 +26,53 @@ public:
     QStringList picturePaths() const { return m_paths; }
 
 private:
-    bool connectToDemoServer();
-    bool kickAPlayer();
-    bool writeAMessage();
-    bool loadAMap();
-    bool changeASetting();
-    bool useTheConsole();
+    bool saveAServer();
+    bool connectFromTheList();
+    bool connectByTheForm();
     bool disconnect();
+
+    bool kickAPlayer();
+    bool messageAPlayer();
+
+    bool loadAMap();
+    bool buildARotation();
+    bool saveTheRotation();
+    bool setTheRotation();
+    bool copyTheRotationBack();
+
+    bool addMessages();
+    bool playMessages();
+    bool sendAQuickMessage();
+
+    bool saveAConfiguration();
+    bool changeSettings();
+    bool compareAndLoad();
+    bool useTheConsole();
+
+    bool startAPlaylist();
+    bool excludeAMap();
+
+    FormMainView &window() const;
+    /// Waits as a person does: reads an alert that comes up, and presses its default button.
     bool waitUntil(const std::function<bool()> &isReached);
+    bool waitUntilIdle();
+    bool waitForSheet(QWidget *sheet);
     bool expect(bool isTrue, const QString &what);
     void takePicture(const QString &name);
+    void answerAlert();
+    bool addPair(const QString &map, const QString &gametype);
+    bool addMessage(const QString &message);
+    bool editSetting(const QString &name, const QString &value);
+    bool chooseFile(const QString &panelName, const QString &path);
+    QString configurationPath() const { return m_files.filePath(QStringLiteral("friday-night.cfg")); }
+    QString transcript() const;
 
     AppDelegate &m_application;
+    QTemporaryDir m_files;
+    DemoServer m_server;
+    DemoServer m_playlistServer;
     QString m_folder;
     QString m_failure;
     QStringList m_paths;
-    int m_alertCount = 0;
+    QStringList m_alerts; ///< the titles of those that were answered
 };

@@ -28,7 +28,8 @@ int main(int argc, char **argv)
             std::fprintf(stderr, "ferrow-journey: cannot make the folder %s\n", qPrintable(folder));
             return 1;
         }
-        AppDelegate delegate({settings.filePath(appearance + QStringLiteral(".ini")), {}, settings.path()});
+        AppDelegate delegate(
+            {settings.filePath(appearance + QStringLiteral(".ini")), {}, settings.filePath(appearance)});
         Appearance::apply(appearance);
         if (arguments.size() > 2)
             delegate.window().resize(arguments.at(2).section(QLatin1Char('x'), 0, 0).toInt(),

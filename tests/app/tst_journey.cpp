@@ -1,7 +1,9 @@
 #include "AppDelegate.h"
 #include "FormMainView.h"
 #include "Journey.h"
+#include "WelcomePage.h"
 
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -22,7 +24,8 @@ private slots:
         const QTemporaryDir folder;
         AppDelegate application({folder.filePath(QStringLiteral("preferences.ini")), {}, folder.path()});
         application.window().show();
-        application.tryDemoServer();
+        QTest::mouseClick(application.window().welcomePage->tryDemoServerButton, Qt::LeftButton);
+        QVERIFY(!application.actions().isIdle());
         application.window().close();
         QTRY_VERIFY_WITH_TIMEOUT(!application.window().isVisible(), 10000);
         QVERIFY(application.actions().isIdle());

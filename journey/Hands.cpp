@@ -1,0 +1,61 @@
+#include "Hands.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTest>
+
+void Hands::click(QWidget *widget)
+{
+    QTest::mouseClick(widget, Qt::LeftButton);
+}
+
+static QPoint shownPlace(QAbstractItemView &view, const QModelIndex &cell)
+{
+    view.scrollTo(cell);
+    return view.visualRect(cell).center();
+}
+
+void Hands::click(QAbstractItemView &view, const QModelIndex &cell, Qt::KeyboardModifiers modifiers)
+{
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, modifiers, shownPlace(view, cell));
+}
+
+void Hands::doubleClick(QAbstractItemView &view, const QModelIndex &cell)
+{
+    click(view, cell);
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, shownPlace(view, cell)); // the second press alone
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, shownPlace(view, cell));
+}
+
+void Hands::showTab(QTabWidget &tabs, QWidget *page)
+{
+    QTest::mouseClick(tabs.tabBar(), Qt::LeftButton, {}, tabs.tabBar()->tabRect(tabs.indexOf(page)).center());
+}
+
+void Hands::type(QLineEdit *field, const QString &text)
+{
+    QTest::mouseClick(field, Qt::LeftButton);
+    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(field, Qt::Key_Delete);
+    QTest::keyClicks(field, text);
+}
+
+void Hands::choose(QComboBox *popup, const QString &title)
+{
+    popup->setFocus();
+    QTest::keyClick(popup, Qt::Key_Home);
+    for (int item = popup->findText(title); item > 0; --item)
+        QTest::keyClick(popup, Qt::Key_Down);
+}
+
+QModelIndex Hands::find(const QAbstractItemView &view, const QString &text)
+{
+    const QAbstractItemModel &model = *view.model();
+    return model
+        .match(model.index(0, 0), Qt::DisplayRole, text, 1,
+               Qt::MatchExactly | Qt::MatchCaseSensitive | Qt::MatchRecursive)
+        .value(0);
+}

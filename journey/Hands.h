@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+
+class QAbstractItemView;
+class QComboBox;
+class QLineEdit;
+class QModelIndex;
+class QTabWidget;
+class QWidget;
+
+/// What a person does to a window: mouse and keys, and nothing else. What cannot be done so, such as a press on a
+/// disabled button, has no effect.
+namespace Hands
+{
+void click(QWidget *widget);
+/// Clicks on a cell; brings it into view first.
+void click(QAbstractItemView &view, const QModelIndex &cell, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+void doubleClick(QAbstractItemView &view, const QModelIndex &cell);
+void showTab(QTabWidget &tabs, QWidget *page);
+/// Types over what stands in the field.
+void type(QLineEdit *field, const QString &text);
+/// Goes with the arrow keys to the item with this title.
+void choose(QComboBox *popup, const QString &title);
+
+/// @return the cell of the first column that shows `text`; invalid when none does. Branches of a tree are searched too.
+QModelIndex find(const QAbstractItemView &view, const QString &text);
+} // namespace Hands
