@@ -84,7 +84,7 @@ QList<ConfigurationEntry> ConfigurationFile::entries(const QString &text)
     QList<ConfigurationEntry> entries;
     QSet<QString> known;
     auto begin = text.cbegin();
-    while (begin != text.cend()) {
+    while (begin != text.cend() && entries.size() <= mostEntries) {
         const auto end = std::find_if(begin, text.cend(), isLineBreak);
         const auto entry = entryOf(QStringView(begin, end));
         if (entry && !known.contains(entry->dvar)) {
