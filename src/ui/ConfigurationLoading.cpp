@@ -174,6 +174,8 @@ QCoro::Task<ConfigurationLoading::Outcome> ConfigurationLoading::writeOne(Config
     m_isCalledOff = m_isCalledOff || !turn;
     if (m_isCalledOff || m_isCancelled)
         co_return Outcome::NotSent;
+    // Without its quotes, as a server reports values. The session would keep them: a changed password would be sent
+    // with them, and the next file would have lines that no loading takes.
     const Reply reply = co_await m_server.setDvar(entry.dvar, entry.value);
     m_isCalledOff = m_isCalledOff || !turn || reply.isCancelled;
     if (m_isCalledOff)

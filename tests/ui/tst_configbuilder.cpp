@@ -162,6 +162,7 @@ private slots:
             << "cancel"
             << QStringList{"1 of 3 variables were written to the server. The others were left as they are."};
         QTest::newRow("Disconnect, silently") << "disconnect" << QStringList{};
+        QTest::newRow("another connection, silently") << "connect" << QStringList{};
         QTest::newRow("closing, silently") << "close" << QStringList{};
     }
     void endsEarly()
@@ -175,6 +176,8 @@ private slots:
             QTest::keyClick(builder.view.progressWindowController()->window(), Qt::Key_Escape);
         else if (how == "disconnect")
             builder.server.disconnect();
+        else if (how == "connect")
+            emit builder.server.connectionBegan();
         else
             builder.actions.close();
         if (how == "close")

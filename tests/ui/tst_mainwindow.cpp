@@ -94,10 +94,15 @@ private slots:
     {
         Window window;
         window.exchange.forget(QStringLiteral("dvardump"));
+        for (const char *name : {"FerrowRcon.exe.maprotate", "FerrowRcon.exe.msgrotate"}) {
+            QFile damaged(window.folder.filePath(name));
+            QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write("<") == 1);
+        }
         window.connectByForm();
         QVERIFY(window.settle());
         QCOMPARE(window.status(), QStringLiteral("Not connected"));
-        QCOMPARE(window.alerts.titles(), QStringList{"Command Send Error"});
+        QCOMPARE(window.alerts.titles(), // in the order of the connect
+                 QStringList({"Message Rotations Not Loaded", "Map Rotations Not Loaded", "Command Send Error"}));
         QCOMPARE(window.view.serversView->hostField->text(), QStringLiteral("10.0.0.1"));
         QCOMPARE(window.view.serversView->passwordField->text(), QStringLiteral("pw"));
         QVERIFY(window.view.welcomePage->isVisibleTo(&window.view));
