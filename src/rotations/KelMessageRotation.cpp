@@ -159,8 +159,11 @@ QCoro::Task<> KelMessageRotation::showMessage(std::shared_ptr<const MessageRotat
         }
     }
     // A turn that was refused because another connection began only costs this one message.
-    if (showing == m_showing && !m_actions.isClosed())
+    if (showing == m_showing && !m_actions.isClosed()) {
+        m_isSending = false;
         waitFor(entry->duration, shortestWait);
+        emit entryOnAirChanged();
+    }
 }
 
 void KelMessageRotation::waitFor(const QString &duration, qint64 shortest)

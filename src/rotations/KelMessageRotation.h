@@ -94,6 +94,7 @@ public:
 signals:
     void playStateChanged(KelMessageRotation::PlayState state);
     void currentMessageIndexChanged(int index);
+    /// Another message is on air, or the one that is has been sent.
     void entryOnAirChanged();
     void transportButtonsChanged(bool startEnabled, bool stopEnabled);
     void quickMessageTextChanged(const QString &text);

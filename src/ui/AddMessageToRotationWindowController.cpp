@@ -9,8 +9,7 @@
 AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMessage addMessage, QWidget *parent)
     : QDialog(parent, Qt::Sheet), messageTextField(new QLineEdit(this)), durationTextField(new QLineEdit(this)),
       addButton(new QPushButton(tr("Add"), this)),
-      m_unsendableLabel(
-          new QLabel(tr("A character of this message does not exist on the server: it would not be sent."), this)),
+      m_unsendableLabel(new QLabel(tr("The server lacks one of these characters: it would not be sent"), this)),
       m_durationHint(new QLabel(this)), m_addMessage(std::move(addMessage))
 {
     setObjectName(QStringLiteral("AddMessageToRotationWindowController"));
@@ -23,7 +22,9 @@ AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMe
     durationTextField->setAccessibleName(tr("Duration"));
     durationTextField->setPlaceholderText(tr("seconds"));
     m_unsendableLabel->setObjectName(QStringLiteral("unsendableLabel"));
-    m_unsendableLabel->setWordWrap(true);
+    QSizePolicy policy = m_unsendableLabel->sizePolicy();
+    policy.setRetainSizeWhenHidden(true); // or the fields would be squeezed when it appears
+    m_unsendableLabel->setSizePolicy(policy);
     m_durationHint->setObjectName(QStringLiteral("durationHint"));
     m_durationHint->setWordWrap(true);
     addButton->setObjectName(QStringLiteral("addButton"));

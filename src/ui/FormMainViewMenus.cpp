@@ -25,7 +25,7 @@ void FormMainView::makeMenus()
     makeServerMenu();
     m_playersMenu = menuBar()->addMenu(tr("&Players"));
     m_mapsMenu = menuBar()->addMenu(tr("&Maps"));
-    m_messagesMenu = menuBar()->addMenu(tr("M&essages"));
+    m_messagesMenu = menuBar()->addMenu(tr("Mess&ages"));
     m_configurationMenu = menuBar()->addMenu(tr("&Configuration"));
     makeViewMenu();
     QMenu *help = menuBar()->addMenu(tr("&Help"));

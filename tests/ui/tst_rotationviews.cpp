@@ -90,16 +90,31 @@ private slots:
         QVERIFY(maps.mapRotations.unsavedChanges());
     }
 
+    void playsAndMarks_data()
+    {
+        QTest::addColumn<QString>("duration");
+        QTest::addColumn<QString>("state");
+        QTest::newRow("seconds") << "60.5"
+                                 << "60 s left";
+        QTest::newRow("no number") << "x"
+                                   << "until Stop is pressed";
+    }
     void playsAndMarks()
     {
         Messages messages;
         messages.exchange.answerEverything(ScriptedExchange::ok());
-        awaited(messages.messageRotations.addEntries({{"say \"hi\"", "x"}, {"b", "2"}}));
+        QFETCH(QString, duration);
+        awaited(messages.messageRotations.addEntries({{"say \"hi\"", duration}, {"b", "2"}}));
         QVERIFY(!messages.view.buttonStopMessageRotation->isEnabled());
+        messages.exchange.hold();
         messages.view.buttonStartMessageRotation->click();
+        QCOMPARE(messages.view.onAirLabel->text(), QString("On air: message 1 of 2, being sent"));
+        messages.exchange.release();
         QVERIFY(messages.settle());
         QCOMPARE(messages.exchange.sent(), QStringList("say \"say \\\"hi\\\"\""));
-        QCOMPARE(messages.view.onAirLabel->text(), QString("On air: message 1 of 2, being sent"));
+        QTEST(messages.view.onAirLabel->text().section(", ", 1), "state");
+        messages.messageRotations.deleteAllItems();
+        QTEST(messages.view.onAirLabel->text().section(", ", 1), "state");
         QVERIFY(!messages.view.buttonStartMessageRotation->isEnabled());
         messages.view.buttonStopMessageRotation->click();
         QCOMPARE(messages.view.onAirLabel->text(), QString("Stopped"));
