@@ -2,6 +2,7 @@
 #include "DemoFaultyLine.h"
 #include "DemoGame.h"
 
+#include <QFile>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -25,207 +26,230 @@ class TestDemo : public QObject
 {
     Q_OBJECT
 private slots:
-    void commands_data();
-    void commands();
-    void gametypeWaitsForTheMap();
-    void playerListHasItsForm();
-    void bannedPlayersStayAway();
-    void rotation_data();
-    void rotation();
-    void roundsEnd();
-    void sameSeedSameGame();
-    void lifeGoesOn();
-    void logIsBounded();
-    void faultsFollowTheirChance();
-};
-
-void TestDemo::commands_data()
-{
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<QString>("pattern"); // of the whole reply
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("value"); // of the variable afterwards
-    const auto reply = [](const QString &command, const char *pattern, const char *name = "g_gravity",
-                          const char *value = "800") {
-        QTest::newRow(qPrintable(command.left(50))) << command << pattern << name << value;
-    };
-    reply("frobnicate %1", "Unknown command \"frobnicate\"\n");
-    reply(QString(DemoGame::MaximumCommandLength + 1, u'a'), "The command is too long.\n");
-    reply("dvardump", "(S[R ][L ] +\\w+ \"[^\"]*\"\n){60,}\n\\d+ total dvars\n");
-    reply("G_GRAVITY", "\"g_gravity\" is: \"800\"\\^7 .*: \"800\"\\^7\n.*Domain is any integer from 1 to 2000\n");
-    reply("clientkick 3", ".+ was kicked\n");
-    reply("clientkick 18", "Client 18 is not active\n"); // the recorder
-    reply("kick all", "12 players were kicked\n");
-    reply("say \"hello \\\"you\\\"\"", "console: hello \"you\"\n");
-    reply(R"(say "C:\")", "console: C:\\\\\n");
-    reply("say \"a  b", "console: a  b\n");
-    reply("map mp_nowhere", "Can't find map mp_nowhere\n");
-    reply("setadmindvar g_motd \"a \\\"b\\\"\n%1\"", "", "g_motd", "a 'b' %1");
-    reply("setadmindvar g_gravity \"0\"", "\"0\" is not a valid value for dvar 'g_gravity'\n.*");
-    reply("setadmindvar g_gravity \"2001\"", ".*is not a valid value.*");
-    reply("setadmindvar g_gravity \"low\"", ".*is not a valid value.*");
-    reply("setadmindvar scr_dm_timelimit \"nan\"", ".*is not a valid value.*", "scr_dm_timelimit", "10");
-    reply("setadmindvar perk_keenEar \"2\"", ".*not a valid value.*Domain is 0 or 1\n", "perk_keenEar", "0");
-    reply("setadmindvar g_gametype \"golf\"", ".*is not a valid value.*", "g_gametype", "tdm");
-    reply("setadmindvar mapname \"mp_x\"", "dvar 'mapname' is read only\n", "mapname", "mp_harbourlights");
-    reply("setadmindvar g_unheardOf \"1\"", "dvar 'g_unheardOf' does not exist\n", "g_unheardOf", "");
-}
-
-void TestDemo::commands()
-{
-    QFETCH(QString, command);
-    QFETCH(QString, pattern);
-    QFETCH(QString, name);
-    DemoGame game({});
-    const QString text = game.execute(command);
-    const QRegularExpression expected(QRegularExpression::anchoredPattern(pattern),
-                                      QRegularExpression::DotMatchesEverythingOption);
-    QVERIFY2(expected.match(text).hasMatch(), qPrintable(text));
-    QTEST(game.variable(name), "value");
-}
-
-void TestDemo::gametypeWaitsForTheMap()
-{
-    DemoGame game({});
-    QCOMPARE(game.execute("setadmindvar g_gametype \"dm\""), "");
-    QVERIFY(game.execute("g_gametype").startsWith("\"g_gametype\" is: \"dm\"^7 in force: \"tdm\"^7\n"));
-    QCOMPARE(game.execute("map mp_tramyard"), "Loading map mp_tramyard with gametype dm\n");
-    QVERIFY(game.execute("g_gametype").contains("in force: \"dm\""));
-}
-
-void TestDemo::playerListHasItsForm()
-{
-    DemoGame game({.players = 300}); // more than there are names
-    const QStringList text = game.execute("teamstatus").split(u'\n', Qt::SkipEmptyParts);
-    QCOMPARE(text.size(), 303);
-    QCOMPARE(text.at(0).simplified(), "num score ping guid name team lastmsg address qport rate");
-    QVERIFY(text.at(1).startsWith("--- "));
-    QVERIFY(text.last().contains(" democlient^7 "));
-    static const QRegularExpression form("^ *\\d+ +\\d+ +\\d+ +\\d{9} .{3,22}\\^7 +(allies|axis|spectator) +\\d+ "
-                                         "\\d+\\.\\d+\\.\\d+\\.\\d+:\\d+ +\\d+ +\\d+$");
-    QSet<QString> guids;
-    for (const QString &row : playerRows(game)) {
-        QVERIFY2(form.match(row).hasMatch(), qPrintable(row));
-        guids.insert(guid(row));
+    void commands_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("pattern"); // of the whole reply
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("value"); // of the variable afterwards
+        const auto reply = [](const QString &command, const char *pattern, const char *name = "g_gravity",
+                              const char *value = "800") {
+            QTest::newRow(qPrintable(command.left(50))) << command << pattern << name << value;
+        };
+        reply("frobnicate %1", "Unknown command \"frobnicate\"\n");
+        reply(QString(DemoGame::MaximumCommandLength + 1, u'a'), "The command is too long.\n");
+        reply("dvardump", "(S[R ][L ] +\\w+ \"[^\"]*\"\n){60,}\n\\d+ total dvars\n");
+        reply("G_GRAVITY", "\"g_gravity\" is: \"800\"\\^7 .*: \"800\"\\^7\n.*Domain is any integer from 1 to 2000\n");
+        reply("clientkick 3", ".+ was kicked\n");
+        reply("clientkick 18", "Client 18 is not active\n"); // the recorder
+        reply("kick all", "12 players were kicked\n");
+        reply("say \"hello \\\"you\\\"\"", "console: hello \"you\"\n");
+        reply(R"(say "C:\")", "console: C:\\\\\n");
+        reply("say \"a  b", "console: a  b\n");
+        reply("map mp_nowhere", "Can't find map mp_nowhere\n");
+        reply("setadmindvar g_motd \"a \\\"b\\\"\n%1\"", "", "g_motd", "a 'b' %1");
+        reply("setadmindvar g_gravity \"0\"", "\"0\" is not a valid value for dvar 'g_gravity'\n.*");
+        reply("setadmindvar g_gravity \"2001\"", ".*is not a valid value.*");
+        reply("setadmindvar scr_dm_timelimit \"nan\"", ".*is not a valid value.*", "scr_dm_timelimit", "10");
+        reply("setadmindvar perk_keenEar \"2\"", ".*not a valid value.*Domain is 0 or 1\n", "perk_keenEar", "0");
+        reply("setadmindvar g_gametype \"golf\"", ".*is not a valid value.*", "g_gametype", "tdm");
+        reply("setadmindvar mapname \"mp_x\"", "dvar 'mapname' is read only\n", "mapname", "mp_harbourlights");
+        reply("setadmindvar g_unheardOf \"1\"", "dvar 'g_unheardOf' does not exist\n", "g_unheardOf", "");
     }
-    QCOMPARE(guids.size(), 300);
-}
-
-void TestDemo::bannedPlayersStayAway()
-{
-    DemoGame game({});
-    const QString banned = guid(playerRows(game).at(4));
-    const QString tempBanned = guid(playerRows(game).at(5));
-    game.execute("banclient 4");
-    game.execute("tempbanclient 5");
-    bool isBack = false;
-    for (int minute = 1; minute < 1440; ++minute) {
-        game.advance(1min);
-        const QString rows = game.execute("teamstatus");
-        QVERIFY(!rows.contains(banned));
-        isBack = isBack || rows.contains(tempBanned);
-        QVERIFY(minute >= 5 || !isBack);
-    }
-    QVERIFY(isBack);
-}
-
-void TestDemo::rotation_data()
-{
-    QTest::addColumn<DemoOptions>("options");
-    QTest::addColumn<QStringList>("commands");
-    QTest::addColumn<QString>("pattern"); // of all that is played
-    const auto row = [](const char *title, const DemoOptions &options, const QStringList &commands,
-                        const char *pattern) {
-        QTest::newRow(title) << options << commands << pattern;
-    };
-    const auto rotation = [&](const char *title, const QString &maps, const char *pattern) {
-        row(title, {}, {"sv_mapRotation " + maps, "sv_mapRotationCurrent " + maps}, pattern);
-    };
-    rotation("gametype stays", "gametype dm map mp_tramyard map mp_ropeway", "(dm mp_tramyard\ndm mp_ropeway\n)+");
-    rotation("bare names", "mp_tramyard mp_ropeway", "(tdm mp_tramyard\ntdm mp_ropeway\n)+");
-    rotation("unknown ones", "gametype golf map mp_gone map mp_ropeway", "(tdm mp_ropeway\n)+");
-    rotation("nothing to play", "map gametype map", "(tdm mp_harbourlights\n)+");
-    const DemoOptions lists{.playlists = true};
-    row("excluded map", lists, {"playlist 3", "playlist_excludeMap mp_ropeway"}, "((dom|koth) mp_(?!ropeway)\\w+\n)+");
-    row("excluded gametype", lists, {"playlist 3", "playlist_excludeGametype dom dm"}, "(koth mp_\\w+\n)+");
-    row("excluded pair", lists, {"playlist 3", "playlist_excludeGametypeMap koth mp_ropeway"},
-        "(dom mp_\\w+\n|koth mp_(?!ropeway)\\w+\n)+");
-    row("everything excluded", lists, {"map mp_windbreak", "playlist 1", "playlist_excludeGametype tdm"},
-        "(\\w+ mp_windbreak\n)+");
-    row("switched off", {.ranked = true, .playlists = true}, {"playlist 1", "mapexclude_ropeway 1"},
-        "(tdm mp_(?!ropeway)\\w+\n)+");
-}
-
-void TestDemo::rotation()
-{
-    QFETCH(DemoOptions, options);
-    QFETCH(QStringList, commands);
-    QFETCH(QString, pattern);
-    DemoGame game(options);
-    for (const QString &command : commands)
-        game.execute(command);
-    QString played;
-    for (int i = 0; i < 200; ++i) {
-        game.execute("map_rotate");
-        played += game.variable("g_gametype") + u' ' + game.variable("mapname") + u'\n';
-    }
-    QVERIFY2(QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(played).hasMatch(),
-             qPrintable(played));
-}
-
-void TestDemo::roundsEnd()
-{
-    for (const char *limit : {"", "scr_tdm_timelimit 1.5", "scr_tdm_scorelimit 100"}) {
+    void commands()
+    {
+        QFETCH(QString, command);
+        QFETCH(QString, pattern);
+        QFETCH(QString, name);
         DemoGame game({});
-        game.execute("scr_tdm_timelimit 0");
-        game.execute("scr_tdm_scorelimit 0");
-        game.execute(limit);
-        game.advance(100s);
-        QCOMPARE(game.variable("mapname") == "mp_harbourlights", qstrlen(limit) == 0);
+        const QString text = game.execute(command);
+        const QRegularExpression expected(QRegularExpression::anchoredPattern(pattern),
+                                          QRegularExpression::DotMatchesEverythingOption);
+        QVERIFY2(expected.match(text).hasMatch(), qPrintable(text));
+        QTEST(game.variable(name), "value");
     }
-}
 
-void TestDemo::sameSeedSameGame()
-{
-    const auto story = [](quint64 seed, std::chrono::milliseconds slice) -> QString {
-        DemoGame game({.playlists = true, .seed = seed});
-        for (std::chrono::milliseconds now{0}; now < 5min; now += slice)
-            game.advance(slice);
-        return game.execute("teamstatus") + game.execute("dvardump") + game.execute("map_rotate");
-    };
-    QCOMPARE(story(7, 10ms), story(7, 1s)); // however the time is cut
-    QVERIFY(story(7, 1s) != story(8, 1s));
-}
+    void gametypeWaitsForTheMap()
+    {
+        DemoGame game({});
+        QCOMPARE(game.execute("setadmindvar g_gametype \"dm\""), "");
+        QVERIFY(game.execute("g_gametype").startsWith("\"g_gametype\" is: \"dm\"^7 in force: \"tdm\"^7\n"));
+        QCOMPARE(game.execute("map mp_tramyard"), "Loading map mp_tramyard with gametype dm\n");
+        QVERIFY(game.execute("g_gametype").contains("in force: \"dm\""));
+    }
 
-void TestDemo::lifeGoesOn()
-{
-    DemoGame game({});
-    QSet<QString> guids;
-    for (int minute = 0; minute < 120; ++minute) {
-        game.advance(1min);
-        QVERIFY2(game.playerCount() >= 6 && game.playerCount() <= 14, qPrintable(QString::number(game.playerCount())));
-        for (const QString &row : playerRows(game))
+    void playerListHasItsForm()
+    {
+        DemoGame game({.players = 300}); // more than there are names
+        const QStringList text = game.execute("teamstatus").split(u'\n', Qt::SkipEmptyParts);
+        QCOMPARE(text.size(), 303);
+        QCOMPARE(text.at(0).simplified(), "num score ping guid name team lastmsg address qport rate");
+        QVERIFY(text.at(1).startsWith("--- "));
+        QVERIFY(text.last().contains(" democlient^7 "));
+        static const QRegularExpression form("^ *\\d+ +\\d+ +\\d+ +\\d{9} .{3,22}\\^7 +(allies|axis|spectator) +\\d+ "
+                                             "\\d+\\.\\d+\\.\\d+\\.\\d+:\\d+ +\\d+ +\\d+$");
+        QSet<QString> guids;
+        for (const QString &row : playerRows(game)) {
+            QVERIFY2(form.match(row).hasMatch(), qPrintable(row));
             guids.insert(guid(row));
+        }
+        QCOMPARE(guids.size(), 300);
     }
-    QVERIFY(guids.size() > 14); // some came, some went
-}
 
-void TestDemo::logIsBounded()
-{
-    DemoCommandLog log;
-    for (int i = 0; i <= DemoCommandLog::MaximumEntries; ++i)
-        log.append(QString::number(i));
-    QCOMPARE(log.entries().size(), DemoCommandLog::MaximumEntries);
-    QCOMPARE(log.entries().first(), "1");
-}
+    void bannedPlayersStayAway()
+    {
+        DemoGame game({});
+        const QString banned = guid(playerRows(game).at(4));
+        const QString tempBanned = guid(playerRows(game).at(5));
+        game.execute("banclient 4");
+        game.execute("tempbanclient 5");
+        bool isBack = false;
+        for (int minute = 1; minute < 1440; ++minute) {
+            game.advance(1min);
+            const QString rows = game.execute("teamstatus");
+            QVERIFY(!rows.contains(banned));
+            isBack = isBack || rows.contains(tempBanned);
+            QVERIFY(minute >= 5 || !isBack);
+        }
+        QVERIFY(isBack);
+    }
 
-void TestDemo::faultsFollowTheirChance()
-{
-    DemoFaultyLine line(5);
-    line.setFaults({.loss = 0.5, .duplication = 0.5});
-    const auto arrived = static_cast<double>(line.carry(QList<QByteArray>(10'000, "x")).size());
-    QVERIFY2(qAbs(arrived - 7'500) < 400, qPrintable(QString::number(arrived)));
-}
+    void rotation_data()
+    {
+        QTest::addColumn<DemoOptions>("options");
+        QTest::addColumn<QStringList>("commands");
+        QTest::addColumn<QString>("pattern"); // of all that is played
+        const auto row = [](const char *title, const DemoOptions &options, const QStringList &commands,
+                            const char *pattern) {
+            QTest::newRow(title) << options << commands << pattern;
+        };
+        const auto rotation = [&](const char *title, const QString &maps, const char *pattern) {
+            row(title, {}, {"sv_mapRotation " + maps, "sv_mapRotationCurrent " + maps}, pattern);
+        };
+        rotation("gametype stays", "gametype dm map mp_tramyard map mp_ropeway", "(dm mp_tramyard\ndm mp_ropeway\n)+");
+        rotation("bare names", "mp_tramyard mp_ropeway", "(tdm mp_tramyard\ntdm mp_ropeway\n)+");
+        rotation("unknown ones", "gametype golf map mp_gone map mp_ropeway", "(tdm mp_ropeway\n)+");
+        rotation("nothing to play", "map gametype map", "(tdm mp_harbourlights\n)+");
+        const DemoOptions lists{.playlists = true};
+        row("excluded map", lists, {"playlist 3", "playlist_excludeMap mp_ropeway"},
+            "((dom|koth) mp_(?!ropeway)\\w+\n)+");
+        row("excluded gametype", lists, {"playlist 3", "playlist_excludeGametype dom dm"}, "(koth mp_\\w+\n)+");
+        row("excluded pair", lists, {"playlist 3", "playlist_excludeGametypeMap koth mp_ropeway"},
+            "(dom mp_\\w+\n|koth mp_(?!ropeway)\\w+\n)+");
+        row("everything excluded", lists, {"map mp_windbreak", "playlist 1", "playlist_excludeGametype tdm"},
+            "(\\w+ mp_windbreak\n)+");
+        row("switched off", {.ranked = true, .playlists = true}, {"playlist 1", "mapexclude_ropeway 1"},
+            "(tdm mp_(?!ropeway)\\w+\n)+");
+    }
+    void rotation()
+    {
+        QFETCH(DemoOptions, options);
+        QFETCH(QStringList, commands);
+        QFETCH(QString, pattern);
+        DemoGame game(options);
+        for (const QString &command : commands)
+            game.execute(command);
+        QString played;
+        for (int i = 0; i < 200; ++i) {
+            game.execute("map_rotate");
+            played += game.variable("g_gametype") + u' ' + game.variable("mapname") + u'\n';
+        }
+        QVERIFY2(QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(played).hasMatch(),
+                 qPrintable(played));
+    }
+
+    void roundsEnd()
+    {
+        for (const char *limit : {"", "scr_tdm_timelimit 1.5", "scr_tdm_scorelimit 100"}) {
+            DemoGame game({});
+            game.execute("scr_tdm_timelimit 0");
+            game.execute("scr_tdm_scorelimit 0");
+            game.execute(limit);
+            game.advance(100s);
+            QCOMPARE(game.variable("mapname") == "mp_harbourlights", qstrlen(limit) == 0);
+        }
+    }
+
+    void sameSeedSameGame()
+    {
+        const auto story = [](quint64 seed, std::chrono::milliseconds slice) -> QString {
+            DemoGame game({.playlists = true, .seed = seed});
+            for (std::chrono::milliseconds now{0}; now < 5min; now += slice)
+                game.advance(slice);
+            return game.execute("teamstatus") + game.execute("dvardump") + game.execute("map_rotate");
+        };
+        QCOMPARE(story(7, 10ms), story(7, 1s)); // however the time is cut
+        QVERIFY(story(7, 1s) != story(8, 1s));
+    }
+
+    void lifeGoesOn()
+    {
+        DemoGame game({});
+        QSet<QString> guids;
+        for (int minute = 0; minute < 120; ++minute) {
+            game.advance(1min);
+            QVERIFY2(game.playerCount() >= 6 && game.playerCount() <= 14,
+                     qPrintable(QString::number(game.playerCount())));
+            for (const QString &row : playerRows(game))
+                guids.insert(guid(row));
+        }
+        QVERIFY(guids.size() > 14); // some came, some went
+    }
+
+    void logIsBounded()
+    {
+        DemoCommandLog log;
+        for (int i = 0; i <= DemoCommandLog::MaximumEntries; ++i)
+            log.append(QString::number(i));
+        QCOMPARE(log.entries().size(), DemoCommandLog::MaximumEntries);
+        QCOMPARE(log.entries().first(), "1");
+    }
+
+    void faultsFollowTheirChance()
+    {
+        DemoFaultyLine line(5);
+        line.setFaults({.loss = 0.5, .duplication = 0.5});
+        const auto arrived = static_cast<double>(line.carry(QList<QByteArray>(10'000, "x")).size());
+        QVERIFY2(qAbs(arrived - 7'500) < 400, qPrintable(QString::number(arrived)));
+    }
+
+    // A newcomer can change what the shipped catalogues offer; a few are lacking, so that connecting shows what becomes
+    // of a variable that a server does not know.
+    void knowsTheShippedCatalogues_data()
+    {
+        QTest::addColumn<QString>("extension");
+        QTest::addColumn<QString>("element");
+        QTest::addColumn<QStringList>("lacking");
+        const auto row = [](const char *extension, const char *element, const QStringList &lacking) {
+            QTest::newRow(extension) << QString(extension) << QString(element) << lacking;
+        };
+        row("gametypes", "dvar", {});
+        row("maps", "excludeDvar", {});
+        row("gameSettingsRanked", "dvar", {"scr_lobbyMusic", "sv_autoRecord"});
+        row("gameSettingsUnranked", "dvar", {"g_tideLevel", "g_weatherCycle", "scr_lobbyMusic", "sv_autoRecord"});
+    }
+    void knowsTheShippedCatalogues()
+    {
+        QFETCH(QString, extension);
+        QFETCH(QString, element);
+        QFile file(QStringLiteral(FERROW_RESOURCES "/FerrowRcon.default.") + extension);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(file.readAll());
+        DemoGame game({});
+        QStringList lacking;
+        int count = 0;
+        const QRegularExpression tag(QStringLiteral("<%1>\\s*(\\w+)\\s*</%1>").arg(element));
+        for (auto found = tag.globalMatch(text); found.hasNext(); ++count) {
+            const QString name = found.next().captured(1);
+            const QStringList shown = game.execute(name).split(u'"');
+            if (shown.size() != 7 || shown.at(1) != name)
+                lacking.append(name);
+        }
+        QVERIFY(count >= 16);
+        lacking.sort();
+        QTEST(lacking, "lacking");
+    }
+};
 
 QTEST_GUILESS_MAIN(TestDemo)
 #include "tst_demo.moc"

@@ -78,167 +78,148 @@ class TestDemoServer : public QObject
 {
     Q_OBJECT
 private slots:
-    void answers_data();
-    void answers();
-    void newPasswordCountsAtOnce();
-    void hostileDatagramsAreSurvived();
-    void silentServerSeesButDoesNothing();
-    void everythingCanGetLost();
-    void longRepliesAreCutAndReordered();
-    void garbageIsNeverAReply();
-    void delayedAndDoubledReply();
-    void stopIsPrompt();
-    void startReportsWhy();
-    void gameGoesOnByItself();
-};
-
-void TestDemoServer::answers_data()
-{
-    QTest::addColumn<QString>("password");
-    QTest::addColumn<bool>("refusalText");
-    QTest::addColumn<QByteArray>("datagram");
-    QTest::addColumn<QByteArray>("expected");
-    const auto row = [](const char *title, const char *password, bool refusalText, const QByteArray &datagram,
-                        const QByteArray &expected) {
-        QTest::newRow(title) << QString::fromUtf8(password) << refusalText << datagram << expected;
-    };
-    const QByteArray closed = reply("The server must set 'rcon_password' for clients to use 'rcon'.\n");
-    row("reply without text", "demo", false, request("demo fast_restart"), reply(""));
-    row("no command", "demo", false, request("demo"), reply(""));
-    row("no closing zero", "demo", false, request("demo say hi").chopped(1), reply("console: hi\n"));
-    row("longer word", "demo", false, request("demonstrate say hi"), Refusal);
-    row("wrong password, in words", "demo", true, request("Demo say hi"), reply("Invalid password.\n"));
-    row("two words, Latin-1", "caf\u00e9 b", false, request("caf\xe9 b say \xfc"), reply("console: \xfc\n"));
-    row("no password set", "", false, request(" say hi"), closed);
-}
-
-void TestDemoServer::answers()
-{
-    QFETCH(QString, password);
-    QFETCH(bool, refusalText);
-    QFETCH(QByteArray, datagram);
-    Line line({.password = password, .refusalText = refusalText});
-    line.client.send(datagram);
-    QTEST(line.client.receive(), "expected");
-}
-
-void TestDemoServer::newPasswordCountsAtOnce()
-{
-    Line line;
-    QCOMPARE(line.client.ask("demo setadmindvar rcon_password \"new one\""), reply(""));
-    QCOMPARE(line.client.ask("demo say hi"), Refusal);
-    QCOMPARE(line.client.ask("new one kick all"), reply("12 players were kicked\n"));
-    QCOMPARE(line.server.commandsSeen().size(), 2); // the refused one is not carried out
-}
-
-void TestDemoServer::hostileDatagramsAreSurvived()
-{
-    Line line;
-    const QByteArray head(4, '\xff');
-    for (const QByteArray &datagram : {QByteArray(), head, QByteArray("demo say hi"), head.repeated(350)})
-        line.client.send(datagram);
-    QCOMPARE(line.client.ask("demo say still here"), reply("console: still here\n"));
-    QCOMPARE(line.server.commandsSeen(), QStringList{"say still here"});
-    const QByteArray large = request("demo " + QByteArray(60'000, '"'));
-    for (int i = 0; i < 20'000; ++i)
-        line.client.send(large);
-    const Client client(line.server.port());
-    QTRY_COMPARE(client.ask("demo say still here"), reply("console: still here\n")); // the system drops some
-}
-
-void TestDemoServer::silentServerSeesButDoesNothing()
-{
-    Line line({.faults = {.silent = true}});
-    line.client.send(request("demo kick all"));
-    line.client.send(request("demo say hi"));
-    QTRY_COMPARE(line.server.commandsSeen(), (QStringList{"kick all", "say hi"}));
-    QCOMPARE(line.server.playerCount(), 12);
-    line.server.setFaults({});
-    QCOMPARE(line.client.ask("demo say again"), reply("console: again\n"));
-}
-
-void TestDemoServer::everythingCanGetLost()
-{
-    Line line({.faults = {.loss = 1}});
-    line.client.send(request("demo say hi"));
-    QCOMPARE(line.client.receive(200), "nothing came");
-    QCOMPARE(line.server.commandsSeen(), QStringList());
-}
-
-void TestDemoServer::longRepliesAreCutAndReordered()
-{
-    Line line;
-    QList<QByteArray> parts{line.client.ask("demo dvardump")};
-    while (!parts.last().endsWith(QByteArray(" total dvars\n").append('\0')))
-        parts.append(line.client.receive());
-    QVERIFY(parts.size() >= 4);
-    for (const QByteArray &part : parts)
-        QVERIFY(part.size() <= 1012 && part.startsWith(reply("").chopped(1)));
-    line.server.setFaults({.reorder = true});
-    QList<QByteArray> mixed{line.client.ask("demo dvardump")};
-    while (mixed.size() < parts.size())
-        mixed.append(line.client.receive());
-    QVERIFY(mixed != parts);
-    std::sort(parts.begin(), parts.end());
-    std::sort(mixed.begin(), mixed.end());
-    QCOMPARE(mixed, parts);
-}
-
-void TestDemoServer::garbageIsNeverAReply()
-{
-    Line line({.faults = {.garbage = 1}});
-    QSet<qsizetype> sizes;
-    for (int i = 0; i < 100; ++i) {
-        const QByteArray datagram = line.client.ask("demo dvardump");
-        QVERIFY(!(datagram.size() >= 10 && datagram.startsWith("\xff\xff\xff\xff\x01")) && datagram != Refusal);
-        sizes.insert(datagram.size());
+    void answers_data()
+    {
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<bool>("refusalText");
+        QTest::addColumn<QByteArray>("datagram");
+        QTest::addColumn<QByteArray>("expected");
+        const auto row = [](const char *title, const char *password, bool refusalText, const QByteArray &datagram,
+                            const QByteArray &expected) {
+            QTest::newRow(title) << QString::fromUtf8(password) << refusalText << datagram << expected;
+        };
+        const QByteArray closed = reply("The server must set 'rcon_password' for clients to use 'rcon'.\n");
+        row("reply without text", "demo", false, request("demo fast_restart"), reply(""));
+        row("no command", "demo", false, request("demo"), reply(""));
+        row("no closing zero", "demo", false, request("demo say hi").chopped(1), reply("console: hi\n"));
+        row("longer word", "demo", false, request("demonstrate say hi"), Refusal);
+        row("wrong password, in words", "demo", true, request("Demo say hi"), reply("Invalid password.\n"));
+        row("two words, Latin-1", "caf\u00e9 b", false, request("caf\xe9 b say \xfc"), reply("console: \xfc\n"));
+        row("no password set", "", false, request(" say hi"), closed);
     }
-    QVERIFY(sizes.contains(0) && sizes.contains(4000));
-}
+    void answers()
+    {
+        QFETCH(QString, password);
+        QFETCH(bool, refusalText);
+        QFETCH(QByteArray, datagram);
+        Line line({.password = password, .refusalText = refusalText});
+        line.client.send(datagram);
+        QTEST(line.client.receive(), "expected");
+    }
 
-void TestDemoServer::delayedAndDoubledReply()
-{
-    Line line({.faults = {.duplication = 1, .delay = 300ms}});
-    QElapsedTimer timer;
-    timer.start();
-    QCOMPARE(line.client.ask("demo say hi"), reply("console: hi\n"));
-    QVERIFY2(timer.elapsed() >= 299, qPrintable(QString::number(timer.elapsed())));
-    QCOMPARE(line.client.receive(), reply("console: hi\n"));
-}
+    void newPasswordCountsAtOnce()
+    {
+        Line line;
+        QCOMPARE(line.client.ask("demo setadmindvar rcon_password \"new one\""), reply(""));
+        QCOMPARE(line.client.ask("demo say hi"), Refusal);
+        QCOMPARE(line.client.ask("new one kick all"), reply("12 players were kicked\n"));
+        QCOMPARE(line.server.commandsSeen().size(), 2); // the refused one is not carried out
+    }
 
-void TestDemoServer::stopIsPrompt()
-{
-    Line line({.faults = {.delay = 60s}});
-    for (int i = 0; i < 50; ++i)
-        line.client.send(request("demo dvardump"));
-    QElapsedTimer timer;
-    timer.start();
-    line.server.stop();
-    QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
-    QVERIFY(line.server.start()); // and can start again
-    line.server.setFaults({});
-    QCOMPARE(Client(line.server.port()).ask("demo say hi"), reply("console: hi\n"));
-}
+    void hostileDatagramsAreSurvived()
+    {
+        Line line;
+        const QByteArray head(4, '\xff');
+        for (const QByteArray &datagram : {QByteArray(), head, QByteArray("demo say hi"), head.repeated(350)})
+            line.client.send(datagram);
+        QCOMPARE(line.client.ask("demo say still here"), reply("console: still here\n"));
+        QCOMPARE(line.server.commandsSeen(), QStringList{"say still here"});
+        const QByteArray large = request("demo " + QByteArray(60'000, '"'));
+        for (int i = 0; i < 20'000; ++i)
+            line.client.send(large);
+        const Client client(line.server.port());
+        QTRY_COMPARE(client.ask("demo say still here"), reply("console: still here\n")); // the system drops some
+    }
 
-void TestDemoServer::startReportsWhy()
-{
-    Line line;
-    DemoServer second({.port = line.server.port()});
-    QString error;
-    QVERIFY(!second.start(&error));
-    QVERIFY2(error.contains(QString::number(line.server.port())), qPrintable(error));
-    line.server.stop();
-    QVERIFY(second.start());
-}
+    void silentServerSeesButDoesNothing()
+    {
+        Line line({.faults = {.loss = 1}});
+        line.client.send(request("demo say lost"));
+        QCOMPARE(line.client.receive(200), "nothing came");
+        line.server.setFaults({.silent = true});
+        line.client.send(request("demo kick all"));
+        line.client.send(request("demo say hi"));
+        QTRY_COMPARE(line.server.commandsSeen(), (QStringList{"kick all", "say hi"})); // what is lost is not seen
+        QCOMPARE(line.server.playerCount(), 12);
+        line.server.setFaults({});
+        QCOMPARE(line.client.ask("demo say again"), reply("console: again\n"));
+    }
 
-void TestDemoServer::gameGoesOnByItself()
-{
-    DemoServer server({});
-    QVERIFY(server.start());
-    const Client client(server.port());
-    const QByteArray before = client.ask("demo teamstatus");
-    QTRY_VERIFY(client.ask("demo teamstatus") != before);
-}
+    void longRepliesAreCutAndReordered()
+    {
+        Line line;
+        QList<QByteArray> parts{line.client.ask("demo dvardump")};
+        while (!parts.last().endsWith(QByteArray(" total dvars\n").append('\0')))
+            parts.append(line.client.receive());
+        QVERIFY(parts.size() >= 4);
+        for (const QByteArray &part : parts)
+            QVERIFY(part.size() <= 1012 && part.startsWith(reply("").chopped(1)));
+        line.server.setFaults({.reorder = true});
+        QList<QByteArray> mixed{line.client.ask("demo dvardump")};
+        while (mixed.size() < parts.size())
+            mixed.append(line.client.receive());
+        QVERIFY(mixed != parts);
+        std::sort(parts.begin(), parts.end());
+        std::sort(mixed.begin(), mixed.end());
+        QCOMPARE(mixed, parts);
+    }
+
+    void garbageIsNeverAReply()
+    {
+        Line line({.faults = {.garbage = 1}});
+        QSet<qsizetype> sizes;
+        for (int i = 0; i < 100; ++i) {
+            const QByteArray datagram = line.client.ask("demo dvardump");
+            QVERIFY(!(datagram.size() >= 10 && datagram.startsWith("\xff\xff\xff\xff\x01")) && datagram != Refusal);
+            sizes.insert(datagram.size());
+        }
+        QVERIFY(sizes.contains(0) && sizes.contains(4000));
+    }
+
+    void delayedAndDoubledReply()
+    {
+        Line line({.faults = {.duplication = 1, .delay = 300ms}});
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(line.client.ask("demo say hi"), reply("console: hi\n"));
+        QVERIFY2(timer.elapsed() >= 299, qPrintable(QString::number(timer.elapsed())));
+        QCOMPARE(line.client.receive(), reply("console: hi\n"));
+    }
+
+    void stopIsPrompt()
+    {
+        Line line({.faults = {.delay = 60s}});
+        for (int i = 0; i < 50; ++i)
+            line.client.send(request("demo dvardump"));
+        QElapsedTimer timer;
+        timer.start();
+        line.server.stop();
+        QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
+        QVERIFY(line.server.start()); // and can start again
+        line.server.setFaults({});
+        QCOMPARE(Client(line.server.port()).ask("demo say hi"), reply("console: hi\n"));
+    }
+
+    void startReportsWhy()
+    {
+        Line line;
+        DemoServer second({.port = line.server.port()});
+        QString error;
+        QVERIFY(!second.start(&error));
+        QVERIFY2(error.contains(QString::number(line.server.port())), qPrintable(error));
+        line.server.stop();
+        QVERIFY(second.start());
+    }
+
+    void gameGoesOnByItself()
+    {
+        DemoServer server({});
+        QVERIFY(server.start());
+        const Client client(server.port());
+        const QByteArray before = client.ask("demo teamstatus");
+        QTRY_VERIFY(client.ask("demo teamstatus") != before);
+    }
+};
 
 QTEST_GUILESS_MAIN(TestDemoServer)
 #include "tst_demoserver.moc"

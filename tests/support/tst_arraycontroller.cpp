@@ -82,7 +82,6 @@ private slots:
         QFETCH(QString, before);
         QFETCH(QString, after);
         QFETCH(QString, selected);
-        QFETCH(QString, stillSelected);
         Controller controller(columns(), keyOf);
         const QAbstractItemModelTester tester(&controller);
         const QAbstractItemModelTester arrangedTester(controller.arranged());
@@ -90,7 +89,7 @@ private slots:
         select(controller, selected);
         controller.mergeContent(rowsOf(after));
         QCOMPARE(textOf(controller.content()), after);
-        QCOMPARE(textOf(controller.selectedObjects()), stillSelected);
+        QTEST(textOf(controller.selectedObjects()), "stillSelected");
     }
 
     void randomMergesKeepOrderAndSelection()

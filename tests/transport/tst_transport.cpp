@@ -187,12 +187,11 @@ private slots:
     void noRetry()
     {
         QFETCH(QByteArray, datagram);
-        QFETCH(unsigned, result);
         QFETCH(QString, text);
         ScriptedPeer peer({{{datagram}}, {{datagram}}});
         for (const Road road : {&RCon::sendTo, &RCon::sendSingleTo}) {
             const Outcome outcome = exchange(road, peer.port());
-            QCOMPARE(unsigned(outcome.result), result);
+            QTEST(unsigned(outcome.result), "result");
             QCOMPARE(outcome.text, text);
         }
         QCOMPARE(peer.requests().size(), 2);

@@ -17,6 +17,7 @@
 #include "ScriptedExchange.h"
 #include "Wait.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -46,6 +47,17 @@ struct Fixture {
     bool settle()
     {
         return QTest::qWaitFor([this] { return actions.isIdle(); }, 10000);
+    }
+
+    /// What the server was asked once all actions have ended.
+    QStringList sent() { return settle() ? exchange.sent() : QStringList{QStringLiteral("an action has not ended")}; }
+
+    /// Puts a catalogue into the user's folder; it is loaded only when the test does so.
+    void write(const QString &extension, const QByteArray &xml)
+    {
+        QFile file(folder.filePath(QStringLiteral("FerrowRcon.exe.") + extension));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(xml), xml.size());
     }
 
     QTemporaryDir folder;

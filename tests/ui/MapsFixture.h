@@ -4,8 +4,6 @@
 #include "Fixture.h"
 #include "MapsView.h"
 
-#include <QFile>
-
 /// A fixture with the preferences of the maps' refresh, which a view reads when it is made.
 struct MapsFixture : Fixture {
     MapsFixture()
@@ -30,12 +28,6 @@ struct Maps : MapsFixture {
     {
         QCOMPARE(awaited(gametypes.loadGametypeList()), CatalogueState::Ready);
         QCOMPARE(awaited(maps.loadMapList()), CatalogueState::Ready);
-    }
-    void write(const QString &extension, const QByteArray &xml)
-    {
-        QFile file(folder.filePath(QStringLiteral("FerrowRcon.exe.") + extension));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(xml), xml.size());
     }
     void tell(const QString &name, const QString &value)
     {

@@ -9,7 +9,6 @@
 #include "SettingsView.h"
 
 #include <QContextMenuEvent>
-#include <QFile>
 #include <QLabel>
 #include <QMenu>
 
@@ -40,13 +39,6 @@ struct SettingsFixture : Fixture {
                              "playlist_excludeGametypeMap \"c\"\ng_time \"%2\"\ng_gravity \"-.5\"\ng_fire \"1\"\n"
                              "g_cam \"0\"\ng_motd \"hello\"\nscr_score \"100\"\n";
         exchange.answer("dvardump", ScriptedExchange::ok(text.arg(isRanked ? "2" : "1", timeLimit)));
-    }
-
-    void write(const QString &extension, const QByteArray &content)
-    {
-        QFile file(folder.filePath(QStringLiteral("FerrowRcon.exe.") + extension));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(content), content.size());
     }
 
     void loadCatalogues()

@@ -25,7 +25,7 @@ struct Window : Fixture {
         exchange.answer(QStringLiteral("teamstatus"), ScriptedExchange::ok());
     }
 
-    void fillForm(const QString &host, const QString &port, const QString &password)
+    void fillForm(const QString &host, const QString &port, const QString &password) const
     {
         view.serversView->fillForm(host, port);
         view.serversView->passwordField->setText(password);
@@ -40,28 +40,30 @@ struct Window : Fixture {
     FormMainView view{server, actions, alerts, preferences, catalogues(), rotations(), savedServers};
 };
 
+struct ConnectedWindow : Window {
+    ConnectedWindow()
+    {
+        connectByForm();
+        QVERIFY(settle());
+    }
+};
+
 class MainWindowTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void connectNeedsHostPortAndPassword_data()
-    {
-        QTest::addColumn<QStringList>("fields");
-        QTest::addColumn<bool>("isEnabled");
-        QTest::newRow("all") << QStringList{"h", "1", "p"} << true;
-        QTest::newRow("blank counts") << QStringList{" ", "1", "p"} << true;
-        QTest::newRow("no host") << QStringList{"", "1", "p"} << false;
-        QTest::newRow("no port") << QStringList{"h", "", "p"} << false;
-        QTest::newRow("no password") << QStringList{"h", "1", ""} << false;
-    }
     void connectNeedsHostPortAndPassword()
     {
-        QFETCH(QStringList, fields);
-        QFETCH(bool, isEnabled);
-        Window window;
-        QVERIFY(!window.view.serversView->connectButton->isEnabled());
-        window.fillForm(fields.at(0), fields.at(1), fields.at(2));
-        QCOMPARE(window.view.serversView->connectButton->isEnabled(), isEnabled);
+        const Window window;
+        const QPushButton &button = *window.view.serversView->connectButton;
+        window.fillForm("h", "1", "p");
+        QVERIFY(button.isEnabled());
+        for (const QStringList &form : {QStringList{"", "1", "p"}, {"h", "", "p"}, {"h", "1", ""}}) {
+            window.fillForm(form.at(0), form.at(1), form.at(2));
+            QVERIFY2(!button.isEnabled(), qPrintable(form.join(u'|')));
+        }
+        window.fillForm(" ", "1", "p"); // a blank counts
+        QVERIFY(button.isEnabled());
     }
 
     void tellsHowConnectingGoes()
@@ -116,8 +118,7 @@ private slots:
         window.view.connectTo(ConnectTarget{QStringLiteral("Other"), QStringLiteral("10.0.0.2"), QStringLiteral("1"),
                                             QStringLiteral("pw"), nullptr});
         window.view.serversView->disconnectButton->click();
-        QVERIFY(window.settle());
-        QCOMPARE(window.exchange.sent(), QStringList{"dvardump"});
+        QCOMPARE(window.sent(), QStringList{"dvardump"});
         QVERIFY(window.alerts.shown().isEmpty());
         QCOMPARE(window.status(), QStringLiteral("Not connected"));
         QVERIFY(window.view.serversView->connectButton->isEnabled());
@@ -125,9 +126,7 @@ private slots:
 
     void theTabsFollowTheModeAndTheConsoleStaysInFront()
     {
-        Window window;
-        window.connectByForm();
-        QVERIFY(window.settle());
+        ConnectedWindow window;
         QTabWidget *tabs = window.view.tabControlMain;
         const auto labels = [&] {
             QStringList list;
@@ -145,15 +144,12 @@ private slots:
         QCOMPARE(tabs->currentIndex(), 5);
         window.exchange.forgetSent();
         window.view.playersView->refreshPlayersButtonPressed();
-        QVERIFY(window.settle());
-        QVERIFY(window.exchange.sent().isEmpty()); // the players' tab is not in front
+        QCOMPARE(window.sent(), QStringList()); // the players' tab is not in front
     }
 
     void theConfigBuildersSecondVisitIsTold()
     {
-        Window window;
-        window.connectByForm();
-        QVERIFY(window.settle());
+        ConnectedWindow window;
         QSignalSpy again(&window.view, &FormMainView::configBuilderVisitedAgain);
         QList<int> told;
         for (int visit = 0; visit < 3; ++visit) {
@@ -166,10 +162,8 @@ private slots:
 
     void aNewPasswordReachesTheForm()
     {
-        Window window;
+        ConnectedWindow window;
         window.exchange.answerEverything(ScriptedExchange::ok());
-        window.connectByForm();
-        QVERIFY(window.settle());
         awaited(window.server.setDvar(QStringLiteral("rcon_password"), QStringLiteral("new")));
         QCOMPARE(window.view.serversView->passwordField->text(), QStringLiteral("new"));
     }
@@ -186,20 +180,6 @@ private slots:
         dialog->accept();
         QVERIFY(window.settle());
         QCOMPARE(window.exchange.requests().first().password, QStringLiteral("asked"));
-    }
-
-    void closingInTheMiddleEndsCleanly()
-    {
-        Window window;
-        window.view.show();
-        window.exchange.hold();
-        window.connectByForm();
-        window.view.close();
-        QVERIFY(window.view.isVisible()); // not before the action has let go
-        QTRY_VERIFY(!window.view.isVisible());
-        QVERIFY(window.actions.isIdle());
-        QVERIFY(window.alerts.shown().isEmpty());
-        QCOMPARE(window.exchange.sent(), QStringList{"dvardump"});
     }
 
     void whatIsBeingTypedIsAskedAboutOnClosing()
@@ -226,18 +206,20 @@ private slots:
         QVERIFY(window.messageRotations.entries().first()->message == text + QLatin1Char('b'));
     }
 
-    void closingIsNotHeldUpByWhatComesDueMeanwhile()
+    void closingInTheMiddleEndsCleanly()
     {
-        Window window;
+        ConnectedWindow window;
         window.view.show();
-        window.connectByForm();
-        QVERIFY(window.settle());
+        window.exchange.forgetSent();
         window.exchange.hold();
         window.view.playersView->refreshPlayersButtonPressed();
         window.view.close();
-        window.view.playersView->refreshPlayersButtonPressed(); // as a timer would
+        QVERIFY(window.view.isVisible());                       // not before the action has let go
+        window.view.playersView->refreshPlayersButtonPressed(); // what comes due meanwhile does not hold it up
         QTRY_VERIFY(!window.view.isVisible());
         QVERIFY(window.actions.isIdle());
+        QVERIFY(window.alerts.shown().isEmpty());
+        QCOMPARE(window.exchange.sent(), QStringList{"teamstatus"});
     }
 
     void whatWasMeantForTheServerBeforeIsNotSent()
@@ -302,17 +284,15 @@ private slots:
         QWidget window;
         window.show();
         ProgressWindowController progress;
-        progress.setTitle(QStringLiteral("Loading configuration..."));
+        progress.setTitle("Loading configuration...");
+        progress.setProgressMax(7);
         progress.setCurrentProgress(3);
         progress.beginSheet(&window);
-        const auto *bar = progress.window()->findChild<QProgressBar *>(QStringLiteral("progressIndicator"));
-        QCOMPARE(bar->maximum(), 100); // never set: left alone
-        QCOMPARE(bar->value(), 3);
-        QCOMPARE(progress.window()->findChild<QLabel *>(QStringLiteral("titleLabel"))->text(),
-                 QStringLiteral("Loading configuration..."));
-        progress.setProgressMax(7);
-        progress.setCurrentProgress(6);
+        const auto *bar = progress.window()->findChild<QProgressBar *>("progressIndicator");
+        QCOMPARE(progress.window()->findChild<QLabel *>("titleLabel")->text(), "Loading configuration...");
         QCOMPARE(bar->maximum(), 7);
+        QCOMPARE(bar->value(), 3);
+        progress.setCurrentProgress(6);
         QCOMPARE(bar->value(), 6);
         const QPointer<QDialog> sheet = progress.window();
         QTest::keyClick(sheet, Qt::Key_Escape);

@@ -19,6 +19,7 @@ struct Players : Fixture {
     Players()
     {
         connectToServer();
+        exchange.answerEverything(ScriptedExchange::ok());
         list(line(1, QStringLiteral("Ann"), 9) + line(2, QStringLiteral("Bob"), 10) + line(3, QStringLiteral("Cy"), 8));
         view.setSelectedTabLabel(QStringLiteral("Players"));
         refresh();
@@ -57,26 +58,18 @@ class PlayersViewTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void fetchesOnlyWhenItIsDue()
+    void aFailedRefreshLeavesTheRowsAnotherServerDoesNot()
     {
         Players players;
-        players.view.setSelectedTabLabel(QStringLiteral("Console"));
+        players.exchange.answer("teamstatus", ScriptedExchange::failure());
         players.refresh();
-        QVERIFY(players.exchange.sent().isEmpty());
-        players.view.setSelectedTabLabel(QStringLiteral("Players"));
-        players.server.disconnect();
-        players.refresh();
-        QVERIFY(players.exchange.sent().isEmpty());
-    }
-
-    void aFailedRefreshLeavesTheRows()
-    {
-        Players players;
-        players.exchange.forget(QStringLiteral("teamstatus"));
-        players.refresh();
-        QCOMPARE(players.exchange.sent(), QStringList{QStringLiteral("teamstatus")});
+        QCOMPARE(players.exchange.sent(), QStringList{"teamstatus"});
         QCOMPARE(players.shown(), QStringList({"Ann", "Bob", "Cy"}));
         QVERIFY(players.alerts.shown().isEmpty());
+        players.select({"Ann"});
+        players.connectToServer();
+        QVERIFY(players.view.playersController->content().isEmpty());
+        QVERIFY(!players.view.kickPlayerButton->isEnabled());
     }
 
     void aRefreshKeepsWhoIsSelectedSortedAndFiltered()
@@ -110,33 +103,35 @@ private slots:
     void sendsOneCommandForEachSelectedPlayer()
     {
         QFETCH(QString, button);
-        QFETCH(QStringList, sent);
         QFETCH(int, refreshAfter);
         Players players;
-        players.exchange.answerEverything(ScriptedExchange::ok());
         players.select({"Ann", "Cy"});
         QElapsedTimer clock;
         clock.start();
         players.view.findChild<QPushButton *>(button)->click();
         QVERIFY(players.settle());
-        QCOMPARE(players.exchange.sent(), sent);
+        QTEST(players.exchange.sent(), "sent");
         QVERIFY(players.alerts.shown().isEmpty());
         QTRY_COMPARE_WITH_TIMEOUT(players.exchange.sent().last(), QStringLiteral("teamstatus"), 12000);
         QVERIFY(clock.elapsed() >= refreshAfter * 9 / 10);
         QVERIFY(players.settle());
     }
 
-    void oneAlertTellsOfAllFailures()
+    void oneAlertTellsOfAllFailuresAndHoldsTheTurn()
     {
         Players players;
-        players.exchange.answer(QStringLiteral("clientkick 1"), ScriptedExchange::ok(QStringLiteral("kicked")));
-        players.exchange.answer(QStringLiteral("clientkick 2"),
-                                ScriptedExchange::ok(QStringLiteral(" \nclient 2 is not active\n\n")));
-        players.exchange.answer(QStringLiteral("clientkick 3"), ScriptedExchange::failure(QStringLiteral("lost")));
+        players.exchange.answer("clientkick 1", ScriptedExchange::ok("kicked"));
+        players.exchange.answer("clientkick 2", ScriptedExchange::ok(" \nclient 2 is not active\n\n"));
+        players.exchange.answer("clientkick 3", ScriptedExchange::failure("lost"));
+        players.alerts.hold();
         players.select({"Ann", "Bob", "Cy"});
         players.view.kickPlayerButton->click();
-        QVERIFY(players.settle());
+        QTRY_COMPARE(players.alerts.openCount(), 1);
+        players.view.refreshPlayersButton->click();
+        QTest::qWait(0);
         QCOMPARE(players.exchange.sent().size(), 3); // a batch goes on after a failure
+        players.alerts.dismiss();
+        QCOMPARE(players.sent().last(), "teamstatus");
         QCOMPARE(players.alerts.titles(), QStringList{"Remote Command Failure"});
         QCOMPARE(players.alerts.texts(),
                  QStringList{"The following player(s) failed to process the 'clientkick' command: \n"
@@ -146,7 +141,6 @@ private slots:
     void whoWasSelectedAtThePressIsKicked()
     {
         Players players;
-        players.exchange.answerEverything(ScriptedExchange::ok());
         players.exchange.hold();
         players.view.refreshPlayersButton->click();
         players.select({"Ann"});
@@ -170,59 +164,29 @@ private slots:
         players.actions.dropWaiting();
         players.server.cancelExchange();
         players.server.disconnect();
-        QVERIFY(players.settle());
-        QCOMPARE(players.exchange.sent(), QStringList{"clientkick 1"});
+        QCOMPARE(players.sent(), QStringList{"clientkick 1"});
         QVERIFY(players.alerts.shown().isEmpty());
     }
 
-    void anOpenAlertHoldsTheTurn()
-    {
-        Players players;
-        players.alerts.hold();
-        players.select({"Ann"});
-        players.view.kickPlayerButton->click(); // times out: alert
-        QTRY_COMPARE(players.alerts.openCount(), 1);
-        players.view.refreshPlayersButton->click();
-        QTest::qWait(0);
-        QCOMPARE(players.exchange.sent(), QStringList{"clientkick 1"});
-        players.alerts.dismiss();
-        QVERIFY(players.settle());
-        QCOMPARE(players.exchange.sent(), QStringList({"clientkick 1", "teamstatus"}));
-    }
-
-    void kickAllAsksFirst_data()
-    {
-        QTest::addColumn<int>("button");
-        QTest::addColumn<Reply>("reply");
-        QTest::addColumn<QStringList>("sent");
-        QTest::addColumn<QStringList>("texts");
-        const QString question = QStringLiteral("Do you really want to kick everyone?");
-        QTest::newRow("no") << 1 << ScriptedExchange::ok() << QStringList{} << QStringList{question};
-        QTest::newRow("yes") << 0 << ScriptedExchange::ok() << QStringList{"kick all"} << QStringList{question};
-        QTest::newRow("yes, but it fails") << 0 << ScriptedExchange::failure("lost") << QStringList{"kick all"}
-                                           << QStringList{question, "KickAll returned an error: lost"};
-    }
     void kickAllAsksFirst()
     {
-        QFETCH(int, button);
-        QFETCH(Reply, reply);
-        QFETCH(QStringList, sent);
-        QFETCH(QStringList, texts);
         Players players;
-        players.exchange.answer(QStringLiteral("kick all"), reply);
-        players.alerts.answerWith(button);
+        players.exchange.answer("kick all", ScriptedExchange::failure("lost"));
+        players.alerts.answerWith(1);
         players.view.kickAllButton->click();
-        QVERIFY(players.settle());
-        QCOMPARE(players.exchange.sent(), sent);
-        QCOMPARE(players.alerts.texts(), texts);
-        QCOMPARE(players.alerts.shown().first().title, QStringLiteral("Please Confirm Command"));
-        QCOMPARE(players.alerts.shown().first().buttons, QStringList({"Yes", "No"}));
+        QCOMPARE(players.sent(), QStringList());
+        players.alerts.answerWith(0);
+        players.view.kickAllButton->click();
+        QCOMPARE(players.sent(), QStringList{"kick all"});
+        const RecordedAlerts::Shown question{
+            "Please Confirm Command", "Do you really want to kick everyone?", {"Yes", "No"}};
+        const RecordedAlerts::Shown failure{"Remote Command Failure", "KickAll returned an error: lost", {}};
+        QCOMPARE(players.alerts.shown(), QList<RecordedAlerts::Shown>({question, question, failure}));
     }
 
     void kickAllAsksAtOnceAndKeepsItsPlace()
     {
         Players players;
-        players.exchange.answerEverything(ScriptedExchange::ok());
         players.exchange.hold();
         players.alerts.hold();
         players.view.refreshPlayersButton->click();
@@ -239,42 +203,29 @@ private slots:
         QVERIFY(players.settle());
     }
 
-    void thePanelSendsOrNot_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("isSent");
-        QTest::addColumn<QStringList>("sent");
-        QTest::newRow("sent as it stands") << "see \"you\" " << true << QStringList{"tell 3 see \"you\" "};
-        QTest::newRow("cancelled") << "see you" << false << QStringList{};
-    }
     void thePanelSendsOrNot()
     {
-        QFETCH(QString, text);
-        QFETCH(bool, isSent);
-        QFETCH(QStringList, sent);
         Players players;
-        players.exchange.answerEverything(ScriptedExchange::ok());
         players.select({"Cy"});
         PlayerSendMessage *panel = players.view.playerSendMessagePanel;
-        panel->messageTextField->setText(QStringLiteral("old"));
-        players.view.messagePlayerButton->click();
-        QVERIFY(panel->messageString().isEmpty());
-        QVERIFY(!panel->sendButton->isEnabled());
-        panel->messageTextField->setText(text);
-        QVERIFY(panel->sendButton->isEnabled());
-        if (isSent)
-            panel->sendButton->click();
-        else
-            QTest::keyClick(panel, Qt::Key_Escape);
-        QVERIFY(players.settle());
-        QVERIFY(!panel->isVisible());
-        QCOMPARE(players.exchange.sent(), sent);
+        for (const bool isSent : {false, true}) {
+            players.view.messagePlayerButton->click();
+            QVERIFY(panel->messageString().isEmpty()); // not what was typed the last time
+            QVERIFY(!panel->sendButton->isEnabled());
+            panel->messageTextField->setText("see \"you\" ");
+            if (isSent)
+                panel->sendButton->click();
+            else
+                QTest::keyClick(panel, Qt::Key_Escape);
+            QVERIFY(players.settle());
+            QVERIFY(!panel->isVisible());
+            QCOMPARE(players.exchange.sent(), isSent ? QStringList{"tell 3 see \"you\" "} : QStringList());
+        }
     }
 
     void aMessageGoesToThoseItWasWrittenTo()
     {
         Players players;
-        players.exchange.answerEverything(ScriptedExchange::ok());
         players.select({"Ann", "Cy"});
         players.view.messagePlayerButton->click();
         // Ann leaves, a newcomer gets her number, and Cy comes back under another one.
@@ -284,20 +235,9 @@ private slots:
         players.exchange.forgetSent();
         players.view.playerSendMessagePanel->messageTextField->setText(QStringLiteral("hello"));
         players.view.playerSendMessagePanel->sendButton->click();
-        QVERIFY(players.settle());
-        QCOMPARE(players.exchange.sent(), QStringList{"tell 7 hello"});
+        QCOMPARE(players.sent(), QStringList{"tell 7 hello"});
         QCOMPARE(players.alerts.texts(), QStringList{"The following player(s) failed to process the 'tell' command: \n"
                                                      "  Ann (has left the server)"});
-    }
-
-    void anotherServersPlayersAreForgotten()
-    {
-        Players players;
-        players.exchange.forget(QStringLiteral("teamstatus"));
-        players.select({"Ann"});
-        players.connectToServer();
-        QVERIFY(players.view.playersController->content().isEmpty());
-        QVERIFY(!players.view.kickPlayerButton->isEnabled());
     }
 
     void theTimerFollowsThePreferenceAndEachRefresh()
@@ -319,7 +259,6 @@ private slots:
     void aRefreshThatWaitsIsNotDoubled()
     {
         Players players;
-        players.exchange.answerEverything(ScriptedExchange::ok());
         players.exchange.hold();
         players.select({"Ann"});
         players.view.kickPlayerButton->click();
@@ -331,8 +270,7 @@ private slots:
         players.exchange.release();
         QTRY_COMPARE(players.exchange.keptCount(), 1);
         players.exchange.release();
-        QVERIFY(players.settle());
-        QCOMPARE(players.exchange.sent(), QStringList({"clientkick 1", "teamstatus", "teamstatus"}));
+        QCOMPARE(players.sent(), QStringList({"clientkick 1", "teamstatus", "teamstatus"}));
     }
 
     void savesTheListInItsOrder()
