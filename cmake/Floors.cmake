@@ -19,6 +19,29 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
     endif()
 endif()
 
+# What nearly every file includes, compiled once. Another preset compiles without it, so that no file comes to depend on
+# what it does not include itself.
+if(FERROW_PRECOMPILED_HEADERS)
+    function(add_precompiled_headers name)
+        cmake_parse_arguments(HEADERS "" "" "HEADERS;STANDS_ON" ${ARGN})
+        file(WRITE ${CMAKE_BINARY_DIR}/precompiled/${name}.cpp "")
+        add_library(${name} OBJECT ${CMAKE_BINARY_DIR}/precompiled/${name}.cpp)
+        target_link_libraries(${name} PRIVATE ${HEADERS_STANDS_ON} ferrow_flags)
+        target_precompile_headers(${name} PRIVATE ${HEADERS_HEADERS})
+    endfunction()
+    set(core_headers <QAbstractTableModel> <QCoroFuture> <QCoroTask> <QDir> <QFile> <QHash> <QList> <QObject> <QPromise>
+        <QString> <QStringList> <QTimer> <QVariant> <algorithm> <chrono> <functional> <memory> <optional>)
+    add_precompiled_headers(ferrow_core_headers HEADERS ${core_headers} STANDS_ON Qt6::Core QCoro6::Core)
+    add_precompiled_headers(ferrow_widget_headers HEADERS ${core_headers} <QCheckBox> <QComboBox> <QDialog> <QHeaderView>
+        <QLabel> <QLineEdit> <QPushButton> <QTableView> <QVBoxLayout> STANDS_ON Qt6::Widgets QCoro6::Core)
+endif()
+
+function(use_precompiled_headers target headers)
+    if(FERROW_PRECOMPILED_HEADERS)
+        target_precompile_headers(${target} REUSE_FROM ${headers})
+    endif()
+endfunction()
+
 # add_floor(name SOURCES ... STANDS_ON ...)
 # A floor is a static library whose only public include folder is its own, so that a header of a floor
 # above it is not even found.
@@ -29,6 +52,11 @@ function(add_floor name)
     target_include_directories(${target} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${target} PUBLIC ${FLOOR_STANDS_ON} PRIVATE ferrow_flags)
     set_target_properties(${target} PROPERTIES AUTOMOC ON)
+    if(name STREQUAL ui)
+        use_precompiled_headers(${target} ferrow_widget_headers)
+    elseif(NOT name STREQUAL demo)
+        use_precompiled_headers(${target} ferrow_core_headers)
+    endif()
 endfunction()
 
 # add_ferrow_program(name SOURCES ... STANDS_ON ...)
@@ -47,6 +75,11 @@ function(add_ferrow_test name)
     cmake_parse_arguments(TEST "" "" "SOURCES;STANDS_ON" ${ARGN})
     add_ferrow_program(${name} SOURCES ${TEST_SOURCES} STANDS_ON ${TEST_STANDS_ON} Qt6::Test)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/common)
+    if("ferrow_ui" IN_LIST TEST_STANDS_ON)
+        use_precompiled_headers(${name} ferrow_widget_headers)
+    elseif(NOT "ferrow_demo" IN_LIST TEST_STANDS_ON)
+        use_precompiled_headers(${name} ferrow_core_headers)
+    endif()
     target_compile_definitions(${name} PRIVATE FERROW_RESOURCES="${CMAKE_SOURCE_DIR}/resources")
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT 120

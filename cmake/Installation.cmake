@@ -27,11 +27,8 @@ foreach(size 16 32 48 128 256)
     install(FILES resources/icons/${size}.png RENAME ${FERROW_APPLICATION_ID}.png
         DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps)
 endforeach()
-foreach(document packaging/debian/copyright docs/guide.md)
-    if(EXISTS ${CMAKE_SOURCE_DIR}/${document})
-        install(FILES ${document} DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/ferrow-rcon)
-    endif()
-endforeach()
+install(FILES packaging/debian/copyright docs/guide.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/ferrow-rcon)
+install(DIRECTORY docs/pictures DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/ferrow-rcon)
 
 # Manual pages and change lists are installed compressed, without a name or a time inside.
 find_program(GZIP gzip REQUIRED)
@@ -56,7 +53,7 @@ set(CPACK_PACKAGE_CONTACT "The Kelvard Ferrow Remote Console developers <develop
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SECTION games)
+set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The window system's plugin, and a font to write with: no library names them.

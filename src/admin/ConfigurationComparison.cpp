@@ -1,6 +1,6 @@
 #include "ConfigurationComparison.h"
 
-#include "ConfigurationText.h"
+#include "QuotedStrings.h"
 
 #include <QSet>
 

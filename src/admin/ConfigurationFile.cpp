@@ -1,9 +1,8 @@
 #include "ConfigurationFile.h"
 
+#include "BoundedFile.h"
 #include "QuotedStrings.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QSet>
 #include <QStringDecoder>
 
@@ -56,18 +55,11 @@ std::optional<QString> ConfigurationFile::decoded(const QByteArray &bytes)
 
 ConfigurationFile::Content ConfigurationFile::read(const QString &path)
 {
-    const QFileInfo info(path);
-    if (info.exists() && !info.isFile()) // a pipe would be waited for without end
-        return {std::nullopt, tr("It is not a file.")};
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {std::nullopt, file.errorString()};
-    const QByteArray bytes = file.read(largestSize + 1);
-    if (file.error() != QFileDevice::NoError)
-        return {std::nullopt, file.errorString()};
-    if (bytes.size() > largestSize)
-        return {std::nullopt, tr("It is larger than %1 MB.").arg(largestSize / (1024 * 1024))};
-    std::optional<QString> text = decoded(bytes);
+    QString error;
+    const std::optional<QByteArray> bytes = BoundedFile::read(path, largestSize, &error);
+    if (!bytes)
+        return {std::nullopt, error};
+    std::optional<QString> text = decoded(*bytes);
     if (!text)
         return {std::nullopt, tr("It is not a text.")};
     return {std::move(text), {}};
@@ -92,7 +84,7 @@ QList<ConfigurationEntry> ConfigurationFile::entries(const QString &text)
     QList<ConfigurationEntry> entries;
     QSet<QString> known;
     auto begin = text.cbegin();
-    while (begin != text.cend()) {
+    while (begin != text.cend() && entries.size() <= mostEntries) {
         const auto end = std::find_if(begin, text.cend(), isLineBreak);
         const auto entry = entryOf(QStringView(begin, end));
         if (entry && !known.contains(entry->dvar)) {

@@ -27,6 +27,7 @@ public:
     };
 
     static constexpr qint64 largestSize = 16 * 1024 * 1024; ///< in bytes
+    static constexpr qsizetype mostEntries = 200'000;       ///< that it makes sense to show or to write
 
     ConfigurationFile() = delete;
 
@@ -40,6 +41,7 @@ public:
 
     /// The variables that `text` sets, in the order of its lines; of several lines for one variable the first counts.
     /// A line counts if it has one quoted text and two words at least, and does not begin with two slashes; its first
-    /// word is the variable. Lines longer than the largest datagram are left out: no server could be told them.
+    /// word is the variable. Lines longer than the largest datagram are left out: no server could be told them. Of more
+    /// than mostEntries variables just one more is taken.
     static QList<ConfigurationEntry> entries(const QString &text);
 };

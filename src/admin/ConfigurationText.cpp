@@ -4,6 +4,7 @@
 #include "DvarSetting.h"
 #include "DvarSettingList.h"
 #include "LineWriter.h"
+#include "QuotedStrings.h"
 
 #include <QBuffer>
 #include <QDateTime>
@@ -12,16 +13,6 @@
 
 using Dvars = QHash<QString, QString>;
 using SettingLists = QList<std::shared_ptr<DvarSettingList>>;
-
-QString withoutOuterQuotes(const QString &value)
-{
-    QStringView inner(value);
-    while (inner.startsWith(u'"'))
-        inner = inner.sliced(1);
-    while (inner.endsWith(u'"'))
-        inner.chop(1);
-    return inner.toString();
-}
 
 /// A file is handed on and loaded into other servers: none of them should take over this one's name and password.
 static bool isNeverWritten(const QString &dvar)

@@ -29,6 +29,3 @@ QList<ConfigurationEntry> writtenEntries(const ConfigurationContent &content);
 /// @return whether it is written; otherwise `error`, if given, tells why.
 [[nodiscard]] bool saveConfiguration(const ConfigurationContent &content, const QString &path,
                                      QString *error = nullptr);
-
-/// `value` without the double quotes at both of its ends, as a write sends it.
-QString withoutOuterQuotes(const QString &value);

@@ -2,30 +2,19 @@
 
 #include "QuotedStrings.h"
 
-#include <QStringView>
-
-static QStringView withoutOuter(QStringView text, QChar mark)
-{
-    while (text.startsWith(mark))
-        text = text.sliced(1);
-    while (text.endsWith(mark))
-        text.chop(1);
-    return text;
-}
-
 QString parseMapResponse(const QString &reply)
 {
     const QStringList fields = quotedStrings(reply);
     if (fields.size() < 2)
         return {};
-    return withoutOuter(fields.at(1), QLatin1Char('"')).toString();
+    return withoutOuterQuotes(fields.at(1));
 }
 
 QList<RotationRow> parseRotation(const QString &rotation, const QString &gametype, const NameLookup &findMap,
                                  const NameLookup &findGametype)
 {
-    const QList<QStringView> pieces =
-        withoutOuter(rotation, QLatin1Char('?')).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    const QString text = withoutOuter(rotation, QLatin1Char('?'));
+    const QList<QStringView> pieces = QStringView(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
     QList<RotationRow> rows;
     RotationRow row{{}, gametype};
     for (auto piece = pieces.begin(); piece != pieces.end(); ++piece) {

@@ -1,13 +1,14 @@
 #pragma once
 
-#include <QByteArray>
+#include "GuardedFile.h"
+#include "PropertyList.h"
+
 #include <QCoreApplication>
 #include <QList>
 #include <QMap>
 #include <QString>
 #include <QStringList>
 
-#include <memory>
 #include <optional>
 
 /// One row of the list: everything as the user typed it. Without a password when the stored one cannot be decrypted.
@@ -21,10 +22,7 @@ struct SavedServer {
 };
 
 /// What a reading or a writing of the file came to, in words for the user.
-struct SavedServersOutcome {
-    QString error;    ///< empty if all is well
-    QString keptCopy; ///< path of the copy of the former file, if one had to be kept aside
-};
+using SavedServersOutcome = GuardedFile::Outcome;
 
 /// The servers that the user has saved, and their file: a property list from label to host, port and encrypted
 /// password.
@@ -58,18 +56,11 @@ public:
     [[nodiscard]] SavedServersOutcome setPassword(const QString &label, const QString &password);
 
 private:
-    struct NodeDeleter {
-        void operator()(void *node) const;
-    };
-
     void readEntries();
-    bool keepAside(SavedServersOutcome *outcome) const;
     SavedServersOutcome write();
 
-    QString m_path;
+    GuardedFile m_file;
     QString m_loginName;
-    std::unique_ptr<void, NodeDeleter> m_document; // the whole file, with what this version does not know
+    PropertyList m_document; // the whole file, with what this version does not know
     QMap<QString, SavedServer> m_servers;
-    QByteArray m_knownDigest;        // of the file as it was last read or written
-    bool m_wouldLoseContent = false; // the file holds what the document does not
 };

@@ -7,6 +7,7 @@
 #include "KelServer.h"
 #include "Number.h"
 #include "PlaylistFile.h"
+#include "QuotedStrings.h"
 
 #include <QHash>
 #include <QSet>
@@ -125,14 +126,9 @@ void KelPlaylists::showExclusions(QList<Exclusion> exclusions)
 
 QStringList KelPlaylists::wordsOf(const char *dvar) const
 {
-    const QString value = m_server.dvarList().value(QLatin1String(dvar));
-    QStringView text = value;
-    while (text.startsWith(u'"'))
-        text = text.sliced(1);
-    while (text.endsWith(u'"'))
-        text.chop(1);
+    const QString text = withoutOuterQuotes(m_server.dvarList().value(QLatin1String(dvar)));
     QStringList words;
-    for (const QStringView word : text.tokenize(u' ', Qt::SkipEmptyParts)) {
+    for (const QStringView word : QStringView(text).tokenize(u' ', Qt::SkipEmptyParts)) {
         if (words.size() == mostWords)
             break;
         words.append(word.toString());

@@ -58,6 +58,9 @@ public:
     /// Appends one row before the first wait; alerts when the table is full.
     QCoro::Task<> addMessageToCurrentRotation(QString message, QString duration);
 
+    /// What the server's alphabet lacks cannot be sent, and then nothing of the message is.
+    static bool isSendable(const QString &message) { return QString::fromLatin1(message.toLatin1()) == message; }
+
     PlayState currentPlayState() const { return m_playState; }
     /// The row of the message that is shown: a number, which stays when rows are moved or removed.
     int currentMessageIndex() const { return m_messageIndex; }

@@ -1,9 +1,7 @@
 #include "RotationFile.h"
 
-#include "AtomicFile.h"
 #include "RotationXml.h"
 
-#include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -12,97 +10,25 @@
 
 #include <utility>
 
-static constexpr QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
-
-static QByteArray digestOf(const QByteArray &bytes)
-{
-    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
-}
-
-RotationFile::RotationFile(QString path, QByteArray rootElement)
-    : m_path(std::move(path)), m_rootElement(std::move(rootElement))
+RotationFile::RotationFile(const QString &path, QByteArray rootElement)
+    : GuardedFile(path, rotationReading.maximumSize), m_rootElement(std::move(rootElement))
 {
 }
 
-bool RotationFile::exists() const
+std::optional<XmlDocument> RotationFile::readDocument(QString *error)
 {
-    return QFileInfo::exists(m_path);
-}
-
-std::optional<XmlDocument> RotationFile::read(QString *error)
-{
-    m_knownDigest.clear();
-    m_isDamaged = true;
-    const std::optional<QByteArray> bytes = XmlDocument::bytesOf(m_path, rotationReading.maximumSize, error);
+    const std::optional<QByteArray> bytes = read(error);
     if (!bytes)
         return std::nullopt;
     std::optional<XmlDocument> document = XmlDocument::parse(*bytes, error, rotationReading);
-    if (document) {
-        m_knownDigest = digestOf(*bytes);
-        m_isDamaged = false;
-    }
+    if (!document)
+        markDamaged();
     return document;
-}
-
-RotationFile::Outcome RotationFile::write(const QByteArray &bytes)
-{
-    Outcome outcome;
-    const QString folder = QFileInfo(m_path).absolutePath();
-    const bool hasFolder = QFileInfo::exists(folder) ||
-                           (QDir().mkpath(folder) && QFile::setPermissions(folder, ownerOnly | QFileDevice::ExeOwner));
-    if (!hasFolder) {
-        outcome.error = tr("The folder \"%1\" could not be made.").arg(QDir::toNativeSeparators(folder));
-        return outcome;
-    }
-    if (!keepAside(&outcome) || !AtomicFile::write(m_path, bytes, &outcome.error))
-        return outcome;
-    outcome.error.clear();
-    m_knownDigest = digestOf(bytes);
-    m_isDamaged = false;
-    return outcome;
-}
-
-RotationFile::Outcome RotationFile::remove()
-{
-    Outcome outcome;
-    QFile file(m_path);
-    if (!exists() || !keepAside(&outcome))
-        return outcome;
-    if (file.remove())
-        m_isDamaged = false;
-    else
-        outcome.error = file.errorString();
-    return outcome;
-}
-
-bool RotationFile::keepAside(Outcome *outcome)
-{
-    if (!QFileInfo(m_path).isFile()) // nothing to lose; what is in its place will not be replaced
-        return true;
-    QString reason;
-    const std::optional<QByteArray> bytes = XmlDocument::bytesOf(m_path, rotationReading.maximumSize, &reason);
-    if (bytes && !m_isDamaged && digestOf(*bytes) == m_knownDigest)
-        return true;
-    const QString name = m_path + (m_isDamaged ? QLatin1String(".damaged-") : QLatin1String(".changed-")) +
-                         QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
-    outcome->keptCopy = name;
-    for (int number = 2; QFileInfo::exists(outcome->keptCopy); ++number)
-        outcome->keptCopy = name + QStringLiteral("-%1").arg(number);
-    QFile file(m_path);
-    if (file.copy(outcome->keptCopy) && QFile::setPermissions(outcome->keptCopy, ownerOnly)) {
-        m_knownDigest = digestOf(bytes.value_or(QByteArray())); // one copy is enough if what follows fails
-        m_isDamaged = !bytes;
-        return true;
-    }
-    outcome->keptCopy.clear();
-    outcome->error =
-        tr("The former file could not be kept as a copy: %1.").arg(reason.isEmpty() ? file.errorString() : reason);
-    return false;
 }
 
 void RotationFile::removeStaleTemporaries() const
 {
-    const QFileInfo file(m_path);
+    const QFileInfo file(path());
     const QDir folder = file.absoluteDir();
     const QStringList names =
         folder.entryList({file.fileName() + QStringLiteral(".??????")}, QDir::Files | QDir::Hidden | QDir::NoSymLinks);

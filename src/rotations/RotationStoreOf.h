@@ -204,7 +204,7 @@ protected:
         if (!m_file.exists())
             co_return;
         QString error;
-        const std::optional<XmlDocument> document = m_file.read(&error);
+        const std::optional<XmlDocument> document = m_file.readDocument(&error);
         if (!document) {
             const QString text =
                 RotationStore::tr(

@@ -2,17 +2,6 @@
 
 #include "QuotedStrings.h"
 
-static QString withoutOuterQuotes(const QString &value)
-{
-    qsizetype first = 0;
-    qsizetype end = value.size();
-    while (first < end && value.at(first) == QLatin1Char('"'))
-        ++first;
-    while (end > first && value.at(end - 1) == QLatin1Char('"'))
-        --end;
-    return value.mid(first, end - first);
-}
-
 static Reply notConnected()
 {
     return Reply{RConResultError, KelServer::tr("Not connected to a game server."), false};

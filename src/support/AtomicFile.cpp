@@ -23,9 +23,10 @@ static bool writeAll(QSaveFile &file, const QByteArray &content)
     return file.flush();
 }
 
-bool AtomicFile::write(const QString &path, const QByteArray &content, QString *error)
+bool AtomicFile::write(const QString &path, const QByteArray &content, QString *error,
+                       QFileDevice::Permissions permissions)
 {
-    return replace(path, content, QDateTime(), error);
+    return replace(path, content, QDateTime(), permissions, error);
 }
 
 bool AtomicFile::copy(const QString &source, const QString &target, QString *error)
@@ -41,7 +42,7 @@ bool AtomicFile::copy(const QString &source, const QString &target, QString *err
         return false;
     }
     const QDateTime modified = QFileInfo(source).lastModified();
-    if (!replace(target, content, modified, error))
+    if (!replace(target, content, modified, {}, error))
         return false;
     if (QFileInfo(target).lastModified() >= modified)
         return true;
@@ -55,7 +56,8 @@ bool AtomicFile::copy(const QString &source, const QString &target, QString *err
     return false;
 }
 
-bool AtomicFile::replace(const QString &path, const QByteArray &content, const QDateTime &modified, QString *error)
+bool AtomicFile::replace(const QString &path, const QByteArray &content, const QDateTime &modified,
+                         QFileDevice::Permissions permissions, QString *error)
 {
     if (QFileInfo(path).isDir()) {
         report(error, tr("There is a folder in its place"));
@@ -70,7 +72,7 @@ bool AtomicFile::replace(const QString &path, const QByteArray &content, const Q
         report(error, file.errorString());
         return false;
     }
-    bool isWritten = writeAll(file, content);
+    bool isWritten = (!permissions || file.setPermissions(permissions)) && writeAll(file, content);
     if (isWritten && modified.isValid()) {
         // The time is set last, on the new file while it still has its passing name: a later write would change it.
         isWritten = file.setPermissions(file.permissions() | QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QFileDevice>
 #include <QString>
 
 /// Files that are replaced as a whole: whoever looks finds the old content or the new one, never a part, and a failure
@@ -14,8 +15,10 @@ public:
     AtomicFile() = delete;
 
     /// Makes `content` the content of `path`. A link is followed, and the rights of a file that was there are kept.
-    /// @param error  the reason in the user's language when it fails; may be null.
-    [[nodiscard]] static bool write(const QString &path, const QByteArray &content, QString *error = nullptr);
+    /// @param error        the reason in the user's language when it fails; may be null.
+    /// @param permissions  of the new file, before anything is in it, if there are any.
+    [[nodiscard]] static bool write(const QString &path, const QByteArray &content, QString *error = nullptr,
+                                    QFileDevice::Permissions permissions = {});
 
     /// Makes `target` a copy of `source` that its owner may read and write, whatever the rights of `source`.
     /// The copy has the modification time of `source`, or a slightly later one where the file system is too coarse for
@@ -23,5 +26,6 @@ public:
     [[nodiscard]] static bool copy(const QString &source, const QString &target, QString *error = nullptr);
 
 private:
-    static bool replace(const QString &path, const QByteArray &content, const QDateTime &modified, QString *error);
+    static bool replace(const QString &path, const QByteArray &content, const QDateTime &modified,
+                        QFileDevice::Permissions permissions, QString *error);
 };

@@ -1,7 +1,5 @@
 #include "QuotedStrings.h"
 
-#include <QStringView>
-
 namespace
 {
 
@@ -85,6 +83,15 @@ QStringList quotedStrings(const QString &text)
         scanner.consumeQuote();
     }
     return fields;
+}
+
+QString withoutOuter(QStringView text, QChar mark)
+{
+    while (text.startsWith(mark))
+        text = text.sliced(1);
+    while (text.endsWith(mark))
+        text.chop(1);
+    return text.toString();
 }
 
 QString stringByStrippingColorCodes(QString text)

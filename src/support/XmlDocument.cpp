@@ -1,7 +1,6 @@
 #include "XmlDocument.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include "BoundedFile.h"
 
 #include <algorithm>
 
@@ -64,29 +63,9 @@ static void appendText(pugi::xml_node node, QString &text)
 
 XmlDocument::XmlDocument() : m_document(std::make_unique<pugi::xml_document>()) {}
 
-std::optional<QByteArray> XmlDocument::bytesOf(const QString &path, qint64 maximumSize, QString *error)
-{
-    const QFileInfo info(path);
-    if (info.exists() && !info.isFile()) { // opening a pipe would wait for its writer
-        report(error, tr("It is not a file."));
-        return std::nullopt;
-    }
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        report(error, file.errorString());
-        return std::nullopt;
-    }
-    const QByteArray bytes = file.read(maximumSize + 1);
-    if (file.error() != QFileDevice::NoError) {
-        report(error, file.errorString());
-        return std::nullopt;
-    }
-    return bytes;
-}
-
 std::optional<XmlDocument> XmlDocument::read(const QString &path, QString *error, const XmlReading &reading)
 {
-    const std::optional<QByteArray> bytes = bytesOf(path, reading.maximumSize, error);
+    const std::optional<QByteArray> bytes = BoundedFile::read(path, reading.maximumSize, error);
     return bytes ? parse(*bytes, error, reading) : std::nullopt;
 }
 

@@ -30,8 +30,6 @@ public:
                                            const XmlReading &reading = {});
     static std::optional<XmlDocument> parse(const QByteArray &bytes, QString *error = nullptr,
                                             const XmlReading &reading = {});
-    /// @return what the file holds, or one byte more than `maximumSize` of it; nothing when it cannot be read.
-    static std::optional<QByteArray> bytesOf(const QString &path, qint64 maximumSize, QString *error = nullptr);
 
     /// The elements that an XPath query finds, in document order.
     std::vector<pugi::xml_node> elements(const char *query) const;

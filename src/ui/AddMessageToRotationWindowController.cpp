@@ -1,5 +1,6 @@
 #include "AddMessageToRotationWindowController.h"
 
+#include "KelMessageRotation.h"
 #include "Number.h"
 
 #include <QDialogButtonBox>
@@ -7,7 +8,10 @@
 
 AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMessage addMessage, QWidget *parent)
     : QDialog(parent, Qt::Sheet), messageTextField(new QLineEdit(this)), durationTextField(new QLineEdit(this)),
-      addButton(new QPushButton(tr("Add"), this)), m_durationHint(new QLabel(this)), m_addMessage(std::move(addMessage))
+      addButton(new QPushButton(tr("Add"), this)),
+      m_unsendableLabel(
+          new QLabel(tr("A character of this message does not exist on the server: it would not be sent."), this)),
+      m_durationHint(new QLabel(this)), m_addMessage(std::move(addMessage))
 {
     setObjectName(QStringLiteral("AddMessageToRotationWindowController"));
     setWindowTitle(tr("Add Message"));
@@ -18,6 +22,8 @@ AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMe
     durationTextField->setObjectName(QStringLiteral("durationTextField"));
     durationTextField->setAccessibleName(tr("Duration"));
     durationTextField->setPlaceholderText(tr("seconds"));
+    m_unsendableLabel->setObjectName(QStringLiteral("unsendableLabel"));
+    m_unsendableLabel->setWordWrap(true);
     m_durationHint->setObjectName(QStringLiteral("durationHint"));
     m_durationHint->setWordWrap(true);
     addButton->setObjectName(QStringLiteral("addButton"));
@@ -29,6 +35,7 @@ AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMe
     closeButton->setAutoDefault(false);
     auto *layout = new QFormLayout(this);
     layout->addRow(tr("Message"), messageTextField);
+    layout->addRow(QString(), m_unsendableLabel);
     layout->addRow(tr("Duration"), durationTextField);
     layout->addRow(QString(), m_durationHint);
     layout->addRow(buttons);
@@ -44,6 +51,7 @@ AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMe
 void AddMessageToRotationWindowController::controlTextDidChange()
 {
     const QString duration = durationTextField->text();
+    m_unsendableLabel->setVisible(!KelMessageRotation::isSendable(messageTextField->text()));
     addButton->setEnabled(!messageTextField->text().isEmpty() && !duration.isEmpty());
     const bool isStall = !duration.isEmpty() && !parseNumber(duration);
     m_durationHint->setText(isStall ? tr("Playback stays on this message until Stop is pressed")
@@ -57,7 +65,7 @@ void AddMessageToRotationWindowController::addButtonPressed()
     const QString duration = durationTextField->text();
     if (message.isEmpty() || duration.isEmpty())
         return;
-    m_addMessage(message, duration);
-    messageTextField->clear();
+    if (m_addMessage(message, duration))
+        messageTextField->clear();
     messageTextField->setFocus();
 }

@@ -12,9 +12,10 @@ class AddMessageToRotationWindowController : public QDialog
 {
     Q_OBJECT
 public:
-    using AddMessage = std::function<void(const QString &message, const QString &duration)>;
+    using AddMessage = std::function<bool(const QString &message, const QString &duration)>;
 
-    /// @param addMessage  takes each message, as it was typed; what it uses outlives the sheet.
+    /// @param addMessage  takes each message, as it was typed, and tells whether there was room for it; what it uses
+    /// outlives the sheet.
     explicit AddMessageToRotationWindowController(AddMessage addMessage, QWidget *parent = nullptr);
 
     bool addButtonEnabled() const { return addButton->isEnabled(); }
@@ -29,6 +30,7 @@ public slots:
     void closeButtonPressed() { done(QDialog::Rejected); }
 
 private:
+    QLabel *m_unsendableLabel;
     QLabel *m_durationHint;
     const AddMessage m_addMessage;
 };

@@ -28,7 +28,7 @@ static QString runMarkup(const ColorRun &run, bool isNamed)
     const QString ground = color.lightness() < 60 ? QStringLiteral("background-color:#c8c8c8;") : QString();
     QString markup;
     if (isNamed)
-        markup = QStringLiteral("<small style=\"color:#b8c0c8\">[%1]&nbsp;</small>").arg(code.name.toHtmlEscaped());
+        markup = QStringLiteral("<small style=\"color:#b8c0c8\">&nbsp;[%1]&nbsp;</small>").arg(code.name.toHtmlEscaped());
     return markup + QStringLiteral("<span style=\"white-space:pre;color:%1;%2\">%3</span>")
                         .arg(color.name(), ground, run.text.toHtmlEscaped());
 }

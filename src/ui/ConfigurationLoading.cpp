@@ -79,15 +79,9 @@ QCoro::Task<> ConfigurationLoading::loadFile(QString path)
     if (!text || m_isCalledOff)
         co_return;
     beginSheet();
-    const QList<ConfigurationEntry> entries = co_await parse(*text);
-    if (m_isCalledOff)
-        co_return;
-    if (entries.isEmpty()) {
-        endSheet();
-        co_await tellOfNoEntries(path);
-        co_return;
-    }
-    co_await write(entries);
+    const QList<ConfigurationEntry> entries = co_await parse(path, *text);
+    if (!entries.isEmpty() && !m_isCalledOff)
+        co_await write(entries);
 }
 
 QCoro::Task<> ConfigurationLoading::loadEntries(QList<ConfigurationEntry> entries)
@@ -109,13 +103,9 @@ ConfigurationLoading::compareFile(QString path, QHash<QString, QString> dvars, Q
     const std::optional<QString> text = co_await readText(path);
     if (!text || m_isCalledOff)
         co_return result;
-    const QList<ConfigurationEntry> entries = co_await parse(*text);
-    if (m_isCalledOff)
+    const QList<ConfigurationEntry> entries = co_await parse(path, *text);
+    if (entries.isEmpty() || m_isCalledOff)
         co_return result;
-    if (entries.isEmpty()) {
-        co_await tellOfNoEntries(path);
-        co_return result;
-    }
     const QFuture<ConfigurationComparison> pending =
         QtConcurrent::run([entries, dvars, written] { return ConfigurationComparison(entries, dvars, written); });
     const ConfigurationComparison comparison = co_await pending;
@@ -139,11 +129,24 @@ QCoro::Task<std::optional<QString>> ConfigurationLoading::readText(QString path)
     co_return content.text;
 }
 
-QCoro::Task<QList<ConfigurationEntry>> ConfigurationLoading::parse(QString text)
+QCoro::Task<QList<ConfigurationEntry>> ConfigurationLoading::parse(QString path, QString text)
 {
     const QFuture<QList<ConfigurationEntry>> pending =
         QtConcurrent::run([text] { return ConfigurationFile::entries(text); });
-    const QList<ConfigurationEntry> entries = co_await pending;
+    QList<ConfigurationEntry> entries = co_await pending;
+    const bool areTooMany = entries.size() > ConfigurationFile::mostEntries;
+    if (m_isCalledOff || (!entries.isEmpty() && !areTooMany))
+        co_return entries;
+    endSheet();
+    entries.clear();
+    const QString none =
+        tr("\"%1\" sets no variable. A line of a configuration file is the name of a variable, a blank "
+           "and its value in double quotes.");
+    const QString tooMany = tr("\"%1\" sets more than %2 variables. Nothing was written to the server.");
+    const QString reason =
+        areTooMany ? tooMany.arg(path, QString::number(ConfigurationFile::mostEntries)) : none.arg(path);
+    const QString title = areTooMany ? tr("Load Failed") : tr("Nothing to Load");
+    co_await m_alerts.run(title, reason);
     co_return entries;
 }
 
@@ -183,14 +186,6 @@ QCoro::Task<ConfigurationLoading::Outcome> ConfigurationLoading::writeOne(Config
     if (m_progressWindowController && m_progressWindowController->window() != nullptr)
         m_progressWindowController->window()->activateWindow(); // else Escape would go to the window below
     co_return Outcome::Failed;
-}
-
-QCoro::Task<> ConfigurationLoading::tellOfNoEntries(QString path)
-{
-    const QString text = tr("\"%1\" sets no variable. A line of a configuration file is the name of a variable, a "
-                            "blank and its value in double quotes.")
-                             .arg(path);
-    co_await m_alerts.run(tr("Nothing to Load"), text);
 }
 
 QCoro::Task<> ConfigurationLoading::tellOfCancel(qsizetype written, qsizetype total)

@@ -52,10 +52,10 @@ private:
     void beginSheet();
     void endSheet();
     QCoro::Task<std::optional<QString>> readText(QString path);
-    QCoro::Task<QList<ConfigurationEntry>> parse(QString text);
+    /// @return nothing if that is all the text sets, or if it sets too much; the user has been told so.
+    QCoro::Task<QList<ConfigurationEntry>> parse(QString path, QString text);
     QCoro::Task<> write(QList<ConfigurationEntry> entries);
     QCoro::Task<Outcome> writeOne(ConfigurationEntry entry);
-    QCoro::Task<> tellOfNoEntries(QString path);
     QCoro::Task<> tellOfCancel(qsizetype written, qsizetype total);
 
     KelServer &m_server;

@@ -233,6 +233,7 @@ void FormMainView::saveLayout()
 void FormMainView::closeEvent(QCloseEvent *event)
 {
     saveLayout();
+    finishEditing();
     if (m_rotations.maps.hasUnsavedWork() || m_rotations.messages.hasUnsavedWork()) {
         event->ignore();
         if (!std::exchange(m_isAskingToClose, true))

@@ -116,6 +116,8 @@ private:
     void restoreViewLayouts();
     void countConfigBuilderVisit(const QString &tabLabel);
     ConnectTarget quickConnectTarget() const;
+    /// What is being typed into a rotation counts.
+    void finishEditing();
     void askForPassword(ConnectTarget target);
     void showAbout();
     QCoro::Task<> connectAction(ConnectTarget target);

@@ -87,11 +87,18 @@ QCoro::Task<> FormMainView::loadGameData()
     co_await m_rotations.maps.loadMapRotation();
 }
 
+void FormMainView::finishEditing()
+{
+    if (mapsView == nullptr)
+        return;
+    mapsView->rotationPane->tableView->finishEditing();
+    messagesView->rotationPane->tableView->finishEditing();
+}
+
 QCoro::Task<bool> FormMainView::settleUnsavedWork()
 {
     makeViews(); // they hold the panel that asks for a name
-    mapsView->rotationPane->tableView->finishEditing();
-    messagesView->rotationPane->tableView->finishEditing();
+    finishEditing();
     const bool areMapsSettled = co_await m_rotations.maps.saveUnsavedWork();
     if (!areMapsSettled)
         co_return false;

@@ -1,5 +1,6 @@
 #include "KeyHandlingTableView.h"
 
+#include "OneLineDelegate.h"
 #include "ReorderableRows.h"
 
 #include <QApplication>
@@ -7,44 +8,10 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QKeyEvent>
-#include <QLineEdit>
 #include <QPainter>
-#include <QStyledItemDelegate>
 #include <QToolTip>
 
 #include <algorithm>
-#include <limits>
-
-/// Texts are cut before they are laid out: no screen shows more, and a long one takes a while.
-static constexpr int longestShown = 1000;
-
-namespace
-{
-/// Shows a text in one line, whatever it holds, and edits all of it.
-class OneLineDelegate final : public QStyledItemDelegate
-{
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-    QString displayText(const QVariant &value, const QLocale & /*locale*/) const override
-    {
-        QString text = value.toString().left(longestShown);
-        for (QChar &character : text) {
-            if (character.isSpace())
-                character = QLatin1Char(' ');
-        }
-        return text;
-    }
-
-    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const override
-    {
-        QWidget *editor = QStyledItemDelegate::createEditor(parent, option, index);
-        if (auto *field = qobject_cast<QLineEdit *>(editor)) // whose own limit would cut what it is given
-            field->setMaxLength(std::numeric_limits<int>::max());
-        return editor;
-    }
-};
-} // namespace
 
 static bool isReturn(int key)
 {
@@ -323,11 +290,12 @@ bool KeyHandlingTableView::showToolTip(const QHelpEvent *event)
 {
     const QModelIndex cell = indexAt(event->pos());
     const QString text = cell.data().toString();
-    if (text.size() <= longestShown && sizeHintForIndex(cell).width() <= columnWidth(cell.column()) &&
+    if (text.size() <= OneLineDelegate::LongestShown && sizeHintForIndex(cell).width() <= columnWidth(cell.column()) &&
         !text.contains(QLatin1Char('\n')))
         return false;
     // Escaped, or a text with brackets would be taken for rich text.
-    const QString shown = text.left(4 * longestShown).toHtmlEscaped().replace(QLatin1Char('\n'), QLatin1String("<br>"));
+    const QString shown =
+        text.left(4 * OneLineDelegate::LongestShown).toHtmlEscaped().replace(QLatin1Char('\n'), QLatin1String("<br>"));
     QToolTip::showText(event->globalPos(), QStringLiteral("<span>%1</span>").arg(shown), viewport());
     return true;
 }

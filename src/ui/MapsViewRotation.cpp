@@ -6,9 +6,12 @@
 #include "KelMapList.h"
 #include "KelMapRotation.h"
 #include "KelServer.h"
+#include "KeyHandlingTableView.h"
 #include "MapGametypePairWindowController.h"
+#include "RotationPane.h"
 
 #include <QHash>
+#include <QRegularExpression>
 
 void MapsView::addMapToRotationMenuItemClicked()
 {
@@ -17,6 +20,7 @@ void MapsView::addMapToRotationMenuItemClicked()
         connect(mapGametypePairWindowController, &MapGametypePairWindowController::didPickMap, this,
                 [this](const QString &map, const QString &gametype) {
                     m_actions.start(m_rotations.addToRotation(map, gametype));
+                    rotationPane->tableView->scrollToBottom();
                 });
     }
     mapGametypePairWindowController->setMode(MapGametypePairWindowController::Mode::MapRotationEntry);
@@ -44,6 +48,7 @@ QCoro::Task<> MapsView::tellOfUnknownNames(BuiltRotation built)
 {
     constexpr qsizetype mostNames = 10;
     QStringList names = built.unknownMaps + built.unknownGametypes;
+    names.replaceInStrings(QRegularExpression(QStringLiteral("^\\s*$")), tr("(no name)"));
     if (names.size() > mostNames)
         names = names.mid(0, mostNames) + QStringList(QStringLiteral("…"));
     const QString text = tr("The catalogues do not know these maps or gametypes:\n\n%1\n\nNothing was sent to the "

@@ -16,8 +16,10 @@ void MessagesView::addMessageToRotationMenuItemClicked()
     if (addMessageToRotationWindowController != nullptr)
         return;
     const auto addMessage = [this](const QString &message, const QString &duration) {
+        const int before = m_messages.rowCount();
         m_actions.start(m_messages.addMessageToCurrentRotation(message, duration));
         rotationPane->tableView->scrollToBottom();
+        return m_messages.rowCount() > before; // a full table has told that it takes no more
     };
     addMessageToRotationWindowController = new AddMessageToRotationWindowController(addMessage, window());
     addMessageToRotationWindowController->setAttribute(Qt::WA_DeleteOnClose);
@@ -41,18 +43,12 @@ void MessagesView::quickMessageButtonPressed()
     m_messages.sendQuickMessage();
 }
 
-/// What the server's alphabet lacks cannot be sent, and then nothing of the message is.
-static bool isSendable(const QString &text)
-{
-    return QString::fromLatin1(text.toLatin1()) == text;
-}
-
 void MessagesView::quickMessageDidChange()
 {
     const QString text = quickMessageTextField->text();
     m_messages.setQuickMessageText(text);
     colorPreview->showMessage(text);
-    unsendableLabel->setVisible(!isSendable(text));
+    unsendableLabel->setVisible(!KelMessageRotation::isSendable(text));
 }
 
 void MessagesView::updateTransport()
@@ -71,9 +67,8 @@ QString MessagesView::onAirText() const
     if (m_messages.currentPlayState() != KelMessageRotation::Playing)
         return tr("Stopped");
     const int row = m_messages.rowOnAir();
-    if (row < 0)
-        return tr("On air: a message that is no longer in the list");
-    const QString place = tr("On air: message %1 of %2").arg(row + 1).arg(m_messages.entries().size());
+    const QString place = row < 0 ? tr("On air: a message that is no longer in the list")
+                                  : tr("On air: message %1 of %2").arg(row + 1).arg(m_messages.entries().size());
     if (m_messages.isSending())
         return tr("%1, being sent").arg(place);
     const auto remaining = m_messages.remainingTime();

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <QStyledItemDelegate>
+#include "OneLineDelegate.h"
 
 /// Marks the row of a table that is on air with a sign and bold letters.
-class OnAirDelegate : public QStyledItemDelegate
+class OnAirDelegate : public OneLineDelegate
 {
     Q_OBJECT
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    using OneLineDelegate::OneLineDelegate;
 
     /// @param row  -1 marks none.
     void setRowOnAir(int row) { m_rowOnAir = row; }
@@ -15,7 +15,7 @@ public:
 protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
     {
-        QStyledItemDelegate::initStyleOption(option, index);
+        OneLineDelegate::initStyleOption(option, index);
         if (index.row() != m_rowOnAir)
             return;
         option->font.setBold(true);

@@ -41,13 +41,15 @@ void ServersView::fillForm(const QString &host, const QString &port)
 void ServersView::loadSavedServersList()
 {
     const SavedServersOutcome outcome = m_savedServers.load();
-    if (!outcome.error.isEmpty())
-        savedServerTableView->setPlaceholder(tr("The saved servers could not be read.\n%1").arg(outcome.error));
     showList();
+    if (!outcome.error.isEmpty())
+        savedServerTableView->setPlaceholder(outcome.error);
 }
 
 void ServersView::showList()
 {
+    savedServerTableView->setPlaceholder(
+        tr("No server is saved yet. Fill in the form below and press \"Save to List\"."));
     savedServersController->mergeContent(m_savedServers.servers());
     selectionDidChange();
 }

@@ -1,6 +1,7 @@
 #include "ServersView.h"
 
 #include "PlaceholderTable.h"
+#include "PlayerList.h"
 
 #include <QFormLayout>
 #include <QGroupBox>
@@ -11,8 +12,14 @@
 static QList<ArrayController<SavedServer>::Column> serverColumns()
 {
     return {{ServersView::tr("Label"), [](const SavedServer &server) { return server.label; }, nullptr},
-            {ServersView::tr("Host"), [](const SavedServer &server) { return server.host; }, nullptr},
-            {ServersView::tr("Port"), [](const SavedServer &server) { return server.port; }, nullptr}};
+            {ServersView::tr("Host"), [](const SavedServer &server) { return server.host; },
+             [](const SavedServer &server) {
+                 return addressSortKey(server.host);
+             }},
+            {ServersView::tr("Port"), [](const SavedServer &server) { return server.port; },
+             [](const SavedServer &server) {
+                 return numberSortKey(server.port);
+             }}};
 }
 
 static QString labelOf(const SavedServer &server)
@@ -55,8 +62,6 @@ void ServersView::nameControls()
     for (const auto &[control, name] : names)
         control->setObjectName(name);
     savedServerTableView->setAccessibleName(tr("Saved servers"));
-    savedServerTableView->setPlaceholder(
-        tr("No server is saved yet. Fill in the form below and press \"Save to List\"."));
     savedPasswordField->setAccessibleName(tr("Saved password"));
     savedPasswordField->setToolTip(tr("The password of the selected server; an edit is saved."));
     labelField->setAccessibleName(tr("Label"));

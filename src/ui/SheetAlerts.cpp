@@ -7,7 +7,9 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 
+#include <algorithm>
 #include <memory>
 
 /// A server's reply can be as long as it likes; what does not fit a screen goes behind "Show Details".
@@ -19,6 +21,17 @@ static QString shortened(const QString &text)
     if (head.size() > mostCharacters)
         head.truncate(mostCharacters);
     return head.size() < text.size() ? head + QStringLiteral("…") : head;
+}
+
+/// At least as wide as the title bar needs for its title, and as the longest word of the text: lines break at blanks
+/// and slashes alone, and what does not fit would be cut off.
+static int widthFor(const QString &text, const QFontMetrics &metrics)
+{
+    static const QRegularExpression breaks(QStringLiteral("[\\s/]+"));
+    int width = metrics.averageCharWidth() * 52;
+    for (const QString &word : text.split(breaks))
+        width = std::max(width, metrics.horizontalAdvance(word));
+    return std::min(width, metrics.averageCharWidth() * 100);
 }
 
 static QMessageBox *makeBox(const QString &title, const QString &text, const QStringList &buttons, QWidget *window)
@@ -40,8 +53,8 @@ static QMessageBox *makeBox(const QString &title, const QString &text, const QSt
     for (QLabel *label : box->findChildren<QLabel *>())
         label->setTextFormat(Qt::PlainText);
     auto *informative = box->findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel"));
-    if (informative != nullptr) // else the title bar has no room for its title
-        informative->setMinimumWidth(informative->fontMetrics().averageCharWidth() * 52);
+    if (informative != nullptr)
+        informative->setMinimumWidth(widthFor(head, informative->fontMetrics()));
     return box;
 }
 

@@ -5,26 +5,6 @@
 
 #include <QSignalSpy>
 
-#include <optional>
-
-class CataloguesTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void loadsGametypes();
-    void selectsGametypes();
-    void loadsSettings();
-    void loadsMaps();
-    void filtersMaps_data();
-    void filtersMaps();
-    void missingEndsTheProgram_data();
-    void missingEndsTheProgram();
-    void damagedKeepsWhatWasLoaded();
-    void connectingAsksForWhatIsMissing_data();
-    void connectingAsksForWhatIsMissing();
-};
-
 static QStringList namesOf(const auto &lists)
 {
     QStringList names;
@@ -58,198 +38,183 @@ static QByteArray maps(const QByteArray &content)
     return "<maps><version>4.0</version>" + content + "</maps>";
 }
 
-void CataloguesTest::loadsGametypes()
+class CataloguesTest : public QObject
 {
-    LoadedCatalogues loaded;
-    QVERIFY(loaded.loadGametypes("<any><version>1</version>" + gametype("Twice", "first") + "<deeper>" +
-                                 gametype("Team", "tdm") + gametype("Also Team", "tdm") + "</deeper>" +
-                                 gametype("Twice", "second") + "<Gametype><name>Short</name></Gametype>" +
-                                 "<deeper><version>2</version></deeper></any>"));
-    const KelGametype &gametypes = loaded.gametypes;
-    QCOMPARE(namesOf(gametypes.arrangedGametypes()), QStringList({"Twice", "Team", "Also Team", "Twice", "Short"}));
-    QCOMPARE(gametypes.gametypeList().size(), 4);
-    QCOMPARE(gametypes.version(), QString("2"));
-    QCOMPARE(gametypes.findGametypeByDvar("tdm"), QString("Team"));
-    QCOMPARE(gametypes.findGametypeByDvar("TDM"), QString("TDM"));
-    QCOMPARE(gametypes.findGametypeByDvar("first"), QString("first")); // the later of the two took its place
-    QCOMPARE(gametypes.findGametypeByName("Twice")->dvarName(), QString("second"));
-    QVERIFY(!gametypes.findGametypeByName("tdm"));
-}
+    Q_OBJECT
+private slots:
+    void loadsGametypes()
+    {
+        LoadedCatalogues loaded;
+        QVERIFY(loaded.loadGametypes("<any><version>1</version>" + gametype("Twice", "first") + "<deeper>" +
+                                     gametype("Team", "tdm") + gametype("Also Team", "tdm") + "</deeper>" +
+                                     gametype("Twice", "second") + "<Gametype><name>Short</name></Gametype>" +
+                                     "<deeper><version>2</version></deeper></any>"));
+        const KelGametype &gametypes = loaded.gametypes;
+        QCOMPARE(namesOf(gametypes.arrangedGametypes()), QStringList({"Twice", "Team", "Also Team", "Twice", "Short"}));
+        QCOMPARE(gametypes.gametypeList().size(), 4);
+        QCOMPARE(gametypes.version(), QString("2"));
+        QCOMPARE(gametypes.findGametypeByDvar("tdm"), QString("Team"));
+        QCOMPARE(gametypes.findGametypeByDvar("TDM"), QString("TDM"));
+        QCOMPARE(gametypes.findGametypeByDvar("first"), QString("first")); // the later of the two took its place
+        QCOMPARE(gametypes.findGametypeByName("Twice")->dvarName(), QString("second"));
+        QVERIFY(!gametypes.findGametypeByName("tdm"));
+    }
 
-void CataloguesTest::selectsGametypes()
-{
-    LoadedCatalogues loaded;
-    KelGametype &gametypes = loaded.gametypes;
-    QStringList order;
-    connect(&gametypes, &KelGametype::gametypeListChanged, this, [&] { order.append("list"); });
-    connect(&gametypes, &KelGametype::selectedSettingsChanged, this, [&] { order.append("settings"); });
-    connect(&gametypes, &KelGametype::selectedSettingListChanged, this, [&] { order.append("expand"); });
-    QVERIFY(loaded.loadGametypes("<g>" + gametype("B", "b", setting("x", "1")) + gametype("A", "a", setting("y", "2")) +
-                                 "</g>"));
-    QCOMPARE(order, QStringList({"list", "settings", "expand"}));
-    QCOMPARE(gametypes.selectedSettingList()->name(), QString("B"));
-    QCOMPARE(namesOf(gametypes.selectedSettings()), QStringList{"B"}); // one category, named like the list
+    void selectsGametypes()
+    {
+        LoadedCatalogues loaded;
+        KelGametype &gametypes = loaded.gametypes;
+        QStringList order;
+        connect(&gametypes, &KelGametype::gametypeListChanged, this, [&] { order.append("list"); });
+        connect(&gametypes, &KelGametype::selectedSettingsChanged, this, [&] { order.append("settings"); });
+        connect(&gametypes, &KelGametype::selectedSettingListChanged, this, [&] { order.append("expand"); });
+        QVERIFY(loaded.loadGametypes("<g>" + gametype("B", "b", setting("x", "1")) +
+                                     gametype("A", "a", setting("y", "2")) + "</g>"));
+        QCOMPARE(order, QStringList({"list", "settings", "expand"}));
+        QCOMPARE(gametypes.selectedSettingList()->name(), QString("B"));
+        QCOMPARE(namesOf(gametypes.selectedSettings()), QStringList{"B"}); // one category, named like the list
 
-    order.clear();
-    gametypes.setSelectedSettings(gametypes.findGametypeByName("A"));
-    QCOMPARE(order, QStringList{"settings"});
-    QCOMPARE(namesOf(gametypes.selectedSettings()), QStringList{"A"});
+        order.clear();
+        gametypes.setSelectedSettings(gametypes.findGametypeByName("A"));
+        QCOMPARE(order, QStringList{"settings"});
+        QCOMPARE(namesOf(gametypes.selectedSettings()), QStringList{"A"});
 
-    QVERIFY(loaded.loadGametypes("<g/>"));
-    QVERIFY(!gametypes.selectedSettingList());
-    QCOMPARE(gametypes.selectedSettings().size(), 0);
-}
+        QVERIFY(loaded.loadGametypes("<g/>"));
+        QVERIFY(!gametypes.selectedSettingList());
+        QCOMPARE(gametypes.selectedSettings().size(), 0);
+    }
 
-void CataloguesTest::loadsSettings()
-{
-    LoadedCatalogues loaded;
-    QSignalSpy listed(&loaded.settings, &KelSettings::sortedSettingsValuesChanged);
-    QVERIFY(loaded.loadSettings("<s><version>7</version>" + group("Voip") + group("beta", setting("x", "1")) +
-                                group("Gamma", setting("old", "2")) + group("Alpha") +
-                                group("Gamma", setting("new", "3")) + group("voip2") + "</s>"));
-    QCOMPARE(loaded.settings.version(), QString("7"));
-    QCOMPARE(loaded.settings.arrangedGroups(), QStringList({"beta", "Gamma", "Alpha", "voip2"})); // no Voip
-    QCOMPARE(namesOf(loaded.settings.sortedSettingsValues()), QStringList({"Alpha", "beta", "Gamma", "voip2"}));
-    QCOMPARE(namesOf(loaded.settings.settingsList().value("Gamma")->settings()), QStringList{"new"});
-    QCOMPARE(loaded.settings.selectedSettingList(), QString("beta"));
-    QCOMPARE(listed.count(), 1);
+    void loadsSettings()
+    {
+        LoadedCatalogues loaded;
+        QSignalSpy listed(&loaded.settings, &KelSettings::sortedSettingsValuesChanged);
+        QVERIFY(loaded.loadSettings("<s><version>7</version>" + group("Voip") + group("beta", setting("x", "1")) +
+                                    group("Gamma", setting("old", "2")) + group("Alpha") +
+                                    group("Gamma", setting("new", "3")) + group("voip2") + "</s>"));
+        QCOMPARE(loaded.settings.version(), QString("7"));
+        QCOMPARE(loaded.settings.arrangedGroups(), QStringList({"beta", "Gamma", "Alpha", "voip2"})); // no Voip
+        QCOMPARE(namesOf(loaded.settings.sortedSettingsValues()), QStringList({"Alpha", "beta", "Gamma", "voip2"}));
+        QCOMPARE(namesOf(loaded.settings.settingsList().value("Gamma")->settings()), QStringList{"new"});
+        QCOMPARE(loaded.settings.selectedSettingList(), QString("beta"));
+        QCOMPARE(listed.count(), 1);
 
-    loaded.settings.setSelectedSettingList("Gamma");
-    QCOMPARE(namesOf(loaded.settings.selectedSettings()), QStringList{"Gamma"});
-    loaded.settings.setSelectedSettingList("no such group");
-    QCOMPARE(loaded.settings.selectedSettings().size(), 0);
+        loaded.settings.setSelectedSettingList("Gamma");
+        QCOMPARE(namesOf(loaded.settings.selectedSettings()), QStringList{"Gamma"});
+        loaded.settings.setSelectedSettingList("no such group");
+        QCOMPARE(loaded.settings.selectedSettings().size(), 0);
 
-    QVERIFY(loaded.loadSettings("<s/>"));
-    QVERIFY(loaded.settings.selectedSettingList().isNull());
-    QCOMPARE(loaded.settings.sortedSettingsValues().size(), 0);
-}
+        QVERIFY(loaded.loadSettings("<s/>"));
+        QVERIFY(loaded.settings.selectedSettingList().isNull());
+        QCOMPARE(loaded.settings.sortedSettingsValues().size(), 0);
+    }
 
-void CataloguesTest::loadsMaps()
-{
-    LoadedCatalogues loaded;
-    QVERIFY(loaded.loadMaps(maps(map("Twice", "mp_first") + map("Quay", "mp_quay", "<name>Old Quay</name>") + "<more>" +
-                                 map("Mill", "mp_mill", "<excludeDvar>ex_mill</excludeDvar>") + "</more>" +
-                                 map("Twice", "mp_second"))));
-    const QList<MapInst> all = loaded.maps.arrangedMaps();
-    QCOMPARE(all.size(), 4);
-    QCOMPARE(all.at(1).name, QString("Old Quay")); // the last name counts
-    QVERIFY(all.at(1).excludeDvar.isNull());
-    QCOMPARE(all.at(2).description(), QString("name=Mill dvarName=mp_mill excludeDvar=ex_mill"));
-    QCOMPARE(loaded.maps.list().size(), 3);
-    QCOMPARE(loaded.maps.list().value("Twice").dvarName, QString("mp_second"));
-    QCOMPARE(loaded.maps.findMapByDvar("mp_mill"), QString("Mill"));
-    QCOMPARE(loaded.maps.findMapByDvar("MP_MILL"), QString("MP_MILL"));
-    QCOMPARE(loaded.maps.findMapByDvar("mp_first"), QString("mp_first"));
-}
+    void loadsMaps()
+    {
+        LoadedCatalogues loaded;
+        QVERIFY(loaded.loadMaps(maps(map("Twice", "mp_first") + map("Quay", "mp_quay", "<name>Old Quay</name>") +
+                                     "<more>" + map("Mill", "mp_mill", "<excludeDvar>ex_mill</excludeDvar>") +
+                                     "</more>" + map("Twice", "mp_second"))));
+        const QList<MapInst> all = loaded.maps.arrangedMaps();
+        QCOMPARE(all.size(), 4);
+        QCOMPARE(all.at(1).name, QString("Old Quay")); // the last name counts
+        QVERIFY(all.at(1).excludeDvar.isNull());
+        QCOMPARE(all.at(2).description(), QString("name=Mill dvarName=mp_mill excludeDvar=ex_mill"));
+        QCOMPARE(loaded.maps.list().size(), 3);
+        QCOMPARE(loaded.maps.list().value("Twice").dvarName, QString("mp_second"));
+        QCOMPARE(loaded.maps.findMapByDvar("mp_mill"), QString("Mill"));
+        QCOMPARE(loaded.maps.findMapByDvar("MP_MILL"), QString("MP_MILL"));
+        QCOMPARE(loaded.maps.findMapByDvar("mp_first"), QString("mp_first"));
+    }
 
-void CataloguesTest::filtersMaps_data()
-{
-    QTest::addColumn<QString>("ranked");
-    QTest::addColumn<QStringList>("offered");
-    QTest::newRow("ranked") << "2" << QStringList({"In Play", "No Variable", "Unknown"});
-    QTest::newRow("unranked") << "1" << QStringList({"In Play", "No Variable", "Taken Out", "Unknown"});
-}
+    void filtersMaps()
+    {
+        for (const bool isRanked : {true, false}) {
+            LoadedCatalogues loaded;
+            QVERIFY(hasEnded(loaded.session.connectTo({{"ex_out", "1"}, {"ex_in", "0"}}, isRanked ? "2" : "1")));
+            QVERIFY(loaded.loadMaps(maps(map("Taken Out", "a", "<excludeDvar>ex_out</excludeDvar>") +
+                                         map("In Play", "b", "<excludeDvar>ex_in</excludeDvar>") +
+                                         map("Unknown", "c", "<excludeDvar>ex_other</excludeDvar>") +
+                                         map("No Variable", "d"))));
+            const QStringList offered = loaded.maps.filteredList().keys();
+            QCOMPARE(offered.contains("Taken Out"), !isRanked);
+            QCOMPARE(offered.size(), isRanked ? 3 : 4);
+        }
+    }
 
-void CataloguesTest::filtersMaps()
-{
-    QFETCH(QString, ranked);
-    LoadedCatalogues loaded;
-    QVERIFY(hasEnded(loaded.session.connectTo({{"ex_out", "1"}, {"ex_in", "0"}}, ranked)));
-    QVERIFY(
-        loaded.loadMaps(maps(map("Taken Out", "a", "<excludeDvar>ex_out</excludeDvar>") +
-                             map("In Play", "b", "<excludeDvar>ex_in</excludeDvar>") +
-                             map("Unknown", "c", "<excludeDvar>ex_other</excludeDvar>") + map("No Variable", "d"))));
-    QStringList offered = loaded.maps.filteredList().keys();
-    offered.sort();
-    QTEST(offered, "offered");
-}
+    void missingEndsTheProgram()
+    {
+        LoadedCatalogues loaded;
+        RecordedAlerts &alerts = loaded.session.alerts;
+        alerts.hold();
+        const auto connecting = loaded.catalogues.loadCatalogues();
+        QCOMPARE(loaded.terminations, 0); // not before it was read
+        alerts.dismiss();
+        QVERIFY(hasEnded(connecting));
+        QCOMPARE(loaded.terminations, 1);
+        const auto load = loaded.maps.loadMapList();
+        alerts.dismiss();
+        QVERIFY(hasEnded(load));
+        QCOMPARE(loaded.terminations, 2);
+        QCOMPARE(alerts.titles(), QStringList({"Required File is Missing", "Required File is Missing"}));
+        // One alert while connecting, not two, and maps name the settings.
+        const QString text = "Unable to find a valid '%1' file to load.\n\n- You need to re-download this application.";
+        QCOMPARE(alerts.texts(), QStringList({text.arg("gametypes"), text.arg("gamesettings")}));
+    }
 
-void CataloguesTest::missingEndsTheProgram_data()
-{
-    QTest::addColumn<QString>("which");
-    QTest::addColumn<QString>("text");
-    const QString text = "Unable to find a valid '%1' file to load.\n\n- You need to re-download this application.";
-    QTest::newRow("settings") << "settings" << text.arg("gamesettings");
-    QTest::newRow("maps name the settings") << "maps" << text.arg("gamesettings");
-    QTest::newRow("all while connecting") << "connecting" << text.arg("gametypes"); // one alert, not two
-}
+    void damagedKeepsWhatWasLoaded()
+    {
+        LoadedCatalogues loaded;
+        QVERIFY(loaded.loadGametypes("<g><version>1</version>" + gametype("Team", "tdm", setting("a", "b")) + "</g>"));
+        QVERIFY(loaded.loadSettings("<s>" + group("G") + "</s>"));
+        QVERIFY(loaded.loadMaps(maps(map("Quay", "mp_quay"))));
+        const auto selected = loaded.gametypes.selectedSettingList();
+        QCOMPARE(loaded.session.alerts.shown().size(), 0);
 
-void CataloguesTest::missingEndsTheProgram()
-{
-    QFETCH(QString, which);
-    QFETCH(QString, text);
-    LoadedCatalogues loaded;
-    loaded.session.alerts.hold();
-    std::optional<QCoro::Task<CatalogueState>> load;
-    std::optional<QCoro::Task<>> connecting;
-    if (which == "settings")
-        load.emplace(loaded.settings.loadSettings());
-    else if (which == "maps")
-        load.emplace(loaded.maps.loadMapList());
-    else
-        connecting.emplace(loaded.catalogues.loadCatalogues());
-    QCOMPARE(loaded.session.alerts.titles(), QStringList{"Required File is Missing"});
-    QCOMPARE(loaded.session.alerts.texts(), QStringList{text});
-    QCOMPARE(loaded.terminations, 0); // not before it was read
-    loaded.session.alerts.dismiss();
-    QVERIFY(load ? hasEnded(*load) : hasEnded(*connecting));
-    QCOMPARE(loaded.terminations, 1);
-    QCOMPARE(loaded.session.alerts.shown().size(), 1);
-}
+        const QByteArray damaged = "<g>\n<version>2</version><Gametype>";
+        QVERIFY(loaded.loadGametypes(damaged));
+        QVERIFY(loaded.loadSettings(damaged));
+        QVERIFY(loaded.loadMaps(damaged));
+        QCOMPARE(loaded.session.alerts.titles(), QStringList(3, "Catalogue Not Loaded"));
+        for (const QString &text : loaded.session.alerts.texts())
+            QVERIFY2(text.contains("FerrowRcon.exe.") && text.contains("Line 2"), qPrintable(text));
+        QCOMPARE(loaded.gametypes.selectedSettingList(), selected);
+        QCOMPARE(loaded.gametypes.version(), QString("1"));
+        QCOMPARE(loaded.settings.arrangedGroups(), QStringList{"G"});
+        QCOMPARE(loaded.maps.findMapByDvar("mp_quay"), QString("Quay"));
+        QCOMPARE(loaded.terminations, 0);
+    }
 
-void CataloguesTest::damagedKeepsWhatWasLoaded()
-{
-    LoadedCatalogues loaded;
-    QVERIFY(loaded.loadGametypes("<g><version>1</version>" + gametype("Team", "tdm", setting("a", "b")) + "</g>"));
-    QVERIFY(loaded.loadSettings("<s>" + group("G") + "</s>"));
-    QVERIFY(loaded.loadMaps(maps(map("Quay", "mp_quay"))));
-    const auto selected = loaded.gametypes.selectedSettingList();
-    QCOMPARE(loaded.session.alerts.shown().size(), 0);
-
-    const QByteArray damaged = "<g>\n<version>2</version><Gametype>";
-    QVERIFY(loaded.loadGametypes(damaged));
-    QVERIFY(loaded.loadSettings(damaged));
-    QVERIFY(loaded.loadMaps(damaged));
-    QCOMPARE(loaded.session.alerts.titles(), QStringList(3, "Catalogue Not Loaded"));
-    for (const QString &text : loaded.session.alerts.texts())
-        QVERIFY2(text.contains("FerrowRcon.exe.") && text.contains("Line 2"), qPrintable(text));
-    QCOMPARE(loaded.gametypes.selectedSettingList(), selected);
-    QCOMPARE(loaded.gametypes.version(), QString("1"));
-    QCOMPARE(loaded.settings.arrangedGroups(), QStringList{"G"});
-    QCOMPARE(loaded.maps.findMapByDvar("mp_quay"), QString("Quay"));
-    QCOMPARE(loaded.terminations, 0);
-}
-
-void CataloguesTest::connectingAsksForWhatIsMissing_data()
-{
-    QTest::addColumn<QString>("ranked");
-    QTest::addColumn<QStringList>("asked");
-    QTest::newRow("ranked") << "2" << QStringList({"dvardump", "a2", "z1", "z3"});
-    QTest::newRow("unranked") << "1" << QStringList({"dvardump", "a2", "z1", "z3", "g1", "g2"});
-}
-
-void CataloguesTest::connectingAsksForWhatIsMissing()
-{
-    QFETCH(QString, ranked);
-    LoadedCatalogues loaded;
-    const ScriptedFolders &files = loaded.files;
-    const QByteArray settings =
-        "<s>" + group("Zoo", setting("one", "z1") + setting("Known", "z2") + setting("Two", "z3")) +
-        group("attic", setting("b", "a2") + "<DvarSetting><name>none</name></DvarSetting>") + "</s>";
-    const QString file = ranked == "2" ? "gameSettingsRanked" : "gameSettingsUnranked"; // the only one there is
-    QVERIFY(files.write(files.shipped(file), settings));
-    QVERIFY(files.write(files.shipped("gametypes"), "<g>" + gametype("T", "t", setting("lost", "g0")) +
+    void connectingAsksForWhatIsMissing_data()
+    {
+        QTest::addColumn<QString>("ranked");
+        QTest::addColumn<QStringList>("asked");
+        QTest::newRow("ranked") << "2" << QStringList({"dvardump", "a2", "z1", "z3"});
+        QTest::newRow("unranked") << "1" << QStringList({"dvardump", "a2", "z1", "z3", "g1", "g2"});
+    }
+    void connectingAsksForWhatIsMissing()
+    {
+        QFETCH(QString, ranked);
+        LoadedCatalogues loaded;
+        const ScriptedFolders &files = loaded.files;
+        const QByteArray settings =
+            "<s>" + group("Zoo", setting("one", "z1") + setting("Known", "z2") + setting("Two", "z3")) +
+            group("attic", setting("b", "a2") + "<DvarSetting><name>none</name></DvarSetting>") + "</s>";
+        const QString file = ranked == "2" ? "gameSettingsRanked" : "gameSettingsUnranked"; // the only one there is
+        QVERIFY(files.write(files.shipped(file), settings));
+        QVERIFY(
+            files.write(files.shipped("gametypes"), "<g>" + gametype("T", "t", setting("lost", "g0")) +
                                                         gametype("S", "s", setting("x", "g1") + setting("y", "z1")) +
                                                         gametype("T", "t", setting("kept", "g2")) + "</g>"));
-    loaded.session.server.setCatalogueLoader(&loaded.catalogues);
-    loaded.session.exchange.answerEverything(ScriptedExchange::ok("Unknown command"));
-    loaded.session.exchange.answer("z1", ScriptedExchange::ok("\"z1\" is \"5\" in force \"5\""));
-    QVERIFY(hasEnded(loaded.session.connectTo({{"z2", "here"}}, ranked)));
-    QTEST(loaded.session.exchange.sent(), "asked");
-    QCOMPARE(loaded.session.server.dvarList().value("z1"), QString("5"));
-    const auto unknown = loaded.session.exchange.sent().size() - 2; // the dump and z1 have answers
-    QCOMPARE(loaded.session.alerts.titles(), QStringList(unknown, "Unknown dvar"));
-}
+        loaded.session.server.setCatalogueLoader(&loaded.catalogues);
+        loaded.session.exchange.answerEverything(ScriptedExchange::ok("Unknown command"));
+        loaded.session.exchange.answer("z1", ScriptedExchange::ok("\"z1\" is \"5\" in force \"5\""));
+        QVERIFY(hasEnded(loaded.session.connectTo({{"z2", "here"}}, ranked)));
+        QTEST(loaded.session.exchange.sent(), "asked");
+        QCOMPARE(loaded.session.server.dvarList().value("z1"), QString("5"));
+        const auto unknown = loaded.session.exchange.sent().size() - 2; // the dump and z1 have answers
+        QCOMPARE(loaded.session.alerts.titles(), QStringList(unknown, "Unknown dvar"));
+    }
+};
 
 QTEST_GUILESS_MAIN(CataloguesTest)
 #include "tst_catalogues.moc"

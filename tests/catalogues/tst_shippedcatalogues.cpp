@@ -8,65 +8,59 @@
 class ShippedCataloguesTest : public QObject
 {
     Q_OBJECT
-
 private slots:
-    void maps();
-    void settings_data();
-    void settings();
-};
-
-void ShippedCataloguesTest::maps()
-{
-    LoadedCatalogues loaded(FERROW_RESOURCES);
-    QVERIFY(hasEnded(loaded.maps.loadMapList()));
-    QCOMPARE(loaded.maps.version(), QString("4.0"));
-    QVERIFY(loaded.maps.arrangedMaps().size() >= 16);
-    QSet<QString> dvarNames;
-    for (const MapInst &each : loaded.maps.arrangedMaps()) {
-        QVERIFY2(!each.name.isEmpty() && !each.excludeDvar.isEmpty(), qPrintable(each.description()));
-        dvarNames.insert(each.dvarName);
+    void maps()
+    {
+        LoadedCatalogues loaded(FERROW_RESOURCES);
+        QVERIFY(hasEnded(loaded.maps.loadMapList()));
+        QCOMPARE(loaded.maps.version(), QString("4.0"));
+        QVERIFY(loaded.maps.arrangedMaps().size() >= 16);
+        QSet<QString> dvarNames;
+        for (const MapInst &each : loaded.maps.arrangedMaps()) {
+            QVERIFY2(!each.name.isEmpty() && !each.excludeDvar.isEmpty(), qPrintable(each.description()));
+            dvarNames.insert(each.dvarName);
+        }
+        QCOMPARE(dvarNames.size(), loaded.maps.arrangedMaps().size());
     }
-    QCOMPARE(dvarNames.size(), loaded.maps.arrangedMaps().size());
-}
 
-void ShippedCataloguesTest::settings_data()
-{
-    QTest::addColumn<QString>("which");
-    QTest::addColumn<int>("fewestSettings"); // in each list
-    QTest::newRow("gametypes") << "gametypes" << 6;
-    QTest::newRow("ranked") << "2" << 1;
-    QTest::newRow("unranked") << "1" << 1;
-}
-
-void ShippedCataloguesTest::settings()
-{
-    QFETCH(QString, which);
-    QFETCH(int, fewestSettings);
-    LoadedCatalogues loaded(FERROW_RESOURCES);
-    QVERIFY(hasEnded(loaded.session.connectTo({}, which)));
-    QVERIFY(hasEnded(loaded.catalogues.loadCatalogues()));
-    QCOMPARE(loaded.session.alerts.texts(), QStringList());
-    const auto lists =
-        which == "gametypes" ? loaded.gametypes.listedGametypes() : loaded.settings.sortedSettingsValues();
-    QVERIFY(lists.size() >= 8);
-    // Every value that a description allows must pass the validation, and a range is told wherever there is one.
-    static const QRegularExpression range("(-?[0-9]+(?:\\.[0-9]+)?) to ([0-9]+(?:\\.[0-9]+)?)|^.*\\. 0 .*, 1 ");
-    QSet<QString> dvars;
-    for (const auto &list : lists) {
-        QVERIFY2(list->settings().size() >= fewestSettings, qPrintable(list->name()));
-        for (const auto &each : list->settings()) {
-            QVERIFY2(!each->dvar().isEmpty() && !each->category().isEmpty(), qPrintable(each->description()));
-            QVERIFY2(!dvars.contains(each->dvar()), qPrintable(each->description()));
-            dvars.insert(each->dvar());
-            if (each->type() != "int" && each->type() != "float")
-                continue;
-            const QRegularExpressionMatch told = range.match(each->settingDescription());
-            QVERIFY2(told.hasMatch(), qPrintable(each->description()));
-            for (const QString &limit : {told.captured(1), told.captured(2)})
-                QVERIFY2(limit.isEmpty() || each->validateValue(limit), qPrintable(each->description()));
+    void settings_data()
+    {
+        QTest::addColumn<QString>("which");
+        QTest::addColumn<int>("fewestSettings"); // in each list
+        QTest::newRow("gametypes") << "gametypes" << 6;
+        QTest::newRow("ranked") << "2" << 1;
+        QTest::newRow("unranked") << "1" << 1;
+    }
+    void settings()
+    {
+        QFETCH(QString, which);
+        QFETCH(int, fewestSettings);
+        LoadedCatalogues loaded(FERROW_RESOURCES);
+        QVERIFY(hasEnded(loaded.session.connectTo({}, which)));
+        QVERIFY(hasEnded(loaded.catalogues.loadCatalogues()));
+        QCOMPARE(loaded.session.alerts.texts(), QStringList());
+        const auto lists =
+            which == "gametypes" ? loaded.gametypes.listedGametypes() : loaded.settings.sortedSettingsValues();
+        QVERIFY(lists.size() >= 8);
+        // Every value that a description allows must pass the validation, and a range is told wherever there is one.
+        static const QRegularExpression range("(-?[0-9]+(?:\\.[0-9]+)?) to ([0-9]+(?:\\.[0-9]+)?)|^.*\\. 0 .*, 1 ");
+        QSet<QString> dvars;
+        for (const auto &list : lists) {
+            QVERIFY2(list->settings().size() >= fewestSettings, qPrintable(list->name()));
+            for (const auto &each : list->settings()) {
+                QVERIFY2(!each->dvar().isEmpty() && !each->category().isEmpty(), qPrintable(each->description()));
+                QVERIFY2(!dvars.contains(each->dvar()), qPrintable(each->description()));
+                dvars.insert(each->dvar());
+                if (each->type() != "int" && each->type() != "float")
+                    continue;
+                const QRegularExpressionMatch told = range.match(each->settingDescription());
+                QVERIFY2(told.hasMatch(), qPrintable(each->description()));
+                for (const QString &limit : {told.captured(1), told.captured(2)})
+                    QVERIFY2(limit.isEmpty() || each->validateValue(limit), qPrintable(each->description()));
+            }
         }
     }
-}
+};
 
 QTEST_GUILESS_MAIN(ShippedCataloguesTest)
 #include "tst_shippedcatalogues.moc"

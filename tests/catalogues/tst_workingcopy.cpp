@@ -1,29 +1,15 @@
 #include "AtomicFile.h"
 #include "CatalogueFixture.h"
+#include "FileSizeLimit.h"
 #include "WorkingCopy.h"
 #include "XmlDocument.h"
 
 #include <QDir>
 #include <QFileInfo>
 
-#include <csignal>
-#include <sys/resource.h>
+#include <optional>
+
 #include <sys/stat.h>
-
-class WorkingCopyTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void refreshes_data();
-    void refreshes();
-    void copyIsTheUsersOwn();
-    void diskIsFull();
-    void hostileFiles_data();
-    void hostileFiles();
-    void thingsThatAreNoFiles();
-    void keepsPermissions();
-};
 
 static const int NoFile = -1;
 
@@ -32,177 +18,175 @@ static QByteArray catalogue(const QByteArray &version, const QByteArray &mark)
     return "<c><version>" + version + "</version><mark>" + mark + "</mark></c>";
 }
 
-void WorkingCopyTest::refreshes_data()
+class WorkingCopyTest : public QObject
 {
-    QTest::addColumn<bool>("isMaps");
-    QTest::addColumn<int>("shippedAge"); // seconds
-    QTest::addColumn<int>("userAge");
-    QTest::addColumn<bool>("isReadOnly");
-    QTest::addColumn<QByteArray>("userContent");
-    QTest::addColumn<QString>("expected"); // whose content is read: shipped, user, missing or damaged
-    const QByteArray old = catalogue("3.9", "user");
-    const QByteArray current = catalogue("4.0", "user");
-    QTest::newRow("neither") << false << NoFile << NoFile << false << old << "missing";
-    QTest::newRow("only shipped") << false << 50 << NoFile << false << old << "shipped";
-    QTest::newRow("only the copy") << false << NoFile << 50 << false << old << "user";
-    QTest::newRow("newer shipped") << false << 50 << 60 << false << old << "shipped";
-    QTest::newRow("equally old") << false << 50 << 50 << false << old << "user";
-    QTest::newRow("older shipped") << false << 60 << 50 << false << old << "user";
-    QTest::newRow("newer shipped, read-only copy") << false << 50 << 60 << true << old << "user";
-    QTest::newRow("damaged copy") << false << 60 << 50 << false << QByteArray("<c><mark>") << "damaged";
+    Q_OBJECT
+private slots:
+    void refreshes_data()
+    {
+        QTest::addColumn<bool>("isMaps");
+        QTest::addColumn<int>("shippedAge"); // seconds
+        QTest::addColumn<int>("userAge");
+        QTest::addColumn<bool>("isReadOnly");
+        QTest::addColumn<QByteArray>("userContent");
+        QTest::addColumn<QString>("expected"); // whose content is read: shipped, user, missing or damaged
+        const QByteArray old = catalogue("3.9", "user");
+        const QByteArray current = catalogue("4.0", "user");
+        QTest::newRow("neither") << false << NoFile << NoFile << false << old << "missing";
+        QTest::newRow("only shipped") << false << 50 << NoFile << false << old << "shipped";
+        QTest::newRow("newer shipped") << false << 50 << 60 << false << old << "shipped";
+        QTest::newRow("equally old") << false << 50 << 50 << false << old << "user";
+        QTest::newRow("older shipped") << false << 60 << 50 << false << old << "user";
+        QTest::newRow("newer shipped, read-only copy") << false << 50 << 60 << true << old << "user";
 
-    QTest::newRow("maps: edited") << true << 60 << 50 << false << current << "user";
-    QTest::newRow("maps: other version") << true << 60 << 50 << false << old << "shipped";
-    QTest::newRow("maps: a slip is not thrown away")
-        << true << 60 << 50 << false << QByteArray("<c><mark>") << "damaged";
-}
-
-void WorkingCopyTest::refreshes()
-{
-    QFETCH(bool, isMaps);
-    QFETCH(int, shippedAge);
-    QFETCH(int, userAge);
-    QFETCH(bool, isReadOnly);
-    QFETCH(QByteArray, userContent);
-    QFETCH(QString, expected);
-    const ScriptedFolders files;
-    const WorkingCopy copy(files.folders(), isMaps ? WorkingCopy::maps() : WorkingCopy::gametypes());
-    if (shippedAge != NoFile)
-        QVERIFY(files.write(copy.defaultPath(), catalogue("4.0", "shipped"), shippedAge));
-    if (userAge != NoFile)
-        QVERIFY(files.write(copy.path(), userContent, userAge));
-    if (shippedAge == userAge && userAge != NoFile) {
-        QFile same(copy.path());
-        QVERIFY(same.open(QIODevice::ReadWrite));
-        QVERIFY(same.setFileTime(QFileInfo(copy.defaultPath()).lastModified(), QFileDevice::FileModificationTime));
+        QTest::newRow("maps: edited") << true << 60 << 50 << false << current << "user";
+        QTest::newRow("maps: other version") << true << 60 << 50 << false << old << "shipped";
+        QTest::newRow("maps: a slip is not thrown away")
+            << true << 60 << 50 << false << QByteArray("<c><mark>") << "damaged";
     }
-    if (isReadOnly)
-        QVERIFY(QFile::setPermissions(copy.path(), QFileDevice::ReadOwner));
+    void refreshes()
+    {
+        QFETCH(bool, isMaps);
+        QFETCH(int, shippedAge);
+        QFETCH(int, userAge);
+        QFETCH(bool, isReadOnly);
+        QFETCH(QByteArray, userContent);
+        QFETCH(QString, expected);
+        const ScriptedFolders files;
+        const WorkingCopy copy(files.folders(), isMaps ? WorkingCopy::maps() : WorkingCopy::gametypes());
+        if (shippedAge != NoFile)
+            QVERIFY(files.write(copy.defaultPath(), catalogue("4.0", "shipped"), shippedAge));
+        if (userAge != NoFile)
+            QVERIFY(files.write(copy.path(), userContent, userAge));
+        if (shippedAge == userAge && userAge != NoFile) {
+            QFile same(copy.path());
+            QVERIFY(same.open(QIODevice::ReadWrite));
+            QVERIFY(same.setFileTime(QFileInfo(copy.defaultPath()).lastModified(), QFileDevice::FileModificationTime));
+        }
+        if (isReadOnly)
+            QVERIFY(QFile::setPermissions(copy.path(), QFileDevice::ReadOwner));
 
-    const WorkingCopy::Result result = copy.refreshAndRead();
-    if (!result.document) {
-        QCOMPARE(result.state == CatalogueState::Missing ? "missing" : "damaged", expected);
-        QCOMPARE(QFileInfo::exists(copy.path()), expected == "damaged");
-        if (expected == "damaged")
-            QCOMPARE(files.read(copy.path()), userContent);
-        return;
-    }
-    QCOMPARE(result.state, CatalogueState::Ready);
-    QCOMPARE(result.document->lastText("//mark"), expected);
-    QCOMPARE(files.read(copy.path()), expected == "user" ? userContent : catalogue("4.0", "shipped"));
-
-    // The next start changes nothing: what was copied does not look old, and an edit of it stays.
-    const QByteArray edited = catalogue("4.0", "edited");
-    QVERIFY(QFile::setPermissions(copy.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner));
-    QVERIFY(files.write(copy.path(), edited));
-    QCOMPARE(copy.refreshAndRead().document->lastText("//mark"), QString("edited"));
-}
-
-void WorkingCopyTest::copyIsTheUsersOwn()
-{
-    const ScriptedFolders files;
-    CatalogueFolders folders = files.folders();
-    folders.applicationSupport += "/new/one";
-    const WorkingCopy copy(folders, WorkingCopy::gametypes());
-    QVERIFY(files.write(copy.defaultPath(), catalogue("1.0", "first"), 1'000'000));
-    QVERIFY(QFile::setPermissions(copy.defaultPath(), QFileDevice::ReadOwner | QFileDevice::ReadGroup));
-    QCOMPARE(copy.refreshAndRead().state, CatalogueState::Ready);
-    const QFileInfo made(copy.path());
-    QVERIFY(made.permissions() & QFileDevice::WriteOwner);
-    // As old as what it was made from: not older, or it would be replaced again and again, and not newer, or a file
-    // that a later program ships would be taken for the older one.
-    QCOMPARE(made.lastModified(), QFileInfo(copy.defaultPath()).lastModified());
-}
-
-void WorkingCopyTest::diskIsFull()
-{
-    const ScriptedFolders files;
-    const WorkingCopy copy(files.folders(), WorkingCopy::gametypes());
-    QVERIFY(files.write(copy.defaultPath(), "<c>" + QByteArray(200'000, 'x') + "</c>", 50));
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
-    const rlimit limit{10'000, before.rlim_max};
-    QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    const WorkingCopy::Result first = copy.refreshAndRead();
-    const bool isUsers = files.write(copy.path(), catalogue("1.0", "user"), 60);
-    const WorkingCopy::Result second = copy.refreshAndRead();
-    QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
-
-    QCOMPARE(first.state, CatalogueState::Damaged);
-    QVERIFY2(first.error.contains("File too large"), qPrintable(first.error)); // why there is nothing to read
-    QVERIFY(isUsers);
-    QCOMPARE(second.state, CatalogueState::Ready);
-    QCOMPARE(second.document->lastText("//mark"), QString("user"));
-    QCOMPARE(QDir(files.folders().applicationSupport).entryList(QDir::Files | QDir::Hidden).size(), 1);
-}
-
-void WorkingCopyTest::hostileFiles_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("reason");
-    QByteArray bomb = "<!DOCTYPE c [<!ENTITY a \"aaaaaaaaaa\">";
-    for (char c = 'b'; c < 'k'; ++c) {
-        const QByteArray reference = QByteArray("&") + char(c - 1) + ';';
-        bomb += QByteArray("<!ENTITY ") + c + " \"" + reference.repeated(10) + "\">";
-    }
-    QTest::newRow("truncated") << QByteArray("<c>\n<Gametype>\n<name>Tea") << "Line 3";
-    QTest::newRow("bytes") << QByteArray("\x00\x01\x7f\xff<\x00", 6).repeated(5000) << "Line";
-    QTest::newRow("nested 100,000 deep") << QByteArray("<d>").repeated(100'000) + QByteArray("</d>").repeated(100'000)
-                                         << "nested more than";
-    QTest::newRow("too many elements") << "<c>" + QByteArray("<e/>").repeated(100'001) + "</c>"
-                                       << "100000 elements";
-    QTest::newRow("too large") << "<c>" + QByteArray(9 * 1024 * 1024, ' ') + "</c>"
-                               << "larger than 8 MiB";
-    QTest::newRow("entity bomb") << bomb + "]><c><mark>&j;</mark></c>" << QString();
-    QTest::newRow("external entity")
-        << QByteArray("<!DOCTYPE c [<!ENTITY x SYSTEM \"file:///etc/passwd\">]><c><mark>&x;</mark></c>") << QString();
-}
-
-void WorkingCopyTest::hostileFiles()
-{
-    QFETCH(QByteArray, content);
-    QFETCH(QString, reason);
-    const ScriptedFolders files;
-    const WorkingCopy copy(files.folders(), WorkingCopy::gametypes());
-    QVERIFY(files.write(copy.path(), content));
-    const WorkingCopy::Result result = copy.refreshAndRead();
-    QCOMPARE(files.read(copy.path()), content);
-    if (reason.isNull()) {
+        const WorkingCopy::Result result = copy.refreshAndRead();
+        if (!result.document) {
+            QCOMPARE(result.state == CatalogueState::Missing ? "missing" : "damaged", expected);
+            QCOMPARE(QFileInfo::exists(copy.path()), expected == "damaged");
+            if (expected == "damaged")
+                QCOMPARE(files.read(copy.path()), userContent);
+            return;
+        }
         QCOMPARE(result.state, CatalogueState::Ready);
-        QVERIFY(result.document->lastText("//mark").size() < 10); // nothing was put in its place
-        return;
+        QCOMPARE(result.document->lastText("//mark"), expected);
+        QCOMPARE(files.read(copy.path()), expected == "user" ? userContent : catalogue("4.0", "shipped"));
+
+        // The next start changes nothing: what was copied does not look old, and an edit of it stays.
+        const QByteArray edited = catalogue("4.0", "edited");
+        QVERIFY(QFile::setPermissions(copy.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner));
+        QVERIFY(files.write(copy.path(), edited));
+        QCOMPARE(copy.refreshAndRead().document->lastText("//mark"), QString("edited"));
     }
-    QCOMPARE(result.state, CatalogueState::Damaged);
-    QVERIFY2(result.error.contains(reason), qPrintable(result.error));
-    QVERIFY(result.error.contains(copy.path()));
-}
 
-void WorkingCopyTest::thingsThatAreNoFiles()
-{
-    const ScriptedFolders files;
-    const WorkingCopy folder(files.folders(), WorkingCopy::gametypes());
-    QVERIFY(files.write(folder.defaultPath(), catalogue("1.0", "shipped"), -50));
-    QVERIFY(QDir().mkpath(folder.path() + "/inside"));
-    QCOMPARE(folder.refreshAndRead().state, CatalogueState::Damaged);
-    QVERIFY(QFileInfo::exists(folder.path() + "/inside")); // somebody's, so it is not removed
+    void copyIsTheUsersOwn()
+    {
+        const ScriptedFolders files;
+        CatalogueFolders folders = files.folders();
+        folders.applicationSupport += "/new/one";
+        const WorkingCopy copy(folders, WorkingCopy::gametypes());
+        QVERIFY(files.write(copy.defaultPath(), catalogue("1.0", "first"), 1'000'000));
+        QVERIFY(QFile::setPermissions(copy.defaultPath(), QFileDevice::ReadOwner | QFileDevice::ReadGroup));
+        QCOMPARE(copy.refreshAndRead().state, CatalogueState::Ready);
+        const QFileInfo made(copy.path());
+        QVERIFY(made.permissions() & QFileDevice::WriteOwner);
+        // As old as what it was made from: not older, or it would be replaced again and again, and not newer, or a file
+        // that a later program ships would be taken for the older one.
+        QCOMPARE(made.lastModified(), QFileInfo(copy.defaultPath()).lastModified());
+    }
 
-    const WorkingCopy pipe(files.folders(), WorkingCopy::settings(true));
-    QCOMPARE(mkfifo(QFile::encodeName(pipe.path()).constData(), 0600), 0);
-    QCOMPARE(pipe.refreshAndRead().state, CatalogueState::Damaged); // does not wait for a writer
-}
+    void diskIsFull()
+    {
+        const ScriptedFolders files;
+        const WorkingCopy copy(files.folders(), WorkingCopy::gametypes());
+        QVERIFY(files.write(copy.defaultPath(), "<c>" + QByteArray(200'000, 'x') + "</c>", 50));
+        std::optional<FileSizeLimit> limit(10'000);
+        const WorkingCopy::Result first = copy.refreshAndRead();
+        const bool isUsers = files.write(copy.path(), catalogue("1.0", "user"), 60);
+        const WorkingCopy::Result second = copy.refreshAndRead();
+        limit.reset();
 
-void WorkingCopyTest::keepsPermissions()
-{
-    const ScriptedFolders files;
-    const QString path = files.user("txt");
-    QVERIFY(AtomicFile::write(path, "first"));
-    QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner));
-    QVERIFY(AtomicFile::write(path, "second"));
-    QCOMPARE(files.read(path), QByteArray("second"));
-    const QFileDevice::Permissions others = QFileDevice::ReadGroup | QFileDevice::ReadOther;
-    QVERIFY((QFileInfo(path).permissions() & others) == 0);
-}
+        QCOMPARE(first.state, CatalogueState::Damaged);
+        QVERIFY2(first.error.contains("File too large"), qPrintable(first.error)); // why there is nothing to read
+        QVERIFY(isUsers);
+        QCOMPARE(second.state, CatalogueState::Ready);
+        QCOMPARE(second.document->lastText("//mark"), QString("user"));
+        QCOMPARE(QDir(files.folders().applicationSupport).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    }
+
+    void hostileFiles_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("reason");
+        QByteArray bomb = "<!DOCTYPE c [<!ENTITY a \"aaaaaaaaaa\">";
+        for (char c = 'b'; c < 'k'; ++c) {
+            const QByteArray reference = QByteArray("&") + char(c - 1) + ';';
+            bomb += QByteArray("<!ENTITY ") + c + " \"" + reference.repeated(10) + "\">";
+        }
+        QTest::newRow("truncated") << QByteArray("<c>\n<Gametype>\n<name>Tea") << "Line 3";
+        QTest::newRow("bytes") << QByteArray("\x00\x01\x7f\xff<\x00", 6).repeated(5000) << "Line";
+        QTest::newRow("nested 100,000 deep")
+            << QByteArray("<d>").repeated(100'000) + QByteArray("</d>").repeated(100'000) << "nested more than";
+        QTest::newRow("too many elements") << "<c>" + QByteArray("<e/>").repeated(100'001) + "</c>"
+                                           << "100000 elements";
+        QTest::newRow("too large") << "<c>" + QByteArray(9 * 1024 * 1024, ' ') + "</c>"
+                                   << "larger than 8 MiB";
+        QTest::newRow("entity bomb") << bomb + "]><c><mark>&j;</mark></c>" << QString();
+        QTest::newRow("external entity")
+            << QByteArray("<!DOCTYPE c [<!ENTITY x SYSTEM \"file:///etc/passwd\">]><c><mark>&x;</mark></c>")
+            << QString();
+    }
+    void hostileFiles()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QString, reason);
+        const ScriptedFolders files;
+        const WorkingCopy copy(files.folders(), WorkingCopy::gametypes());
+        QVERIFY(files.write(copy.path(), content));
+        const WorkingCopy::Result result = copy.refreshAndRead();
+        QCOMPARE(files.read(copy.path()), content);
+        if (reason.isNull()) {
+            QCOMPARE(result.state, CatalogueState::Ready);
+            QVERIFY(result.document->lastText("//mark").size() < 10); // nothing was put in its place
+            return;
+        }
+        QCOMPARE(result.state, CatalogueState::Damaged);
+        QVERIFY2(result.error.contains(reason), qPrintable(result.error));
+        QVERIFY(result.error.contains(copy.path()));
+    }
+
+    void thingsThatAreNoFiles()
+    {
+        const ScriptedFolders files;
+        const WorkingCopy folder(files.folders(), WorkingCopy::gametypes());
+        QVERIFY(files.write(folder.defaultPath(), catalogue("1.0", "shipped"), -50));
+        QVERIFY(QDir().mkpath(folder.path() + "/inside"));
+        QCOMPARE(folder.refreshAndRead().state, CatalogueState::Damaged);
+        QVERIFY(QFileInfo::exists(folder.path() + "/inside")); // somebody's, so it is not removed
+
+        const WorkingCopy pipe(files.folders(), WorkingCopy::settings(true));
+        QCOMPARE(mkfifo(QFile::encodeName(pipe.path()).constData(), 0600), 0);
+        QCOMPARE(pipe.refreshAndRead().state, CatalogueState::Damaged); // does not wait for a writer
+    }
+
+    void keepsPermissions()
+    {
+        const ScriptedFolders files;
+        const QString path = files.user("txt");
+        QVERIFY(AtomicFile::write(path, "first"));
+        QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner));
+        QVERIFY(AtomicFile::write(path, "second"));
+        QCOMPARE(files.read(path), QByteArray("second"));
+        const QFileDevice::Permissions others = QFileDevice::ReadGroup | QFileDevice::ReadOther;
+        QVERIFY((QFileInfo(path).permissions() & others) == 0);
+    }
+};
 
 QTEST_GUILESS_MAIN(WorkingCopyTest)
 #include "tst_workingcopy.moc"

@@ -7,8 +7,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
-static const QString misspelt =
-    QStringLiteral("Unable to fine all required dvars!\n\n- The server is not communicating properly.");
+static const QString misspelt = "Unable to fine all required dvars!\n\n- The server is not communicating properly.";
 
 static Reply dump(const QString &extra = {})
 {
@@ -19,26 +18,42 @@ static Reply dump(const QString &extra = {})
                                 extra);
 }
 
-static const QString unranked = QStringLiteral("sv_ranked \"0\"\nplaylist_enabled \"0\"\n");
-
 /// Catalogues of the tests: they know a few variables and write down when they are asked.
 class Catalogues final : public CatalogueLoader
 {
 public:
     QCoro::Task<> loadCatalogues() override
     {
-        calls.append(QStringLiteral("load"));
+        calls.append("load");
         co_return;
     }
-    QStringList settingDvars() const override { return {QStringLiteral("g_gravity"), QStringLiteral("g_speed")}; }
-    QStringList gametypeDvars() const override { return {QStringLiteral("scr_dm_scorelimit")}; }
+    QStringList settingDvars() const override { return {"g_gravity", "g_speed"}; }
+    QStringList gametypeDvars() const override { return {"scr_dm_scorelimit"}; }
     QCoro::Task<> updateControls() override
     {
-        calls.append(QStringLiteral("update"));
+        calls.append("update");
         co_return;
     }
 
     QStringList calls;
+};
+
+/// A session that knows no server yet.
+struct Session {
+    explicit Session(const Reply &dumpReply = dump()) : exchange({{"dvardump", dumpReply}}) {}
+
+    QCoro::Task<> startConnecting(const QString &host = "10.0.0.1", const QString &port = "28960")
+    {
+        return server.connectToHost(host, port, "typed");
+    }
+    void connect(const QString &host = "10.0.0.1", const QString &port = "28960")
+    {
+        awaited(startConnecting(host, port));
+    }
+
+    ScriptedExchange exchange;
+    RecordedAlerts alerts;
+    KelServer server{exchange, alerts};
 };
 
 class ConnectingTest : public QObject
@@ -50,71 +65,46 @@ private slots:
         QTest::addColumn<QString>("line");
         QTest::addColumn<QString>("name"); // empty: the line is ignored
         QTest::addColumn<QString>("value");
-        QTest::newRow("flags and blanks before") << "  sv_hostname \"My Server\""
-                                                 << "sv_hostname"
-                                                 << "My Server";
-        QTest::newRow("a flag") << "S  sv_ranked   \"2\""
-                                << "sv_ranked"
-                                << "2";
-        QTest::newRow("no blank before the value") << "name\"v\""
-                                                   << "name"
-                                                   << "v";
-        QTest::newRow("two quoted values") << "x \"a\" \"b\""
-                                           << "x"
-                                           << "a";
-        QTest::newRow("text after the value") << "x \"a\" default"
-                                              << "x"
-                                              << "a";
-        QTest::newRow("no unescaping") << "x \"a\\\"b\""
-                                       << "x"
-                                       << "a\\";
-        QTest::newRow("a tab is part of the name") << "S\tx \"a\""
-                                                   << "S\tx"
-                                                   << "a";
-        QTest::newRow("empty value") << "x \"\""
-                                     << ""
-                                     << "";
-        QTest::newRow("no quotes") << "255 total dvars"
-                                   << ""
-                                   << "";
-        QTest::newRow("one quote") << "x \"a"
-                                   << ""
-                                   << "";
-        QTest::newRow("no name") << "  \"a\""
-                                 << ""
-                                 << "";
+        const auto row = [](const char *title, const char *line, const char *name, const char *value) {
+            QTest::newRow(title) << QString(line) << QString(name) << QString(value);
+        };
+        row("a flag and blanks before", "  S  sv_ranked   \"2\"", "sv_ranked", "2");
+        row("no blank before the value", "name\"v\"", "name", "v");
+        row("more after the value", "x \"a\" \"b\" default", "x", "a");
+        row("no unescaping", "x \"a\\\"b\"", "x", "a\\");
+        row("a tab is part of the name", "S\tx \"a\"", "S\tx", "a");
+        row("empty value", "x \"\"", "", "");
+        row("no quotes", "255 total dvars", "", "");
+        row("one quote", "x \"a", "", "");
+        row("no name", "  \"a\"", "", "");
     }
     void readsDumpLines()
     {
         QFETCH(QString, line);
         QFETCH(QString, name);
         QFETCH(QString, value);
-        ScriptedExchange exchange;
-        RecordedAlerts alerts;
-        KelServer server(exchange, alerts);
-        server.addDvarLine(line);
+        Session session;
+        session.server.addDvarLine(line);
         const QHash<QString, QString> expected =
             name.isEmpty() ? QHash<QString, QString>{} : QHash<QString, QString>{{name, value}};
-        QCOMPARE(server.dvarList(), expected);
+        QCOMPARE(session.server.dvarList(), expected);
     }
 
     void refusesPorts_data()
     {
         QTest::addColumn<QString>("port");
         for (const char *port : {"", "abc", "0", "-1", "65536", "4294996256", "0x10", "12 13"})
-            QTest::newRow(port) << QString::fromLatin1(port);
+            QTest::newRow(port) << QString(port);
     }
     void refusesPorts()
     {
         QFETCH(QString, port);
-        ScriptedExchange exchange;
-        RecordedAlerts alerts;
-        KelServer server(exchange, alerts);
-        awaited(server.connectToHost(QStringLiteral("127.0.0.1"), port, QStringLiteral("pw")));
-        QCOMPARE(alerts.shown(),
+        Session session;
+        session.connect("127.0.0.1", port);
+        QCOMPARE(session.alerts.shown(),
                  QList<RecordedAlerts::Shown>({{"Invalid Port", "The value entered '" + port + "' is invalid", {}}}));
-        QVERIFY(exchange.sent().isEmpty());
-        QVERIFY(!server.isConnected());
+        QVERIFY(session.exchange.sent().isEmpty());
+        QVERIFY(!session.server.isConnected());
     }
 
     void afterEachFailure_data()
@@ -124,7 +114,7 @@ private slots:
         QTest::addColumn<bool>("isConnected");
         QTest::addColumn<QStringList>("titles");
         QTest::addColumn<QStringList>("texts");
-        const QString nameless = QStringLiteral("\"sv_ranked\" is: \"0\"");
+        const QString nameless = "\"sv_ranked\" is: \"0\"";
         QTest::newRow("no answer to the dump") << ScriptedExchange::failure("gone") << Reply{} << false
                                                << QStringList{"Command Send Error"} << QStringList{"gone"};
         QTest::newRow("two fields instead of three")
@@ -146,17 +136,15 @@ private slots:
         QFETCH(bool, isConnected);
         QFETCH(QStringList, titles);
         QFETCH(QStringList, texts);
-        ScriptedExchange exchange({{"dvardump", dumpReply}});
-        exchange.answerEverything(singleReply);
-        RecordedAlerts alerts;
-        KelServer server(exchange, alerts);
-        server.addToCommandHistory(QStringLiteral("old"));
-        awaited(server.connectToHost(QStringLiteral("127.0.0.1"), QStringLiteral("28960"), QStringLiteral("pw")));
-        QCOMPARE(server.isConnected(), isConnected);
-        QCOMPARE(alerts.titles(), titles);
-        QCOMPARE(alerts.texts(), texts);
-        QVERIFY(server.commandHistory().isEmpty());
-        QVERIFY(server.tabItems().isEmpty());
+        Session session(dumpReply);
+        session.exchange.answerEverything(singleReply);
+        session.server.addToCommandHistory("old");
+        session.connect();
+        QCOMPARE(session.server.isConnected(), isConnected);
+        QCOMPARE(session.alerts.titles(), titles);
+        QCOMPARE(session.alerts.texts(), texts);
+        QVERIFY(session.server.commandHistory().isEmpty());
+        QVERIFY(session.server.tabItems().isEmpty());
     }
 
     void decidesTheMode_data()
@@ -165,82 +153,70 @@ private slots:
         QTest::addColumn<QString>("playlists");
         QTest::addColumn<bool>("isRanked");
         QTest::addColumn<QString>("tabs");
-        const QString five = QStringLiteral("Players,Playlists,Settings,Messages,Console");
-        const QString maps = QStringLiteral("Players,Maps,Settings,Messages,Config Builder,Console");
-        const QString lists = QStringLiteral("Players,Playlists,Settings,Messages,Config Builder,Console");
-        QTest::newRow("2 is ranked") << "2"
-                                     << "0" << true << five;
-        QTest::newRow("4 is ranked, playlists do not matter") << "4"
-                                                              << "1" << true << five;
-        QTest::newRow("1 is not") << "1"
-                                  << "0" << false << maps;
-        QTest::newRow("0 is not") << "0"
-                                  << "1" << false << lists;
-        QTest::newRow("almost 1") << "0"
-                                  << "01" << false << maps;
+        const auto row = [](const char *title, const char *ranked, const char *playlists, bool isRanked,
+                            const char *tabs) {
+            QTest::newRow(title) << QString(ranked) << QString(playlists) << isRanked << QString(tabs);
+        };
+        row("2 is ranked", "2", "0", true, "Players,Playlists,Settings,Messages,Console");
+        row("4 is ranked, playlists do not matter", "4", "1", true, "Players,Playlists,Settings,Messages,Console");
+        row("1 is not", "1", "0", false, "Players,Maps,Settings,Messages,Config Builder,Console");
+        row("0 is not", "0", "1", false, "Players,Playlists,Settings,Messages,Config Builder,Console");
+        row("almost 1", "0", "01", false, "Players,Maps,Settings,Messages,Config Builder,Console");
     }
     void decidesTheMode()
     {
         QFETCH(QString, ranked);
         QFETCH(QString, playlists);
         QFETCH(bool, isRanked);
-        QFETCH(QString, tabs);
-        const QString mode = QStringLiteral("sv_ranked \"%1\"\nplaylist_enabled \"%2\"\n").arg(ranked, playlists);
-        ScriptedExchange exchange({{"dvardump", dump(mode)}});
-        RecordedAlerts alerts;
-        KelServer server(exchange, alerts);
-        awaited(server.connectToHost(QStringLiteral("127.0.0.1"), QStringLiteral("28960"), QStringLiteral("pw")));
-        QCOMPARE(server.isRanked(), isRanked);
+        Session session(dump(QString("sv_ranked \"%1\"\nplaylist_enabled \"%2\"\n").arg(ranked, playlists)));
+        session.connect();
+        QCOMPARE(session.server.isRanked(), isRanked);
         QStringList labels;
-        for (const TabItem item : server.tabItems())
+        for (const TabItem item : session.server.tabItems())
             labels.append(tabLabel(item));
-        QCOMPARE(labels.join(QLatin1Char(',')), tabs);
-        QVERIFY(alerts.shown().isEmpty());
+        QTEST(labels.join(u','), "tabs");
+        QVERIFY(session.alerts.shown().isEmpty());
 
-        QSignalSpy arranged(&server, &KelServer::tabItemsChanged);
-        server.setupTabsForPlaylistsAndRanked();
+        QSignalSpy arranged(&session.server, &KelServer::tabItemsChanged);
+        session.server.setupTabsForPlaylistsAndRanked();
         QVERIFY(arranged.isEmpty()); // already right
     }
 
     void asksForWhatTheDumpLacks()
     {
-        ScriptedExchange exchange(
-            {{"dvardump", dump("playlist_enabled \"0\"\n")},
-             {"sv_ranked", ScriptedExchange::ok("\"sv_ranked\" is: \"0\" default: \"0\"")},
-             {"g_gravity", ScriptedExchange::ok("\"g_gravity\" is: \"800\" latched: \"\"")},
-             {"g_speed", ScriptedExchange::ok("Unknown command \"g_speed\"")},
-             {"scr_dm_scorelimit", ScriptedExchange::ok("\"scr_dm_scorelimit\" is: \"30\" now: \"40\"")}});
-        RecordedAlerts alerts;
-        KelServer server(exchange, alerts);
+        Session session(dump("playlist_enabled \"0\"\n"));
+        for (const auto &[name, reply] : {std::pair("sv_ranked", "\"sv_ranked\" is: \"0\" default: \"0\""),
+                                          {"g_gravity", "\"g_gravity\" is: \"800\" latched: \"\""},
+                                          {"g_speed", "Unknown command \"g_speed\""},
+                                          {"scr_dm_scorelimit", "\"scr_dm_scorelimit\" is: \"30\" now: \"40\""}})
+            session.exchange.answer(name, ScriptedExchange::ok(reply));
         Catalogues catalogues;
-        server.setCatalogueLoader(&catalogues);
-        QSignalSpy progress(&server, &KelServer::connectProgressed);
-        awaited(server.connectToHost(QStringLiteral("10.0.0.1"), QStringLiteral("28960"), QStringLiteral("typed")));
-        QCOMPARE(exchange.sent(), QStringList({"dvardump", "sv_ranked", "g_gravity", "g_speed", "scr_dm_scorelimit"}));
-        for (const Request &request : exchange.requests())
-            QCOMPARE(request.password, QStringLiteral("typed"));
-        QCOMPARE(alerts.texts(), QStringList{"The dvar 'g_speed' was not recognized by the server"});
-        QVERIFY(server.dvarList().contains(QStringLiteral("g_gravity"))); // a single query stores an empty value
-        QCOMPARE(server.dvarList().value(QStringLiteral("g_gravity")), QString());
-        QCOMPARE(server.dvarList().value(QStringLiteral("scr_dm_scorelimit")), QStringLiteral("40"));
+        session.server.setCatalogueLoader(&catalogues);
+        QSignalSpy progress(&session.server, &KelServer::connectProgressed);
+        session.connect();
+        QCOMPARE(session.exchange.sent(),
+                 QStringList({"dvardump", "sv_ranked", "g_gravity", "g_speed", "scr_dm_scorelimit"}));
+        for (const Request &request : session.exchange.requests())
+            QCOMPARE(request.password, "typed");
+        QCOMPARE(session.alerts.texts(), QStringList{"The dvar 'g_speed' was not recognized by the server"});
+        const QHash<QString, QString> dvars = session.server.dvarList();
+        QVERIFY(dvars.contains("g_gravity")); // a single query stores an empty value
+        QCOMPARE(dvars.value("g_gravity"), "");
+        QCOMPARE(dvars.value("scr_dm_scorelimit"), "40");
         QCOMPARE(catalogues.calls, QStringList({"load", "update"}));
         QCOMPARE(progress.last(), QVariantList({3, 3}));
     }
 
     void connectingAnewForgetsTheOldServer()
     {
-        ScriptedExchange exchange({{"dvardump", dump(unranked)}});
-        RecordedAlerts alerts;
-        KelServer server(exchange, alerts);
-        awaited(server.connectToHost(QStringLiteral("10.0.0.1"), QStringLiteral("28960"), QStringLiteral("pw")));
-        QSignalSpy cleared(&server, &KelServer::consoleCleared);
-        awaited(server.connectToHost(QStringLiteral("10.0.0.2"), QStringLiteral("no port"), QStringLiteral("pw")));
-        QVERIFY(server.dvarList().isEmpty());
+        Session session(dump("sv_ranked \"0\"\nplaylist_enabled \"0\"\n"));
+        session.connect();
+        QSignalSpy cleared(&session.server, &KelServer::consoleCleared);
+        session.connect("10.0.0.2", "no port");
+        QVERIFY(session.server.dvarList().isEmpty());
         QCOMPARE(cleared.size(), 1);
-        QVERIFY(server.isConnected()); // only disconnect() ends a connection
-        QCOMPARE(server.host(), QStringLiteral("10.0.0.1"));
-        server.disconnect();
-        QVERIFY(!server.isConnected());
+        QVERIFY(session.server.isConnected()); // only disconnect() ends a connection
+        QCOMPARE(session.server.host(), "10.0.0.1");
     }
 
     void canBeCalledOffAtEveryStep_data()
@@ -253,26 +229,23 @@ private slots:
     void canBeCalledOffAtEveryStep()
     {
         QFETCH(int, answered);
-        ScriptedExchange exchange({{"dvardump", dump("playlist_enabled \"0\"\n")},
-                                   {"sv_ranked", ScriptedExchange::ok("\"sv_ranked\" is: \"0\" default: \"0\"")}});
-        exchange.hold();
-        RecordedAlerts alerts;
-        KelServer server(exchange, alerts);
+        Session session(dump("playlist_enabled \"0\"\n"));
+        session.exchange.answer("sv_ranked", ScriptedExchange::ok("\"sv_ranked\" is: \"0\" default: \"0\""));
+        session.exchange.hold();
         Catalogues catalogues;
-        server.setCatalogueLoader(&catalogues);
-        QCoro::Task<> connecting =
-            server.connectToHost(QStringLiteral("10.0.0.1"), QStringLiteral("28960"), QStringLiteral("pw"));
+        session.server.setCatalogueLoader(&catalogues);
+        QCoro::Task<> connecting = session.startConnecting();
         for (int i = 0; i < answered; ++i) {
-            exchange.release();
-            QTRY_COMPARE(exchange.keptCount(), 1);
+            session.exchange.release();
+            QTRY_COMPARE(session.exchange.keptCount(), 1);
         }
-        server.cancelExchange();
-        server.disconnect();
+        session.server.cancelExchange();
+        session.server.disconnect();
         awaited(std::move(connecting));
-        QCOMPARE(exchange.sent().size(), answered + 1);
-        QVERIFY(alerts.shown().isEmpty());
-        QVERIFY(!server.isConnected());
-        QVERIFY(!catalogues.calls.contains(QStringLiteral("update")));
+        QCOMPARE(session.exchange.sent().size(), answered + 1);
+        QVERIFY(session.alerts.shown().isEmpty());
+        QVERIFY(!session.server.isConnected());
+        QVERIFY(!catalogues.calls.contains("update"));
     }
 };
 

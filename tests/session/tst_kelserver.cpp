@@ -13,8 +13,8 @@ struct Session {
         const QString lines = QStringLiteral("rcon_password \"secret\"\nsv_hostname \"h\"\nsv_ranked \"0\"\n"
                                              "playlist_enabled \"0\"\nplaylist_excludeMap \"a\"\n"
                                              "playlist_excludeGametype \"b\"\nplaylist_excludeGametypeMap \"c\"\n");
-        exchange.answer(QStringLiteral("dvardump"), ScriptedExchange::ok(lines + extraDump));
-        awaited(server.connectToHost(QStringLiteral("10.0.0.1"), QStringLiteral("28960"), QStringLiteral("typed")));
+        exchange.answer("dvardump", ScriptedExchange::ok(lines + extraDump));
+        awaited(server.connectToHost("10.0.0.1", "28960", "typed"));
         exchange.forgetSent();
         QObject::connect(&server, &KelServer::consoleMessageAppended, &server,
                          [this](const QString &text) { transcript += text; });
@@ -36,12 +36,11 @@ private slots:
         RecordedAlerts alerts;
         KelServer server(exchange, alerts);
         QSignalSpy shown(&server, &KelServer::consoleMessageAppended);
-        const QList<Reply> replies{awaited(server.sendCommand(QStringLiteral("status"))),
-                                   awaited(server.setDvar(QStringLiteral("a"), QStringLiteral("b"))),
-                                   awaited(server.quickSetDvar(QStringLiteral("a"), QStringLiteral("b")))};
+        const QList<Reply> replies{awaited(server.sendCommand("status")), awaited(server.setDvar("a", "b")),
+                                   awaited(server.quickSetDvar("a", "b"))};
         for (const Reply &reply : replies) {
             QCOMPARE(reply.result, RConResultError);
-            QCOMPARE(reply.text, QStringLiteral("Not connected to a game server."));
+            QCOMPARE(reply.text, "Not connected to a game server.");
         }
         QVERIFY(exchange.sent().isEmpty());
         QVERIFY(shown.isEmpty());
@@ -51,15 +50,15 @@ private slots:
     void echoesCommandsWithTheReplyAsItStands()
     {
         Session session;
-        session.exchange.answer(QStringLiteral("status"), ScriptedExchange::ok(QStringLiteral("map: x\n")));
-        const Reply good = awaited(session.server.sendCommand(QStringLiteral("status")));
-        QCOMPARE(good.text, QStringLiteral("map: x\n"));
-        const Reply bad = awaited(session.server.sendCommand(QStringLiteral("lost")));
+        session.exchange.answer("status", ScriptedExchange::ok("map: x\n"));
+        const Reply good = awaited(session.server.sendCommand("status"));
+        QCOMPARE(good.text, "map: x\n");
+        const Reply bad = awaited(session.server.sendCommand("lost"));
         QCOMPARE(bad.result, RConResultTimeout);
-        QCOMPARE(session.transcript, QStringLiteral("] status\nmap: x\n] lost\nno answer"));
+        QCOMPARE(session.transcript, "] status\nmap: x\n] lost\nno answer");
         QCOMPARE(session.server.commandHistory(), QStringList({"status", "lost"}));
         for (const Request &request : session.exchange.requests())
-            QCOMPARE(request.password, QStringLiteral("secret")); // the server's, not the typed one
+            QCOMPARE(request.password, "secret"); // the server's, not the typed one
     }
 
     void writesVariables_data()
@@ -68,33 +67,18 @@ private slots:
         QTest::addColumn<QString>("value");
         QTest::addColumn<QString>("command");
         QTest::addColumn<QString>("stored"); // null: the catalogue does not get the name
-        QTest::newRow("plain") << "g_gametype"
-                               << "tdm"
-                               << "setadmindvar g_gametype \"tdm\""
-                               << "tdm";
-        QTest::newRow("quotes at the ends") << "g_gametype"
-                                            << "\"tdm\""
-                                            << "setadmindvar g_gametype \"tdm\""
-                                            << "\"tdm\"";
-        QTest::newRow("blanks stay") << "g_gametype"
-                                     << "\"\" a \""
-                                     << "setadmindvar g_gametype \" a \""
-                                     << "\"\" a \"";
-        QTest::newRow("quotes inside stay") << "g_gametype"
-                                            << "a\"b"
-                                            << "setadmindvar g_gametype \"a\"b\""
-                                            << "a\"b";
-        QTest::newRow("only quotes") << "g_gametype"
-                                     << "\"\"\""
-                                     << "setadmindvar g_gametype \"\""
-                                     << "\"\"\"";
-        QTest::newRow("markers in the text") << "g_gametype"
-                                             << "%1 %2"
-                                             << "setadmindvar g_gametype \"%1 %2\""
-                                             << "%1 %2";
-        QTest::newRow("unknown name") << "other"
-                                      << "1"
-                                      << "setadmindvar other \"1\"" << QString();
+        const auto row = [](const char *title, const QString &name, const QString &value, const QString &command,
+                            const QString &stored) {
+            QTest::newRow(title) << name << value << command << stored;
+        };
+        const auto known = [&row](const char *title, const QString &value, const QString &quoted) {
+            row(title, "g_gametype", value, "setadmindvar g_gametype " + quoted, value);
+        };
+        known("quotes at the ends go, blanks stay", "\"\" a \"", "\" a \"");
+        known("quotes inside stay", "a\"b", "\"a\"b\"");
+        known("only quotes", "\"\"\"", "\"\"");
+        known("markers in the text", "%1 %2", "\"%1 %2\"");
+        row("unknown name", "other", "1", "setadmindvar other \"1\"", {});
     }
     void writesVariables()
     {
@@ -103,12 +87,12 @@ private slots:
         QFETCH(QString, command);
         QFETCH(QString, stored);
         for (const bool isQuick : {false, true}) {
-            Session session(QStringLiteral("g_gametype \"dm\"\n"));
-            session.exchange.answer(command, ScriptedExchange::ok(QStringLiteral("an error text")));
+            Session session("g_gametype \"dm\"\n");
+            session.exchange.answer(command, ScriptedExchange::ok("an error text"));
             const Reply reply = isQuick ? awaited(session.server.quickSetDvar(name, value))
                                         : awaited(session.server.setDvar(name, value));
             QCOMPARE(reply.result, RConResultSuccess); // the text is not examined
-            QCOMPARE(reply.text, isQuick ? QString() : QStringLiteral("an error text"));
+            QCOMPARE(reply.text, isQuick ? QString() : "an error text");
             QCOMPARE(session.exchange.requests().size(), 1);
             QCOMPARE(session.exchange.requests().first().command, command);
             QCOMPARE(session.exchange.requests().first().isSingle, isQuick);
@@ -121,12 +105,12 @@ private slots:
     void aFailedWriteChangesNothing()
     {
         Session session;
-        QString field = QStringLiteral("untouched");
+        QString field = "untouched";
         session.server.setPasswordTextBox([&](const QString &text) { field = text; });
-        const Reply reply = awaited(session.server.setDvar(QStringLiteral("rcon_password"), QStringLiteral("new")));
+        const Reply reply = awaited(session.server.setDvar("rcon_password", "new"));
         QCOMPARE(reply.result, RConResultTimeout);
-        QCOMPARE(session.server.dvarList().value(QStringLiteral("rcon_password")), QStringLiteral("secret"));
-        QCOMPARE(field, QStringLiteral("untouched"));
+        QCOMPARE(session.server.dvarList().value("rcon_password"), "secret");
+        QCOMPARE(field, "untouched");
     }
 
     void aNewPasswordReachesTheFieldAndTheNextCommand()
@@ -135,21 +119,20 @@ private slots:
         QString field;
         session.server.setPasswordTextBox([&](const QString &text) { field = text; });
         session.exchange.answerEverything(ScriptedExchange::ok());
-        awaited(session.server.setDvar(QStringLiteral("rcon_password"), QStringLiteral("\"new\"")));
-        QCOMPARE(field, QStringLiteral("\"new\""));
-        awaited(session.server.sendCommand(QStringLiteral("status")));
-        QCOMPARE(session.exchange.requests().last().password, QStringLiteral("\"new\""));
+        awaited(session.server.setDvar("rcon_password", "\"new\""));
+        QCOMPARE(field, "\"new\"");
+        awaited(session.server.sendCommand("status"));
+        QCOMPARE(session.exchange.requests().last().password, "\"new\"");
     }
 
     void rereadsAVariable()
     {
-        Session session(QStringLiteral("g_gravity \"800\"\n"));
-        session.exchange.answer(QStringLiteral("g_gravity"),
-                                ScriptedExchange::ok(QStringLiteral("\"g_gravity\" is: \"1\" now: \"600\"")));
-        awaited(session.server.updateDvarFromServer(QStringLiteral("g_gravity")));
-        QCOMPARE(session.server.dvarList().value(QStringLiteral("g_gravity")), QStringLiteral("600"));
-        QCOMPARE(session.exchange.requests().last().password, QStringLiteral("secret"));
-        awaited(session.server.updateDvarFromServer(QStringLiteral("rcon_password")));
+        Session session("g_gravity \"800\"\n");
+        session.exchange.answer("g_gravity", ScriptedExchange::ok("\"g_gravity\" is: \"1\" now: \"600\""));
+        awaited(session.server.updateDvarFromServer("g_gravity"));
+        QCOMPARE(session.server.dvarList().value("g_gravity"), "600");
+        QCOMPARE(session.exchange.requests().last().password, "secret");
+        awaited(session.server.updateDvarFromServer("rcon_password"));
         QCOMPARE(session.exchange.requests().last().password, QString());
         QVERIFY(session.server.commandHistory().isEmpty()); // a query is no command
     }
@@ -184,22 +167,20 @@ private slots:
     {
         Session session;
         session.exchange.hold();
-        QCoro::Task<> sending = session.server.consoleInputDidChange(QStringLiteral("playlist_enabled 1"));
+        QCoro::Task<> sending = session.server.consoleInputDidChange("playlist_enabled 1");
         session.server.cancelExchange();
         awaited(std::move(sending));
         QVERIFY(!session.server.playlistsActive());
-        QCOMPARE(session.transcript, QStringLiteral("] playlist_enabled 1\n"));
+        QCOMPARE(session.transcript, "] playlist_enabled 1\n");
     }
 
     void theLatestSessionIsTheSharedOne()
     {
         QCOMPARE(KelServer::sharedKelServer(), nullptr);
-        ScriptedExchange exchange;
-        RecordedAlerts alerts;
         {
-            const KelServer first(exchange, alerts);
-            const KelServer second(exchange, alerts);
-            QCOMPARE(KelServer::sharedKelServer(), &second);
+            const Session first;
+            const Session second;
+            QCOMPARE(KelServer::sharedKelServer(), &second.server);
         }
         QCOMPARE(KelServer::sharedKelServer(), nullptr);
     }

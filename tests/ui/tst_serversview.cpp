@@ -55,10 +55,13 @@ private slots:
         servers.save(QStringLiteral("b"), QStringLiteral("10.0.0.3"), QStringLiteral("three"));
         QCOMPARE(servers.labels(), QStringList({"A@10.0.0.2", "b@10.0.0.3"}));
         QCOMPARE(servers.stored().size(), 2);
+        servers.save(QStringLiteral("c"), QStringLiteral("10.0.0.10"), QStringLiteral("four"));
+        servers.view.savedServerTableView->sortByColumn(1, Qt::AscendingOrder); // as addresses
+        QCOMPARE(servers.labels(), QStringList({"A@10.0.0.2", "b@10.0.0.3", "c@10.0.0.10"}));
         servers.view.savedServerTableView->selectRow(0);
         QTest::keyClick(servers.view.savedServerTableView, Qt::Key_Delete);
-        QCOMPARE(servers.labels(), QStringList{"b@10.0.0.3"});
-        QCOMPARE(servers.stored().size(), 1);
+        QCOMPARE(servers.labels(), QStringList({"b@10.0.0.3", "c@10.0.0.10"}));
+        QCOMPARE(servers.stored().size(), 2);
         QVERIFY(servers.alerts.shown().isEmpty());
     }
 

@@ -1,0 +1,163 @@
+#include "PropertyList.h"
+
+#include <QStringDecoder>
+#include <QXmlStreamReader>
+
+#include <plist/plist.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+// What reading a property list may cost. libplist follows nesting by recursion until the stack ends, and copies a value
+// for every reference to it, so both are measured before it sees a file.
+static constexpr int deepestLevel = 32;
+static constexpr quint64 largestCost = 16 << 20;
+static constexpr quint64 nodeCost = 64;
+
+namespace
+{
+
+/// Walks the objects of a binary property list as they will be read.
+class BinaryPlistWalk
+{
+public:
+    explicit BinaryPlistWalk(const QByteArray &data) : m_data(data) {}
+
+    bool isHarmless()
+    {
+        constexpr quint64 trailerSize = 32;
+        const quint64 trailer = size() - trailerSize;
+        if (size() < trailerSize + 8)
+            return false;
+        m_offsetSize = number(trailer + 6, 1);
+        m_referenceSize = number(trailer + 7, 1);
+        m_objectCount = number(trailer + 8, 8);
+        m_offsetTable = number(trailer + 24, 8);
+        const bool isSound = m_offsetSize >= 1 && m_offsetSize <= 8 && m_referenceSize >= 1 && m_referenceSize <= 8 &&
+                             m_offsetTable < trailer && m_objectCount <= (trailer - m_offsetTable) / m_offsetSize;
+        return isSound && walk(number(trailer + 16, 8), deepestLevel);
+    }
+
+private:
+    quint64 size() const { return static_cast<quint64>(m_data.size()); }
+
+    quint64 number(quint64 position, quint64 width) const
+    {
+        quint64 value = 0;
+        for (quint64 i = position; i < position + width && i < size(); ++i)
+            value = value << 8 | static_cast<quint8>(m_data[static_cast<qsizetype>(i)]);
+        return value;
+    }
+
+    bool take(quint64 bytes) { return (m_cost += bytes + nodeCost) <= largestCost; }
+
+    /// libplist ends the program over a key with a zero in it.
+    bool isWholeText(quint64 kind, quint64 position, quint64 count) const
+    {
+        const quint64 width = kind - 4;
+        bool isWhole = position <= size() && count <= (size() - position) / width;
+        for (quint64 i = 0; i < count && isWhole; ++i)
+            isWhole = number(position + i * width, width) != 0;
+        return isWhole;
+    }
+
+    bool walk(quint64 object, int levels)
+    {
+        if (object >= m_objectCount || levels == 0)
+            return false;
+        quint64 position = number(m_offsetTable + object * m_offsetSize, m_offsetSize);
+        if (position >= m_offsetTable)
+            return false;
+        const quint64 marker = number(position++, 1);
+        quint64 count = marker & 0x0f;
+        if (count == 0x0f) {
+            const quint64 exponent = number(position++, 1) & 0x0f;
+            if (exponent > 3)
+                return false;
+            count = number(position, quint64(1) << exponent);
+            position += quint64(1) << exponent;
+        }
+        const quint64 kind = marker >> 4;
+        const bool isDictionary = kind == 0xd;
+        if (!isDictionary && kind != 0xa && kind != 0xc)
+            return ((kind != 5 && kind != 6) || isWholeText(kind, position, count)) &&
+                   take(std::min(count, size()) * 3); // from UTF-16 to UTF-8
+        if (position > size() || count > (size() - position) / m_referenceSize / (isDictionary ? 2 : 1))
+            return false;
+        for (quint64 i = 0; i < count * (isDictionary ? 2 : 1); ++i) {
+            if (!walk(number(position + i * m_referenceSize, m_referenceSize), levels - 1))
+                return false;
+        }
+        return take(0);
+    }
+
+    const QByteArray &m_data;
+    quint64 m_cost = 0;
+    quint64 m_offsetSize = 0;
+    quint64 m_referenceSize = 0;
+    quint64 m_objectCount = 0;
+    quint64 m_offsetTable = 0;
+};
+
+} // namespace
+
+/// Stricter than libplist, so that both see the same elements: well-formed UTF-8, no definitions of its own, and no
+/// attribute that could hide the end of a tag.
+static bool isHarmlessXml(const QByteArray &data)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder.decode(data);
+    if (decoder.hasError())
+        return false;
+    QXmlStreamReader reader(text);
+    quint64 elements = 0;
+    int level = 0;
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (reader.isDTD() && reader.text().contains(QLatin1Char('[')))
+            return false;
+        if (reader.isEndElement())
+            --level;
+        if (!reader.isStartElement())
+            continue;
+        const bool isPlain = reader.attributes().isEmpty() || (level == 0 && reader.name() == QLatin1String("plist"));
+        if (++level > deepestLevel || !isPlain || ++elements > largestCost / nodeCost)
+            return false;
+    }
+    return !reader.hasError();
+}
+
+void PropertyListDeleter::operator()(void *node) const
+{
+    plist_free(node);
+}
+
+PropertyList parsedPropertyList(const QByteArray &data)
+{
+    plist_t root = nullptr;
+    const auto length = static_cast<uint32_t>(data.size());
+    if (data.startsWith("bplist00")) {
+        if (BinaryPlistWalk(data).isHarmless())
+            plist_from_bin(data.constData(), length, &root);
+    } else if (isHarmlessXml(data)) {
+        plist_from_xml(data.constData(), length, &root);
+    }
+    PropertyList owner(root);
+    if (root != nullptr && plist_get_node_type(root) != PLIST_DICT)
+        owner.reset();
+    return owner;
+}
+
+QByteArray propertyListBytes(void *dictionary, qsizetype largestSize)
+{
+    for (const auto writer : {plist_to_xml, plist_to_bin}) {
+        char *buffer = nullptr;
+        uint32_t length = 0;
+        writer(dictionary, &buffer, &length);
+        const std::unique_ptr<char, decltype(&std::free)> owner(buffer, &std::free);
+        const QByteArray bytes(buffer, static_cast<qsizetype>(length));
+        if (bytes.size() <= largestSize && parsedPropertyList(bytes) != nullptr)
+            return bytes;
+    }
+    return {};
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QFileDevice>
+#include <QString>
+
+#include <optional>
+
+/// A file of the user's work. It is replaced as a whole; what this program has not read, because the file is damaged or
+/// another program has changed it, is kept aside as a copy before it goes. Main thread only.
+class GuardedFile
+{
+    Q_DECLARE_TR_FUNCTIONS(GuardedFile)
+public:
+    /// What a writing came to, in words for the user.
+    struct Outcome {
+        QString error;    ///< empty if all is well
+        QString keptCopy; ///< path of the copy of the former file, if one had to be kept aside
+
+        bool isSuccess() const { return error.isEmpty(); }
+    };
+
+    static constexpr QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
+
+    /// @param largestSize  in bytes; a larger file counts as damaged.
+    /// @param permissions  of the file when it is written; by default those of the file before it.
+    GuardedFile(QString path, qint64 largestSize, QFileDevice::Permissions permissions = {});
+
+    QString path() const { return m_path; }
+    bool exists() const;
+    /// @param error  why it cannot be read, in the user's language; must not be null.
+    std::optional<QByteArray> read(QString *error);
+    /// The caller has not made sense of all that was read: the next writing would lose some of it.
+    void markDamaged() { m_isDamaged = true; }
+    /// Makes the folder when it is missing, for its owner only.
+    [[nodiscard]] Outcome write(const QByteArray &bytes);
+    /// Does nothing when there is no file.
+    [[nodiscard]] Outcome remove();
+
+private:
+    bool keepAside(Outcome *outcome);
+
+    QString m_path;
+    qint64 m_largestSize;
+    QFileDevice::Permissions m_permissions;
+    QByteArray m_knownDigest; // of the file as it was last read, written or kept aside
+    bool m_isDamaged = false;
+};
