@@ -56,7 +56,8 @@ bool Journey::playMessages()
     Hands::click(view.buttonStartMessageRotation);
     if (!expect(waitUntil([&] { return saidCount() == 2; }), QStringLiteral("both messages are said")))
         return false;
-    if (!expect(waitUntilIdle() && view.onAirLabel->text().startsWith(QLatin1String("On air: message 2 of 2")),
+    const QString lastSecond = QStringLiteral("On air: message 2 of 2, 1 s left");
+    if (!expect(waitUntil([&] { return view.onAirLabel->text() == lastSecond; }),
                 QStringLiteral("the last message stays on air for its duration")))
         return false;
     takePicture(QStringLiteral("playing"));

@@ -2,8 +2,6 @@
 
 #include <utility>
 
-static KelMapRotation *latestStore = nullptr;
-
 RotationWords MapRotationKind::words()
 {
     return RotationWords{
@@ -29,18 +27,6 @@ static QList<RSRTVArrayController<MapRotationInst>::Column> columns()
 KelMapRotation::KelMapRotation(Preferences &preferences, Alerts &alerts, const QString &folder, QObject *parent)
     : RotationStoreOf(preferences, alerts, folder, columns(), Dictionary(), parent)
 {
-    latestStore = this;
-}
-
-KelMapRotation::~KelMapRotation()
-{
-    if (latestStore == this)
-        latestStore = nullptr;
-}
-
-KelMapRotation *KelMapRotation::sharedKelMapRotation()
-{
-    return latestStore;
 }
 
 QCoro::Task<> KelMapRotation::addToRotation(QString map, QString gametype)

@@ -2,6 +2,7 @@
 
 #include "MapRotation.h"
 #include "RotationStoreOf.h"
+#include "SharedInstance.h"
 
 /// What the store of map rotations differs in from that of messages.
 struct MapRotationKind {
@@ -23,10 +24,9 @@ public:
     /// @param folder  where the file is; preferences and alerts outlive the store. The latest store made is the shared
     /// one.
     KelMapRotation(Preferences &preferences, Alerts &alerts, const QString &folder, QObject *parent = nullptr);
-    ~KelMapRotation() override;
 
     /// @return the latest store made, or null.
-    static KelMapRotation *sharedKelMapRotation();
+    static KelMapRotation *sharedKelMapRotation() { return SharedInstance<KelMapRotation>::latest(); }
 
     /// Reads the file anew and opens the rotation that was open; keeps everything when there is no file to read.
     QCoro::Task<> loadMapRotation() { return load(); }
@@ -34,4 +34,7 @@ public:
 
     /// Appends one row before the first wait; alerts when the table is full.
     QCoro::Task<> addToRotation(QString map, QString gametype);
+
+private:
+    SharedInstance<KelMapRotation> m_shared{this};
 };

@@ -8,8 +8,6 @@
 #include <algorithm>
 #include <utility>
 
-static KelMessageRotation *latestStore = nullptr;
-
 RotationWords MessageRotationKind::words()
 {
     return RotationWords{
@@ -65,20 +63,8 @@ KelMessageRotation::KelMessageRotation(Surroundings surroundings, const QString 
       m_actions(surroundings.actions),
       m_timer(timer != nullptr ? std::move(timer) : std::make_unique<PreciseOneShotTimer>())
 {
-    latestStore = this;
     connect(tableModel(), &QAbstractItemModel::rowsInserted, this, &KelMessageRotation::updateTransportButtons);
     connect(tableModel(), &QAbstractItemModel::rowsRemoved, this, &KelMessageRotation::updateTransportButtons);
-}
-
-KelMessageRotation::~KelMessageRotation()
-{
-    if (latestStore == this)
-        latestStore = nullptr;
-}
-
-KelMessageRotation *KelMessageRotation::sharedKelMessageRotation()
-{
-    return latestStore;
 }
 
 QCoro::Task<> KelMessageRotation::addMessageToCurrentRotation(QString message, QString duration)

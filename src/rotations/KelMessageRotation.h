@@ -3,6 +3,7 @@
 #include "MessageRotation.h"
 #include "OneShotTimer.h"
 #include "RotationStoreOf.h"
+#include "SharedInstance.h"
 
 #include <memory>
 
@@ -45,10 +46,9 @@ public:
     /// The latest store made is the shared one.
     KelMessageRotation(Surroundings surroundings, const QString &folder, std::unique_ptr<OneShotTimer> timer = nullptr,
                        QObject *parent = nullptr);
-    ~KelMessageRotation() override;
 
     /// @return the latest store made, or null.
-    static KelMessageRotation *sharedKelMessageRotation();
+    static KelMessageRotation *sharedKelMessageRotation() { return SharedInstance<KelMessageRotation>::latest(); }
 
     /// Reads the file anew and opens the rotation that was open; keeps everything when there is no file to read.
     QCoro::Task<> loadMessageRotation() { return load(); }
@@ -119,4 +119,5 @@ private:
     quint64 m_showing = 0; // tells a message that was called off from the one that is due
     std::shared_ptr<const MessageRotationInst> m_entryOnAir;
     QString m_quickMessageText;
+    SharedInstance<KelMessageRotation> m_shared{this};
 };

@@ -3,6 +3,7 @@
 #include "LineWriter.h"
 
 #include <QDateTime>
+#include <QRegularExpression>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -43,6 +44,16 @@ QString now()
     return time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss ")) + zone;
 }
 
+/// A command that sets a password, with stars for the password.
+QString withoutPassword(const QString &command)
+{
+    static const QRegularExpression setting(QStringLiteral("^(\\s*(?:\\S+\\s+)?\\S*password\\S*\\s+)\\S.*$"),
+                                            QRegularExpression::CaseInsensitiveOption |
+                                                QRegularExpression::DotMatchesEverythingOption);
+    const QRegularExpressionMatch match = setting.match(command);
+    return match.hasMatch() ? match.captured(1) + QStringLiteral("***") : command;
+}
+
 } // namespace
 
 TrafficLog::TrafficLog(const QString &host, int port, Kind kind) : m_host(host), m_port(port), m_kind(kind)
@@ -59,7 +70,8 @@ void TrafficLog::writeSend(unsigned attempt, const QString &command)
     if (!file())
         return;
     const QString verb = m_kind == Kind::Send ? QStringLiteral("Send") : QStringLiteral("SendSingle");
-    writeFormat(file(), QStringLiteral("%1 (%2:%3) %4(%5): %6\n"), now(), m_host, m_port, verb, attempt, command);
+    writeFormat(file(), QStringLiteral("%1 (%2:%3) %4(%5): %6\n"), now(), m_host, m_port, verb, attempt,
+                withoutPassword(command));
 }
 
 void TrafficLog::writeResult(unsigned attempt, const QString &resultText, quint32 packets)

@@ -204,14 +204,26 @@ void FormMainView::restoreLayout()
     m_splitter->restoreState(m_preferences.value(QStringLiteral("window/splitter")).toByteArray());
 }
 
+QList<std::pair<const char *, QHeaderView *>> FormMainView::tableHeaders() const
+{
+    return {{"window/playersTable", playersView->playersTableView->horizontalHeader()},
+            {"window/serverRotation", mapsView->mapServerRotationTableView->horizontalHeader()},
+            {"window/rotationBuilder", mapsView->rotationPane->tableView->horizontalHeader()},
+            {"window/messages", messagesView->rotationPane->tableView->horizontalHeader()},
+            {"window/configGroups", configBuilderView->configBuilderGeneralSettingsTable->horizontalHeader()},
+            {"window/configGametypes", configBuilderView->configBuilderGametypeSettingsTable->horizontalHeader()}};
+}
+
 void FormMainView::restoreViewLayouts()
 {
     const auto saved = [this](const char *key) {
         return m_preferences.value(QLatin1String(key)).toByteArray();
     };
-    const QByteArray players = saved("window/playersTable");
-    if (!players.isEmpty())
-        playersView->playersTableView->horizontalHeader()->restoreState(players);
+    for (const auto &[key, header] : tableHeaders()) {
+        const QByteArray state = saved(key);
+        if (!state.isEmpty())
+            header->restoreState(state);
+    }
     playlistsView->restoreLayout(saved("window/playlists"));
     unrankedSettingsView->restoreLayout(saved("window/unrankedSettings"));
     rankedSettingsView->restoreLayout(saved("window/rankedSettings"));
@@ -223,8 +235,8 @@ void FormMainView::saveLayout()
     m_preferences.setValue(QStringLiteral("window/splitter"), m_splitter->saveState());
     if (playersView == nullptr)
         return;
-    m_preferences.setValue(QStringLiteral("window/playersTable"),
-                           playersView->playersTableView->horizontalHeader()->saveState());
+    for (const auto &[key, header] : tableHeaders())
+        m_preferences.setValue(QLatin1String(key), header->saveState());
     m_preferences.setValue(QStringLiteral("window/playlists"), playlistsView->saveLayout());
     m_preferences.setValue(QStringLiteral("window/unrankedSettings"), unrankedSettingsView->saveLayout());
     m_preferences.setValue(QStringLiteral("window/rankedSettings"), rankedSettingsView->saveLayout());

@@ -23,6 +23,7 @@ class KelServer;
 class MapsView;
 class MessagesView;
 class PlayersView;
+class QHeaderView;
 class PlaylistsView;
 class RotationPane;
 class Preferences;
@@ -98,6 +99,7 @@ private:
     void layOut();
     void makeMenus();
     void makeServerMenu();
+    void showMenuWithTab(QMenu *menu, TabItem item);
     void makeFileMenu();
     void makeEditMenu();
     void fillPlayersMenu();
@@ -113,6 +115,8 @@ private:
     void arrangeTabs();
     void bringToFront(int tab);
     void selectedTabDidChange();
+    /// The tables whose columns are kept between runs, with where they are kept.
+    QList<std::pair<const char *, QHeaderView *>> tableHeaders() const;
     void restoreViewLayouts();
     void countConfigBuilderVisit(const QString &tabLabel);
     ConnectTarget quickConnectTarget() const;

@@ -27,12 +27,22 @@ void FormMainView::makeMenus()
     m_mapsMenu = menuBar()->addMenu(tr("&Maps"));
     m_messagesMenu = menuBar()->addMenu(tr("Mess&ages"));
     m_configurationMenu = menuBar()->addMenu(tr("&Configuration"));
+    showMenuWithTab(m_mapsMenu, TabItem::Maps);
+    showMenuWithTab(m_messagesMenu, TabItem::Messages);
+    showMenuWithTab(m_configurationMenu, TabItem::ConfigBuilder);
     makeViewMenu();
     QMenu *help = menuBar()->addMenu(tr("&Help"));
     help->addAction(tr("Try the &Demo Server"), this, &FormMainView::demoServerRequested);
     help->addAction(tr("Server &Hosting"), serversView, &ServersView::hostwellButtonPressed);
     QAction *about = help->addAction(tr("&About"), this, &FormMainView::showAbout);
     about->setMenuRole(QAction::AboutRole);
+}
+
+/// A menu for a tab that this server's mode does not have would act on what cannot be seen.
+void FormMainView::showMenuWithTab(QMenu *menu, TabItem item)
+{
+    connect(&m_server, &KelServer::tabItemsChanged, menu,
+            [this, menu, item] { menu->menuAction()->setVisible(m_server.tabItems().contains(item)); });
 }
 
 RotationPane *FormMainView::currentRotationPane() const

@@ -13,7 +13,8 @@ WelcomePage::WelcomePage(QWidget *parent)
     title->setFont(large);
     auto *text = new QLabel(tr("Enter the address, the port and the remote-console password of your server on the "
                                "left and press \"Connect\".\n\n"
-                               "Players, settings and the console appear here as soon as the server has answered."),
+                               "Players, maps, settings, messages and the console appear here as soon as the server "
+                               "has answered."),
                             this);
     text->setWordWrap(true);
     auto *demoText = new QLabel(tr("No server at hand? The built-in demo server runs on this computer only and lets "

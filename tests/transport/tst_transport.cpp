@@ -211,6 +211,27 @@ private slots:
         QCOMPARE(log.size(), before);
     }
 
+    void passwordsStayOutOfTheLog_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("logged");
+        QTest::newRow("written") << "setadmindvar rcon_password \"a b\""
+                                 << "setadmindvar rcon_password ***";
+        QTest::newRow("typed") << "  G_Password x"
+                               << "  G_Password ***";
+        QTest::newRow("asked for") << "rcon_password"
+                                   << "rcon_password";
+        QTest::newRow("talked about") << "say the password is out"
+                                      << "say the password is out";
+    }
+    void passwordsStayOutOfTheLog()
+    {
+        QFETCH(QString, command);
+        ScriptedPeer peer({{{framed("good")}}});
+        QCOMPARE(RCon::sendSingleTo("127.0.0.1", peer.port(), "secret", command), RConResultSuccess);
+        QTEST(logLines(peer.port()).first().section(" SendSingle(1): ", 1), "logged");
+    }
+
     void loggingOff_data()
     {
         QTest::addColumn<QByteArray>("value");
