@@ -20,8 +20,6 @@ private slots:
             << QStringList{"--connect=game.example:x"} << "game.example:x" << true;
         QTest::newRow("no port") << QStringList{"--connect", "10.0.0.1"} << "" << false;
         QTest::newRow("no host") << QStringList{"--connect", ":28960"} << "" << false;
-        QTest::newRow("empty port") << QStringList{"--connect", "10.0.0.1:"} << "" << false;
-        QTest::newRow("no value") << QStringList{"--connect"} << "" << false;
         QTest::newRow("no password on the line") << QStringList{"--password", "secret"} << "" << false;
         QTest::newRow("a word of its own") << QStringList{"10.0.0.1:28960"} << "" << false;
         QTest::newRow("demo") << QStringList{"--demo"} << "demo" << true;

@@ -29,13 +29,10 @@ struct ScriptedSession {
     /// Starts to connect to a server with these variables besides those that every server has.
     QCoro::Task<> connectTo(std::initializer_list<std::pair<QString, QString>> dvars, const QString &ranked = "1")
     {
-        QString dump = QStringLiteral("rcon_password \"secret\"\nsv_hostname \"Test\"\nplaylist_enabled \"0\"\n"
-                                      "playlist_excludeMap \"-\"\nplaylist_excludeGametype \"-\"\n"
-                                      "playlist_excludeGametypeMap \"-\"\nsv_ranked \"%1\"\n")
-                           .arg(ranked);
+        QString mode = QStringLiteral("sv_ranked \"%1\"\nplaylist_enabled \"0\"\n").arg(ranked);
         for (const auto &[name, value] : dvars)
-            dump += QStringLiteral("%1 \"%2\"\n").arg(name, value);
-        exchange.answer(QStringLiteral("dvardump"), ScriptedExchange::ok(dump));
+            mode += QStringLiteral("%1 \"%2\"\n").arg(name, value);
+        exchange.answer(QStringLiteral("dvardump"), ScriptedExchange::dump(mode));
         return server.connectToHost(QStringLiteral("127.0.0.1"), QStringLiteral("28960"), QStringLiteral("secret"));
     }
 };

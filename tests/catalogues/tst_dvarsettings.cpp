@@ -147,36 +147,26 @@ private slots:
     {
         QFETCH(int, result);
         QFETCH(QString, reply);
+        QFETCH(QStringList, sent);
         QFETCH(QString, alert);
         ScriptedSession session;
         QVERIFY(hasEnded(session.connectTo({{"g_gravity", "800"}})));
         session.exchange.forgetSent();
         session.exchange.answer("setadmindvar g_gravity \"900\"", Reply{RConResult(result), reply, false});
         session.exchange.answer("g_gravity", Exchanged::ok("\"g_gravity\" is: \"850\" in force: \"850\""));
-        const auto tested = setting(session, "int");
-        QVERIFY(hasEnded(tested->setDvarValue("900")));
-        QTEST(session.exchange.sent(), "sent");
+        session.exchange.hold();
+        auto tested = setting(session, "int");
+        const auto write = tested->setDvarValue("900");
+        tested.reset(); // as a reload of the catalogue does
+        for (int i = 0; i < sent.size(); ++i) {
+            QTRY_COMPARE(session.exchange.keptCount(), 1);
+            session.exchange.release();
+        }
+        QVERIFY(hasEnded(write));
+        QCOMPARE(session.exchange.sent(), sent);
         QCOMPARE(session.alerts.texts(), alert.isNull() ? QStringList() : QStringList{alert});
         QCOMPARE(session.alerts.titles(), alert.isNull() ? QStringList() : QStringList{"Remote Command Failure"});
-        QTEST(tested->dvarValue(), "valueAfter");
-    }
-
-    void replacedWhileWriting()
-    {
-        ScriptedSession session;
-        QVERIFY(hasEnded(session.connectTo({{"g_gravity", "800"}})));
-        session.exchange.answer("setadmindvar g_gravity \"1\"", Exchanged::ok("1 is not a valid value"));
-        session.exchange.answer("g_gravity", Exchanged::ok("\"g_gravity\" \"850\" \"850\""));
-        session.exchange.hold();
-        auto tested = setting(session);
-        const auto write = tested->setDvarBoolValue(true);
-        tested.reset();
-        session.exchange.release();
-        QTRY_COMPARE(session.exchange.keptCount(), 1); // the value is read anew
-        session.exchange.release();
-        QVERIFY(hasEnded(write));
-        QCOMPARE(session.alerts.texts(), QStringList{"1 is not a valid value"});
-        QCOMPARE(session.server.dvarList().value("g_gravity"), QString("850"));
+        QTEST(session.server.dvarList().value("g_gravity"), "valueAfter");
     }
 
 private:

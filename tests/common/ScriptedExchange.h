@@ -28,6 +28,14 @@ public:
     }
 
     static Reply ok(const QString &text = {}) { return Reply{RConResultSuccess, text, false}; }
+    /// What "dvardump" brings from a server that has every required variable; `mode` says how it plays.
+    static Reply dump(const QString &mode = QStringLiteral("sv_ranked \"0\"\nplaylist_enabled \"0\"\n"))
+    {
+        return ok(QStringLiteral("  rcon_password \"secret\"\nS sv_hostname \"h\"\n"
+                                 "playlist_excludeMap \"a\"\nplaylist_excludeGametype \"b\"\n"
+                                 "playlist_excludeGametypeMap \"c\"\n") +
+                  mode);
+    }
     static Reply failure(const QString &text = QStringLiteral("no answer"), RConResult result = RConResultTimeout)
     {
         return Reply{result, text, false};

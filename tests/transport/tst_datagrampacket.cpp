@@ -89,15 +89,6 @@ private slots:
         QCOMPARE(unsigned(DatagramPacket::getString(nullptr, datagram.constData(), length)), result);
     }
 
-    void payloadLength()
-    {
-        const QByteArray datagram("abc\0de", 6);
-        const QList<size_t> expected{3, 2, 1, 0, 2, 1, 0, 0};
-        for (qsizetype start = 0; start < expected.size(); ++start)
-            QCOMPARE(DatagramPacket::getDataPacketPayloadLength(datagram.constData(), 6, size_t(start)),
-                     expected[start]);
-    }
-
     void hosts()
     {
         // A name is not resolved, an address is not completed, and a zero byte hides nothing.

@@ -27,11 +27,7 @@ struct Fixture {
     {
         preferences.registerDefaults(
             {{QStringLiteral("autoUpdatePlayers"), false}, {QStringLiteral("autoUpdatePlayersTime"), 30}});
-        exchange.answer(QStringLiteral("dvardump"),
-                        ScriptedExchange::ok(QStringLiteral(
-                            "rcon_password \"secret\"\nsv_hostname \"h\"\nsv_ranked \"0\"\nplaylist_enabled \"0\"\n"
-                            "playlist_excludeMap \"a\"\nplaylist_excludeGametype \"b\"\n"
-                            "playlist_excludeGametypeMap \"c\"\n")));
+        exchange.answer(QStringLiteral("dvardump"), ScriptedExchange::dump());
     }
 
     void connectToServer()

@@ -34,11 +34,9 @@ struct SettingsFixture : Fixture {
 
     void dump(const QString &timeLimit)
     {
-        const QString text = "rcon_password \"secret\"\nsv_hostname \"h\"\nsv_ranked \"%1\"\nplaylist_enabled \"0\"\n"
-                             "playlist_excludeMap \"a\"\nplaylist_excludeGametype \"b\"\n"
-                             "playlist_excludeGametypeMap \"c\"\ng_time \"%2\"\ng_gravity \"-.5\"\ng_fire \"1\"\n"
-                             "g_cam \"0\"\ng_motd \"hello\"\nscr_score \"100\"\n";
-        exchange.answer("dvardump", ScriptedExchange::ok(text.arg(isRanked ? "2" : "1", timeLimit)));
+        const QString text = "sv_ranked \"%1\"\nplaylist_enabled \"0\"\ng_time \"%2\"\ng_gravity \"-.5\"\n"
+                             "g_fire \"1\"\ng_cam \"0\"\ng_motd \"hello\"\nscr_score \"100\"\n";
+        exchange.answer("dvardump", ScriptedExchange::dump(text.arg(isRanked ? "2" : "1", timeLimit)));
     }
 
     void loadCatalogues()

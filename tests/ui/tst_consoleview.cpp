@@ -9,7 +9,7 @@
 struct Console : Fixture {
     Console()
     {
-        exchange.answerEverything(ScriptedExchange::ok(QStringLiteral("done\n")));
+        exchange.answerEverything(ScriptedExchange::ok("done\n"));
         connectToServer();
     }
     void type(const QString &line)
@@ -43,7 +43,7 @@ private slots:
         }
         QCOMPARE(seen, QStringList({"b", "b", "a", "a"}));
         stepper->setValue(0);
-        QCOMPARE(input->text(), QStringLiteral("b"));
+        QCOMPARE(input->text(), "b");
         QTest::keyClick(input, Qt::Key_Down);
         QVERIFY(input->text().isEmpty());
         QCOMPARE(console.exchange.sent().size(), 3); // stepping sends nothing
@@ -53,21 +53,21 @@ private slots:
     {
         Console console;
         console.exchange.hold();
-        console.type(QStringLiteral("slow"));
+        console.type("slow");
         QTest::keyClick(console.view.consoleInput, Qt::Key_Up);
-        QCOMPARE(console.view.consoleInput->text(), QStringLiteral("slow"));
-        QTest::keyClicks(console.view.consoleInput, QStringLiteral("er"));
+        QCOMPARE(console.view.consoleInput->text(), "slow");
+        QTest::keyClicks(console.view.consoleInput, "er");
         console.exchange.release();
         QVERIFY(console.settle());
-        QCOMPARE(console.view.consoleInput->text(), QStringLiteral("slower"));
+        QCOMPARE(console.view.consoleInput->text(), "slower");
     }
 
     void connectingClearsTranscriptAndHistory()
     {
         Console console;
-        console.type(QStringLiteral("status"));
+        console.type("status");
         QVERIFY(console.settle());
-        QCOMPARE(console.view.consoleOutput->toPlainText(), QStringLiteral("] status\ndone\n"));
+        QCOMPARE(console.view.consoleOutput->toPlainText(), "] status\ndone\n");
         console.server.disconnect();
         QVERIFY(!console.view.consoleInput->isEnabled());
         console.connectToServer();
@@ -103,8 +103,7 @@ private slots:
         TranscriptView transcript;
         for (int i = 0; i < 60; ++i)
             transcript.appendConsoleMessage(
-                QStringLiteral("a reply with words that do not fit one line ").repeated(i % 9) +
-                QStringLiteral("\nshort\n"));
+                QStringLiteral("a reply with words that do not fit one line ").repeated(i % 9) + "\nshort\n");
         transcript.resize(400, 200);
         transcript.show();
         QVERIFY(QTest::qWaitForWindowExposed(&transcript));
@@ -133,13 +132,13 @@ private slots:
     void keepsTheReadersSelection()
     {
         TranscriptView transcript;
-        transcript.appendConsoleMessage(QStringLiteral("alpha beta"));
+        transcript.appendConsoleMessage("alpha beta");
         QTextCursor cursor = transcript.textCursor();
         cursor.setPosition(0);
         cursor.setPosition(10, QTextCursor::KeepAnchor);
         transcript.setTextCursor(cursor);
-        transcript.appendConsoleMessage(QStringLiteral(" gamma"));
-        QCOMPARE(transcript.textCursor().selectedText(), QStringLiteral("alpha beta"));
+        transcript.appendConsoleMessage(" gamma");
+        QCOMPARE(transcript.textCursor().selectedText(), "alpha beta");
     }
 };
 

@@ -22,7 +22,7 @@ struct Window : Fixture {
     Window()
     {
         view.makeViews();
-        exchange.answer(QStringLiteral("teamstatus"), ScriptedExchange::ok());
+        exchange.answer("teamstatus", ScriptedExchange::ok());
     }
 
     void fillForm(const QString &host, const QString &port, const QString &password) const
@@ -32,7 +32,7 @@ struct Window : Fixture {
     }
     void connectByForm()
     {
-        fillForm(QStringLiteral("10.0.0.1"), QStringLiteral("28960"), QStringLiteral("pw"));
+        fillForm("10.0.0.1", "28960", "pw");
         view.serversView->connectButton->click();
     }
     QString status() const { return view.statusLine->status(); }
@@ -69,16 +69,16 @@ private slots:
     void tellsHowConnectingGoes()
     {
         Window window;
-        QCOMPARE(window.status(), QStringLiteral("Not connected"));
+        QCOMPARE(window.status(), "Not connected");
         window.exchange.hold();
         window.connectByForm();
-        QCOMPARE(window.status(), QStringLiteral("Connecting to QuickConnect..."));
+        QCOMPARE(window.status(), "Connecting to QuickConnect...");
         QVERIFY(!window.view.serversView->connectButton->isEnabled());
-        window.view.serversView->portField->setText(QStringLiteral("28961"));
+        window.view.serversView->portField->setText("28961");
         QVERIFY(!window.view.serversView->connectButton->isEnabled()); // editing does not allow a second connect
         window.exchange.release();
         QTRY_COMPARE(window.exchange.keptCount(), 1); // the player list, at once
-        QCOMPARE(window.status(), QStringLiteral("Connected to QuickConnect (Unranked)"));
+        QCOMPARE(window.status(), "Connected to QuickConnect (Unranked)");
         for (int i = 0; i < 4; ++i) {
             window.exchange.release();
             QTRY_VERIFY(window.exchange.keptCount() == 1 || window.actions.isIdle());
@@ -88,25 +88,25 @@ private slots:
         QCOMPARE(window.exchange.sent(),
                  QStringList({"dvardump", "teamstatus", "g_gametype", "mapname", "sv_mapRotation"}));
         window.view.serversView->disconnectButton->click();
-        QCOMPARE(window.status(), QStringLiteral("Not connected"));
+        QCOMPARE(window.status(), "Not connected");
         QVERIFY(!window.server.isConnected());
     }
 
     void aFailedConnectKeepsTheForm()
     {
         Window window;
-        window.exchange.forget(QStringLiteral("dvardump"));
+        window.exchange.forget("dvardump");
         for (const char *name : {"FerrowRcon.exe.maprotate", "FerrowRcon.exe.msgrotate"}) {
             QFile damaged(window.folder.filePath(name));
             QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write("<") == 1);
         }
         window.connectByForm();
         QVERIFY(window.settle());
-        QCOMPARE(window.status(), QStringLiteral("Not connected"));
+        QCOMPARE(window.status(), "Not connected");
         QCOMPARE(window.alerts.titles(), // in the order of the connect
                  QStringList({"Message Rotations Not Loaded", "Map Rotations Not Loaded", "Command Send Error"}));
-        QCOMPARE(window.view.serversView->hostField->text(), QStringLiteral("10.0.0.1"));
-        QCOMPARE(window.view.serversView->passwordField->text(), QStringLiteral("pw"));
+        QCOMPARE(window.view.serversView->hostField->text(), "10.0.0.1");
+        QCOMPARE(window.view.serversView->passwordField->text(), "pw");
         QVERIFY(window.view.welcomePage->isVisibleTo(&window.view));
     }
 
@@ -115,12 +115,11 @@ private slots:
         Window window;
         window.exchange.hold();
         window.connectByForm();
-        window.view.connectTo(ConnectTarget{QStringLiteral("Other"), QStringLiteral("10.0.0.2"), QStringLiteral("1"),
-                                            QStringLiteral("pw"), nullptr});
+        window.view.connectTo(ConnectTarget{"Other", "10.0.0.2", "1", "pw", nullptr});
         window.view.serversView->disconnectButton->click();
         QCOMPARE(window.sent(), QStringList{"dvardump"});
         QVERIFY(window.alerts.shown().isEmpty());
-        QCOMPARE(window.status(), QStringLiteral("Not connected"));
+        QCOMPARE(window.status(), "Not connected");
         QVERIFY(window.view.serversView->connectButton->isEnabled());
     }
 
@@ -134,13 +133,13 @@ private slots:
                 list.append(tabs->tabText(i));
             return list.join(QLatin1Char(','));
         };
-        QCOMPARE(labels(), QStringLiteral("Players,Maps,Settings,Messages,Config Builder,Console"));
+        QCOMPARE(labels(), "Players,Maps,Settings,Messages,Config Builder,Console");
         QCOMPARE(tabs->currentIndex(), 0);
         tabs->setCurrentIndex(5);
-        QTest::keyClicks(window.view.consoleView->consoleInput, QStringLiteral("playlist_enabled 1"));
+        QTest::keyClicks(window.view.consoleView->consoleInput, "playlist_enabled 1");
         QTest::keyClick(window.view.consoleView->consoleInput, Qt::Key_Return);
         QVERIFY(window.settle());
-        QCOMPARE(labels(), QStringLiteral("Players,Playlists,Settings,Messages,Config Builder,Console"));
+        QCOMPARE(labels(), "Players,Playlists,Settings,Messages,Config Builder,Console");
         QCOMPARE(tabs->currentIndex(), 5);
         window.exchange.forgetSent();
         window.view.playersView->refreshPlayersButtonPressed();
@@ -164,22 +163,22 @@ private slots:
     {
         ConnectedWindow window;
         window.exchange.answerEverything(ScriptedExchange::ok());
-        awaited(window.server.setDvar(QStringLiteral("rcon_password"), QStringLiteral("new")));
-        QCOMPARE(window.view.serversView->passwordField->text(), QStringLiteral("new"));
+        awaited(window.server.setDvar("rcon_password", "new"));
+        QCOMPARE(window.view.serversView->passwordField->text(), "new");
     }
 
     void asksForThePasswordThatTheCommandLineLacks()
     {
         Window window;
         window.view.show();
-        window.view.quickConnect(QStringLiteral("10.0.0.1"), QStringLiteral("28960"), {});
-        auto *dialog = window.view.findChild<QInputDialog *>(QStringLiteral("passwordPanel"));
+        window.view.quickConnect("10.0.0.1", "28960", {});
+        auto *dialog = window.view.findChild<QInputDialog *>("passwordPanel");
         QVERIFY(dialog != nullptr);
         QCOMPARE(dialog->textEchoMode(), QLineEdit::Password);
-        dialog->setTextValue(QStringLiteral("asked"));
+        dialog->setTextValue("asked");
         dialog->accept();
         QVERIFY(window.settle());
-        QCOMPARE(window.exchange.requests().first().password, QStringLiteral("asked"));
+        QCOMPARE(window.exchange.requests().first().password, "asked");
     }
 
     void whatIsBeingTypedIsAskedAboutOnClosing()
@@ -225,14 +224,13 @@ private slots:
     void whatWasMeantForTheServerBeforeIsNotSent()
     {
         Window window;
-        window.exchange.answer(QStringLiteral("teamstatus"),
-                               ScriptedExchange::ok(QStringLiteral("1 0 48 g Ann allies 0 10.0.0.1:3074 77 25000\n")));
+        window.exchange.answer("teamstatus", ScriptedExchange::ok("1 0 48 g Ann allies 0 10.0.0.1:3074 77 25000\n"));
         window.connectByForm();
         QVERIFY(window.settle());
         window.exchange.forgetSent();
         window.view.playersView->playersTableView->selectRow(0);
         window.exchange.hold();
-        window.view.serversView->fillForm(QStringLiteral("10.0.0.2"), QStringLiteral("28960"));
+        window.view.serversView->fillForm("10.0.0.2", "28960");
         window.view.serversView->connectButton->click();
         window.view.playersView->kickPlayerButton->click(); // the players of the server before are still shown
         while (!window.actions.isIdle()) {
@@ -240,8 +238,8 @@ private slots:
                 window.exchange.release();
             QTest::qWait(1);
         }
-        QVERIFY(!window.exchange.sent().contains(QStringLiteral("clientkick 1")));
-        QCOMPARE(window.server.host(), QStringLiteral("10.0.0.2"));
+        QVERIFY(!window.exchange.sent().contains("clientkick 1"));
+        QCOMPARE(window.server.host(), "10.0.0.2");
     }
 
     void theLayoutSurvivesARestart()
@@ -264,11 +262,9 @@ private slots:
         window.show();
         SheetAlerts alerts;
         alerts.setWindow(&window);
-        const QString word(70, QLatin1Char('a'));
-        const QString text = word + QStringLiteral("\n<b>bold</b>").repeated(500);
-        QCoro::Task<int> asking =
-            alerts.run(QStringLiteral("Title"), text, {QStringLiteral("Yes"), QStringLiteral("No")});
-        auto *box = window.findChild<QMessageBox *>(QStringLiteral("alert"));
+        const QString text = "<b>bold</b>\n".repeated(500);
+        QCoro::Task<int> asking = alerts.run("Title", text, {"Yes", "No"});
+        auto *box = window.findChild<QMessageBox *>("alert");
         QVERIFY(box != nullptr);
         for (const QLabel *label : box->findChildren<QLabel *>())
             QVERIFY(label->textFormat() == Qt::PlainText || label->text().isEmpty() || !label->pixmap().isNull());

@@ -20,13 +20,13 @@ struct Players : Fixture {
     {
         connectToServer();
         exchange.answerEverything(ScriptedExchange::ok());
-        list(line(1, QStringLiteral("Ann"), 9) + line(2, QStringLiteral("Bob"), 10) + line(3, QStringLiteral("Cy"), 8));
-        view.setSelectedTabLabel(QStringLiteral("Players"));
+        list(line(1, "Ann", 9) + line(2, "Bob", 10) + line(3, "Cy", 8));
+        view.setSelectedTabLabel("Players");
         refresh();
         exchange.forgetSent();
     }
 
-    void list(const QString &reply) { exchange.answer(QStringLiteral("teamstatus"), ScriptedExchange::ok(reply)); }
+    void list(const QString &reply) { exchange.answer("teamstatus", ScriptedExchange::ok(reply)); }
     void refresh()
     {
         view.refreshPlayersButton->click();
@@ -79,12 +79,11 @@ private slots:
         players.view.playersTableView->sortByColumn(5, Qt::DescendingOrder);
         QCOMPARE(players.shown(), QStringList({"Bob", "Ann", "Cy"})); // 10, 9, 8: numbers, not texts
         players.select({"Ann", "Cy"});
-        players.list(line(4, QStringLiteral("Dot"), 100) + line(3, QStringLiteral("Cy"), 20) +
-                     line(1, QStringLiteral("Eve"), 7));
+        players.list(line(4, "Dot", 100) + line(3, "Cy", 20) + line(1, "Eve", 7));
         players.refresh();
         QCOMPARE(players.shown(), QStringList({"Dot", "Cy", "Eve"}));
         QCOMPARE(players.view.playersController->selectedObjects().size(), 1); // Ann is gone, Eve is somebody else
-        players.view.playerFilterField->setText(QStringLiteral("dot"));
+        players.view.playerFilterField->setText("dot");
         QCOMPARE(players.shown(), QStringList{"Dot"});
         players.refresh();
         QCOMPARE(players.shown(), QStringList{"Dot"});
@@ -112,7 +111,7 @@ private slots:
         QVERIFY(players.settle());
         QTEST(players.exchange.sent(), "sent");
         QVERIFY(players.alerts.shown().isEmpty());
-        QTRY_COMPARE_WITH_TIMEOUT(players.exchange.sent().last(), QStringLiteral("teamstatus"), 12000);
+        QTRY_COMPARE_WITH_TIMEOUT(players.exchange.sent().last(), "teamstatus", 12000);
         QVERIFY(clock.elapsed() >= refreshAfter * 9 / 10);
         QVERIFY(players.settle());
     }
@@ -229,11 +228,11 @@ private slots:
         players.select({"Ann", "Cy"});
         players.view.messagePlayerButton->click();
         // Ann leaves, a newcomer gets her number, and Cy comes back under another one.
-        players.list(line(1, QStringLiteral("New")) + QStringLiteral("7 0 48 g3 Cy allies 0 10.0.0.3:3074 77 25000\n"));
+        players.list(line(1, "New") + "7 0 48 g3 Cy allies 0 10.0.0.3:3074 77 25000\n");
         players.view.refreshPlayersButtonPressed();
         QVERIFY(players.settle());
         players.exchange.forgetSent();
-        players.view.playerSendMessagePanel->messageTextField->setText(QStringLiteral("hello"));
+        players.view.playerSendMessagePanel->messageTextField->setText("hello");
         players.view.playerSendMessagePanel->sendButton->click();
         QCOMPARE(players.sent(), QStringList{"tell 7 hello"});
         QCOMPARE(players.alerts.texts(), QStringList{"The following player(s) failed to process the 'tell' command: \n"
@@ -248,7 +247,7 @@ private slots:
         players.view.autoUpdatePlayers->setChecked(true);
         QVERIFY(players.view.autoupdatePlayerTimer.isActive());
         QCOMPARE(players.view.autoupdatePlayerTimer.interval(), 7000);
-        QCOMPARE(players.preferences.intValue(QStringLiteral("autoUpdatePlayersTime"), 1, 99), 7);
+        QCOMPARE(players.preferences.intValue("autoUpdatePlayersTime", 1, 99), 7);
         players.view.autoupdatePlayerTimer.stop();
         players.refresh();
         QVERIFY(players.view.autoupdatePlayerTimer.isActive());
@@ -277,11 +276,11 @@ private slots:
     {
         Players players;
         players.view.playersTableView->sortByColumn(5, Qt::DescendingOrder);
-        players.view.playerFilterField->setText(QStringLiteral("ann"));
+        players.view.playerFilterField->setText("ann");
         players.view.savePlayerListButton->click();
-        auto *panel = players.view.findChild<QFileDialog *>(QStringLiteral("savePlayerListPanel"));
+        auto *panel = players.view.findChild<QFileDialog *>("savePlayerListPanel");
         QVERIFY(panel != nullptr);
-        const QString path = players.folder.filePath(QStringLiteral("list.csv"));
+        const QString path = players.folder.filePath("list.csv");
         emit panel->fileSelected(path);
         panel->close();
         QVERIFY(players.settle());
@@ -296,7 +295,7 @@ private slots:
     void savingAsksBeforeItReplacesAndTellsOfFailures()
     {
         Players players;
-        const QString path = players.folder.filePath(QStringLiteral("list.txt"));
+        const QString path = players.folder.filePath("list.txt");
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("old");
@@ -306,7 +305,7 @@ private slots:
         QCOMPARE(players.alerts.titles(), QStringList{"Replace File"});
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), QByteArray("old"));
-        awaited(players.view.savePlayerListTo(players.folder.filePath(QStringLiteral("absent/list.txt")), {}));
+        awaited(players.view.savePlayerListTo(players.folder.filePath("absent/list.txt"), {}));
         QCOMPARE(players.alerts.titles(), QStringList({"Replace File", "Save Failed"}));
     }
 };
