@@ -208,8 +208,9 @@ private slots:
         players.select({"Cy"});
         PlayerSendMessage *panel = players.view.playerSendMessagePanel;
         for (const bool isSent : {false, true}) {
+            panel->messageTextField->setText("old");
             players.view.messagePlayerButton->click();
-            QVERIFY(panel->messageString().isEmpty()); // not what was typed the last time
+            QVERIFY(panel->messageString().isEmpty());
             QVERIFY(!panel->sendButton->isEnabled());
             panel->messageTextField->setText("see \"you\" ");
             if (isSent)
