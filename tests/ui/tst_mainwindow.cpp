@@ -262,7 +262,8 @@ private slots:
         window.show();
         SheetAlerts alerts;
         alerts.setWindow(&window);
-        const QString text = "<b>bold</b>\n".repeated(500);
+        const QString word(70, QLatin1Char('a'));
+        const QString text = word + QStringLiteral("\n<b>bold</b>").repeated(500);
         QCoro::Task<int> asking = alerts.run("Title", text, {"Yes", "No"});
         auto *box = window.findChild<QMessageBox *>("alert");
         QVERIFY(box != nullptr);
