@@ -187,18 +187,31 @@ void KelMessageRotation::setQuickMessageText(const QString &text)
 
 void KelMessageRotation::sendQuickMessage()
 {
+    // Return pressed twice means one message: the first one is on its way until the field is emptied.
+    if (m_quickMessageOnItsWay == m_quickMessageText)
+        return;
+    m_quickMessageOnItsWay = m_quickMessageText;
     m_actions.start(sendText(m_quickMessageText));
+}
+
+void KelMessageRotation::forgetQuickMessage(const QString &text)
+{
+    if (m_quickMessageOnItsWay == text) // else a later one has taken its place
+        m_quickMessageOnItsWay.reset();
 }
 
 QCoro::Task<> KelMessageRotation::sendText(QString text)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
+    if (!turn) {
+        forgetQuickMessage(text);
         co_return;
+    }
     const QString line = sayCommand(text);
     const Reply reply = co_await m_server.sendCommand(line);
     if (turn && !reply.isCancelled && !reply.isSuccess())
         co_await tellOfFailure(reply.text);
+    forgetQuickMessage(text);
     if (m_quickMessageText == text) // what was typed in the meantime is the next message
         setQuickMessageText({});
 }

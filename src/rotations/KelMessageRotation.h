@@ -104,6 +104,7 @@ private:
     void setEntryOnAir(std::shared_ptr<const MessageRotationInst> entry);
     void setPlayState(PlayState state);
     QCoro::Task<> showMessage(std::shared_ptr<const MessageRotationInst> entry, QString line, quint64 showing);
+    void forgetQuickMessage(const QString &text);
     QCoro::Task<> sendText(QString text);
     QCoro::Task<> tellOfFailure(QString error);
     void waitFor(const QString &duration, qint64 shortest);
@@ -119,5 +120,6 @@ private:
     quint64 m_showing = 0; // tells a message that was called off from the one that is due
     std::shared_ptr<const MessageRotationInst> m_entryOnAir;
     QString m_quickMessageText;
+    std::optional<QString> m_quickMessageOnItsWay; ///< the latest, until its action has ended
     SharedInstance<KelMessageRotation> m_shared{this};
 };

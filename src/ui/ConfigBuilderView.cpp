@@ -8,6 +8,7 @@
 #include "KelGametype.h"
 #include "KelServer.h"
 #include "KelSettings.h"
+#include "ReplaceQuestion.h"
 #include "SectionTable.h"
 
 #include <QFileInfo>
@@ -76,13 +77,10 @@ QCoro::Task<> ConfigBuilderView::saveConfigTo(QString path, ConfigurationContent
 {
     if (QFileInfo(path).suffix().compare(QLatin1String("cfg"), Qt::CaseInsensitive) != 0)
         path += QStringLiteral(".cfg");
-    if (QFileInfo::exists(path)) {
-        const QString question = tr("\"%1\" exists already. Do you want to replace it?").arg(path);
-        const QStringList buttons{tr("Replace"), tr("Cancel")};
-        const int pressed = co_await m_alerts.run(tr("Replace File"), question, buttons);
-        if (pressed != 0)
-            co_return;
-    }
+    ReplaceQuestion question(m_alerts);
+    const bool mayWrite = co_await question.mayWrite(path);
+    if (!mayWrite)
+        co_return;
     QString error;
     if (saveConfiguration(content, path, &error))
         co_return;

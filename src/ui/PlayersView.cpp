@@ -6,6 +6,7 @@
 #include "PlayerListFile.h"
 #include "PlayerSendMessage.h"
 #include "Preferences.h"
+#include "ReplaceQuestion.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -238,13 +239,10 @@ void PlayersView::savePlayerListButtonPressed()
 
 QCoro::Task<> PlayersView::savePlayerListTo(QString path, QList<PlayerRow> players)
 {
-    if (QFileInfo::exists(path)) {
-        const QString question = tr("\"%1\" exists already. Do you want to replace it?").arg(path);
-        const QStringList buttons{tr("Replace"), tr("Cancel")};
-        const int pressed = co_await m_alerts.run(tr("Replace File"), question, buttons);
-        if (pressed != 0)
-            co_return;
-    }
+    ReplaceQuestion question(m_alerts);
+    const bool mayWrite = co_await question.mayWrite(path);
+    if (!mayWrite)
+        co_return;
     QString error;
     if (savePlayerList(players, path, &error))
         co_return;
