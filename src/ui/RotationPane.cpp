@@ -109,8 +109,9 @@ QCoro::Task<> RotationPane::saveRotationAs()
 {
     const QString name = co_await saveAsPanel();
     // The panel has saved the rotation already; the end of the message rotation's panel has always saved it once more.
-    if (m_labels.savesAgain && !name.isEmpty() && !m_store.hasUnsavedWork())
-        co_await m_store.saveUIChanges(name);
+    if (m_labels.savesAgain && !name.isEmpty() && !m_store.hasUnsavedWork()) {
+        [[maybe_unused]] const bool isWritten = co_await m_store.saveUIChanges(name); // a failure has been told
+    }
     endFileAction();
 }
 
