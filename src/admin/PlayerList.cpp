@@ -2,7 +2,10 @@
 
 #include "Number.h"
 
+#include <QHash>
 #include <QStringList>
+
+#include <algorithm>
 
 static QStringList tokensOf(QStringView line)
 {
@@ -23,17 +26,56 @@ QString playerKey(const PlayerRow &player)
     return player.name + player.ipaddress;
 }
 
+namespace
+{
+
+/// What the title line of a reply tells about the others. The datagrams of a reply carry no numbers: one that is lost,
+/// late or doubled cuts a row off, or joins it to the repeated beginning.
+class Titled
+{
+public:
+    explicit Titled(const QList<QStringList> &lines)
+        : m_isTitled(std::any_of(lines.begin(), lines.end(), &endsLikeTitle)),
+          m_isBeginningLost(m_isTitled && !endsLikeTitle(lines.first()))
+    {
+    }
+
+    /// Every row ends in the numbers that the title names, and none stands before it.
+    bool isDamaged(const QStringList &tokens, qsizetype line) const
+    {
+        if (line == 0 && m_isBeginningLost)
+            return true;
+        return m_isTitled && (!parseNumber(tokens.last()) || !parseNumber(tokens.at(tokens.size() - 2)));
+    }
+
+private:
+    static bool endsLikeTitle(const QStringList &tokens)
+    {
+        return tokens.endsWith(QStringLiteral("rate")) && tokens.value(tokens.size() - 2) == QLatin1String("qport");
+    }
+
+    bool m_isTitled;
+    bool m_isBeginningLost;
+};
+
+} // namespace
+
 QList<PlayerRow> parsePlayerList(const QString &reply)
 {
     // num score ping guid name… team lastmsg address qport rate
     constexpr qsizetype fewestTokens = 10;
     constexpr qsizetype nameBegin = 4;
     constexpr qsizetype tokensAfterName = 5;
+    QList<QStringList> lines;
+    for (const QStringView line : QStringView(reply).split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+        lines.append(tokensOf(line));
+    const Titled titled(lines);
+    QHash<QString, qsizetype> places;
     QList<PlayerRow> players;
-    for (const QStringView line : QStringView(reply).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
-        const QStringList tokens = tokensOf(line);
+    for (qsizetype line = 0; line < lines.size(); ++line) {
+        const QStringList &tokens = lines.at(line);
         const qsizetype count = tokens.size();
-        if (count < fewestTokens)
+        if (count < fewestTokens || titled.isDamaged(tokens, line))
             continue;
         const std::optional<qint64> number = parseNumber(tokens.at(0));
         if (!number)
@@ -41,8 +83,16 @@ QList<PlayerRow> parsePlayerList(const QString &reply)
         const QString name = tokens.mid(nameBegin, count - tokensAfterName - nameBegin).join(QLatin1Char(' '));
         if (name == QLatin1String("democlient"))
             continue;
-        players.append(PlayerRow{QString::number(*number), name, tokens.at(3), tokens.at(count - 3),
-                                 tokens.at(count - 5), tokens.at(1), tokens.at(2)});
+        const PlayerRow player{QString::number(*number), name,         tokens.at(3), tokens.at(count - 3),
+                               tokens.at(count - 5),     tokens.at(1), tokens.at(2)};
+        // A reply that came twice, doubled on its way or given to a repeated request as well, tells of nobody new.
+        const QString key = player.identifier + u' ' + playerKey(player);
+        if (const auto place = places.constFind(key); place != places.constEnd()) {
+            players[*place] = player;
+            continue;
+        }
+        places.insert(key, players.size());
+        players.append(player);
     }
     return players;
 }

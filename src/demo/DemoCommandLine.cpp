@@ -35,6 +35,9 @@ QList<QCommandLineOption> knownOptions()
         {QStringLiteral("garbage"), tr("Answer with rubbish with this probability, 0 to 1."), tr("P")},
         {QStringLiteral("reorder"), tr("Send the parts of a reply in another order.")},
         {QStringLiteral("silent"), tr("Answer nothing.")},
+        {QStringLiteral("silent-after"), tr("Send only the first datagrams of a reply, up to 1000. Default 0: all."),
+         tr("N")},
+        {QStringLiteral("other-port"), tr("Answer from another port than the one that was asked.")},
         {QStringLiteral("refusal-text"), tr("Refuse a wrong password with a text.")},
     };
 }
@@ -115,6 +118,8 @@ DemoOptions readOptions(const QCommandLineParser &parser, OptionReader &reader, 
     options.faults.garbage = reader.probability(QStringLiteral("garbage"));
     options.faults.reorder = parser.isSet(QStringLiteral("reorder"));
     options.faults.silent = parser.isSet(QStringLiteral("silent"));
+    options.faults.silentAfter = static_cast<int>(reader.wholeNumber(QStringLiteral("silent-after"), 0, 1000));
+    options.faults.otherPort = parser.isSet(QStringLiteral("other-port"));
     options.faults.delay =
         std::chrono::milliseconds(static_cast<qint64>(reader.wholeNumber(QStringLiteral("delay"), 0, 60'000)));
     return options;

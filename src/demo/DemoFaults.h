@@ -9,5 +9,7 @@ struct DemoFaults {
     double garbage = 0;                 ///< a malformed datagram comes instead of the reply
     bool silent = false;                ///< nothing is answered and nothing is carried out
     bool reorder = false;               ///< the datagrams of a longer reply come in another order
+    bool otherPort = false;             ///< replies come from another port than the one that was asked
+    int silentAfter = 0;                ///< only so many datagrams of a reply are sent; 0 sends all
     std::chrono::milliseconds delay{0}; ///< how much later every datagram of a reply comes
 };

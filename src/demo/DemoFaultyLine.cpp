@@ -1,5 +1,7 @@
 #include "DemoFaultyLine.h"
 
+#include <algorithm>
+
 QList<QByteArray> DemoFaultyLine::carry(QList<QByteArray> datagrams)
 {
     if (m_faults.silent)
@@ -8,6 +10,8 @@ QList<QByteArray> DemoFaultyLine::carry(QList<QByteArray> datagrams)
         datagrams = {malformedDatagram()};
     if (m_faults.reorder)
         shuffle(datagrams);
+    if (m_faults.silentAfter > 0)
+        datagrams.resize(std::min<qsizetype>(datagrams.size(), m_faults.silentAfter));
     QList<QByteArray> arriving;
     for (const QByteArray &datagram : std::as_const(datagrams)) {
         if (m_random.happens(m_faults.loss))

@@ -33,7 +33,7 @@ bool setNonBlocking(int descriptor)
 } // namespace
 
 DemoServer::DemoServer(DemoOptions options)
-    : m_options(std::move(options)), m_game(m_options), m_line(m_options.seed ^ LineSeed),
+    : m_options(std::move(options)), m_takenPort(m_options.port), m_game(m_options), m_line(m_options.seed ^ LineSeed),
       m_buffer(LargestDatagram, Qt::Uninitialized)
 {
     m_line.setFaults(m_options.faults);
@@ -56,7 +56,7 @@ bool DemoServer::start(QString *error)
         m_socket.reset();
         if (error)
             *error = QCoreApplication::translate("DemoServer", "The demo server cannot use port %1: %2")
-                         .arg(m_options.port)
+                         .arg(m_takenPort)
                          .arg(QString::fromStdString(std::generic_category().message(reason)));
         return false;
     }
@@ -75,6 +75,7 @@ void DemoServer::stop()
     m_thread.join();
     m_outgoing.clear();
     m_socket.reset();
+    m_otherSocket.reset();
     m_port = 0;
 }
 
@@ -92,16 +93,17 @@ bool DemoServer::openSocket()
 {
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_port = htons(m_options.port);
+    address.sin_port = htons(m_takenPort);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof address;
     m_socket = DemoDescriptor(::socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP));
+    m_otherSocket = DemoDescriptor(::socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP));
     auto *const generic = reinterpret_cast<sockaddr *>(&address);
-    const bool isBound = m_socket.isOpen() && setNonBlocking(m_socket.get()) &&
-                         ::bind(m_socket.get(), generic, length) == 0 &&
+    const bool isBound = m_socket.isOpen() && setNonBlocking(m_socket.get()) && m_otherSocket.isOpen() &&
+                         setNonBlocking(m_otherSocket.get()) && ::bind(m_socket.get(), generic, length) == 0 &&
                          ::getsockname(m_socket.get(), generic, &length) == 0;
     if (isBound)
-        m_port = ntohs(address.sin_port);
+        m_port = m_takenPort = ntohs(address.sin_port);
     return isBound;
 }
 
@@ -192,7 +194,7 @@ void DemoServer::answer(QByteArrayView request, const sockaddr_in &from)
     const Clock::time_point due = Clock::now() + m_line.faults().delay;
     for (const QByteArray &datagram : datagrams) {
         if (m_outgoing.size() < MaximumOutgoing)
-            m_outgoing.emplace(due, Outgoing{from, datagram});
+            m_outgoing.emplace(due, Outgoing{from, datagram, m_line.faults().otherPort});
     }
 }
 
@@ -235,8 +237,9 @@ void DemoServer::sendDue()
         const Outgoing &next = m_outgoing.begin()->second;
         // A datagram that the system cannot take is lost, as on any line.
         [[maybe_unused]] const ssize_t sent =
-            ::sendto(m_socket.get(), next.bytes.constData(), static_cast<std::size_t>(next.bytes.size()), 0,
-                     reinterpret_cast<const sockaddr *>(&next.to), sizeof next.to);
+            ::sendto(next.fromOtherPort ? m_otherSocket.get() : m_socket.get(), next.bytes.constData(),
+                     static_cast<std::size_t>(next.bytes.size()), 0, reinterpret_cast<const sockaddr *>(&next.to),
+                     sizeof next.to);
         m_outgoing.erase(m_outgoing.begin());
     }
 }

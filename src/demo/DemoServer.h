@@ -26,7 +26,8 @@ public:
     DemoServer(const DemoServer &) = delete;
     DemoServer &operator=(const DemoServer &) = delete;
 
-    /// Opens the port and begins to answer; the game goes on where it stood. Does not block.
+    /// Opens the port and begins to answer; started again it takes the port that it had. The game goes on where it
+    /// stood. Does not block.
     /// @param error  why it failed, for the user; may be null.
     bool start(QString *error = nullptr);
     /// Ends at once, whatever is on its way. Harmless when not started.
@@ -49,6 +50,7 @@ private:
     struct Outgoing {
         sockaddr_in to;
         QByteArray bytes;
+        bool fromOtherPort;
     };
 
     bool openWakePipe();
@@ -64,9 +66,11 @@ private:
 
     const DemoOptions m_options;
     DemoDescriptor m_socket;
-    DemoDescriptor m_wakeEnd;   ///< read by the server's thread
-    DemoDescriptor m_wakeStart; ///< written by the others
+    DemoDescriptor m_otherSocket; ///< for replies from another port
+    DemoDescriptor m_wakeEnd;     ///< read by the server's thread
+    DemoDescriptor m_wakeStart;   ///< written by the others
     std::atomic<quint16> m_port = 0;
+    quint16 m_takenPort; ///< the wanted one, or the one that was free at the first start
 
     mutable std::mutex m_mutex; ///< guards the next three
     DemoGame m_game;

@@ -27,6 +27,18 @@ static std::optional<int> parsePort(const QString &text)
     return static_cast<int>(*number);
 }
 
+static constexpr qsizetype fieldsOfReply = 3; // name, value, value in force
+
+/// The quoted fields of a reply to a variable's name. The network may have doubled it, and a server that is slow
+/// answers a repeated request as well: the same fields again are the same reply.
+static QStringList fieldsOfOne(const QString &reply)
+{
+    QStringList fields = quotedStrings(reply);
+    while (fields.size() > fieldsOfReply && fields.last(fieldsOfReply) == fields.first(fieldsOfReply))
+        fields.resize(fields.size() - fieldsOfReply);
+    return fields;
+}
+
 QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString password)
 {
     const quint64 cancellations = m_cancellations;
@@ -166,8 +178,8 @@ QCoro::Task<bool> KelServer::verifyDvar(QString name, QString password)
         co_await m_alerts.run(tr("Unknown dvar"), text);
         co_return false;
     }
-    const QStringList fields = quotedStrings(reply.text);
-    if (fields.size() != 3)
+    const QStringList fields = fieldsOfOne(reply.text);
+    if (fields.size() != fieldsOfReply)
         co_return false;
     const QString value = fields.at(2);
     m_dvars.insert(name, value.mid(1, value.size() - 2));

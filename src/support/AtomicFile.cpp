@@ -4,6 +4,10 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <unistd.h>
+
+#include <cerrno>
+
 static void report(QString *error, const QString &reason)
 {
     if (error)
@@ -20,7 +24,13 @@ static bool writeAll(QSaveFile &file, const QByteArray &content)
             return false;
         done += written;
     }
-    return file.flush();
+    return true;
+}
+
+/// A network's disk, or one with quotas, may tell only here that it is full or broken, and QSaveFile does not listen.
+static bool hasReachedDisk(const QSaveFile &file)
+{
+    return ::fsync(file.handle()) == 0 || errno == EINVAL || errno == ENOTSUP; // some file systems have no such thing
 }
 
 bool AtomicFile::write(const QString &path, const QByteArray &content, QString *error,
@@ -68,7 +78,8 @@ bool AtomicFile::replace(const QString &path, const QByteArray &content, const Q
         return false;
     }
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
+    // A buffer would forget the reason of a failure that it meets when it is emptied.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         report(error, file.errorString());
         return false;
     }
@@ -80,6 +91,11 @@ bool AtomicFile::replace(const QString &path, const QByteArray &content, const Q
     }
     if (!isWritten) {
         report(error, file.errorString());
+        file.cancelWriting();
+        return false;
+    }
+    if (!hasReachedDisk(file)) {
+        report(error, qt_error_string(errno));
         file.cancelWriting();
         return false;
     }

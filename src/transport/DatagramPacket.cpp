@@ -280,10 +280,9 @@ ssize_t DatagramPacket::withinTimeout(int option, Call call) const
         if (result >= 0 || errno != EINTR)
             return result;
         remaining = std::chrono::duration_cast<microseconds>(deadline - steady_clock::now());
-        if (remaining <= microseconds::zero()) {
-            errno = EAGAIN;
-            return -1;
-        }
+        // A process that was stopped for longer takes what has come meanwhile, and waits no more.
+        if (remaining <= microseconds::zero())
+            return call(false, microseconds::zero());
     }
 }
 

@@ -30,7 +30,8 @@ private slots:
 
     void accepted()
     {
-        const QString typed = "demo --port 28960 --players 30 --ranked --frozen --loss 0.25 --delay 150 --duplicate 1";
+        const QString typed = "demo --port 28960 --players 30 --ranked --frozen --loss 0.25 --delay 150 --duplicate 1 "
+                              "--silent-after 2";
         const DemoCommandLine line = DemoCommandLine::parse(typed.split(u' '), {});
         QCOMPARE(line.task, DemoCommandLine::Task::Serve);
         const DemoOptions &options = line.options;
@@ -39,6 +40,7 @@ private slots:
         QVERIFY(options.ranked && options.frozen && !options.playlists && !options.faults.silent);
         QCOMPARE(options.faults.loss, 0.25);
         QCOMPARE(options.faults.duplication, 1.0);
+        QCOMPARE(options.faults.silentAfter, 2);
         QCOMPARE(options.faults.delay, std::chrono::milliseconds(150));
     }
 

@@ -176,16 +176,6 @@ private slots:
         QVERIFY(sizes.contains(0) && sizes.contains(4000));
     }
 
-    void delayedAndDoubledReply()
-    {
-        Line line({.faults = {.duplication = 1, .delay = 300ms}});
-        QElapsedTimer timer;
-        timer.start();
-        QCOMPARE(line.client.ask("demo say hi"), reply("console: hi\n"));
-        QVERIFY2(timer.elapsed() >= 299, qPrintable(QString::number(timer.elapsed())));
-        QCOMPARE(line.client.receive(), reply("console: hi\n"));
-    }
-
     void stopIsPrompt()
     {
         Line line({.faults = {.delay = 60s}});

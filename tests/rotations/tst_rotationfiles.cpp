@@ -1,4 +1,3 @@
-#include "FileSizeLimit.h"
 #include "RotationFixture.h"
 
 #include <QDateTime>
@@ -89,24 +88,6 @@ private slots:
                  QStringList({"Map Rotations Not Loaded", "Former File Kept"}).mid(isDamaged ? 0 : 1));
         const QString copies = isDamaged ? "*.damaged-*" : "*.changed-*";
         QCOMPARE(f.bytes(f.folder.filePath(QDir(f.folder.path()).entryList({copies}).value(0))), content);
-    }
-
-    void aFullDiskLosesNothing()
-    {
-        RotationFixture f;
-        QVERIFY(awaited(f.maps.saveUIChanges("n")));
-        const QByteArray before = f.bytes(f.path);
-        awaited(f.maps.addToRotation(QString(9000, 'x'), "g"));
-        {
-            const FileSizeLimit limit(4096);
-            QVERIFY(!awaited(f.maps.saveUIChanges("n")));
-            QVERIFY(!f.maps.unsavedChanges() && !awaited(f.maps.saveUnsavedWork()));
-        }
-        QCOMPARE(f.alerts.titles(), QStringList({"Map Rotations Not Saved", "Unsaved Changes to Map Rotation",
-                                                 "Map Rotations Not Saved"}));
-        QCOMPARE(f.bytes(f.path), before);
-        QVERIFY(awaited(f.maps.saveUnsavedWork()) && !f.maps.hasUnsavedWork());
-        QVERIFY(f.bytes(f.path).size() > 9000);
     }
 
     void clearsWhatKilledSavesLeft()

@@ -173,7 +173,7 @@ private slots:
                                           {"g_gravity", "\"g_gravity\" is: \"800\" latched: \"\""},
                                           {"g_speed", "Unknown command \"g_speed\""},
                                           {"scr_dm_scorelimit", "\"scr_dm_scorelimit\" is: \"30\" now: \"40\""}})
-            session.exchange.answer(name, ScriptedExchange::ok(reply));
+            session.exchange.answer(name, ScriptedExchange::ok(QString(reply).repeated(2))); // doubled on its way
         Catalogues catalogues;
         session.server.setCatalogueLoader(&catalogues);
         QSignalSpy progress(&session.server, &KelServer::connectProgressed);

@@ -1,0 +1,117 @@
+#include "RCon.h"
+#include "RealConsole.h"
+#include "Wait.h"
+
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QTest>
+
+#include <future>
+
+#include <sys/syscall.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+static std::atomic<time_t> jumped = 0;
+
+// The clock on the wall as this program sees it. These stand before those of the C library, for Qt as well.
+extern "C" {
+int clock_gettime(clockid_t clock, timespec *now) noexcept
+{
+    const long result = ::syscall(SYS_clock_gettime, clock, now);
+    now->tv_sec += clock == CLOCK_REALTIME ? jumped.load() : 0;
+    return static_cast<int>(result);
+}
+int gettimeofday(timeval *now, void *) noexcept
+{
+    timespec precise{};
+    const int result = clock_gettime(CLOCK_REALTIME, &precise);
+    *now = {precise.tv_sec, precise.tv_nsec / 1000};
+    return result;
+}
+}
+
+/// @return how long an exchange with nobody takes, in milliseconds.
+static qint64 timeOut()
+{
+    QElapsedTimer timer;
+    timer.start();
+    return RCon::sendTo("127.0.0.1", 1, "demo", "status") == RConResultTimeout ? timer.elapsed() : -1;
+}
+
+class TimeFaults : public QObject
+{
+    Q_OBJECT
+private slots:
+    /// A message and a refresh every second; what happens to the time comes while a message is on its way.
+    void nothingHangsOrComesEarly_data()
+    {
+        QProcess demo; // a process of its own, so that it goes on while this one is stopped
+        demo.start(FERROW_DEMO_SERVER, {"--frozen"});
+        QVERIFY(QTest::qWaitFor([&demo] { return demo.canReadLine(); }));
+        RealConsole c;
+        awaited(c.server.connectToHost("127.0.0.1", demo.readLine().trimmed().split(':').last(), "demo"));
+        c.preferences.setValue("checkBoxLoopMessages", true);
+        awaited(c.messages.addMessageToCurrentRotation("a", "1"));
+        c.players.autoUpdatePlayersTime->setValue(1);
+        c.players.autoUpdatePlayers->setChecked(true);
+        QElapsedTimer timer;
+        timer.start();
+        QString transcript;
+        QHash<QString, QList<qint64>> sent; // when, by what the transcript shows
+        connect(&c.server, &KelServer::consoleMessageAppended, &c.server, [&](const QString &text) {
+            transcript += text;
+            sent[text].append(timer.elapsed());
+        });
+        c.messages.startRotation();
+        QTest::addColumn<qint64>("distance");
+        QTest::addColumn<qint64>("timeOut");
+        std::vector<std::future<qint64>> timeOuts;
+        const QList<const char *> events{"a day on", "two days back", "stopped for two seconds", "after that"};
+        for (const char *event : events) {
+            QVERIFY(QTest::qWaitFor([&] { return sent[Say].size() > qsizetype(timeOuts.size()); }, 20'000));
+            timeOuts.push_back(std::async(std::launch::async, &timeOut));
+            const qint64 before = QDateTime::currentSecsSinceEpoch();
+            const qint64 jump = event == events.at(0) ? Day : event == events.at(1) ? -2 * Day : 0;
+            jumped += jump;
+            QVERIFY(qAbs(QDateTime::currentSecsSinceEpoch() - before - jump) < 60); // Qt sees it
+            if (event == events.at(2)) {
+                QProcess waker;
+                waker.start("sh", {"-c", "kill -STOP $PPID; sleep 2; kill -CONT $PPID"});
+                QVERIFY(waker.waitForFinished());
+            }
+        }
+        QVERIFY(QTest::qWaitFor([&] { return sent[Say].size() > events.size(); }, 20'000));
+        for (auto &took : timeOuts)
+            took.wait();
+        c.messages.stopRotation();
+        c.players.autoUpdatePlayers->setChecked(false);
+        QVERIFY(QTest::qWaitFor([&c] { return c.actions.isIdle(); }));
+        QCOMPARE(c.alerts.titles() + QStringList(transcript.count(Say + "console: a\n"), {}),
+                 QStringList(sent[Say].size(), {})); // each has its own reply
+        for (qsizetype i = 0; i < events.size(); ++i)
+            QTest::newRow(events.at(i)) << sent[Say].value(i + 1) - sent[Say].at(i) << timeOuts.at(size_t(i)).get();
+        const QList<qint64> refreshes = sent["] teamstatus\n"];
+        for (qsizetype i = 1; i < refreshes.size(); ++i)
+            QVERIFY2(refreshes.at(i) - refreshes.at(i - 1) > 900, QByteArray::number(i)); // no burst
+        QVERIFY(refreshes.size() > 2);
+        demo.terminate();
+        QVERIFY(demo.waitForFinished());
+    }
+    void nothingHangsOrComesEarly()
+    {
+        QFETCH(qint64, distance);
+        QFETCH(qint64, timeOut);
+        // A reply ends by half a second of silence, then its second begins; a refresh may have the turn before it.
+        QVERIFY2(distance > 1400 && distance < 5000, QByteArray::number(distance));
+        QVERIFY2(timeOut > 3200 && timeOut < 7000, QByteArray::number(timeOut));
+    }
+
+private:
+    static constexpr time_t Day = 24 * 60 * 60;
+    const QString Say = "] say \"a\"\n";
+};
+
+QTEST_MAIN(TimeFaults)
+#include "tst_timefaults.moc"
