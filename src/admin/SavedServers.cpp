@@ -43,8 +43,7 @@ static bool isStorable(const QString &text)
 }
 
 SavedServers::SavedServers(QString path, QString loginName)
-    : m_file(std::move(path), largestFile, GuardedFile::ownerOnly), m_loginName(std::move(loginName)),
-      m_document(plist_new_dict())
+    : m_file(std::move(path), largestFile), m_loginName(std::move(loginName)), m_document(plist_new_dict())
 {
 }
 
