@@ -112,11 +112,15 @@ private slots:
             QVERIFY2(!isShown(window), qPrintable(groups->currentItem()->text()));
         }
 
-        const int before = copiesInMemory();
+        const int before = FERROW_SANITIZED ? 0 : copiesInMemory(); // a sanitizer would stop the look at freed memory
         pane.disconnectButton->click();
         pane.passwordField->clear();
         pane.savedServersController->selection()->clear();
-        qInfo("Copies of the password in memory: %d while connected, %d afterwards", before, copiesInMemory());
+        if (!FERROW_SANITIZED) {
+            const int after = copiesInMemory();
+            qInfo("Copies of the password in memory: %d while connected, %d afterwards", before, after);
+            QVERIFY(before > 0 && after <= 1); // the field's, which Qt has let go of as it was
+        }
 
         QDirIterator files(folder.path(), QDir::Files, QDirIterator::Subdirectories);
         while (files.hasNext()) {
