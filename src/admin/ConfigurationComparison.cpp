@@ -1,14 +1,9 @@
 #include "ConfigurationComparison.h"
 
 #include "QuotedStrings.h"
+#include "Secrets.h"
 
 #include <QSet>
-
-/// Also of passwords that no catalogue knows: what is shown may be seen over a shoulder, and what is copied is pasted.
-static bool isSecret(const QString &dvar)
-{
-    return dvar.contains(QLatin1String("password"), Qt::CaseInsensitive);
-}
 
 ConfigurationComparison::ConfigurationComparison(const QList<ConfigurationEntry> &file,
                                                  const QHash<QString, QString> &dvars,
@@ -37,7 +32,7 @@ ConfigurationComparison::ConfigurationComparison(const QList<ConfigurationEntry>
 void ConfigurationComparison::add(const QString &dvar, const std::optional<QString> &now,
                                   const std::optional<QString> &inFile, State state)
 {
-    const bool isHidden = isSecret(dvar);
+    const bool isHidden = holdsPassword(dvar);
     const auto shown = [isHidden](const std::optional<QString> &value) {
         if (!value)
             return QString();

@@ -8,6 +8,7 @@
 
 #include <QBuffer>
 #include <QDateTime>
+#include <QFileInfo>
 #include <QLocale>
 #include <QSet>
 
@@ -98,5 +99,8 @@ QList<ConfigurationEntry> writtenEntries(const ConfigurationContent &content)
 bool saveConfiguration(const ConfigurationContent &content, const QString &path, QString *error)
 {
     const QString date = QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat);
-    return AtomicFile::write(path, configurationText(content, date), error);
+    // The game's own password may be in it; a file that is there already keeps the rights that its owner gave it.
+    const QFileDevice::Permissions rights =
+        QFileInfo::exists(path) ? QFileDevice::Permissions() : AtomicFile::ownerOnly;
+    return AtomicFile::write(path, configurationText(content, date), error, rights);
 }

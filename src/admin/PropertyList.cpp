@@ -13,6 +13,9 @@
 static constexpr int deepestLevel = 32;
 static constexpr quint64 largestCost = 16 << 20;
 static constexpr quint64 nodeCost = 64;
+static constexpr quint64 mostXmlElements = 1 << 16;
+static constexpr quint64 mostQuotes = 4096;
+static constexpr quint64 mostBytesMoved = 1 << 28;
 
 namespace
 {
@@ -101,6 +104,29 @@ private:
 
 } // namespace
 
+/// Whether reading takes a time in proportion. libplist moves the rest of a text for every reference in it, and Qt
+/// compares every attribute with all of its tag: minutes, for a file of a few megabytes made for it.
+static bool isQuickXml(const QByteArray &data)
+{
+    quint64 quotes = 0;
+    quint64 references = 0;
+    quint64 textLength = 0;
+    quint64 moved = 0;
+    for (const char byte : data) {
+        ++textLength;
+        if (byte == '"' || byte == '\'')
+            ++quotes;
+        else if (byte == '&')
+            ++references;
+        if (byte != '<')
+            continue;
+        moved += references * textLength;
+        references = 0;
+        textLength = 0;
+    }
+    return quotes <= mostQuotes && moved <= mostBytesMoved;
+}
+
 /// Stricter than libplist, so that both see the same elements: well-formed UTF-8, no definitions of its own, and no
 /// attribute that could hide the end of a tag.
 static bool isHarmlessXml(const QByteArray &data)
@@ -121,7 +147,7 @@ static bool isHarmlessXml(const QByteArray &data)
         if (!reader.isStartElement())
             continue;
         const bool isPlain = reader.attributes().isEmpty() || (level == 0 && reader.name() == QLatin1String("plist"));
-        if (++level > deepestLevel || !isPlain || ++elements > largestCost / nodeCost)
+        if (++level > deepestLevel || !isPlain || ++elements > mostXmlElements)
             return false;
     }
     return !reader.hasError();
@@ -139,7 +165,7 @@ PropertyList parsedPropertyList(const QByteArray &data)
     if (data.startsWith("bplist00")) {
         if (BinaryPlistWalk(data).isHarmless())
             plist_from_bin(data.constData(), length, &root);
-    } else if (isHarmlessXml(data)) {
+    } else if (isQuickXml(data) && isHarmlessXml(data)) {
         plist_from_xml(data.constData(), length, &root);
     }
     PropertyList owner(root);

@@ -45,6 +45,10 @@ public:
 
     /// Sorted by label without regard to case.
     QList<SavedServer> servers() const;
+    /// The same with no password in any row. Passwords stay encrypted until somebody asks for one.
+    QList<SavedServer> serversWithoutPasswords() const;
+    /// @return nothing if it cannot be decrypted, or there is no server of that label.
+    std::optional<QString> password(const QString &label) const;
 
     /// Stores the entry under its label in place of an older one. Without a password the stored password stays.
     [[nodiscard]] SavedServersOutcome save(const SavedServer &entry);
@@ -61,6 +65,6 @@ private:
 
     GuardedFile m_file;
     QString m_loginName;
-    PropertyList m_document; // the whole file, with what this version does not know
-    QMap<QString, SavedServer> m_servers;
+    PropertyList m_document;              // the whole file, with what this version does not know
+    QMap<QString, SavedServer> m_servers; // without their passwords
 };

@@ -4,10 +4,9 @@
 #include "DemoServer.h"
 #include "FormMainView.h"
 #include "PasswordEncryption.h"
+#include "PrivateFolder.h"
 #include "ResourceFolder.h"
 
-#include <QDir>
-#include <QFile>
 #include <QStandardPaths>
 
 static CatalogueFolders catalogueFolders(const AppDelegate::Places &places)
@@ -57,8 +56,7 @@ QString AppDelegate::applicationSupportDirectory()
         const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
         const QString folder = base + QStringLiteral("/Kelvard Ferrow Remote Console");
         // A folder that cannot be made shows when something is written into it.
-        if (QDir().mkpath(folder))
-            QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        static_cast<void>(makePrivateFolder(folder));
         return folder;
     }();
     return path;

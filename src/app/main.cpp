@@ -1,6 +1,7 @@
 #include "AppDelegate.h"
 #include "CommandLine.h"
 #include "FormMainView.h"
+#include "ProcessPrivacy.h"
 #include "ResourceFolder.h"
 
 #include <QApplication>
@@ -25,8 +26,8 @@ int main(int argc, char **argv)
         std::fputs(qPrintable(answer), stdout);
         return 0;
     }
-    const QString password = qEnvironmentVariable("FERROW_RCON_PASSWORD");
-    qunsetenv("FERROW_RCON_PASSWORD"); // nothing that is started from here needs to know
+    ProcessPrivacy::forbidDumps();
+    QString password = ProcessPrivacy::takeFromEnvironment("FERROW_RCON_PASSWORD");
 
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("ferrow-rcon"));
@@ -43,7 +44,9 @@ int main(int argc, char **argv)
     if (line.isDemo)
         QTimer::singleShot(0, &delegate, &AppDelegate::tryDemoServer);
     else if (!line.connectHost.isEmpty())
-        QTimer::singleShot(0, &delegate,
-                           [&] { delegate.window().quickConnect(line.connectHost, line.connectPort, password); });
+        QTimer::singleShot(0, &delegate, [&] {
+            delegate.window().quickConnect(line.connectHost, line.connectPort, password);
+            password.clear(); // from now on the form's field has it
+        });
     return QApplication::exec();
 }

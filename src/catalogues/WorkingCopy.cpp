@@ -1,6 +1,7 @@
 #include "WorkingCopy.h"
 
 #include "AtomicFile.h"
+#include "PrivateFolder.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -68,7 +69,7 @@ WorkingCopy::Result WorkingCopy::refreshAndRead() const
 
     QString reason;
     if (isShipped && isOutdated()) {
-        const bool isFolderThere = QDir().mkpath(QFileInfo(m_path).path());
+        const bool isFolderThere = makePrivateFolder(QFileInfo(m_path).path());
         const bool isCopied = isFolderThere && AtomicFile::copy(m_defaultPath, m_path, &reason);
         if (!isFolderThere)
             reason = tr("The folder cannot be made.");

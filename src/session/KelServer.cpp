@@ -1,6 +1,7 @@
 #include "KelServer.h"
 
 #include "QuotedStrings.h"
+#include "Secrets.h"
 
 static Reply notConnected()
 {
@@ -12,6 +13,11 @@ KelServer::KelServer(Exchange &exchange, Alerts &alerts, QObject *parent)
 {
 }
 
+KelServer::~KelServer()
+{
+    wipe(m_dvars[QStringLiteral("rcon_password")]);
+}
+
 KelServer *KelServer::sharedKelServer()
 {
     return SharedInstance<KelServer>::latest();
@@ -21,6 +27,16 @@ void KelServer::disconnect()
 {
     ++m_cancellations;
     setConnected(false);
+    forgetPassword();
+}
+
+void KelServer::forgetPassword()
+{
+    QString password = m_dvars.take(QStringLiteral("rcon_password"));
+    if (password.isNull())
+        return;
+    emit dvarListChanged(); // whoever has a copy lets go of it
+    wipe(password);
 }
 
 void KelServer::cancelExchange()

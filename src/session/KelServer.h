@@ -25,6 +25,7 @@ class KelServer : public QObject
 public:
     /// `exchange` and `alerts` outlive the session. The latest session made is the shared one.
     KelServer(Exchange &exchange, Alerts &alerts, QObject *parent = nullptr);
+    ~KelServer() override;
 
     /// @return the latest session made, or null.
     static KelServer *sharedKelServer();
@@ -43,7 +44,8 @@ public:
     /// Connects and reports failures itself. Everything until the mode is known uses the password given here.
     /// isConnected() may stay true after a failure: only disconnect() ends a connection.
     QCoro::Task<> connectToHost(QString host, QString portText, QString password);
-    /// Ends the connection; nothing is sent. A connect that is under way stops where it is, without an alert.
+    /// Ends the connection and forgets the server's password; nothing is sent. A connect that is under way stops where
+    /// it is, without an alert.
     void disconnect();
     /// Ends the running exchange within one receive time-out; its action ends without an alert.
     void cancelExchange();
@@ -110,6 +112,7 @@ private:
     QString rconPassword() const;
     void readMode();
     void setConnected(bool isConnected);
+    void forgetPassword();
 
     Exchange &m_exchange;
     Alerts &m_alerts;

@@ -4,6 +4,7 @@
 #include "CatalogueLoader.h"
 #include "Number.h"
 #include "QuotedStrings.h"
+#include "Secrets.h"
 
 #include <limits>
 
@@ -42,6 +43,7 @@ static QStringList fieldsOfOne(const QString &reply)
 QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString password)
 {
     const quint64 cancellations = m_cancellations;
+    forgetPassword();
     m_dvars.clear();
     emit dvarListChanged();
     clearCommandHistory();
@@ -54,7 +56,7 @@ QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString p
         co_return;
     }
     const Request request{host, *newPort, password, QStringLiteral("dvardump"), false};
-    const Reply reply = co_await m_exchange.send(request);
+    Reply reply = co_await m_exchange.send(request);
     if (reply.isCancelled || cancellations != m_cancellations)
         co_return;
     if (!reply.isSuccess()) {
@@ -67,6 +69,7 @@ QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString p
     emit connectionBegan();
     for (const QStringView line : QStringView(reply.text).split(QLatin1Char('\n'), Qt::SkipEmptyParts))
         addDvarLine(line);
+    wipe(reply.text); // the password is among the variables
 
     const bool areAllThere = co_await fetchRequiredDvars(password);
     if (cancellations != m_cancellations)

@@ -29,9 +29,9 @@ RConExchange::~RConExchange()
 QCoro::Task<Reply> RConExchange::send(Request request)
 {
     const std::stop_token stop = m_stop.get_token();
-    const QFuture<Reply> pending = QtConcurrent::run(&m_worker, [request, stop] { return exchange(request, stop); });
-    const Reply reply = co_await pending;
-    co_return reply;
+    QFuture<Reply> pending = QtConcurrent::run(&m_worker, [request, stop] { return exchange(request, stop); });
+    co_await pending;
+    co_return pending.takeResult(); // no copy stays, so that the reply's reader can wipe it
 }
 
 void RConExchange::cancel()

@@ -52,7 +52,7 @@ bool AtomicFile::copy(const QString &source, const QString &target, QString *err
         return false;
     }
     const QDateTime modified = QFileInfo(source).lastModified();
-    if (!replace(target, content, modified, {}, error))
+    if (!replace(target, content, modified, ownerOnly, error))
         return false;
     if (QFileInfo(target).lastModified() >= modified)
         return true;

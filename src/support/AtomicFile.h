@@ -12,6 +12,8 @@ class AtomicFile
 {
     Q_DECLARE_TR_FUNCTIONS(AtomicFile)
 public:
+    static constexpr QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
+
     AtomicFile() = delete;
 
     /// Makes `content` the content of `path`. A link is followed, and the rights of a file that was there are kept.
@@ -20,7 +22,7 @@ public:
     [[nodiscard]] static bool write(const QString &path, const QByteArray &content, QString *error = nullptr,
                                     QFileDevice::Permissions permissions = {});
 
-    /// Makes `target` a copy of `source` that its owner may read and write, whatever the rights of `source`.
+    /// Makes `target` a copy of `source` that its owner alone may read and write, whatever the rights of `source`.
     /// The copy has the modification time of `source`, or a slightly later one where the file system is too coarse for
     /// it: it never looks older.
     [[nodiscard]] static bool copy(const QString &source, const QString &target, QString *error = nullptr);

@@ -2,6 +2,7 @@
 
 #include "AtomicFile.h"
 #include "BoundedFile.h"
+#include "PrivateFolder.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>
@@ -16,10 +17,7 @@ static QByteArray digestOf(const QByteArray &bytes)
     return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
 }
 
-GuardedFile::GuardedFile(QString path, qint64 largestSize, QFileDevice::Permissions permissions)
-    : m_path(std::move(path)), m_largestSize(largestSize), m_permissions(permissions)
-{
-}
+GuardedFile::GuardedFile(QString path, qint64 largestSize) : m_path(std::move(path)), m_largestSize(largestSize) {}
 
 bool GuardedFile::exists() const
 {
@@ -38,13 +36,11 @@ GuardedFile::Outcome GuardedFile::write(const QByteArray &bytes)
 {
     Outcome outcome;
     const QString folder = QFileInfo(m_path).absolutePath();
-    const bool hasFolder = QFileInfo::exists(folder) ||
-                           (QDir().mkpath(folder) && QFile::setPermissions(folder, ownerOnly | QFileDevice::ExeOwner));
-    if (!hasFolder) {
+    if (!QFileInfo::exists(folder) && !makePrivateFolder(folder)) {
         outcome.error = tr("The folder \"%1\" could not be made.").arg(QDir::toNativeSeparators(folder));
         return outcome;
     }
-    if (!keepAside(&outcome) || !AtomicFile::write(m_path, bytes, &outcome.error, m_permissions))
+    if (!keepAside(&outcome) || !AtomicFile::write(m_path, bytes, &outcome.error, AtomicFile::ownerOnly))
         return outcome;
     outcome.error.clear();
     m_knownDigest = digestOf(bytes);
@@ -79,7 +75,7 @@ bool GuardedFile::keepAside(Outcome *outcome)
     for (int number = 2; QFileInfo::exists(outcome->keptCopy); ++number)
         outcome->keptCopy = name + QStringLiteral("-%1").arg(number);
     QFile file(m_path);
-    if (file.copy(outcome->keptCopy) && QFile::setPermissions(outcome->keptCopy, ownerOnly)) {
+    if (file.copy(outcome->keptCopy) && QFile::setPermissions(outcome->keptCopy, AtomicFile::ownerOnly)) {
         m_knownDigest = digestOf(bytes.value_or(QByteArray())); // one copy is enough if what follows fails
         m_isDamaged = !bytes;
         return true;

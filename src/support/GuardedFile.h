@@ -2,13 +2,13 @@
 
 #include <QByteArray>
 #include <QCoreApplication>
-#include <QFileDevice>
 #include <QString>
 
 #include <optional>
 
 /// A file of the user's work. It is replaced as a whole; what this program has not read, because the file is damaged or
-/// another program has changed it, is kept aside as a copy before it goes. Main thread only.
+/// another program has changed it, is kept aside as a copy before it goes. What is written only its owner can read.
+/// Main thread only.
 class GuardedFile
 {
     Q_DECLARE_TR_FUNCTIONS(GuardedFile)
@@ -21,11 +21,8 @@ public:
         bool isSuccess() const { return error.isEmpty(); }
     };
 
-    static constexpr QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
-
     /// @param largestSize  in bytes; a larger file counts as damaged.
-    /// @param permissions  of the file when it is written; by default those of the file before it.
-    GuardedFile(QString path, qint64 largestSize, QFileDevice::Permissions permissions = {});
+    GuardedFile(QString path, qint64 largestSize);
 
     QString path() const { return m_path; }
     bool exists() const;
@@ -43,7 +40,6 @@ private:
 
     QString m_path;
     qint64 m_largestSize;
-    QFileDevice::Permissions m_permissions;
     QByteArray m_knownDigest; // of the file as it was last read, written or kept aside
     bool m_isDamaged = false;
 };

@@ -8,7 +8,8 @@
 class Preferences
 {
 public:
-    /// Keeps the settings in `fileName`, or in the user's own place when it is empty.
+    /// Keeps the settings in `fileName`, or in the user's own place when it is empty; its owner alone can read them.
+    /// With something there that is no file they are kept for this run only.
     explicit Preferences(const QString &fileName = {});
 
     /// A registered default applies only where the user has set nothing, and is never written.
@@ -21,6 +22,7 @@ public:
     void setValue(const QString &key, const QVariant &value);
 
 private:
+    bool m_isFilePrivate = false;
     QSettings m_settings;
     QVariantHash m_defaults;
 };

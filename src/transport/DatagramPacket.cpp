@@ -1,6 +1,7 @@
 #include "DatagramPacket.h"
 
 #include "QuotedStrings.h"
+#include "Secrets.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
@@ -134,30 +135,32 @@ void DatagramPacket::setSendAttemptNum(unsigned sendAttemptNum)
 bool DatagramPacket::send(const QString &requestText)
 {
     setSendAttemptNum(m_sendAttemptNum + 1);
-    QByteArray datagram;
-    datagram.reserve(requestHeader.size() + requestText.size() + 1);
-    datagram.append(requestHeader);
-    if (isLatin1(requestText))
-        datagram.append(requestText.toLatin1());
-    datagram.append('\0');
+    Wiped<QByteArray> datagram; // it holds the password
+    datagram->reserve(requestHeader.size() + requestText.size() + 1);
+    datagram->append(requestHeader);
+    if (isLatin1(requestText)) {
+        for (const QChar character : requestText)
+            datagram->append(character.toLatin1());
+    }
+    datagram->append('\0');
 
     const ssize_t sent = withinTimeout(SO_SNDTIMEO, [this, &datagram](bool isBounded, microseconds) {
-        return ::sendto(m_socket, datagram.constData(), std::size_t(datagram.size()), isBounded ? 0 : MSG_DONTWAIT,
+        return ::sendto(m_socket, datagram->constData(), std::size_t(datagram->size()), isBounded ? 0 : MSG_DONTWAIT,
                         reinterpret_cast<const sockaddr *>(&m_address), sizeof m_address);
     });
     if (sent < 0) {
         const int errorNumber = errno;
         qCWarning(transport, "errno=%d (%s)", errorNumber, systemText(errorNumber).c_str());
     }
-    return sent == datagram.size();
+    return sent == datagram->size();
 }
 
 RConResult DatagramPacket::receive(QString *reply)
 {
-    std::array<char, bufferLength> buffer;
-    const ssize_t length = readDatagram(buffer);
+    Wiped<std::array<char, bufferLength>> buffer; // a list of all variables has the password among them
+    const ssize_t length = readDatagram(*buffer);
     if (length > 0)
-        return getString(reply, buffer.data(), std::size_t(length));
+        return getString(reply, buffer->data(), std::size_t(length));
     if (length == 0) {
         place(reply, QStringLiteral("The server replied with an empty packet."));
         return RConResultNullReply;
@@ -183,9 +186,9 @@ RConResult DatagramPacket::receiveMulti(QString *reply, quint32 *packetsReceived
         return firstResult;
 
     quint32 count = 1;
-    std::array<char, bufferLength> buffer;
+    Wiped<std::array<char, bufferLength>> buffer;
     while (!stop.stop_requested()) {
-        const ssize_t length = readDatagram(buffer);
+        const ssize_t length = readDatagram(*buffer);
         // The server sends no end mark: a reply is over when nothing has come for one time-out.
         if (length == 0 || (length < 0 && isTimeout(errno))) {
             if (packetsReceived)
@@ -197,7 +200,7 @@ RConResult DatagramPacket::receiveMulti(QString *reply, quint32 *packetsReceived
             return RConResultError;
         }
         QString text;
-        const RConResult result = getString(&text, buffer.data(), std::size_t(length));
+        const RConResult result = getString(&text, buffer->data(), std::size_t(length));
         if (result != RConResultSuccess) {
             gathered = text;
             return result;
@@ -207,7 +210,8 @@ RConResult DatagramPacket::receiveMulti(QString *reply, quint32 *packetsReceived
             gathered = QStringLiteral("The server's reply is too long.");
             return RConResultError;
         }
-        gathered += text;
+        appendWithoutTrace(gathered, text);
+        wipe(text);
         ++count;
     }
     gathered = QStringLiteral("The exchange was cancelled.");

@@ -1,6 +1,7 @@
 #include "RCon.h"
 
 #include "DatagramPacket.h"
+#include "Secrets.h"
 #include "TrafficLog.h"
 
 #include <QCoreApplication>
@@ -51,14 +52,14 @@ public:
 
     RConResult run(const QString &password, const QString &command, QString *reply, const std::stop_token &stop)
     {
-        const QString request = password + u' ' + command;
+        Wiped<QString> request(password + u' ' + command);
         RConResult result = RConResultTimeout;
         for (unsigned attempt = 1; attempt <= pauses.size() && result == RConResultTimeout; ++attempt) {
             if (stop.stop_requested())
                 return RConResultError;
             m_log.writeSend(attempt, command);
             // A failed send is in the system log, and the read that follows says how the attempt ended.
-            static_cast<void>(m_packet.send(request));
+            static_cast<void>(m_packet.send(*request));
             pauseUnlessStopped(pauses[attempt - 1], stop);
             if (stop.stop_requested())
                 return RConResultError;

@@ -44,14 +44,14 @@ QString now()
     return time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss ")) + zone;
 }
 
-/// A command that sets a password, with stars for the password.
+/// A command that sets a password, with stars for the password and what follows it.
 QString withoutPassword(const QString &command)
 {
-    static const QRegularExpression setting(QStringLiteral("^(\\s*(?:\\S+\\s+)?\\S*password\\S*\\s+)\\S.*$"),
-                                            QRegularExpression::CaseInsensitiveOption |
-                                                QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression setting(
+        QStringLiteral("((?:^|[;\\n])\\s*(?:\\S+\\s+)?\\S*password[^\\s\"]*(?:\\s+|(?=\")))\\S.*$"),
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
     const QRegularExpressionMatch match = setting.match(command);
-    return match.hasMatch() ? match.captured(1) + QStringLiteral("***") : command;
+    return match.hasMatch() ? command.left(match.capturedEnd(1)) + QStringLiteral("***") : command;
 }
 
 } // namespace

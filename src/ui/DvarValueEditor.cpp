@@ -1,6 +1,7 @@
 #include "DvarValueEditor.h"
 
 #include "DvarSetting.h"
+#include "Secrets.h"
 
 #include <QAccessible>
 #include <QLabel>
@@ -37,6 +38,8 @@ DvarValueEditor::DvarValueEditor(const std::shared_ptr<DvarSetting> &setting, QW
     setObjectName(QStringLiteral("dvarValueEditor"));
     setAccessibleName(tr("Value of %1").arg(setting->name()));
     setAutoFillBackground(true);
+    if (holdsPassword(setting->dvar()))
+        setEchoMode(QLineEdit::PasswordEchoOnEdit);
     setValidator(new DvarValueValidator(setting, this));
     m_hint->setObjectName(QStringLiteral("dvarValueHint"));
     m_hint->setTextFormat(Qt::PlainText);

@@ -3,10 +3,19 @@
 #include "ActionQueue.h"
 #include "Alerts.h"
 #include "PlaceholderTable.h"
+#include "Secrets.h"
 
 #include <QDesktopServices>
 #include <QKeyEvent>
 #include <QUrl>
+
+/// The field keeps no copy of the text before, so that it can be wiped.
+static void replacePassword(QLineEdit *field, const QString &password)
+{
+    QString before = field->text();
+    field->setText(password);
+    wipe(before);
+}
 
 ServersView::~ServersView() = default;
 
@@ -50,7 +59,7 @@ void ServersView::showList()
 {
     savedServerTableView->setPlaceholder(
         tr("No server is saved yet. Fill in the form below and press \"Save to List\"."));
-    savedServersController->mergeContent(m_savedServers.servers());
+    savedServersController->mergeContent(m_savedServers.serversWithoutPasswords());
     selectionDidChange();
 }
 
@@ -75,16 +84,21 @@ void ServersView::deleteSelectionFromTableView()
 void ServersView::connectToSavedServerButtonPressed()
 {
     const QList<SavedServer> chosen = savedServersController->selectedObjects();
-    if (!chosen.isEmpty() && !m_isConnecting)
-        emit savedServerChosen(chosen.last());
+    if (chosen.isEmpty() || m_isConnecting)
+        return;
+    SavedServer server = chosen.last();
+    server.password = m_savedServers.password(server.label);
+    emit savedServerChosen(server);
 }
 
 void ServersView::selectionDidChange()
 {
     const QList<SavedServer> chosen = savedServersController->selectedObjects();
     savedPasswordField->setEnabled(!chosen.isEmpty());
-    savedPasswordField->setText(chosen.isEmpty() ? QString() : chosen.last().password.value_or(QString()));
-    const bool isUnknown = !chosen.isEmpty() && !chosen.last().password;
+    const std::optional<QString> password =
+        chosen.isEmpty() ? std::nullopt : m_savedServers.password(chosen.last().label);
+    replacePassword(savedPasswordField, password.value_or(QString()));
+    const bool isUnknown = !chosen.isEmpty() && !password;
     savedPasswordField->setPlaceholderText(isUnknown ? tr("cannot be decrypted") : QString());
     controlTextDidChange();
 }
@@ -93,7 +107,7 @@ void ServersView::savedPasswordDidChange()
 {
     const QList<SavedServer> chosen = savedServersController->selectedObjects();
     const QString password = savedPasswordField->text();
-    if (!chosen.isEmpty() && chosen.last().password.value_or(QString()) != password)
+    if (!chosen.isEmpty() && m_savedServers.password(chosen.last().label).value_or(QString()) != password)
         storePassword(chosen.last().label, password);
 }
 

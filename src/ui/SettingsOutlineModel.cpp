@@ -3,6 +3,7 @@
 #include "DvarSetting.h"
 #include "DvarSettingCategory.h"
 #include "KelServer.h"
+#include "Secrets.h"
 
 #include <QRegularExpression>
 
@@ -88,6 +89,8 @@ void SettingsOutlineModel::followSession()
         m_valuesAtConnect.clear();
         m_isConnectComplete = false;
     }
+    if (!m_server.dvarList().contains(QStringLiteral("rcon_password"))) // forgotten when disconnecting
+        m_valuesAtConnect.remove(QStringLiteral("rcon_password"));
     announceChanges();
 }
 
@@ -148,7 +151,10 @@ bool SettingsOutlineModel::isChanged(const QString &dvar, const QString &value) 
 SettingsOutlineModel::Shown SettingsOutlineModel::shownFor(const DvarSetting &setting) const
 {
     const QString value = setting.dvarValue();
-    return Shown{value, isChanged(setting.dvar(), value), m_writes.contains(setting.dvar())};
+    Shown shown{value, isChanged(setting.dvar(), value), m_writes.contains(setting.dvar())};
+    if (holdsPassword(setting.dvar()) && !value.isNull()) // enough to see that it is another one
+        shown.value = QString::number(qHash(value));
+    return shown;
 }
 
 std::shared_ptr<DvarSetting> SettingsOutlineModel::settingAt(const QModelIndex &index) const

@@ -2,6 +2,7 @@
 
 #include "DvarSetting.h"
 #include "DvarSettingCategory.h"
+#include "Secrets.h"
 
 #include <QFont>
 
@@ -12,6 +13,12 @@ static constexpr qsizetype longestToolTip = 2000;
 static QString shortened(const QString &text, qsizetype length)
 {
     return text.size() <= length ? text : text.left(length) + QChar(0x2026);
+}
+
+/// A value as it may be seen over a shoulder. The stars do not tell how many characters they stand for.
+static QString shownValue(const DvarSetting &setting, const QString &value)
+{
+    return holdsPassword(setting.dvar()) && !value.isEmpty() ? QStringLiteral("********") : value;
 }
 
 static bool isBool(const DvarSetting &setting)
@@ -93,7 +100,7 @@ QString SettingsOutlineModel::displayText(const DvarSetting &setting, int column
     const QString value = setting.dvarValue();
     if (value.isNull())
         return tr("Not known to the server");
-    return isBool(setting) ? QString() : shortened(value, longestCellText);
+    return isBool(setting) ? QString() : shortened(shownValue(setting, value), longestCellText);
 }
 
 QString SettingsOutlineModel::changeText(const DvarSetting &setting) const
@@ -103,7 +110,7 @@ QString SettingsOutlineModel::changeText(const DvarSetting &setting) const
     const QString old = valueAtConnect(setting.dvar());
     if (old.isNull())
         return tr("Was: not known to the server");
-    return old.isEmpty() ? tr("Was: empty") : tr("Was: %1").arg(old);
+    return old.isEmpty() ? tr("Was: empty") : tr("Was: %1").arg(shownValue(setting, old));
 }
 
 QString SettingsOutlineModel::toolTip(const DvarSetting &setting, int column) const
@@ -113,7 +120,7 @@ QString SettingsOutlineModel::toolTip(const DvarSetting &setting, int column) co
         lines.append(setting.settingDescription());
     lines.append(tr("Variable: %1").arg(setting.dvar()));
     if (column == ValueColumn && !setting.dvarValue().isEmpty())
-        lines.append(tr("Value: %1").arg(setting.dvarValue()));
+        lines.append(tr("Value: %1").arg(shownValue(setting, setting.dvarValue())));
     lines.append(changeText(setting));
     lines.removeAll(QString());
     for (QString &line : lines)

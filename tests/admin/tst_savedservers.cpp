@@ -195,6 +195,12 @@ private slots:
         QTest::newRow("XML with entities") << QByteArray("<!DOCTYPE plist [<!ENTITY a \"b\">]><plist><dict/></plist>");
         QTest::newRow("XML deep") << xmlFile("<key>a</key>" + QByteArray("<array>").repeated(100'000) +
                                              QByteArray("</array>").repeated(100'000));
+        QTest::newRow("XML of references")
+            << xmlFile("<key>a</key><string>" + QByteArray("&lt;").repeated(400'000) + "</string>");
+        QByteArray attributes = "<plist ";
+        for (int i = 0; i < 60'000; ++i)
+            attributes += "a" + QByteArray::number(i) + "='>' ";
+        QTest::newRow("XML of attributes") << attributes + "><dict/></plist>";
         QTest::newRow("larger than the bound")
             << xmlFile("<key>a</key><string>" + QByteArray(3 << 20, 'x') + "</string>");
     }

@@ -8,6 +8,8 @@
 
 #include <limits>
 
+#include <sys/stat.h>
+
 class PreferencesTest : public QObject
 {
     Q_OBJECT
@@ -24,9 +26,22 @@ private slots:
             QCOMPARE(preferences.boolValue(QStringLiteral("autoUpdatePlayers")), false);
             preferences.setValue(time, 5);
         }
+        QVERIFY(QFile::setPermissions(file, QFile::Permissions(0x6666)));
         Preferences preferences(file);
         preferences.registerDefaults({{time, 30}});
         QCOMPARE(preferences.intValue(time, 1, 1000), 5);
+        preferences.setValue(time, 6);
+        QCOMPARE(QFile::permissions(file) & QFile::Permissions(0x0077), QFile::Permissions());
+    }
+
+    void aPipeInItsPlaceStopsNothing()
+    {
+        const QTemporaryDir folder;
+        const QString pipe = folder.filePath(QStringLiteral("settings.ini"));
+        QCOMPARE(::mkfifo(qPrintable(pipe), 0600), 0);
+        Preferences preferences(pipe);
+        preferences.setValue(QStringLiteral("key"), 5);
+        QCOMPARE(preferences.intValue(QStringLiteral("key"), 1, 9), 5);
     }
 
     void aHandEditedValueIsBroughtIntoRange_data()

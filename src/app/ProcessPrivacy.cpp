@@ -1,0 +1,35 @@
+#include "ProcessPrivacy.h"
+
+#include "Secrets.h"
+
+#include <sys/resource.h>
+#ifdef Q_OS_LINUX
+#include <sys/prctl.h>
+#endif
+
+#include <cstdlib>
+#include <cstring>
+
+QString ProcessPrivacy::takeFromEnvironment(const char *name)
+{
+    char *const value = std::getenv(name);
+    if (value == nullptr)
+        return {};
+    QString text = QString::fromLocal8Bit(value);
+    wipe(std::span<char>(value, std::strlen(value)));
+    qunsetenv(name);
+    return text;
+}
+
+void ProcessPrivacy::forbidDumps()
+{
+#ifdef NDEBUG
+    if (qEnvironmentVariableIntValue("FERROW_RCON_DUMPS") == 1)
+        return;
+    const rlimit none{0, 0};
+    static_cast<void>(::setrlimit(RLIMIT_CORE, &none));
+#ifdef Q_OS_LINUX
+    static_cast<void>(::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0));
+#endif
+#endif
+}
