@@ -93,13 +93,20 @@ void SavedServers::readEntries()
             continue;
         }
         const QString label = QString::fromUtf8(key);
-        m_servers.insert(label, {label, textOf(entry, "host"), textOf(entry, "port"), passwordOf(entry, m_loginName)});
+        m_servers.insert(label, {label, textOf(entry, "host"), textOf(entry, "port"), std::nullopt});
     }
 }
 
 QList<SavedServer> SavedServers::servers() const
 {
     return valuesSortedByKey(m_servers);
+}
+
+std::optional<QString> SavedServers::password(const QString &label) const
+{
+    if (!m_servers.contains(label))
+        return std::nullopt;
+    return passwordOf(plist_dict_get_item(m_document.get(), label.toUtf8().constData()), m_loginName);
 }
 
 SavedServersOutcome SavedServers::save(const SavedServer &entry)
@@ -122,18 +129,16 @@ SavedServersOutcome SavedServers::save(const SavedServer &entry)
     }
     plist_dict_set_item(node, "host", plist_new_string(entry.host.toUtf8().constData()));
     plist_dict_set_item(node, "port", plist_new_string(entry.port.toUtf8().constData()));
-    m_servers.insert(entry.label, {entry.label, entry.host, entry.port, passwordOf(node, m_loginName)});
+    m_servers.insert(entry.label, {entry.label, entry.host, entry.port, std::nullopt});
     return entry.password ? setPassword(entry.label, *entry.password) : write();
 }
 
 SavedServersOutcome SavedServers::setPassword(const QString &label, const QString &password)
 {
-    const auto server = m_servers.find(label);
-    if (server == m_servers.end())
+    if (!m_servers.contains(label))
         return {tr("There is no saved server \"%1\" any more; its password was not stored.").arg(label), {}};
     if (password.size() > longestText)
         return {tr("The password of \"%1\" is too long to be stored.").arg(label), {}};
-    server->password = password;
     const plist_t entry = plist_dict_get_item(m_document.get(), label.toUtf8().constData());
     const auto secret = AES256EncryptWithPassword(password, encryptionPassword, m_loginName);
     if (secret)

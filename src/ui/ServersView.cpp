@@ -75,16 +75,22 @@ void ServersView::deleteSelectionFromTableView()
 void ServersView::connectToSavedServerButtonPressed()
 {
     const QList<SavedServer> chosen = savedServersController->selectedObjects();
-    if (!chosen.isEmpty() && !m_isConnecting)
-        emit savedServerChosen(chosen.last());
+    if (chosen.isEmpty() || m_isConnecting)
+        return;
+    SavedServer server = chosen.last();
+    server.password = m_savedServers.password(server.label);
+    emit savedServerChosen(server);
 }
 
 void ServersView::selectionDidChange()
 {
     const QList<SavedServer> chosen = savedServersController->selectedObjects();
+    std::optional<QString> password;
+    if (!chosen.isEmpty())
+        password = m_savedServers.password(chosen.last().label);
     savedPasswordField->setEnabled(!chosen.isEmpty());
-    savedPasswordField->setText(chosen.isEmpty() ? QString() : chosen.last().password.value_or(QString()));
-    const bool isUnknown = !chosen.isEmpty() && !chosen.last().password;
+    savedPasswordField->setText(password.value_or(QString()));
+    const bool isUnknown = !chosen.isEmpty() && !password;
     savedPasswordField->setPlaceholderText(isUnknown ? tr("cannot be decrypted") : QString());
     controlTextDidChange();
 }
@@ -93,7 +99,7 @@ void ServersView::savedPasswordDidChange()
 {
     const QList<SavedServer> chosen = savedServersController->selectedObjects();
     const QString password = savedPasswordField->text();
-    if (!chosen.isEmpty() && chosen.last().password.value_or(QString()) != password)
+    if (!chosen.isEmpty() && m_savedServers.password(chosen.last().label).value_or(QString()) != password)
         storePassword(chosen.last().label, password);
 }
 
