@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <utility>
 
 /// How late the main loop comes to a timer of 1 ms: what a key press or a repaint would have waited.
 class Stalls : public QObject
@@ -35,7 +36,7 @@ public:
         return sorted.isEmpty() ? 0 : sorted.at(static_cast<qsizetype>(part * static_cast<double>(sorted.size() - 1)));
     }
     /// The longest work between two beats in milliseconds of the processor: what a stall comes to on an idle machine.
-    double longestWork() const { return m_longestWork; }
+    double takeLongestWork() { return std::exchange(m_longestWork, 0); }
 
 private:
     static double busy()
