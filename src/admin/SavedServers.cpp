@@ -98,14 +98,6 @@ void SavedServers::readEntries()
 
 QList<SavedServer> SavedServers::servers() const
 {
-    QList<SavedServer> rows = serversWithoutPasswords();
-    for (SavedServer &server : rows)
-        server.password = password(server.label);
-    return rows;
-}
-
-QList<SavedServer> SavedServers::serversWithoutPasswords() const
-{
     return valuesSortedByKey(m_servers);
 }
 

@@ -11,7 +11,7 @@
 
 #include <optional>
 
-/// One row of the list: everything as the user typed it. Without a password when the stored one cannot be decrypted.
+/// One row of the list: everything as the user typed it. The rows that servers() gives hold no password.
 struct SavedServer {
     QString label;
     QString host;
@@ -45,9 +45,9 @@ public:
 
     /// Sorted by label without regard to case.
     QList<SavedServer> servers() const;
-    /// The same with no password in any row. Passwords stay encrypted until somebody asks for one.
-    QList<SavedServer> serversWithoutPasswords() const;
-    /// @return nothing if it cannot be decrypted, or there is no server of that label.
+
+    /// Decrypted at every call, so that only the password in use stands readable in memory. Nothing if there is none or
+    /// if it cannot be decrypted.
     std::optional<QString> password(const QString &label) const;
 
     /// Stores the entry under its label in place of an older one. Without a password the stored password stays.

@@ -1,5 +1,6 @@
 #include "AppDelegate.h"
 #include "CommandLine.h"
+#include "EarlyFonts.h"
 #include "FormMainView.h"
 #include "ProcessPrivacy.h"
 #include "ResourceFolder.h"
@@ -29,6 +30,7 @@ int main(int argc, char **argv)
     ProcessPrivacy::forbidDumps();
     QString password = ProcessPrivacy::takeFromEnvironment("FERROW_RCON_PASSWORD");
 
+    EarlyFonts fonts;
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("ferrow-rcon"));
     QApplication::setApplicationVersion(CommandLine::version());
@@ -38,8 +40,11 @@ int main(int argc, char **argv)
         return 2;
     }
     QApplication::setDesktopFileName(QStringLiteral("net.kelvard.ferrow_rcon"));
-    QApplication::setWindowIcon(QIcon(resourceFolder() + QStringLiteral("/icons/48.png")));
+    fonts.wait();
     AppDelegate delegate;
+    // Not before the first frame: an icon brings in the plugins for pictures.
+    QObject::connect(&delegate.window(), &FormMainView::firstFrameShown, &application,
+                     [] { QApplication::setWindowIcon(QIcon(resourceFolder() + QStringLiteral("/icons/48.png"))); });
     delegate.window().show();
     if (line.isDemo)
         QTimer::singleShot(0, &delegate, &AppDelegate::tryDemoServer);

@@ -2,6 +2,9 @@
 
 #include "Alerts.h"
 
+#include <QCoroFuture>
+#include <QtConcurrentRun>
+
 #include <utility>
 
 CatalogueReader::CatalogueReader(CatalogueFolders folders, Alerts &alerts, std::function<void()> terminate)
@@ -11,7 +14,11 @@ CatalogueReader::CatalogueReader(CatalogueFolders folders, Alerts &alerts, std::
 
 QCoro::Task<WorkingCopy::Result> CatalogueReader::open(WorkingCopy::Kind kind)
 {
-    const WorkingCopy::Result result = WorkingCopy(m_folders, kind).refreshAndRead();
+    // Aside from the main thread: a slow disk would hold up the window.
+    const CatalogueFolders folders = m_folders;
+    const QFuture<WorkingCopy::Result> pending =
+        QtConcurrent::run([folders, kind] { return WorkingCopy(folders, kind).refreshAndRead(); });
+    const WorkingCopy::Result result = co_await pending;
     if (result.state == CatalogueState::Damaged)
         co_await m_alerts->run(tr("Catalogue Not Loaded"), result.error);
     if (result.state == CatalogueState::Missing) {

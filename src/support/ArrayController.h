@@ -32,21 +32,31 @@ public:
         : QAbstractTableModel(parent), m_columns(std::move(columns)), m_keyOf(std::move(keyOf)),
           m_selection(&m_arranged)
     {
-        m_arranged.setSourceModel(this);
         connect(&m_selection, &QItemSelectionModel::selectionChanged, this, [this] {
             if (!m_isUpdating)
                 m_hiddenSelection.clear(); // a new choice of the user's replaces what the filter hides
         });
     }
 
-    ArrangedRows *arranged() { return &m_arranged; }
-    QItemSelectionModel *selection() { return &m_selection; }
+    ArrangedRows *arranged()
+    {
+        if (!isArranged()) // put off until somebody looks: it takes long, and the start makes many controllers
+            m_arranged.setSourceModel(this);
+        return &m_arranged;
+    }
+    QItemSelectionModel *selection()
+    {
+        arranged();
+        return &m_selection;
+    }
 
     const QList<Row> &content() const { return m_rows; }
 
     /// All rows in the order of the table; rows that the filter hides are among them.
     QList<Row> arrangedObjects() const
     {
+        if (!isArranged())
+            return m_rows;
         QList<Row> rows;
         rows.reserve(m_rows.size());
         for (const int row : m_arranged.sourceRowsInOrder())
@@ -110,7 +120,7 @@ public:
     {
         const QSet<QString> chosen = selectedKeys();
         m_isUpdating = true;
-        m_arranged.setFilterText(text);
+        arranged()->setFilterText(text);
         m_isUpdating = false;
         selectKeys(chosen);
     }
@@ -183,6 +193,8 @@ protected:
     }
 
 private:
+    bool isArranged() const { return m_arranged.sourceModel() != nullptr; }
+
     QSet<QString> selectedKeys() const
     {
         QSet<QString> keys = m_hiddenSelection;
@@ -193,6 +205,8 @@ private:
 
     void selectKeys(const QSet<QString> &keys)
     {
+        if (!isArranged()) // then nothing has been chosen
+            return;
         QItemSelection chosen;
         m_hiddenSelection.clear();
         for (int row = 0; row < m_rows.size(); ++row) {

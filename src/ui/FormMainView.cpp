@@ -99,8 +99,20 @@ void FormMainView::insertViews()
 void FormMainView::showEvent(QShowEvent *event)
 {
     QMainWindow::showEvent(event);
+    // A window that opens minimised paints nothing yet, and gets its views all the same.
+    QTimer::singleShot(std::chrono::milliseconds(500), this, &FormMainView::makeViews);
+}
+
+void FormMainView::paintEvent(QPaintEvent *event)
+{
+    QMainWindow::paintEvent(event);
+    if (std::exchange(m_hasPainted, true))
+        return;
     // After the first frame, so that it comes as early as it can.
-    QTimer::singleShot(std::chrono::milliseconds(50), this, &FormMainView::makeViews);
+    QTimer::singleShot(0, this, [this] {
+        emit firstFrameShown();
+        makeViews();
+    });
 }
 
 void FormMainView::layOut()

@@ -87,12 +87,15 @@ public slots:
 
 signals:
     void demoServerRequested();
+    /// Once, when the window can be seen: what may wait until then is done now, just before the views are made.
+    void firstFrameShown();
     /// The config builder has come to the front for the second time in the life of the process: its tables select all
     /// their rows, and leave later visits to the user's own choice.
     void configBuilderVisitedAgain();
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:
@@ -147,6 +150,7 @@ private:
     QMenu *m_configurationMenu = nullptr;
     QUndoGroup m_undoGroup;
     QString m_statusBeforeConnect;
+    bool m_hasPainted = false;
     bool m_isAskingToClose = false;
     int m_connects = 0; ///< that wait or are under way
 };

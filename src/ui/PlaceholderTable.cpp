@@ -1,6 +1,7 @@
 #include "PlaceholderTable.h"
 
-#include <QHeaderView>
+#include "PlainHeader.h"
+
 #include <QPainter>
 
 PlaceholderTable::PlaceholderTable(QWidget *parent) : QTableView(parent)
@@ -17,7 +18,7 @@ PlaceholderTable::PlaceholderTable(QWidget *parent) : QTableView(parent)
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
-    horizontalHeader()->setHighlightSections(false);
+    setHorizontalHeader(new PlainHeader(this));
     horizontalHeader()->setStretchLastSection(true);
 }
 

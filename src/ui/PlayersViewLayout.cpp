@@ -73,7 +73,9 @@ void PlayersView::layOut()
     playerFilterField->setObjectName(QStringLiteral("playerFilterField"));
     playerFilterField->setAccessibleName(tr("Filter players"));
     playerFilterField->setPlaceholderText(tr("Filter players"));
-    playerFilterField->setClearButtonEnabled(true);
+    // Its icon is looked for in every icon theme; until there is text it is not shown anyway.
+    connect(playerFilterField, &QLineEdit::textChanged, playerFilterField,
+            [field = playerFilterField] { field->setClearButtonEnabled(true); });
     playersTableView->setObjectName(QStringLiteral("playersTableView"));
     playersTableView->setAccessibleName(tr("Players"));
     playersTableView->setModel(playersController->arranged());

@@ -59,7 +59,7 @@ void ServersView::showList()
 {
     savedServerTableView->setPlaceholder(
         tr("No server is saved yet. Fill in the form below and press \"Save to List\"."));
-    savedServersController->mergeContent(m_savedServers.serversWithoutPasswords());
+    savedServersController->mergeContent(m_savedServers.servers());
     selectionDidChange();
 }
 
@@ -94,9 +94,10 @@ void ServersView::connectToSavedServerButtonPressed()
 void ServersView::selectionDidChange()
 {
     const QList<SavedServer> chosen = savedServersController->selectedObjects();
+    std::optional<QString> password;
+    if (!chosen.isEmpty())
+        password = m_savedServers.password(chosen.last().label);
     savedPasswordField->setEnabled(!chosen.isEmpty());
-    const std::optional<QString> password =
-        chosen.isEmpty() ? std::nullopt : m_savedServers.password(chosen.last().label);
     replacePassword(savedPasswordField, password.value_or(QString()));
     const bool isUnknown = !chosen.isEmpty() && !password;
     savedPasswordField->setPlaceholderText(isUnknown ? tr("cannot be decrypted") : QString());

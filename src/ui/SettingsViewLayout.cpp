@@ -46,7 +46,9 @@ void SettingsView::layOut(Mode mode)
     settingsFilterField->setObjectName(QStringLiteral("settingsFilterField"));
     settingsFilterField->setAccessibleName(tr("Filter settings"));
     settingsFilterField->setPlaceholderText(tr("Filter settings"));
-    settingsFilterField->setClearButtonEnabled(true);
+    // Its icon is looked for in every icon theme; until there is text it is not shown anyway.
+    connect(settingsFilterField, &QLineEdit::textChanged, settingsFilterField,
+            [field = settingsFilterField] { field->setClearButtonEnabled(true); });
     settingsFilterField->setMinimumWidth(220);
     settingsOutlineView->setObjectName(mode == Mode::Ranked ? QStringLiteral("rankedOutlineView")
                                                             : QStringLiteral("unrankedOutlineView"));

@@ -37,7 +37,9 @@ static QStringList rowsOf(const SavedServers &list)
 {
     QStringList rows;
     for (const SavedServer &server : list.servers())
-        rows.append(QStringList{server.label, server.host, server.port, server.password.value_or("(none)")}.join('|'));
+        rows.append(
+            QStringList{server.label, server.host, server.port, list.password(server.label).value_or("(none)")}.join(
+                '|'));
     return rows;
 }
 

@@ -25,7 +25,10 @@ struct Servers : Fixture {
         SavedServers again(folder.filePath(QStringLiteral("SavedServers.plist")), QStringLiteral("tester"));
         if (!again.load().error.isEmpty())
             return {};
-        return again.servers();
+        QList<SavedServer> list = again.servers();
+        for (SavedServer &saved : list)
+            saved.password = again.password(saved.label);
+        return list;
     }
 
     ServersView view{savedServers, actions, alerts};
@@ -107,7 +110,7 @@ private slots:
         QCOMPARE(first.password, QStringLiteral("pw"));
         fixture.exchange.answerEverything(ScriptedExchange::ok());
         awaited(fixture.server.setDvar(QStringLiteral("rcon_password"), QStringLiteral("new")));
-        QCOMPARE(fixture.savedServers.servers().first().password.value_or(QString()), QStringLiteral("new"));
+        QCOMPARE(fixture.savedServers.password("Home").value_or(QString()), QStringLiteral("new"));
         QCOMPARE(view.savedPasswordField->text(), QStringLiteral("new"));
     }
 };
