@@ -73,6 +73,9 @@ function(add_ferrow_program name)
     add_executable(${name} ${PROGRAM_SOURCES})
     target_link_libraries(${name} PRIVATE ${PROGRAM_STANDS_ON} ferrow_flags)
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    if(FERROW_SANITIZE STREQUAL thread)
+        target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/tsan/QtSynchronization.cpp)
+    endif()
 endfunction()
 
 # add_ferrow_test(name SOURCES ... STANDS_ON ...) becomes a CTest entry that runs without a display.

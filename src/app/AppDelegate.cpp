@@ -19,7 +19,7 @@ static CatalogueFolders catalogueFolders(const AppDelegate::Places &places)
     return folders;
 }
 
-AppDelegate::AppDelegate(Places places)
+AppDelegate::AppDelegate(const Places &places)
     : m_preferences(places.preferencesFile), m_server(m_exchange, m_alerts),
       m_reader(catalogueFolders(places), m_alerts, [this] { m_window->close(); }),
       m_gametypes(CatalogueContext{m_server, m_alerts}, m_reader),

@@ -31,7 +31,7 @@ public:
         QString applicationSupport;
     };
 
-    explicit AppDelegate(Places places = {});
+    explicit AppDelegate(const Places &places = {});
     ~AppDelegate() override;
 
     /// The folder for the user's work. Made at the first call, readable by its owner only; the same on every call.

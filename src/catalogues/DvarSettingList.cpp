@@ -38,7 +38,7 @@ void DvarSettingList::setSettings(const QList<std::shared_ptr<DvarSetting>> &set
         auto category = std::make_shared<DvarSettingCategory>();
         category->setName(each.key());
         category->setChildren(each.value());
-        categories.insert(each.key(), std::move(category));
+        categories.insert(each.key(), category);
     }
     m_settingsList = std::move(settingsList);
     m_categorizedSettingsList = std::move(categories);

@@ -30,7 +30,7 @@ public:
 
     /// Reads the file anew and opens the rotation that was open; keeps everything when there is no file to read.
     QCoro::Task<> loadMapRotation() { return load(); }
-    Dictionary mapRotationList() const { return *rotations(); }
+    Dictionary mapRotationList() const { return dictionary(); }
 
     /// Appends one row before the first wait; alerts when the table is full.
     QCoro::Task<> addToRotation(QString map, QString gametype);

@@ -124,7 +124,7 @@ void KelMessageRotation::displayCurrentMessage()
     const QList<Row> rows = entries();
     if (rows.isEmpty())
         return;
-    const Row row = rows.at(m_messageIndex);
+    const Row &row = rows.at(m_messageIndex);
     QString text = row->message;
     text.replace(QLatin1Char('"'), QLatin1String("\\\""));
     m_isSending = true;

@@ -196,6 +196,7 @@ protected:
 
     /// Nothing at first where a kind's store begins without a dictionary.
     const std::optional<Dictionary> &rotations() const { return m_rotations; }
+    Dictionary dictionary() const { return m_rotations.value_or(Dictionary()); }
 
     /// Reads the file anew and opens the rotation that was open; keeps everything when there is no file to read.
     QCoro::Task<> load()
@@ -225,8 +226,6 @@ protected:
 private:
     /// Shared by both kinds: the message rotation's question has always carried this title.
     static QString saveQuestionTitle() { return RotationStore::tr("Unsaved Changes to Map Rotation"); }
-
-    Dictionary dictionary() const { return m_rotations.value_or(Dictionary()); }
 
     void store(const Rotation &rotation)
     {

@@ -37,7 +37,7 @@ bool isStorableText(const QString &text)
 
 QString rotationText(pugi::xml_node element, const char *name)
 {
-    const QString text = xmlChildText(element, name);
+    QString text = xmlChildText(element, name);
     if (isStorableText(text))
         return text;
     // A file that other hands have written must not block every later save.

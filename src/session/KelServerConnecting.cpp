@@ -184,7 +184,7 @@ QCoro::Task<bool> KelServer::verifyDvar(QString name, QString password)
     const QStringList fields = fieldsOfOne(reply.text);
     if (fields.size() != fieldsOfReply)
         co_return false;
-    const QString value = fields.at(2);
+    const QString &value = fields.at(2);
     m_dvars.insert(name, value.mid(1, value.size() - 2));
     co_return true;
 }

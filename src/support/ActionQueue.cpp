@@ -25,13 +25,14 @@ void ActionQueue::start(QCoro::Task<> action)
 QCoro::Task<> ActionQueue::supervise(QCoro::Task<> action)
 {
     bool isFaulty = true;
-    QString fault = QStringLiteral("unknown exception");
+    QString fault;
     try {
         co_await action;
         isFaulty = false;
     } catch (const std::exception &exception) {
         fault = QString::fromLocal8Bit(exception.what());
-    } catch (...) { // told as unknown
+    } catch (...) {
+        fault = QStringLiteral("unknown exception");
     }
     if (isFaulty)
         emit faulted(fault);

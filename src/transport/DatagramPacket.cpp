@@ -177,7 +177,7 @@ RConResult DatagramPacket::receive(QString *reply)
     return RConResultError;
 }
 
-RConResult DatagramPacket::receiveMulti(QString *reply, quint32 *packetsReceived, std::stop_token stop)
+RConResult DatagramPacket::receiveMulti(QString *reply, quint32 *packetsReceived, const std::stop_token &stop)
 {
     QString unwanted;
     QString &gathered = reply ? *reply : unwanted;

@@ -64,7 +64,7 @@ public:
     /// more than 65,536 datagrams or 16 Mi characters ends with RConResultError, and so does a `stop` seen after a
     /// datagram.
     /// @param packetsReceived  the number of datagrams, written on success only.
-    RConResult receiveMulti(QString *reply, quint32 *packetsReceived = nullptr, std::stop_token stop = {});
+    RConResult receiveMulti(QString *reply, quint32 *packetsReceived = nullptr, const std::stop_token &stop = {});
 
     /// Success, RConResultInvalidPassword or RConResultInvalidPacket, by the frame alone.
     static RConResult validateDataPacket(const char *packet, std::size_t length);

@@ -107,13 +107,13 @@ RConResult exchange(TrafficLog::Kind kind, const QString &host, int port, const 
 } // namespace
 
 RConResult RCon::sendTo(const QString &host, int port, const QString &password, const QString &command, QString *reply,
-                        std::stop_token stop)
+                        const std::stop_token &stop)
 {
     return exchange(TrafficLog::Kind::Send, host, port, password, command, reply, stop);
 }
 
 RConResult RCon::sendSingleTo(const QString &host, int port, const QString &password, const QString &command,
-                              QString *reply, std::stop_token stop)
+                              QString *reply, const std::stop_token &stop)
 {
     return exchange(TrafficLog::Kind::SendSingle, host, port, password, command, reply, stop);
 }

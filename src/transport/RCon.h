@@ -21,11 +21,11 @@ public:
     ///               receive time-out. The result is then RConResultError, and the attempt that was cut short gets no
     ///               result line in the traffic log.
     static RConResult sendTo(const QString &host, int port, const QString &password, const QString &command,
-                             QString *reply = nullptr, std::stop_token stop = {});
+                             QString *reply = nullptr, const std::stop_token &stop = {});
 
     /// The same, but a reply is its first datagram: nothing waits for more.
     static RConResult sendSingleTo(const QString &host, int port, const QString &password, const QString &command,
-                                   QString *reply = nullptr, std::stop_token stop = {});
+                                   QString *reply = nullptr, const std::stop_token &stop = {});
 
     /// The text of `result`, null for a value that is none.
     static QString resultStr(RConResult result);

@@ -125,7 +125,7 @@ private:
     ConnectTarget quickConnectTarget() const;
     /// What is being typed into a rotation counts.
     void finishEditing();
-    void askForPassword(ConnectTarget target);
+    void askForPassword(const ConnectTarget &target);
     void showAbout();
     QCoro::Task<> connectAction(ConnectTarget target);
     /// Asks about what no file holds yet, before it would be lost. @return whether to go on.

@@ -144,7 +144,7 @@ void FormMainView::connectToSavedServer(const SavedServer &server)
     if (server.password)
         connectTo(std::move(target));
     else // it could not be decrypted
-        askForPassword(std::move(target));
+        askForPassword(target);
 }
 
 void FormMainView::quickConnect(const QString &host, const QString &port, const QString &password)
@@ -157,7 +157,7 @@ void FormMainView::quickConnect(const QString &host, const QString &port, const 
         askForPassword(quickConnectTarget());
 }
 
-void FormMainView::askForPassword(ConnectTarget target)
+void FormMainView::askForPassword(const ConnectTarget &target)
 {
     auto *dialog = new QInputDialog(this, Qt::Sheet);
     dialog->setObjectName(QStringLiteral("passwordPanel"));

@@ -20,7 +20,7 @@ T awaited(QCoro::Task<T> task)
         *kept = std::move(value);
     };
     const QCoro::Task<> detached = follow(std::move(task), result);
-    if (!QTest::qWaitFor([&] { return result->has_value(); }, 10000))
+    if (!QTest::qWaitFor([&] { return result->has_value(); }, 60000))
         qFatal("the task has not ended");
     return std::move(**result);
 }
@@ -33,6 +33,6 @@ inline void awaited(QCoro::Task<> task)
         *kept = true;
     };
     const QCoro::Task<> detached = follow(std::move(task), isDone);
-    if (!QTest::qWaitFor([&] { return *isDone; }, 10000))
+    if (!QTest::qWaitFor([&] { return *isDone; }, 60000))
         qFatal("the task has not ended");
 }

@@ -42,7 +42,7 @@ struct Fixture {
     /// @return whether all actions have ended.
     bool settle()
     {
-        return QTest::qWaitFor([this] { return actions.isIdle(); }, 10000);
+        return QTest::qWaitFor([this] { return actions.isIdle(); }, 60000);
     }
 
     /// What the server was asked once all actions have ended.
