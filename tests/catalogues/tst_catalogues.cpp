@@ -147,11 +147,13 @@ private slots:
         RecordedAlerts &alerts = loaded.session.alerts;
         alerts.hold();
         const auto connecting = loaded.catalogues.loadCatalogues();
+        QTRY_COMPARE(alerts.openCount(), 1);
         QCOMPARE(loaded.terminations, 0); // not before it was read
         alerts.dismiss();
         QVERIFY(hasEnded(connecting));
         QCOMPARE(loaded.terminations, 1);
         const auto load = loaded.maps.loadMapList();
+        QTRY_COMPARE(alerts.openCount(), 1);
         alerts.dismiss();
         QVERIFY(hasEnded(load));
         QCOMPARE(loaded.terminations, 2);

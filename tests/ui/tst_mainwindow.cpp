@@ -76,6 +76,7 @@ private slots:
         QVERIFY(!window.view.serversView->connectButton->isEnabled());
         window.view.serversView->portField->setText("28961");
         QVERIFY(!window.view.serversView->connectButton->isEnabled()); // editing does not allow a second connect
+        QTRY_COMPARE(window.exchange.keptCount(), 1);
         window.exchange.release();
         QTRY_COMPARE(window.exchange.keptCount(), 1); // the player list, at once
         QCOMPARE(window.status(), "Connected to QuickConnect (Unranked)");
@@ -116,6 +117,7 @@ private slots:
         window.exchange.hold();
         window.connectByForm();
         window.view.connectTo(ConnectTarget{"Other", "10.0.0.2", "1", "pw", nullptr});
+        QTRY_COMPARE(window.exchange.keptCount(), 1);
         window.view.serversView->disconnectButton->click();
         QCOMPARE(window.sent(), QStringList{"dvardump"});
         QVERIFY(window.alerts.shown().isEmpty());
