@@ -31,6 +31,8 @@ QList<PlayerRow> parsePlayerList(const QString &reply)
     constexpr qsizetype tokensAfterName = 5;
     QList<PlayerRow> players;
     for (const QStringView line : QStringView(reply).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        if (players.size() == mostPlayers)
+            break;
         const QStringList tokens = tokensOf(line);
         const qsizetype count = tokens.size();
         if (count < fewestTokens)
