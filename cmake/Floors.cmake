@@ -4,12 +4,18 @@ target_compile_options(ferrow_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow 
 target_compile_definitions(ferrow_flags INTERFACE
     QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_USE_QSTRINGBUILDER
     $<$<CONFIG:Release>:NDEBUG>)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # The standard library's own stable_sort calls what it has deprecated.
+    target_compile_options(ferrow_flags INTERFACE -Wno-deprecated-declarations)
+endif()
 if(FERROW_SANITIZE)
     target_compile_options(ferrow_flags INTERFACE -fsanitize=${FERROW_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     target_link_options(ferrow_flags INTERFACE -fsanitize=${FERROW_SANITIZE})
     target_compile_definitions(ferrow_flags INTERFACE QT_FORCE_ASSERTS)
-    # The sanitizers' own code makes g++ 12 see uninitialised values in std::optional where there are none.
-    target_compile_options(ferrow_flags INTERFACE -Wno-maybe-uninitialized)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # The sanitizers' own code makes g++ 12 see uninitialised values in std::optional where there are none.
+        target_compile_options(ferrow_flags INTERFACE -Wno-maybe-uninitialized)
+    endif()
 endif()
 # What makes a fault of ours harder to exploit; scripts/check-hardening looks for it in the finished programs. Control
 # flow integrity is what g++ has of it, marks for the processor; clang's own needs link-time optimisation with clang.
@@ -36,6 +42,9 @@ if(FERROW_PRECOMPILED_HEADERS)
         add_library(${name} OBJECT ${CMAKE_BINARY_DIR}/precompiled/${name}.cpp)
         target_link_libraries(${name} PRIVATE ${HEADERS_STANDS_ON} ferrow_flags)
         target_precompile_headers(${name} PRIVATE ${HEADERS_HEADERS})
+        if(CMAKE_CXX_COMPILER_ID MATCHES "Clang") # a time inside would keep ccache from knowing it again
+            target_compile_options(${name} PRIVATE -Xclang -fno-pch-timestamp)
+        endif()
     endfunction()
     set(core_headers <QAbstractTableModel> <QCoroFuture> <QCoroTask> <QDir> <QFile> <QHash> <QList> <QObject> <QPromise>
         <QString> <QStringList> <QTimer> <QVariant> <algorithm> <chrono> <functional> <memory> <optional>)
@@ -50,6 +59,9 @@ function(use_precompiled_headers target headers)
     endif()
 endfunction()
 
+# Not -fsanitize=fuzzer-no-link, with which no precompiled header could be shared.
+set(fuzzer_coverage -fsanitize-coverage=inline-8bit-counters,pc-table)
+
 # add_floor(name SOURCES ... STANDS_ON ...)
 # A floor is a static library whose only public include folder is its own, so that a header of a floor
 # above it is not even found.
@@ -60,6 +72,9 @@ function(add_floor name)
     target_include_directories(${target} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${target} PUBLIC ${FLOOR_STANDS_ON} PRIVATE ferrow_flags)
     set_target_properties(${target} PROPERTIES AUTOMOC ON)
+    if(FERROW_FUZZERS AND NOT name MATCHES "^(ui|app|demo)$") # what the fuzzers find their way through
+        target_compile_options(${target} PRIVATE ${fuzzer_coverage})
+    endif()
     if(name STREQUAL ui)
         use_precompiled_headers(${target} ferrow_widget_headers)
     elseif(NOT name STREQUAL demo)
@@ -92,4 +107,14 @@ function(add_ferrow_test name)
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT 120
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/common/lsan.supp;UBSAN_OPTIONS=print_stacktrace=1")
+endfunction()
+
+# add_ferrow_fuzzer(name STANDS_ON ...) becomes the program fuzz_<name>, of fuzz_<name>.cpp; its seeds are in corpus/<name>.
+function(add_ferrow_fuzzer name)
+    cmake_parse_arguments(FUZZER "" "" "STANDS_ON" ${ARGN})
+    set(target fuzz_${name})
+    add_ferrow_program(${target} SOURCES ${target}.cpp STANDS_ON ${FUZZER_STANDS_ON})
+    target_compile_options(${target} PRIVATE ${fuzzer_coverage})
+    target_link_options(${target} PRIVATE -fsanitize=fuzzer)
+    add_dependencies(fuzzers ${target})
 endfunction()

@@ -72,7 +72,7 @@ QList<PlayerRow> parsePlayerList(const QString &reply)
     const Titled titled(lines);
     QHash<QString, qsizetype> places;
     QList<PlayerRow> players;
-    for (qsizetype line = 0; line < lines.size(); ++line) {
+    for (qsizetype line = 0; line < lines.size() && players.size() < mostPlayers; ++line) {
         const QStringList &tokens = lines.at(line);
         const qsizetype count = tokens.size();
         if (count < fewestTokens || titled.isDamaged(tokens, line))

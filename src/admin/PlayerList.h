@@ -20,7 +20,11 @@ struct PlayerRow {
 /// By this a player is recognised from one refresh to the next.
 QString playerKey(const PlayerRow &player);
 
-/// Reads a teamstatus reply. Whatever is no player line is skipped, and so is the server's recording client.
+/// A game server has some dozens at most; what lists more is none.
+inline constexpr qsizetype mostPlayers = 10'000;
+
+/// Reads a teamstatus reply. Whatever is no player line is skipped, and so is the server's recording client, and what
+/// comes after mostPlayers.
 QList<PlayerRow> parsePlayerList(const QString &reply);
 
 /// @return what `text` sorts by in a column of numbers: the number, or the text itself where it is none.

@@ -1,5 +1,6 @@
 #include "PropertyList.h"
 
+#include <QSet>
 #include <QStringDecoder>
 #include <QXmlStreamReader>
 
@@ -7,12 +8,14 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <optional>
 
 // What reading a property list may cost. libplist follows nesting by recursion until the stack ends, and copies a value
-// for every reference to it, so both are measured before it sees a file.
+// for every reference to it, so both are measured before it sees a file. It writes in the square of the number of
+// values.
 static constexpr int deepestLevel = 32;
 static constexpr quint64 largestCost = 16 << 20;
-static constexpr quint64 nodeCost = 64;
+static constexpr quint64 nodeCost = 256;
 static constexpr quint64 mostXmlElements = 1 << 16;
 static constexpr quint64 mostQuotes = 4096;
 static constexpr quint64 mostBytesMoved = 1 << 28;
@@ -42,6 +45,17 @@ public:
     }
 
 private:
+    struct Object {
+        enum Kind : quint64 { Ascii = 5, Utf16 = 6, Uid = 8, Array = 0xa, Set = 0xc, Dictionary = 0xd };
+
+        quint64 kind;
+        quint64 position; ///< of its content
+        quint64 count;
+
+        bool isText() const { return kind == Ascii || kind == Utf16; }
+        quint64 width() const { return kind == Utf16 ? 2 : 1; }
+    };
+
     quint64 size() const { return static_cast<quint64>(m_data.size()); }
 
     quint64 number(quint64 position, quint64 width) const
@@ -54,44 +68,81 @@ private:
 
     bool take(quint64 bytes) { return (m_cost += bytes + nodeCost) <= largestCost; }
 
-    /// libplist ends the program over a key with a zero in it.
-    bool isWholeText(quint64 kind, quint64 position, quint64 count) const
+    /// libplist ends the program over a key with a zero in it, and writes a text that is not ASCII where it should be
+    /// differently from how it has read it.
+    bool isWholeText(const Object &text) const
     {
-        const quint64 width = kind - 4;
-        bool isWhole = position <= size() && count <= (size() - position) / width;
-        for (quint64 i = 0; i < count && isWhole; ++i)
-            isWhole = number(position + i * width, width) != 0;
+        const quint64 largest = text.width() == 1 ? 0x7f : 0xffff;
+        bool isWhole = text.position <= size() && text.count <= (size() - text.position) / text.width();
+        for (quint64 i = 0; i < text.count && isWhole; ++i) {
+            const quint64 character = number(text.position + i * text.width(), text.width());
+            isWhole = character != 0 && character <= largest;
+        }
         return isWhole;
     }
 
-    bool walk(quint64 object, int levels)
+    std::optional<Object> objectAt(quint64 index) const
     {
-        if (object >= m_objectCount || levels == 0)
-            return false;
-        quint64 position = number(m_offsetTable + object * m_offsetSize, m_offsetSize);
+        if (index >= m_objectCount)
+            return std::nullopt;
+        quint64 position = number(m_offsetTable + index * m_offsetSize, m_offsetSize);
         if (position >= m_offsetTable)
-            return false;
+            return std::nullopt;
         const quint64 marker = number(position++, 1);
         quint64 count = marker & 0x0f;
         if (count == 0x0f) {
             const quint64 exponent = number(position++, 1) & 0x0f;
             if (exponent > 3)
-                return false;
+                return std::nullopt;
             count = number(position, quint64(1) << exponent);
             position += quint64(1) << exponent;
         }
-        const quint64 kind = marker >> 4;
-        const bool isDictionary = kind == 0xd;
-        if (!isDictionary && kind != 0xa && kind != 0xc)
-            return ((kind != 5 && kind != 6) || isWholeText(kind, position, count)) &&
-                   take(std::min(count, size()) * 3); // from UTF-16 to UTF-8
-        if (position > size() || count > (size() - position) / m_referenceSize / (isDictionary ? 2 : 1))
+        return Object{marker >> 4, position, count};
+    }
+
+    quint64 reference(const Object &object, quint64 index) const
+    {
+        return number(object.position + index * m_referenceSize, m_referenceSize);
+    }
+
+    bool walk(quint64 index, int levels)
+    {
+        const std::optional<Object> object = objectAt(index);
+        if (!object || levels == 0 || object->kind == Object::Uid) // which is a dictionary once it is XML
             return false;
-        for (quint64 i = 0; i < count * (isDictionary ? 2 : 1); ++i) {
-            if (!walk(number(position + i * m_referenceSize, m_referenceSize), levels - 1))
+        if (object->isText() && !isWholeText(*object))
+            return false;
+        const quint64 lists = object->kind == Object::Dictionary ? 2 : 1; // the keys, then the values
+        if (lists == 1 && object->kind != Object::Array && object->kind != Object::Set)
+            return take(std::min(object->count, size()) * 3); // from UTF-16 to UTF-8
+        if (object->position > size() || object->count > (size() - object->position) / m_referenceSize / lists)
+            return false;
+        for (quint64 i = 0; i < object->count * lists; ++i) {
+            if (!walk(reference(*object, i), levels - 1))
                 return false;
         }
-        return take(0);
+        return (lists == 1 || hasKeysOfItsOwn(*object)) && take(0);
+    }
+
+    /// Of a key that stands there twice one program would read the first value, and another one the last.
+    bool hasKeysOfItsOwn(const Object &dictionary) const
+    {
+        QSet<QString> keys;
+        for (quint64 i = 0; i < dictionary.count; ++i) {
+            const std::optional<Object> key = objectAt(reference(dictionary, i));
+            if (!key || !key->isText())
+                return false;
+            keys.insert(textOf(*key));
+        }
+        return static_cast<quint64>(keys.size()) == dictionary.count;
+    }
+
+    QString textOf(const Object &object) const
+    {
+        QString text;
+        for (quint64 i = 0; i < object.count; ++i)
+            text += QChar(static_cast<char16_t>(number(object.position + i * object.width(), object.width())));
+        return text;
     }
 
     const QByteArray &m_data;

@@ -17,7 +17,7 @@ QList<RotationRow> parseRotation(const QString &rotation, const QString &gametyp
     const QList<QStringView> pieces = QStringView(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
     QList<RotationRow> rows;
     RotationRow row{{}, gametype};
-    for (auto piece = pieces.begin(); piece != pieces.end(); ++piece) {
+    for (auto piece = pieces.begin(); piece != pieces.end() && rows.size() < mostRotationRows; ++piece) {
         if (*piece == QLatin1String("gametype")) {
             if (++piece == pieces.end())
                 break;

@@ -14,6 +14,9 @@ struct RotationRow {
     bool operator==(const RotationRow &) const = default;
 };
 
+/// A game server plays a few hundred steps at most; what sends more is none.
+inline constexpr qsizetype mostRotationRows = 100'000;
+
 /// Turns the server's name of something into the one that users know; the name itself when it is unknown.
 using NameLookup = std::function<QString(const QString &)>;
 
@@ -21,6 +24,7 @@ using NameLookup = std::function<QString(const QString &)>;
 QString parseMapResponse(const QString &reply);
 
 /// Reads a rotation such as "gametype tdm map mp_a map mp_b". A map may stand without "map" before it.
+/// Of more than mostRotationRows steps the rest is left out.
 /// @param gametype  display name of what is played until the rotation names another gametype.
 QList<RotationRow> parseRotation(const QString &rotation, const QString &gametype, const NameLookup &findMap,
                                  const NameLookup &findGametype);

@@ -56,13 +56,8 @@ SavedServersOutcome SavedServers::load()
 
     QString reason;
     if (const std::optional<QByteArray> content = m_file.read(&reason)) {
-        PropertyList document = parsedPropertyList(*content);
-        // What could be read but never be written again would block every later change.
-        if (document != nullptr && !propertyListBytes(document.get(), largestFile).isEmpty()) {
-            m_document = std::move(document);
-            readEntries();
+        if (takeContent(*content))
             return {};
-        }
         m_file.markDamaged();
         reason = tr("It is damaged.");
     }
@@ -71,6 +66,18 @@ SavedServersOutcome SavedServers::load()
            "a copy when you save a server.\n\n%2")
             .arg(QDir::toNativeSeparators(m_file.path()), reason),
         {}};
+}
+
+bool SavedServers::takeContent(const QByteArray &content)
+{
+    PropertyList document = parsedPropertyList(content);
+    // What could be read but never be written again would block every later change.
+    if (document == nullptr || propertyListBytes(document.get(), largestFile).isEmpty())
+        return false;
+    m_document = std::move(document);
+    m_servers.clear();
+    readEntries();
+    return true;
 }
 
 void SavedServers::readEntries()
@@ -87,10 +94,6 @@ void SavedServers::readEntries()
             return;
         if (plist_get_node_type(entry) != PLIST_DICT)
             continue;
-        if (plist_dict_get_item(m_document.get(), key) != entry) { // a label twice: the first counts
-            m_file.markDamaged();
-            continue;
-        }
         const QString label = QString::fromUtf8(key);
         m_servers.insert(label, {label, textOf(entry, "host"), textOf(entry, "port"), std::nullopt});
     }

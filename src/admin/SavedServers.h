@@ -42,6 +42,8 @@ public:
     /// Reads the file anew. A missing file is an empty list and no error; with any error the list is empty, and the
     /// file is kept aside as a copy before something replaces it.
     [[nodiscard]] SavedServersOutcome load();
+    /// What loading does with the bytes of the file. @return false, and the list is as it was, if they are damaged.
+    [[nodiscard]] bool takeContent(const QByteArray &content);
 
     /// Sorted by label without regard to case.
     QList<SavedServer> servers() const;

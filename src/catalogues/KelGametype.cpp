@@ -18,18 +18,22 @@ QCoro::Task<CatalogueState> KelGametype::loadGametypeList()
 {
     const WorkingCopy::Kind kind = WorkingCopy::gametypes();
     const WorkingCopy::Result opened = co_await m_reader.open(kind);
-    if (!opened.document)
-        co_return opened.state;
-    const QString version = opened.document->lastText("//version");
+    if (opened.document)
+        takeDocument(*opened.document);
+    co_return opened.state;
+}
+
+void KelGametype::takeDocument(const XmlDocument &document)
+{
+    const QString version = document.lastText("//version");
     if (!version.isNull())
         m_version = version;
     QList<std::shared_ptr<DvarSettingList>> gametypes;
-    for (const pugi::xml_node &element : opened.document->elements("//Gametype"))
+    for (const pugi::xml_node &element : document.elements("//Gametype"))
         gametypes.append(DvarSettingList::dvarSettingsWithXMLNode(element, m_context));
     m_gametypes = std::move(gametypes);
     emit gametypeListChanged();
     setSelectedSettingList(m_gametypes.isEmpty() ? nullptr : m_gametypes.constFirst());
-    co_return opened.state;
 }
 
 QHash<QString, std::shared_ptr<DvarSettingList>> KelGametype::gametypeList() const

@@ -28,6 +28,8 @@ public:
 
     /// Loads the catalogue anew and selects its first gametype. What was loaded stays unless the file is Ready.
     QCoro::Task<CatalogueState> loadGametypeList();
+    /// What loading does with a file that is Ready.
+    void takeDocument(const XmlDocument &document);
 
     /// Display name to gametype; the later of two with one name.
     QHash<QString, std::shared_ptr<DvarSettingList>> gametypeList() const;

@@ -18,18 +18,22 @@ QCoro::Task<CatalogueState> KelMapList::loadMapList()
 {
     const WorkingCopy::Kind kind = WorkingCopy::maps();
     const WorkingCopy::Result opened = co_await m_reader.open(kind);
-    if (!opened.document)
-        co_return opened.state;
-    const QString version = opened.document->lastText("//version");
+    if (opened.document)
+        takeDocument(*opened.document);
+    co_return opened.state;
+}
+
+void KelMapList::takeDocument(const XmlDocument &document)
+{
+    const QString version = document.lastText("//version");
     if (!version.isNull())
         m_version = version;
     m_maps.clear();
-    for (const pugi::xml_node &element : opened.document->elements("//Map")) {
+    for (const pugi::xml_node &element : document.elements("//Map")) {
         m_maps.append(MapInst{xmlChildText(element, "name"), xmlChildText(element, "dvarName"),
                               xmlChildText(element, "excludeDvar")});
     }
     emit mapListChanged();
-    co_return opened.state;
 }
 
 QHash<QString, MapInst> KelMapList::list() const

@@ -25,6 +25,8 @@ public:
 
     /// Loads the catalogue anew. What was loaded stays unless the file is Ready.
     QCoro::Task<CatalogueState> loadMapList();
+    /// What loading does with a file that is Ready.
+    void takeDocument(const XmlDocument &document);
 
     /// All maps in the order of the file, those with equal names too.
     QList<MapInst> arrangedMaps() const { return m_maps; }

@@ -20,14 +20,19 @@ QCoro::Task<CatalogueState> KelSettings::loadSettings()
 {
     const WorkingCopy::Kind kind = WorkingCopy::settings(m_context.server.isRanked());
     const WorkingCopy::Result opened = co_await m_reader.open(kind);
-    if (!opened.document)
-        co_return opened.state;
-    const QString version = opened.document->lastText("//version");
+    if (opened.document)
+        takeDocument(*opened.document);
+    co_return opened.state;
+}
+
+void KelSettings::takeDocument(const XmlDocument &document)
+{
+    const QString version = document.lastText("//version");
     if (!version.isNull())
         m_version = version;
     m_settingsList.clear();
     m_groupNames.clear();
-    for (const pugi::xml_node &element : opened.document->elements("//SettingInst")) {
+    for (const pugi::xml_node &element : document.elements("//SettingInst")) {
         const auto list = DvarSettingList::dvarSettingsWithXMLNode(element, m_context);
         // Voice chat is never offered: these servers leave it to the players.
         if (list->name().compare(QLatin1String("voip"), Qt::CaseInsensitive) == 0)
@@ -38,7 +43,6 @@ QCoro::Task<CatalogueState> KelSettings::loadSettings()
     }
     emit sortedSettingsValuesChanged();
     setSelectedSettingList(m_groupNames.value(0));
-    co_return opened.state;
 }
 
 QList<std::shared_ptr<DvarSettingList>> KelSettings::sortedSettingsValues() const

@@ -31,6 +31,8 @@ public:
     /// Loads the catalogue of the session's mode anew and selects its first group. What was loaded stays unless the
     /// file is Ready.
     QCoro::Task<CatalogueState> loadSettings();
+    /// What loading does with a file that is Ready.
+    void takeDocument(const XmlDocument &document);
 
     /// Group name to group; the later of two with one name.
     QHash<QString, std::shared_ptr<DvarSettingList>> settingsList() const { return m_settingsList; }

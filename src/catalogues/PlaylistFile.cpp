@@ -112,6 +112,21 @@ PlaylistFile PlaylistFile::parse(QStringView text)
     return file;
 }
 
+std::optional<PlaylistFile> PlaylistFile::parse(const QByteArray &bytes, QString *reason)
+{
+    if (bytes.size() > MaximumSize) {
+        *reason = tr("It is larger than %1 MiB.").arg(MaximumSize / (1024 * 1024));
+        return std::nullopt;
+    }
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder(bytes);
+    if (decoder.hasError()) {
+        *reason = tr("It is not a text in UTF-8.");
+        return std::nullopt;
+    }
+    return parse(text);
+}
+
 std::optional<PlaylistFile> PlaylistFile::read(const QString &path, QString *error)
 {
     const auto fail = [error, &path](const QString &reason) -> std::optional<PlaylistFile> {
@@ -125,11 +140,7 @@ std::optional<PlaylistFile> PlaylistFile::read(const QString &path, QString *err
     const QByteArray bytes = file.read(MaximumSize + 1);
     if (file.error() != QFileDevice::NoError)
         return fail(file.errorString());
-    if (bytes.size() > MaximumSize)
-        return fail(tr("It is larger than %1 MiB.").arg(MaximumSize / (1024 * 1024)));
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString text = decoder(bytes);
-    if (decoder.hasError())
-        return fail(tr("It is not a text in UTF-8."));
-    return parse(text);
+    QString reason;
+    const std::optional<PlaylistFile> content = parse(bytes, &reason);
+    return content ? content : fail(reason);
 }

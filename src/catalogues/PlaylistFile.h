@@ -3,6 +3,7 @@
 #include "PlaylistGametypeInst.h"
 #include "PlaylistInst.h"
 
+#include <QByteArray>
 #include <QCoreApplication>
 #include <QList>
 
@@ -19,6 +20,9 @@ public:
 
     /// Lines that mean nothing are skipped, blocks without a name and the last one without its blank line left out.
     static PlaylistFile parse(QStringView text);
+    /// The same of the bytes of a file.
+    /// @param reason  receives what is wrong with them, in the user's language; must not be null.
+    static std::optional<PlaylistFile> parse(const QByteArray &bytes, QString *reason);
     /// @param error  receives what is wrong with the file when nothing is returned; may be null.
     static std::optional<PlaylistFile> read(const QString &path, QString *error = nullptr);
 };

@@ -53,7 +53,10 @@ public:
 
     /// Variable name to value, as the server last told it. Cheap: the copy shares its data.
     QHash<QString, QString> dvarList() const { return m_dvars; }
-    /// Takes one line of a dump into the catalogue; lines without a quoted, non-empty value are ignored.
+    /// A game server has a few thousand variables; what dumps more is none.
+    static constexpr qsizetype mostDumpedDvars = 100'000;
+    /// Takes one line of a dump into the catalogue; lines without a quoted, non-empty value are ignored, and so are new
+    /// variables when it holds mostDumpedDvars.
     void addDvarLine(QStringView line);
     /// Asks for one variable that the catalogue lacks, with `password`.
     /// @return whether its value was stored; false at once for a name that is already known.

@@ -160,8 +160,11 @@ void KelServer::addDvarLine(QStringView line)
     while (begin > 0 && line.at(begin - 1) != QLatin1Char(' '))
         --begin;
     // An empty value stays out of the catalogue, so that it can be asked for by name.
-    if (begin < end && !value.isEmpty())
-        m_dvars.insert(line.sliced(begin, end - begin).toString(), value.toString());
+    if (begin == end || value.isEmpty())
+        return;
+    const QString name = line.sliced(begin, end - begin).toString();
+    if (m_dvars.size() < mostDumpedDvars || m_dvars.contains(name))
+        m_dvars.insert(name, value.toString());
 }
 
 QCoro::Task<bool> KelServer::verifyDvar(QString name, QString password)

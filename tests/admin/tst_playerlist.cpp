@@ -58,6 +58,12 @@ private slots:
         QCOMPARE(found, rows);
     }
 
+    void listsNoMorePlayersThanThereCanBe()
+    {
+        const QString line = QStringLiteral("1 0 48 g n 2 0 1.2.3.4:5 77 900\n");
+        QCOMPARE(parsePlayerList(line.repeated(mostPlayers + 1)).size(), mostPlayers);
+    }
+
     void addressesSortAsAddresses()
     {
         const QStringList inOrder{"2.0.0.1:9", "10.0.0.1:80", "10.0.0.1:3074", "10.0.0.20:1", "192.168.1.1"};

@@ -57,6 +57,8 @@ private slots:
         QTest::newRow("map at the end") << "map mp_a gametype dom map"
                                         << Rows{{"Alley", "now"}, {"Alley", "Domination"}};
         QTest::newRow("only map") << "map" << Rows{{"", "now"}};
+        QTest::newRow("more than a server has")
+            << QString("b ").repeated(mostRotationRows + 1) << Rows(mostRotationRows, {"b", "now"});
         QTest::newRow("only gametype") << "gametype" << Rows{};
         QTest::newRow("maps called like the words")
             << "map gametype map map map" << Rows{{"gametype", "now"}, {"map", "now"}, {"map", "now"}};

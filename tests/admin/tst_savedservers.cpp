@@ -189,7 +189,17 @@ private slots:
         const QByteArray circle("bplist00\xd1\x01\0\x51\x61\x08\x0b\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x02"
                                 "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x0d",
                                 47);
+        // Three objects of a byte or two, and where they are.
+        const auto binary = [](const QByteArray &objects, char second, char third) -> QByteArray {
+            const QByteArray offsets{"\x08", 1}, sizes("\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x03", 16);
+            const QByteArray table = offsets + second + third + sizes + QByteArray(15, '\0');
+            return "bplist00" + objects + table + static_cast<char>(8 + objects.size());
+        };
         QTest::newRow("no bytes") << QByteArray();
+        QTest::newRow("binary key twice") << binary("\xd2\x01\x01\x02\x02\x51\x61\xd0", 0x0d, 0x0f);
+        QTest::newRow("binary text that is not ASCII") << binary("\xd1\x01\x02\x53\x61\x62\x93\xd0", 0x0b, 0x0f);
+        QTest::newRow("binary reference of an archive") << binary("\xd1\x01\x02\x51\x61\x80\x01", 0x0b, 0x0d);
+        QTest::newRow("XML of too many values") << xmlFile(QByteArray("<key>a</key><dict/>").repeated(70'000));
         QTest::newRow("binary cut off") << binaryFile.chopped(1);
         QTest::newRow("binary dictionary within itself") << circle;
         QTest::newRow("XML cut off") << xmlFile(xmlEntry("a")).chopped(20);

@@ -83,6 +83,17 @@ private slots:
         QCOMPARE(session.server.dvarList(), expected);
     }
 
+    void takesNoMoreVariablesThanAServerHas()
+    {
+        Session session;
+        for (qsizetype i = 0; i < KelServer::mostDumpedDvars; ++i)
+            session.server.addDvarLine(QStringLiteral("a%1 \"1\"").arg(i));
+        session.server.addDvarLine(u"b \"1\"");
+        session.server.addDvarLine(u"a7 \"2\"");
+        QCOMPARE(session.server.dvarList().size(), KelServer::mostDumpedDvars);
+        QCOMPARE(session.server.dvarList().value("a7"), "2");
+    }
+
     void refusesPorts()
     {
         for (const QString &port : {QString(), QString("abc"), QString("0"), QString("65536"), QString("4294996256")}) {

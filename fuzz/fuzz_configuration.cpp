@@ -1,0 +1,103 @@
+#include "Fuzzing.h"
+#include "QuietAlerts.h"
+#include "ReadyExchange.h"
+
+#include "ConfigurationComparison.h"
+#include "ConfigurationText.h"
+#include "DvarSetting.h"
+#include "DvarSettingList.h"
+#include "KelServer.h"
+
+#include <QSet>
+#include <QStringConverter>
+
+#include <algorithm>
+
+using Entries = QList<ConfigurationEntry>;
+
+static void checkDecoding(const QByteArray &bytes, const QString &text)
+{
+    require(!text.contains(QChar::Null), "a text has no zero characters");
+    if (bytes.contains('\0') || QStringConverter::encodingForData(bytes))
+        return;
+    require((bytes.isValidUtf8() ? text.toUtf8() : text.toLatin1()) == bytes, "decoding loses nothing");
+}
+
+static void checkEntries(const Entries &entries)
+{
+    QSet<QString> names;
+    for (const ConfigurationEntry &entry : entries) {
+        require(!entry.dvar.isEmpty() && !entry.dvar.contains(u' '), "a variable's name is a word");
+        require(!entry.dvar.contains(u'\n') && !entry.value.contains(u'\n'), "an entry is a line");
+        names.insert(entry.dvar);
+    }
+    require(names.size() == entries.size(), "a variable is set once");
+}
+
+static void checkComparison(const Entries &entries, const QHash<QString, QString> &dvars)
+{
+    using State = ConfigurationComparison::State;
+    const ConfigurationComparison same(entries, dvars, entries);
+    require(same.changes().isEmpty() && same.count(State::Same) == entries.size(),
+            "a file does not differ from itself");
+
+    const Entries half = entries.mid(0, entries.size() / 2);
+    const ConfigurationComparison more(entries, {}, {});
+    const ConfigurationComparison less(half, dvars, entries);
+    require(more.changes() == entries, "what is not reported would be changed");
+    require(less.count(State::OnlyOnServer) == entries.size() - half.size(), "what the file lacks is told");
+    for (const ConfigurationComparison::Row &row : more.rows() + less.rows() + same.rows()) {
+        const bool isSecret = row.dvar.contains(QLatin1String("password"), Qt::CaseInsensitive);
+        const bool isHidden = (row.valueNow.isEmpty() || row.valueNow == QLatin1String("(hidden)")) &&
+                              (row.valueInFile.isEmpty() || row.valueInFile == QLatin1String("(hidden)"));
+        require(!isSecret || isHidden, "no password is shown");
+    }
+}
+
+/// Whether a line of a file can hold it.
+static bool isPlain(const ConfigurationEntry &entry)
+{
+    const QString both = entry.dvar + entry.value;
+    return !both.contains(u'"') && !entry.value.endsWith(u'\\') && !entry.dvar.startsWith(QLatin1String("//")) &&
+           QString::fromUtf8(both.toUtf8()) == both;
+}
+
+static void checkWriting(const Entries &entries, const QHash<QString, QString> &dvars)
+{
+    static QuietAlerts alerts;
+    static ReadyExchange exchange;
+    static KelServer server(exchange, alerts);
+    QList<std::shared_ptr<DvarSetting>> settings;
+    for (const ConfigurationEntry &entry : entries) {
+        settings.append(std::make_shared<DvarSetting>(CatalogueContext{server, alerts}));
+        settings.constLast()->setName(entry.dvar);
+        settings.constLast()->setDvar(entry.dvar);
+    }
+    const auto list = std::make_shared<DvarSettingList>();
+    list->setSettings(settings);
+    const ConfigurationContent content{{list}, {}, dvars};
+    const Entries written = writtenEntries(content);
+    for (const ConfigurationEntry &entry : written)
+        require(entry.dvar != QLatin1String("rcon_password"), "the password is not written");
+    if (!std::all_of(written.begin(), written.end(), isPlain))
+        return;
+    const std::optional<QString> text = ConfigurationFile::decoded(configurationText(content, QStringLiteral("today")));
+    require(text && ConfigurationFile::entries(*text) == written, "what is written is read again");
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QByteArray bytes = fuzzedBytes(data, size);
+    const std::optional<QString> text = ConfigurationFile::decoded(bytes);
+    if (!text)
+        return 0;
+    checkDecoding(bytes, *text);
+    const Entries entries = ConfigurationFile::entries(*text);
+    checkEntries(entries);
+    QHash<QString, QString> dvars;
+    for (const ConfigurationEntry &entry : entries)
+        dvars.insert(entry.dvar, entry.value);
+    checkComparison(entries, dvars);
+    checkWriting(entries, dvars);
+    return 0;
+}

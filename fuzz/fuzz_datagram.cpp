@@ -1,0 +1,47 @@
+#include "Fuzzing.h"
+
+#include "DatagramPacket.h"
+
+#include <algorithm>
+
+static void checkPayloadLengths(const QByteArray &packet)
+{
+    const auto length = static_cast<std::size_t>(packet.size());
+    for (std::size_t start = 0; start <= length + 1; ++start) {
+        const std::size_t payload = DatagramPacket::getDataPacketPayloadLength(packet.constData(), length, start);
+        require(payload <= length - std::min(start, length), "a payload ends within its datagram");
+    }
+}
+
+/// A text that is sent as it is arrives as it is.
+static void checkPlainText(const QString &text)
+{
+    if (text.contains(u'^') || text.contains(u'\\'))
+        return;
+    const QByteArray packet = QByteArray("\xff\xff\xff\xff\x01print\n", 11) + text.toLatin1();
+    QString again;
+    const RConResult result =
+        DatagramPacket::getString(&again, packet.constData(), static_cast<std::size_t>(packet.size()));
+    require(result == RConResultInvalidPassword || again == text, "a plain text arrives unchanged");
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QByteArray packet = fuzzedBytes(data, size);
+    const RConResult validity = DatagramPacket::validateDataPacket(packet.constData(), size);
+    const QString before = QStringLiteral("before");
+    QString text = before;
+    const RConResult result = DatagramPacket::getString(&text, packet.constData(), size);
+    require(DatagramPacket::getString(nullptr, packet.constData(), size) == result, "the text is optional");
+    require(result == validity || (validity == RConResultSuccess && result == RConResultInvalidPassword),
+            "the frame decides, and then a refusal");
+    if (validity == RConResultSuccess && result == RConResultInvalidPassword)
+        require(text == before, "a refusal in words leaves the text alone");
+    checkPayloadLengths(packet.left(64));
+    if (result != RConResultSuccess)
+        return 0;
+    require(text.size() <= std::max<qsizetype>(packet.size() - 11, 0), "cleaning never lengthens");
+    require(!text.contains(QChar::Null), "a text ends at the first zero byte");
+    checkPlainText(text);
+    return 0;
+}

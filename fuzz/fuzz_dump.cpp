@@ -1,0 +1,56 @@
+#include "Fuzzing.h"
+#include "QuietAlerts.h"
+#include "ReadyExchange.h"
+
+#include "KelServer.h"
+
+static constexpr qsizetype requiredDvars = 7;
+
+static void checkDvars(const KelServer &server, const QString &dump)
+{
+    const QHash<QString, QString> dvars = server.dvarList();
+    require(dvars.size() <= dump.count(u'\n') + 1 + requiredDvars, "a line gives one variable");
+    QuietAlerts alerts;
+    ReadyExchange exchange;
+    KelServer other(exchange, alerts);
+    for (auto each = dvars.cbegin(); each != dvars.cend(); ++each) {
+        const QString &name = each.key();
+        const bool isWord = !name.isEmpty() && !name.contains(u' ') && !name.contains(u'"') && !name.contains(u'\n');
+        require(isWord, "a variable's name is a word");
+        other.addDvarLine(QStringLiteral("  %1 \"%2\"").arg(name, each.value()));
+        if (!each.value().isEmpty() && !each.value().contains(u'"'))
+            require(other.dvarList().value(name) == each.value(), "a variable is read again from a line of a dump");
+    }
+}
+
+static void checkTabs(const KelServer &server, bool isConnected)
+{
+    const QList<TabItem> tabs = server.tabItems();
+    if (!isConnected) {
+        require(tabs.isEmpty(), "there are no tabs before the mode is known");
+        return;
+    }
+    require(tabs.size() == (server.isRanked() ? server.rankedTabItems().size() : server.unrankedTabItems().size() - 1),
+            "the tabs are those of the mode");
+    if (!server.isRanked())
+        require(tabs.contains(TabItem::Playlists) == server.playlistsActive(), "playlists have their tab");
+}
+
+/// The reply to "dvardump", and the replies to what is asked for because the dump lacks it.
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QStringList replies = fuzzedReplies(data, size, 1 + requiredDvars);
+    QuietAlerts alerts;
+    ReadyExchange exchange(replies);
+    KelServer server(exchange, alerts);
+    bool isConnected = false;
+    QObject::connect(&server, &KelServer::didConnect, &server, [&isConnected] { isConnected = true; });
+    const QCoro::Task<> connecting =
+        server.connectToHost(QStringLiteral("127.0.0.1"), QStringLiteral("28960"), QStringLiteral("secret"));
+    require(connecting.isReady(), "connecting ends when everything is answered");
+    require(alerts.count() <= requiredDvars + 1, "a variable is complained of once");
+    require(isConnected || alerts.count() > 0, "a connect that fails says so");
+    checkDvars(server, replies.constFirst());
+    checkTabs(server, isConnected);
+    return 0;
+}

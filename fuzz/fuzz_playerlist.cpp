@@ -1,0 +1,57 @@
+#include "Fuzzing.h"
+
+#include "Number.h"
+#include "PlayerListFile.h"
+
+static QString lineOf(const PlayerRow &player)
+{
+    return QStringList({player.identifier, player.score, player.ping, player.guid, player.name, player.team,
+                        QStringLiteral("50"), player.ipaddress, QStringLiteral("1"), QStringLiteral("25000")})
+        .join(u' ');
+}
+
+static bool isWord(const QString &text)
+{
+    return !text.isEmpty() && !text.contains(u' ') && !text.contains(u'\t') && !text.contains(u'\n');
+}
+
+static void checkPlayer(const PlayerRow &player)
+{
+    const std::optional<qint64> number = parseNumber(player.identifier);
+    require(number && QString::number(*number) == player.identifier, "an identifier is a plain number");
+    require(isWord(player.guid) && isWord(player.ipaddress) && isWord(player.team) && isWord(player.score) &&
+                isWord(player.ping),
+            "fields are words");
+    require(!player.name.isEmpty() && player.name != QLatin1String("democlient"), "the recording client is no player");
+    const QVariant address = addressSortKey(player.ipaddress);
+    if (address.typeId() == QMetaType::LongLong)
+        require(address.toLongLong() >= 0 && address.toLongLong() >> 48 == 0, "an address and a port have 48 bits");
+    else
+        require(address.toString() == player.ipaddress, "what is no address sorts as a text");
+    require(numberSortKey(player.score) == QVariant(player.score) || parseNumber(player.score).has_value(),
+            "what is no number sorts as a text");
+}
+
+static void checkExport(const QList<PlayerRow> &players)
+{
+    constexpr qsizetype linesOfHead = 5;
+    for (const bool isCommaSeparated : {false, true}) {
+        const QByteArray text = playerListText(players, isCommaSeparated, QStringLiteral("1.1.26"));
+        require(text.count('\n') == players.size() + linesOfHead, "a player is a line");
+    }
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QString reply = QString::fromLatin1(fuzzedBytes(data, size));
+    const QList<PlayerRow> players = parsePlayerList(reply);
+    require(players.size() <= reply.count(u'\n') + 1, "a line is one player");
+    QStringList lines;
+    for (const PlayerRow &player : players) {
+        checkPlayer(player);
+        lines.append(lineOf(player));
+    }
+    require(parsePlayerList(lines.join(u'\n')) == players, "players are read again");
+    checkExport(players);
+    return 0;
+}

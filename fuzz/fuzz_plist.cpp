@@ -1,0 +1,36 @@
+#include "Fuzzing.h"
+
+#include "PropertyList.h"
+#include "SavedServers.h"
+
+#include <algorithm>
+
+static void checkServers(const QList<SavedServer> &servers)
+{
+    require(std::is_sorted(servers.begin(), servers.end(),
+                           [](const SavedServer &left, const SavedServer &right) {
+                               return left.label.compare(right.label, Qt::CaseInsensitive) < 0;
+                           }),
+            "servers are sorted by their labels");
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    constexpr qsizetype largestFile = 2 << 20;
+    const QByteArray bytes = fuzzedBytes(data, size);
+    SavedServers saved(QStringLiteral("/nowhere"), QStringLiteral("login"));
+    const PropertyList document = parsedPropertyList(bytes);
+    const bool isTaken = saved.takeContent(bytes);
+    require(document != nullptr || !isTaken, "what is no property list holds no servers");
+    if (!isTaken)
+        return 0;
+    checkServers(saved.servers());
+
+    const QByteArray written = propertyListBytes(document.get(), largestFile);
+    SavedServers again(QStringLiteral("/nowhere"), QStringLiteral("login"));
+    require(again.takeContent(written) && again.servers() == saved.servers(), "servers are read again");
+    const QByteArray rewritten = propertyListBytes(parsedPropertyList(written).get(), largestFile);
+    require(propertyListBytes(parsedPropertyList(rewritten).get(), largestFile) == rewritten,
+            "what is written over and over stays the same");
+    return 0;
+}

@@ -1,0 +1,50 @@
+#include "Fuzzing.h"
+
+#include "RotationText.h"
+
+#include <algorithm>
+
+static QString itself(const QString &name)
+{
+    return name;
+}
+
+static QString unknown(const QString &)
+{
+    return {};
+}
+
+/// A name that the text of a rotation cannot mistake for something else.
+static bool isPlain(const QString &name)
+{
+    return !name.isEmpty() && !name.contains(u' ') && !name.contains(u'?') && name != QLatin1String("map") &&
+           name != QLatin1String("gametype");
+}
+
+static void checkBuilding(const QList<RotationRow> &rows)
+{
+    const BuiltRotation built = buildRotation(rows, itself, itself);
+    require(built.isComplete() || built.text.isEmpty(), "half a rotation is none");
+    const bool arePlain = std::all_of(rows.begin(), rows.end(), [](const RotationRow &row) {
+        return isPlain(row.map) && isPlain(row.gametype) && row.map.trimmed() == row.map;
+    });
+    if (arePlain)
+        require(parseRotation(built.text, QStringLiteral("tdm"), itself, itself) == rows, "a rotation is read again");
+
+    BuiltRotation none = buildRotation(rows, unknown, unknown);
+    require(none.isComplete() == rows.isEmpty() && none.text.isEmpty(), "unknown names are told");
+    require(none.unknownMaps.removeDuplicates() == 0 && none.unknownGametypes.removeDuplicates() == 0,
+            "an unknown name is told once");
+}
+
+/// A reply to "sv_mapRotation", or the rotation itself.
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QString reply = QString::fromLatin1(fuzzedBytes(data, size));
+    for (const QString &text : {parseMapResponse(reply), reply}) {
+        const QList<RotationRow> rows = parseRotation(text, QStringLiteral("tdm"), itself, itself);
+        require(rows.size() <= text.count(u' ') + 1, "a row takes a word");
+        checkBuilding(rows);
+    }
+    return 0;
+}
