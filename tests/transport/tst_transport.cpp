@@ -32,7 +32,7 @@ struct Outcome {
     qint64 milliseconds = 0;
 };
 
-Outcome exchange(Road road, int port, std::stop_token stop = {})
+Outcome exchange(Road road, int port, const std::stop_token &stop = {})
 {
     QElapsedTimer timer;
     timer.start();
