@@ -5,6 +5,9 @@
 #include <QTextBlock>
 #include <QTextDocument>
 
+static constexpr int mostLines = 200'000;
+static constexpr int linesForgottenAtOnce = 20'000;
+
 TranscriptView::TranscriptView(QWidget *parent) : QPlainTextEdit(parent)
 {
     setReadOnly(true);
@@ -16,7 +19,6 @@ TranscriptView::TranscriptView(QWidget *parent) : QPlainTextEdit(parent)
         if (m_followsEnd)
             bar->setValue(maximum);
     });
-    setMaximumBlockCount(200000); // the oldest lines go before the memory does
     setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
@@ -59,6 +61,19 @@ void TranscriptView::appendConsoleMessage(const QString &text)
         reader.setPosition(position, QTextCursor::KeepAnchor);
         setTextCursor(reader);
     }
-    bar->setValue(followsEnd ? bar->maximum() : readersPlace);
+    const int forgotten = forgetOldLines();
+    bar->setValue(followsEnd ? bar->maximum() : readersPlace - forgotten);
     m_followsEnd = followsEnd;
+}
+
+/// The oldest lines go before the memory does. Many at once, as the whole text is moved for it; a limit that stays set
+/// would do that for every thousand lines. Returns how many lines of the view they took.
+int TranscriptView::forgetOldLines()
+{
+    if (blockCount() < mostLines + linesForgottenAtOnce)
+        return 0;
+    const int lines = document()->lineCount();
+    setMaximumBlockCount(mostLines);
+    setMaximumBlockCount(0);
+    return lines - document()->lineCount();
 }

@@ -2,7 +2,8 @@
 
 #include <QPlainTextEdit>
 
-/// The console transcript: grows at its end and follows it only while the reader is there.
+/// The console transcript: grows at its end and follows it only while the reader is there. Keeps at least the newest
+/// 200,000 lines.
 class TranscriptView : public QPlainTextEdit
 {
     Q_OBJECT
@@ -13,5 +14,7 @@ public:
     void appendConsoleMessage(const QString &text);
 
 private:
+    int forgetOldLines();
+
     bool m_followsEnd = true;
 };

@@ -60,8 +60,10 @@ private slots:
 
     void listsNoMorePlayersThanThereCanBe()
     {
-        const QString line = QStringLiteral("1 0 48 g n 2 0 1.2.3.4:5 77 900\n");
-        QCOMPARE(parsePlayerList(line.repeated(mostPlayers + 1)).size(), mostPlayers);
+        QString reply;
+        for (int number = 0; number <= mostPlayers; ++number)
+            reply += QString::number(number) + QStringLiteral(" 0 48 g n 2 0 1.2.3.4:5 77 900\n");
+        QCOMPARE(parsePlayerList(reply).size(), mostPlayers);
     }
 
     void addressesSortAsAddresses()
