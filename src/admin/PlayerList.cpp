@@ -34,7 +34,7 @@ namespace
 class Titled
 {
 public:
-    explicit Titled(const QList<QStringList> &lines)
+    explicit Titled(const QList<QStringView> &lines)
         : m_isTitled(std::any_of(lines.begin(), lines.end(), &endsLikeTitle)),
           m_isBeginningLost(m_isTitled && !endsLikeTitle(lines.first()))
     {
@@ -49,8 +49,12 @@ public:
     }
 
 private:
-    static bool endsLikeTitle(const QStringList &tokens)
+    /// Most lines are told by their last letters; only then are all the words of one looked at.
+    static bool endsLikeTitle(QStringView line)
     {
+        if (!line.trimmed().endsWith(QLatin1String("rate")))
+            return false;
+        const QStringList tokens = tokensOf(line);
         return tokens.endsWith(QStringLiteral("rate")) && tokens.value(tokens.size() - 2) == QLatin1String("qport");
     }
 
@@ -66,14 +70,12 @@ QList<PlayerRow> parsePlayerList(const QString &reply)
     constexpr qsizetype fewestTokens = 10;
     constexpr qsizetype nameBegin = 4;
     constexpr qsizetype tokensAfterName = 5;
-    QList<QStringList> lines;
-    for (const QStringView line : QStringView(reply).split(QLatin1Char('\n'), Qt::SkipEmptyParts))
-        lines.append(tokensOf(line));
+    const QList<QStringView> lines = QStringView(reply).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     const Titled titled(lines);
     QHash<QString, qsizetype> places;
     QList<PlayerRow> players;
     for (qsizetype line = 0; line < lines.size() && players.size() < mostPlayers; ++line) {
-        const QStringList &tokens = lines.at(line);
+        const QStringList tokens = tokensOf(lines.at(line));
         const qsizetype count = tokens.size();
         if (count < fewestTokens || titled.isDamaged(tokens, line))
             continue;

@@ -26,8 +26,11 @@ void ProcessPrivacy::forbidDumps()
 #ifdef NDEBUG
     if (qEnvironmentVariableIntValue("FERROW_RCON_DUMPS") == 1)
         return;
-    const rlimit none{0, 0};
-    static_cast<void>(::setrlimit(RLIMIT_CORE, &none));
+    rlimit size{};
+    if (::getrlimit(RLIMIT_CORE, &size) == 0) {
+        size.rlim_cur = 0; // a program that is started from here may still ask for more
+        static_cast<void>(::setrlimit(RLIMIT_CORE, &size));
+    }
 #ifdef Q_OS_LINUX
     static_cast<void>(::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0));
 #endif

@@ -11,7 +11,8 @@ bool makePrivateFolder(const QString &path)
     constexpr QFileDevice::Permissions others = QFileDevice::Permissions(0x0077);
     const QFileInfo folder(path);
     if (!folder.exists())
-        return QDir().mkpath(folder.absolutePath()) && QDir().mkdir(path, ownerOnly);
+        return QDir().mkpath(folder.absolutePath()) &&
+               (QDir().mkdir(path, ownerOnly) || QFileInfo(path).isDir()); // another thread may have been first
     // What somebody else owns cannot be narrowed, but can still be of use.
     if ((folder.permissions() & others) != 0)
         static_cast<void>(QFile::setPermissions(path, ownerOnly));

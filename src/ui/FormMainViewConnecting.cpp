@@ -49,7 +49,10 @@ QCoro::Task<> FormMainView::connectAction(ConnectTarget target)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
     bool goesOn = false;
-    if (turn)
+    CatalogueState maps = CatalogueState::Missing; // then the program is about to end
+    if (turn) // before the question: while a worker reads, the tables that it is about can be edited
+        maps = co_await m_catalogues.maps.loadMapList();
+    if (turn && maps != CatalogueState::Missing)
         goesOn = co_await settleUnsavedWork();
     if (turn && goesOn)
         co_await loadGameData();
@@ -79,9 +82,6 @@ QCoro::Task<> FormMainView::connectAction(ConnectTarget target)
 
 QCoro::Task<> FormMainView::loadGameData()
 {
-    const CatalogueState maps = co_await m_catalogues.maps.loadMapList();
-    if (maps == CatalogueState::Missing)
-        co_return; // the program is about to end
     co_await m_rotations.messages.loadMessageRotation();
     co_await m_catalogues.playlists.loadPlaylists();
     co_await m_rotations.maps.loadMapRotation();
