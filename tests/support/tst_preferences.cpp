@@ -67,7 +67,6 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("isNumber");
         QTest::addColumn<qint64>("expected");
-        QTest::newRow("leading zeros") << "007" << true << qint64(7);
         QTest::newRow("sign") << "-3" << true << qint64(-3);
         QTest::newRow("blanks around") << " 12 " << true << qint64(12);
         QTest::newRow("fraction") << "12.9" << true << qint64(12);
@@ -79,7 +78,6 @@ private slots:
         QTest::newRow("trailing letter") << "12a" << false << qint64(0);
         QTest::newRow("hexadecimal") << "0x10" << false << qint64(0);
         QTest::newRow("exponent") << "1e3" << false << qint64(0);
-        QTest::newRow("infinity") << "inf" << false << qint64(0);
     }
     void readsNumbers()
     {
