@@ -15,14 +15,15 @@ struct Messages : Fixture {
     MessagesView view{messageRotations, actions, alerts, preferences};
 };
 
-/// A window with a message that no file holds.
 struct UnsavedWindow : MapsFixture {
     UnsavedWindow()
     {
         view.makeViews();
-        awaited(messageRotations.addMessageToCurrentRotation("typed", "5"));
         alerts.hold();
     }
+
+    /// A message that no file holds.
+    void edit() { awaited(messageRotations.addMessageToCurrentRotation("typed", "5")); }
 
     FormMainView view{server, actions, alerts, preferences, catalogues(), rotations(), savedServers};
 };
@@ -160,10 +161,13 @@ private slots:
         QFETCH(bool, goesOn);
         UnsavedWindow window;
         window.view.show();
-        if (isClosing)
+        if (isClosing) {
+            window.edit();
             window.view.close();
-        else
+        } else {
             window.view.connectTo(ConnectTarget{"L", "10.0.0.1", "28960", "p", nullptr});
+            window.edit(); // while a worker reads the catalogue
+        }
         QTRY_COMPARE(window.alerts.openCount(), 1);
         QCOMPARE(window.alerts.shown().last().buttons, QStringList({"Yes", "No", "Cancel"}));
         QVERIFY(window.view.isVisible() && window.exchange.sent().isEmpty());
