@@ -1,6 +1,7 @@
 #include "DatagramPacket.h"
 #include "ScriptedPeer.h"
 
+#include <QElapsedTimer>
 #include <QTest>
 
 #include <sys/socket.h>
@@ -111,14 +112,26 @@ private slots:
         QCOMPARE(peer.requests(), QList<QByteArray>({bytes("ffffffff005a6feb00"), bytes("ffffffff0000")}));
     }
 
-    void silenceAndReset()
+    void timeOuts()
     {
         const auto packet = DatagramPacket::initWithHost("127.0.0.1", 1);
-        QString text = before;
-        QCOMPARE(packet->receive(&text), RConResultTimeout);
-        QCOMPARE(text, "Timed out");
+        for (const auto &[attempt, milliseconds] : {std::pair{0u, 250}, std::pair{1u, 500}, std::pair{9u, 750}}) {
+            packet->setSendAttemptNum(attempt);
+            QElapsedTimer timer;
+            timer.start();
+            QString text = before;
+            QCOMPARE(packet->receive(&text), RConResultTimeout);
+            const qint64 elapsed = timer.elapsed();
+            QCOMPARE(text, "Timed out");
+            QVERIFY2(elapsed >= milliseconds - 20 && elapsed < milliseconds + 3000, QByteArray::number(elapsed));
+        }
+    }
 
+    void reset()
+    {
+        const auto packet = DatagramPacket::initWithHost("127.0.0.1", 1);
         packet->setSocket(socketWithReset({}));
+        QString text = before;
         QCOMPARE(packet->receive(&text), RConResultError);
         QCOMPARE(text, "Unable to connect to server");
 
