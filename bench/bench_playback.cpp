@@ -2,6 +2,7 @@
 #include "Alerts.h"
 #include "KelMessageRotation.h"
 #include "KelServer.h"
+#include "LoopbackServer.h"
 #include "PreciseOneShotTimer.h"
 #include "RConExchange.h"
 
@@ -10,15 +11,9 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
-#include <arpa/inet.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <atomic>
 #include <cstdio>
 #include <mutex>
-#include <thread>
 #include <vector>
 
 // How late a message reaches the server: from the moment its timer is due until its datagram is there.
@@ -29,30 +24,7 @@ using Clock = std::chrono::steady_clock;
 class Server
 {
 public:
-    Server()
-    {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length = sizeof address;
-        auto *generic = reinterpret_cast<sockaddr *>(&address);
-        const timeval wait{0, 50'000};
-        if (bind(m_socket, generic, length) != 0 || getsockname(m_socket, generic, &length) != 0 ||
-            setsockopt(m_socket, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait) != 0)
-            qFatal("no port for the server");
-        m_port = ntohs(address.sin_port);
-        m_thread = std::thread([this] { run(); });
-    }
-    ~Server()
-    {
-        m_isStopping = true;
-        m_thread.join();
-        close(m_socket);
-    }
-    Server(const Server &) = delete;
-    Server &operator=(const Server &) = delete;
-
-    quint16 port() const { return m_port; }
+    quint16 port() const { return m_server.port(); }
     std::vector<Clock::time_point> takeSays()
     {
         const std::lock_guard guard(m_mutex);
@@ -60,37 +32,26 @@ public:
     }
 
 private:
-    void run()
+    void answer(const QByteArray &request)
     {
-        char request[2048];
-        while (!m_isStopping) {
-            sockaddr_in from{};
-            socklen_t length = sizeof from;
-            auto *generic = reinterpret_cast<sockaddr *>(&from);
-            const ssize_t size = recvfrom(m_socket, request, sizeof request, 0, generic, &length);
-            const Clock::time_point now = Clock::now();
-            const QByteArray text(request, std::max<ssize_t>(size, 0));
-            if (size <= 0 || text.contains("teamstatus"))
-                continue;
-            if (text.contains("say")) {
-                const std::lock_guard guard(m_mutex);
-                m_says.push_back(now);
-            }
-            const QByteArray reply = QByteArray("\xff\xff\xff\xff\x01print\n") + dump;
-            if (sendto(m_socket, reply.constData(), static_cast<std::size_t>(reply.size()), 0, generic, length) < 0)
-                qFatal("the server cannot answer");
+        const Clock::time_point now = Clock::now();
+        if (request.contains("teamstatus"))
+            return;
+        if (request.contains("say")) {
+            const std::lock_guard guard(m_mutex);
+            m_says.push_back(now);
         }
+        m_server.answer(QByteArray("\xff\xff\xff\xff\x01print\n") + dump);
     }
 
     static inline const QByteArray dump = "rcon_password \"x\"\nsv_hostname \"h\"\nsv_ranked \"0\"\nplaylist_enabled "
                                           "\"0\"\nplaylist_excludeMap \"a\"\nplaylist_excludeGametype \"b\"\n"
                                           "playlist_excludeGametypeMap \"c\"\n";
-    int m_socket = socket(AF_INET, SOCK_DGRAM, 0);
-    quint16 m_port = 0;
-    std::atomic<bool> m_isStopping = false;
     std::mutex m_mutex;
     std::vector<Clock::time_point> m_says;
-    std::thread m_thread;
+    LoopbackServer m_server{[this](const QByteArray &request) {
+        answer(request);
+    }};
 };
 
 /// The real timer, which tells when it is due.
