@@ -118,6 +118,9 @@ bool Soak::rest()
         return false;
     }
     lookAtRows();
+    // The picture of a window is as large as the window, which the hand leaves in any size.
+    m_application.window().resize(1180, 720);
+    wait(100);
     // Qt keeps pictures of what was drawn, up to 10 MB. How much of it tells nothing about what the console keeps.
     QPixmapCache::clear();
     Gauge gauge = Gauge::read(m_application.window());
