@@ -63,8 +63,9 @@ KelMessageRotation::KelMessageRotation(Surroundings surroundings, const QString 
       m_actions(surroundings.actions),
       m_timer(timer != nullptr ? std::move(timer) : std::make_unique<PreciseOneShotTimer>())
 {
-    connect(tableModel(), &QAbstractItemModel::rowsInserted, this, &KelMessageRotation::updateTransportButtons);
-    connect(tableModel(), &QAbstractItemModel::rowsRemoved, this, &KelMessageRotation::updateTransportButtons);
+    // Not to what the table shows, which takes long to make and is needed with the table only.
+    connect(storedRows(), &QAbstractItemModel::rowsInserted, this, &KelMessageRotation::updateTransportButtons);
+    connect(storedRows(), &QAbstractItemModel::rowsRemoved, this, &KelMessageRotation::updateTransportButtons);
 }
 
 QCoro::Task<> KelMessageRotation::addMessageToCurrentRotation(QString message, QString duration)

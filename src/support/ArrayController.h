@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <numeric>
 
 /// The rows of one table, as a model, together with the order they are shown in and the selection.
@@ -29,37 +30,23 @@ public:
     using KeyOf = std::function<QString(const Row &)>;
 
     ArrayController(QList<Column> columns, KeyOf keyOf, QObject *parent = nullptr)
-        : QAbstractTableModel(parent), m_columns(std::move(columns)), m_keyOf(std::move(keyOf)),
-          m_selection(&m_arranged)
+        : QAbstractTableModel(parent), m_columns(std::move(columns)), m_keyOf(std::move(keyOf))
     {
-        connect(&m_selection, &QItemSelectionModel::selectionChanged, this, [this] {
-            if (!m_isUpdating)
-                m_hiddenSelection.clear(); // a new choice of the user's replaces what the filter hides
-        });
     }
 
-    ArrangedRows *arranged()
-    {
-        if (!isArranged()) // put off until somebody looks: it takes long, and the start makes many controllers
-            m_arranged.setSourceModel(this);
-        return &m_arranged;
-    }
-    QItemSelectionModel *selection()
-    {
-        arranged();
-        return &m_selection;
-    }
+    ArrangedRows *arranged() { return &shown().rows; }
+    QItemSelectionModel *selection() { return &shown().selection; }
 
     const QList<Row> &content() const { return m_rows; }
 
     /// All rows in the order of the table; rows that the filter hides are among them.
     QList<Row> arrangedObjects() const
     {
-        if (!isArranged())
+        if (m_shown == nullptr)
             return m_rows;
         QList<Row> rows;
         rows.reserve(m_rows.size());
-        for (const int row : m_arranged.sourceRowsInOrder())
+        for (const int row : m_shown->rows.sourceRowsInOrder())
             rows.append(m_rows.at(row));
         return rows;
     }
@@ -67,13 +54,11 @@ public:
     /// The selected rows that can be seen, from the top of the table to its bottom.
     QList<Row> selectedObjects() const
     {
-        QList<int> shown;
-        for (const QModelIndex &index : m_selection.selectedRows())
-            shown.append(index.row());
-        std::sort(shown.begin(), shown.end());
+        QModelIndexList chosen = selectedRows();
+        std::sort(chosen.begin(), chosen.end());
         QList<Row> rows;
-        for (const int row : std::as_const(shown))
-            rows.append(m_rows.at(m_arranged.mapToSource(m_arranged.index(row, 0)).row()));
+        for (const QModelIndex &index : std::as_const(chosen))
+            rows.append(m_rows.at(m_shown->rows.mapToSource(index).row()));
         return rows;
     }
 
@@ -93,8 +78,8 @@ public:
     void removeSelected()
     {
         QList<bool> isKept(m_rows.size(), true);
-        for (const QModelIndex &index : m_selection.selectedRows())
-            isKept[m_arranged.mapToSource(index).row()] = false;
+        for (const QModelIndex &index : selectedRows())
+            isKept[m_shown->rows.mapToSource(index).row()] = false;
         removeUnkept(isKept);
     }
 
@@ -193,7 +178,30 @@ protected:
     }
 
 private:
-    bool isArranged() const { return m_arranged.sourceModel() != nullptr; }
+    /// What a view needs.
+    struct Shown {
+        ArrangedRows rows;
+        QItemSelectionModel selection{&rows};
+    };
+
+    /// Made when somebody looks: it takes long, and the start makes many controllers.
+    Shown &shown()
+    {
+        if (m_shown != nullptr)
+            return *m_shown;
+        m_shown = std::make_unique<Shown>();
+        m_shown->rows.setSourceModel(this);
+        connect(&m_shown->selection, &QItemSelectionModel::selectionChanged, this, [this] {
+            if (!m_isUpdating)
+                m_hiddenSelection.clear(); // a new choice of the user's replaces what the filter hides
+        });
+        return *m_shown;
+    }
+
+    QModelIndexList selectedRows() const
+    {
+        return m_shown == nullptr ? QModelIndexList() : m_shown->selection.selectedRows();
+    }
 
     QSet<QString> selectedKeys() const
     {
@@ -205,7 +213,7 @@ private:
 
     void selectKeys(const QSet<QString> &keys)
     {
-        if (!isArranged()) // then nothing has been chosen
+        if (m_shown == nullptr) // then nothing has been chosen
             return;
         QItemSelection chosen;
         m_hiddenSelection.clear();
@@ -213,14 +221,14 @@ private:
             const QString key = m_keyOf(m_rows.at(row));
             if (!keys.contains(key))
                 continue;
-            const QModelIndex shown = m_arranged.mapFromSource(index(row, 0));
-            if (shown.isValid())
-                chosen.select(shown, shown.siblingAtColumn(columnCount() - 1));
+            const QModelIndex place = m_shown->rows.mapFromSource(index(row, 0));
+            if (place.isValid())
+                chosen.select(place, place.siblingAtColumn(columnCount() - 1));
             else
                 m_hiddenSelection.insert(key);
         }
         m_isUpdating = true;
-        m_selection.select(chosen, QItemSelectionModel::ClearAndSelect);
+        m_shown->selection.select(chosen, QItemSelectionModel::ClearAndSelect);
         m_isUpdating = false;
     }
 
@@ -315,7 +323,6 @@ private:
     QList<Column> m_columns;
     KeyOf m_keyOf;
     QSet<QString> m_hiddenSelection;
-    ArrangedRows m_arranged;
-    QItemSelectionModel m_selection;
+    std::unique_ptr<Shown> m_shown;
     bool m_isUpdating = false;
 };
