@@ -1,32 +1,87 @@
 #include "WelcomePage.h"
 
+#include <QEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QVBoxLayout>
+
+#include <utility>
+
+namespace
+{
+/// A line in large letters. They are the normal ones, drawn larger: a font of another size takes long to find.
+class Headline : public QLabel
+{
+public:
+    using QLabel::QLabel;
+    QSize sizeHint() const override { return minimumSizeHint(); }
+    QSize minimumSizeHint() const override { return QLabel::minimumSizeHint() * scale; }
+
+protected:
+    void paintEvent(QPaintEvent * /*event*/) override
+    {
+        QPainter painter(this);
+        painter.setPen(palette().color(foregroundRole()));
+        painter.scale(scale, scale);
+        painter.drawText(QRectF(QPointF(), QSizeF(size()) / scale), Qt::AlignLeft | Qt::AlignVCenter, text());
+    }
+
+private:
+    static constexpr qreal scale = 1.8;
+};
+
+/// A text that wraps, measured once for each width; a plain label tries many widths before it is shown.
+class Paragraph : public QLabel
+{
+public:
+    Paragraph(const QString &text, QWidget *parent) : QLabel(text, parent)
+    {
+        setTextFormat(Qt::PlainText);
+        setWordWrap(true);
+        QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+        policy.setHeightForWidth(true);
+        setSizePolicy(policy);
+    }
+    QSize sizeHint() const override { return {fontMetrics().averageCharWidth() * 60, fontMetrics().lineSpacing()}; }
+    QSize minimumSizeHint() const override { return {fontMetrics().averageCharWidth() * 30, sizeHint().height()}; }
+    int heightForWidth(int width) const override
+    {
+        if (std::exchange(m_width, width) != width)
+            m_height = fontMetrics().boundingRect(0, 0, width, QWIDGETSIZE_MAX, Qt::TextWordWrap, text()).height();
+        return m_height;
+    }
+
+protected:
+    void changeEvent(QEvent *event) override
+    {
+        m_width = -1; // another font is one of the changes
+        QLabel::changeEvent(event);
+    }
+
+private:
+    mutable int m_width = -1;
+    mutable int m_height = 0;
+};
+} // namespace
 
 WelcomePage::WelcomePage(QWidget *parent)
     : QWidget(parent), tryDemoServerButton(new QPushButton(tr("Try the Demo Server"), this))
 {
     setObjectName(QStringLiteral("welcomePage"));
-    auto *title = new QLabel(tr("Welcome"), this);
-    QFont large = title->font();
-    large.setPointSizeF(large.pointSizeF() * 1.8);
-    title->setFont(large);
-    auto *text = new QLabel(tr("Enter the address, the port and the remote-console password of your server on the "
-                               "left and press \"Connect\".\n\n"
-                               "Players, maps, settings, messages and the console appear here as soon as the server "
-                               "has answered."),
-                            this);
-    text->setWordWrap(true);
-    auto *demoText = new QLabel(tr("No server at hand? The built-in demo server runs on this computer only and lets "
-                                   "you try everything."),
-                                this);
-    demoText->setWordWrap(true);
+    auto *title = new Headline(tr("Welcome"), this);
+    auto *text = new Paragraph(tr("Enter the address, the port and the remote-console password of your server on the "
+                                  "left and press \"Connect\".\n\n"
+                                  "Players, maps, settings, messages and the console appear here as soon as the server "
+                                  "has answered."),
+                               this);
+    auto *demoText = new Paragraph(tr("No server at hand? The built-in demo server runs on this computer only and lets "
+                                      "you try everything."),
+                                   this);
     tryDemoServerButton->setObjectName(QStringLiteral("tryDemoServerButton"));
     tryDemoServerButton->setMinimumSize(tryDemoServerButton->sizeHint() + QSize(24, 8));
 
     auto *column = new QVBoxLayout;
-    for (QWidget *widget :
-         {static_cast<QWidget *>(title), static_cast<QWidget *>(text), static_cast<QWidget *>(demoText)})
+    for (QWidget *widget : QList<QWidget *>{title, text, demoText})
         column->addWidget(widget);
     column->addWidget(tryDemoServerButton, 0, Qt::AlignLeft);
     column->setSpacing(14);
