@@ -1,7 +1,10 @@
 #include "EarlyFonts.h"
 
+#include <QFontDatabase>
+
 #include <clocale>
 #include <system_error>
+#include <utility>
 
 #include <dlfcn.h>
 
@@ -15,14 +18,33 @@ EarlyFonts::EarlyFonts()
     // The reader asks for the locale, so it has to be what the QApplication is going to make it.
     std::setlocale(LC_ALL, "");
     try {
-        m_reading = std::thread([initialise] { initialise(); });
+        m_reading = std::thread(&EarlyFonts::read, this, initialise);
     } catch (const std::system_error &) {
         return; // no thread to be had: the fonts are read when they are needed
     }
 }
 
-void EarlyFonts::wait()
+void EarlyFonts::read(int (*initialise)())
 {
-    if (m_reading.joinable())
-        m_reading.join();
+    initialise();
+    m_configured.set_value();
+    if (m_mayList.get_future().get())
+        static_cast<void>(QFontDatabase::hasFamily(QString())); // for which it lists them
+}
+
+void EarlyFonts::listFonts()
+{
+    if (!m_reading.joinable() || std::exchange(m_isAnswered, true))
+        return;
+    m_mayList.set_value(true);
+    m_configured.get_future().wait();
+}
+
+void EarlyFonts::finish()
+{
+    if (!m_reading.joinable())
+        return;
+    if (!std::exchange(m_isAnswered, true))
+        m_mayList.set_value(false);
+    m_reading.join();
 }

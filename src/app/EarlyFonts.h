@@ -1,23 +1,31 @@
 #pragma once
 
+#include <future>
 #include <thread>
 
-/// Reads the system's font configuration on a thread of its own, beside the connection to the display: on Linux the
-/// first text of a process waits for it, and it takes as long as half of the rest of the start. Where fonts come from
-/// elsewhere it does nothing.
+/// Reads the system's fonts on a thread of its own, beside the connection to the display: on Linux the first text of a
+/// process waits for them, and they take as long as half of the rest of the start. Where fonts come from elsewhere it
+/// does nothing. Main thread only.
 class EarlyFonts
 {
 public:
-    /// Begins to read. Before the QApplication, on the main thread, with no other thread running.
+    /// Begins to read how fonts are configured. Before the QApplication, with no other thread running.
     EarlyFonts();
     EarlyFonts(const EarlyFonts &) = delete;
     EarlyFonts &operator=(const EarlyFonts &) = delete;
-    /// Waits for the reading to end.
-    ~EarlyFonts() { wait(); }
+    ~EarlyFonts() { finish(); }
 
-    /// To be called before the first text is measured, which would begin to read once more.
-    void wait();
+    /// Waits until the configuration has been read, which the first text would read once more, and lets the fonts be
+    /// listed while the caller goes on. With a QApplication.
+    void listFonts();
+    /// Waits until all has been read. Before the QApplication ends.
+    void finish();
 
 private:
+    void read(int (*initialise)());
+
+    std::promise<void> m_configured;
+    std::promise<bool> m_mayList;
+    bool m_isAnswered = false; ///< the promise above, by the main thread
     std::thread m_reading;
 };

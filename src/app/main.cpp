@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 #include "EarlyFonts.h"
 #include "FormMainView.h"
+#include "LeanStyle.h"
 #include "ProcessPrivacy.h"
 #include "ResourceFolder.h"
 
@@ -10,6 +11,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <memory>
 
 static QStringList argumentsOf(int argc, char **argv)
 {
@@ -32,6 +34,7 @@ int main(int argc, char **argv)
 
     EarlyFonts fonts;
     QApplication application(argc, argv);
+    QApplication::setStyle(std::make_unique<LeanStyle>().release()); // which takes it
     QApplication::setApplicationName(QStringLiteral("ferrow-rcon"));
     QApplication::setApplicationVersion(CommandLine::version());
     const CommandLine line = CommandLine::parse(QApplication::arguments());
@@ -40,7 +43,7 @@ int main(int argc, char **argv)
         return 2;
     }
     QApplication::setDesktopFileName(QStringLiteral("net.kelvard.ferrow_rcon"));
-    fonts.wait();
+    fonts.listFonts();
     AppDelegate delegate;
     // Not before the first frame: an icon brings in the plugins for pictures.
     QObject::connect(&delegate.window(), &FormMainView::firstFrameShown, &application,
@@ -53,5 +56,7 @@ int main(int argc, char **argv)
             delegate.window().quickConnect(line.connectHost, line.connectPort, password);
             password.clear(); // from now on the form's field has it
         });
-    return QApplication::exec();
+    const int code = QApplication::exec();
+    fonts.finish();
+    return code;
 }

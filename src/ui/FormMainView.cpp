@@ -33,15 +33,19 @@
 
 FormMainView::FormMainView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
                            GameCatalogues catalogues, Rotations rotations, SavedServers &savedServers, QWidget *parent)
-    : QMainWindow(parent), serversView(new ServersView(savedServers, actions, alerts, this)),
-      tabControlMain(new QTabWidget(this)), welcomePage(new WelcomePage(this)), statusLine(new StatusLine(this)),
-      m_server(server), m_actions(actions), m_alerts(alerts), m_preferences(preferences), m_catalogues(catalogues),
-      m_rotations(rotations), m_splitter(new QSplitter(this)), m_stack(new QStackedWidget(this))
+    : QMainWindow(parent), tabControlMain(new QTabWidget(this)), m_server(server), m_actions(actions), m_alerts(alerts),
+      m_preferences(preferences), m_catalogues(catalogues), m_rotations(rotations), m_splitter(new QSplitter(this)),
+      m_stack(new QStackedWidget(this))
 {
     setObjectName(QStringLiteral("FormMainView"));
     setWindowTitle(tr("Kelvard Ferrow Remote Console"));
-    layOut();
+    // First what needs no fonts: they are still being listed.
+    create();
     makeMenus();
+    serversView = new ServersView(savedServers, actions, alerts, this);
+    welcomePage = new WelcomePage(this);
+    statusLine = new StatusLine(this);
+    layOut();
     connectControls();
     restoreLayout();
 }

@@ -66,10 +66,10 @@ public:
     /// once.
     void makeViews();
 
-    ServersView *serversView;
+    ServersView *serversView = nullptr;
     QTabWidget *tabControlMain;
-    WelcomePage *welcomePage;
-    StatusLine *statusLine;
+    WelcomePage *welcomePage = nullptr;
+    StatusLine *statusLine = nullptr;
     // Null until makeViews().
     PlayersView *playersView = nullptr;
     MapsView *mapsView = nullptr;

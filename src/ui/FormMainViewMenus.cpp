@@ -33,7 +33,7 @@ void FormMainView::makeMenus()
     makeViewMenu();
     QMenu *help = menuBar()->addMenu(tr("&Help"));
     help->addAction(tr("Try the &Demo Server"), this, &FormMainView::demoServerRequested);
-    help->addAction(tr("Server &Hosting"), serversView, &ServersView::hostwellButtonPressed);
+    help->addAction(tr("Server &Hosting"), this, [this] { serversView->hostwellButtonPressed(); });
     QAction *about = help->addAction(tr("&About"), this, &FormMainView::showAbout);
     about->setMenuRole(QAction::AboutRole);
 }
