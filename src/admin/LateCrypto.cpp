@@ -1,7 +1,6 @@
 #include <openssl/evp.h>
 
 #include <dlfcn.h>
-#include <string.h>
 
 // OpenSSL's functions that the program calls, each handed on to the library, which is loaded at the first call: loading
 // it costs memory and a tenth of the start, and most sessions begin without a look at a saved password. Without the
@@ -18,11 +17,6 @@ static Function *original(const char *name)
 }
 
 extern "C" {
-void OPENSSL_cleanse(void *bytes, size_t size)
-{
-    explicit_bzero(bytes, size);
-}
-
 const EVP_MD *EVP_sha256()
 {
     auto *const call = original<decltype(EVP_sha256)>("EVP_sha256");

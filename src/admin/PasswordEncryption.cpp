@@ -1,6 +1,7 @@
 #include "PasswordEncryption.h"
 
-#include <openssl/crypto.h>
+#include "Secrets.h"
+
 #include <openssl/evp.h>
 
 #include <QStringDecoder>
@@ -19,9 +20,9 @@ struct CipherContextDeleter {
 };
 using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, CipherContextDeleter>;
 
-static void wipe(QByteArray &bytes)
+static void wipe(Aes256Key &key)
 {
-    OPENSSL_cleanse(bytes.data(), static_cast<size_t>(bytes.size()));
+    wipe(std::span(reinterpret_cast<char *>(key.data()), key.size()));
 }
 
 static const unsigned char *octets(const QByteArray &bytes)
@@ -37,7 +38,7 @@ std::optional<Aes256Key> keyFromPassword(const QString &password, const QString 
     const int done =
         EVP_Digest(bytes.constData(), static_cast<size_t>(bytes.size()), key.data(), nullptr, EVP_sha256(), nullptr);
     wipe(bytes);
-    OPENSSL_cleanse(text.data(), static_cast<size_t>(text.size()) * sizeof(QChar));
+    wipe(text);
     if (done != 1)
         return std::nullopt;
     return key;
@@ -86,7 +87,7 @@ std::optional<QByteArray> AES256EncryptWithPassword(const QString &text, const Q
         return std::nullopt;
     QByteArray bytes = text.toUtf8();
     std::optional<QByteArray> result = aes256Encrypt(bytes, *key);
-    OPENSSL_cleanse(key->data(), key->size());
+    wipe(*key);
     wipe(bytes);
     return result;
 }
@@ -97,7 +98,7 @@ std::optional<QString> AES256DecryptWithPassword(const QByteArray &data, const Q
     if (!key)
         return std::nullopt;
     std::optional<QByteArray> bytes = aes256Decrypt(data, *key);
-    OPENSSL_cleanse(key->data(), key->size());
+    wipe(*key);
     if (!bytes)
         return std::nullopt;
     // Stateless: a character that breaks off at the end is an error. ConvertInitialBom: a mark at the start is text.
@@ -105,8 +106,10 @@ std::optional<QString> AES256DecryptWithPassword(const QByteArray &data, const Q
                            QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
     QString text = decoder.decode(*bytes);
     wipe(*bytes);
-    if (decoder.hasError())
+    if (decoder.hasError()) {
+        wipe(text);
         return std::nullopt;
+    }
     return text;
 }
 
