@@ -42,25 +42,39 @@ public:
         policy.setHeightForWidth(true);
         setSizePolicy(policy);
     }
-    QSize sizeHint() const override { return {fontMetrics().averageCharWidth() * 60, fontMetrics().lineSpacing()}; }
+    QSize sizeHint() const override
+    {
+        if (m_natural.isEmpty())
+            m_natural = measured(QWIDGETSIZE_MAX);
+        return m_natural;
+    }
     QSize minimumSizeHint() const override { return {fontMetrics().averageCharWidth() * 30, sizeHint().height()}; }
     int heightForWidth(int width) const override
     {
+        if (width >= sizeHint().width())
+            return m_natural.height();
         if (std::exchange(m_width, width) != width)
-            m_height = fontMetrics().boundingRect(0, 0, width, QWIDGETSIZE_MAX, Qt::TextWordWrap, text()).height();
+            m_height = measured(width).height();
         return m_height;
     }
 
 protected:
     void changeEvent(QEvent *event) override
     {
-        m_width = -1; // another font is one of the changes
+        m_natural = QSize(); // another font is one of the changes
+        m_width = -1;
         QLabel::changeEvent(event);
     }
 
 private:
+    QSize measured(int width) const
+    {
+        return fontMetrics().boundingRect(0, 0, width, QWIDGETSIZE_MAX, Qt::TextWordWrap, text()).size();
+    }
+
+    mutable QSize m_natural; ///< without wrapping
     mutable int m_width = -1;
-    mutable int m_height = 0;
+    mutable int m_height = 0; ///< at that width
 };
 } // namespace
 
