@@ -33,8 +33,8 @@
 
 FormMainView::FormMainView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
                            GameCatalogues catalogues, Rotations rotations, SavedServers &savedServers, QWidget *parent)
-    : QMainWindow(parent), tabControlMain(new QTabWidget(this)), m_server(server), m_actions(actions), m_alerts(alerts),
-      m_preferences(preferences), m_catalogues(catalogues), m_rotations(rotations), m_splitter(new QSplitter(this)),
+    : QMainWindow(parent), m_server(server), m_actions(actions), m_alerts(alerts), m_preferences(preferences),
+      m_catalogues(catalogues), m_rotations(rotations), m_splitter(new QSplitter(this)),
       m_stack(new QStackedWidget(this))
 {
     setObjectName(QStringLiteral("FormMainView"));
@@ -42,7 +42,9 @@ FormMainView::FormMainView(KelServer &server, ActionQueue &actions, Alerts &aler
     // First what needs no fonts: they are still being listed.
     create();
     makeMenus();
+    // The Tab key goes through them in the order in which they are made.
     serversView = new ServersView(savedServers, actions, alerts, this);
+    tabControlMain = new QTabWidget(this);
     welcomePage = new WelcomePage(this);
     statusLine = new StatusLine(this);
     layOut();

@@ -67,7 +67,7 @@ public:
     void makeViews();
 
     ServersView *serversView = nullptr;
-    QTabWidget *tabControlMain;
+    QTabWidget *tabControlMain = nullptr;
     WelcomePage *welcomePage = nullptr;
     StatusLine *statusLine = nullptr;
     // Null until makeViews().

@@ -125,6 +125,24 @@ private slots:
         QVERIFY(window.view.serversView->connectButton->isEnabled());
     }
 
+    void theTabKeyGoesFromTheServersToTheTabsAndOnToThePage()
+    {
+        ConnectedWindow window;
+        window.view.show();
+        const FormMainView &view = window.view;
+        QStringList panes;
+        const QWidget *last = view.serversView->hostwellButton;
+        for (const QWidget *at = last->nextInFocusChain(); at != last; at = at->nextInFocusChain()) {
+            if ((at->focusPolicy() & Qt::TabFocus) == 0 || !at->isVisible())
+                continue;
+            const bool isInPage = view.tabControlMain->currentWidget()->isAncestorOf(at);
+            const char *pane = view.serversView->isAncestorOf(at) ? "servers" : isInPage ? "page" : "tabs";
+            if (panes.isEmpty() || panes.last() != QLatin1String(pane))
+                panes.append(pane);
+        }
+        QCOMPARE(panes, QStringList({"tabs", "page", "servers"}));
+    }
+
     void theTabsFollowTheModeAndTheConsoleStaysInFront()
     {
         ConnectedWindow window;
