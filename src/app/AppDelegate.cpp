@@ -3,10 +3,12 @@
 #include "Appearance.h"
 #include "DemoServer.h"
 #include "FormMainView.h"
+#include "LeanStyle.h"
 #include "PasswordEncryption.h"
 #include "PrivateFolder.h"
 #include "ResourceFolder.h"
 
+#include <QApplication>
 #include <QStandardPaths>
 
 static CatalogueFolders catalogueFolders(const AppDelegate::Places &places)
@@ -32,6 +34,7 @@ AppDelegate::AppDelegate(const Places &places)
 {
     m_server.setCatalogueLoader(&m_catalogues);
     registerDefaults();
+    QApplication::setStyle(std::make_unique<LeanStyle>().release()); // which takes it
     Appearance::apply(m_preferences.value(QStringLiteral("appearance")).toString());
     m_window = std::make_unique<FormMainView>(m_server, m_actions, m_alerts, m_preferences,
                                               GameCatalogues{m_gametypes, m_settings, m_maps, m_playlists},

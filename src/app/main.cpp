@@ -2,7 +2,6 @@
 #include "CommandLine.h"
 #include "EarlyFonts.h"
 #include "FormMainView.h"
-#include "LeanStyle.h"
 #include "ProcessPrivacy.h"
 #include "ResourceFolder.h"
 
@@ -11,7 +10,6 @@
 #include <QTimer>
 
 #include <cstdio>
-#include <memory>
 
 static QStringList argumentsOf(int argc, char **argv)
 {
@@ -34,7 +32,6 @@ int main(int argc, char **argv)
 
     EarlyFonts fonts;
     QApplication application(argc, argv);
-    QApplication::setStyle(std::make_unique<LeanStyle>().release()); // which takes it
     QApplication::setApplicationName(QStringLiteral("ferrow-rcon"));
     QApplication::setApplicationVersion(CommandLine::version());
     const CommandLine line = CommandLine::parse(QApplication::arguments());
