@@ -29,7 +29,7 @@ void EarlyFonts::read(int (*initialise)())
     initialise();
     m_configured.set_value();
     if (m_mayList.get_future().get())
-        static_cast<void>(QFontDatabase::hasFamily(QString())); // for which it lists them
+        static_cast<void>(QFontDatabase::isFixedPitch(QString())); // for which it lists them
 }
 
 void EarlyFonts::listFonts()

@@ -39,6 +39,8 @@ FormMainView::FormMainView(KelServer &server, ActionQueue &actions, Alerts &aler
 {
     setObjectName(QStringLiteral("FormMainView"));
     setWindowTitle(tr("Kelvard Ferrow Remote Console"));
+    resize(1180, 720);
+    restoreGeometry(m_preferences.value(QStringLiteral("window/geometry")).toByteArray());
     // First what needs no fonts: they are still being listed.
     create();
     makeMenus();
@@ -49,7 +51,8 @@ FormMainView::FormMainView(KelServer &server, ActionQueue &actions, Alerts &aler
     statusLine = new StatusLine(this);
     layOut();
     connectControls();
-    restoreLayout();
+    m_splitter->setSizes({270, 910});
+    m_splitter->restoreState(m_preferences.value(QStringLiteral("window/splitter")).toByteArray());
 }
 
 FormMainView::~FormMainView() = default;
@@ -58,6 +61,7 @@ void FormMainView::makeViews()
 {
     if (!m_pages.isEmpty())
         return;
+    serversView->loadSavedServersList();
     playersView = new PlayersView(m_server, m_actions, m_alerts, m_preferences, this);
     mapsView = new MapsView(m_server, m_actions, m_alerts, m_preferences, m_catalogues, m_rotations.maps, this);
     playlistsView = new PlaylistsView(m_server, m_actions, m_alerts, m_catalogues.gametypes, m_catalogues.maps,
@@ -212,14 +216,6 @@ void FormMainView::countConfigBuilderVisit(const QString &label)
     static int visits = 0;
     if (label == tabLabel(TabItem::ConfigBuilder) && ++visits == 2)
         emit configBuilderVisitedAgain();
-}
-
-void FormMainView::restoreLayout()
-{
-    resize(1180, 720);
-    m_splitter->setSizes({270, 910});
-    restoreGeometry(m_preferences.value(QStringLiteral("window/geometry")).toByteArray());
-    m_splitter->restoreState(m_preferences.value(QStringLiteral("window/splitter")).toByteArray());
 }
 
 QList<std::pair<const char *, QHeaderView *>> FormMainView::tableHeaders() const

@@ -113,7 +113,6 @@ private:
     void insertViews();
     void makeViewMenu();
     void connectControls();
-    void restoreLayout();
     void saveLayout();
     void arrangeTabs();
     void bringToFront(int tab);

@@ -26,7 +26,7 @@ void ServersView::controlTextDidChange()
     connectButton->setEnabled(isComplete && !m_isConnecting);
     saveToServerListButton->setEnabled(isComplete && !labelField->text().isEmpty());
     disconnectButton->setEnabled(m_isConnecting || m_isConnected);
-    connectToSavedServerButton->setEnabled(savedServersController->selection()->hasSelection() && !m_isConnecting);
+    connectToSavedServerButton->setEnabled(!m_isConnecting && !savedServersController->selectedObjects().isEmpty());
 }
 
 void ServersView::setConnected(bool isConnected)
@@ -55,8 +55,16 @@ void ServersView::loadSavedServersList()
         savedServerTableView->setPlaceholder(outcome.error);
 }
 
+void ServersView::readListOnce()
+{
+    if (savedServerTableView->model() == nullptr)
+        loadSavedServersList();
+}
+
 void ServersView::showList()
 {
+    if (savedServerTableView->model() == nullptr)
+        makeTable();
     savedServerTableView->setPlaceholder(
         tr("No server is saved yet. Fill in the form below and press \"Save to List\"."));
     savedServersController->mergeContent(m_savedServers.servers());
@@ -65,6 +73,7 @@ void ServersView::showList()
 
 void ServersView::saveToServerListButtonPressed()
 {
+    readListOnce(); // or what is in the file would be replaced unseen
     const SavedServersOutcome outcome = m_savedServers.save(
         SavedServer{labelField->text(), hostField->text(), portField->text(), passwordField->text()});
     showList();
@@ -114,6 +123,7 @@ void ServersView::savedPasswordDidChange()
 
 void ServersView::storePassword(const QString &label, const QString &password)
 {
+    readListOnce();
     const SavedServersOutcome outcome = m_savedServers.setPassword(label, password);
     showList();
     report(outcome);

@@ -27,7 +27,8 @@ public:
     /// "Disconnect" can be pressed while there is a connection, or one is being made.
     void setConnected(bool isConnected);
     void fillForm(const QString &host, const QString &port);
-    /// Reads the file of saved servers; one that cannot be read leaves the list empty and says so in its place.
+    /// Reads the file of saved servers; one that cannot be read leaves the list empty and says so in its place. Until
+    /// the first call the list shows nothing, so that the window is not kept waiting for it.
     void loadSavedServersList();
     /// Stores the password of a saved server, and shows it if that server is selected.
     void storePassword(const QString &label, const QString &password);
@@ -63,6 +64,8 @@ protected:
 private:
     void nameControls();
     void layOut();
+    void makeTable();
+    void readListOnce();
     void connectControls();
     void showList();
     void selectionDidChange();

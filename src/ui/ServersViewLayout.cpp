@@ -42,7 +42,8 @@ ServersView::ServersView(SavedServers &savedServers, ActionQueue &actions, Alert
     nameControls();
     layOut();
     connectControls();
-    loadSavedServersList();
+    savedPasswordField->setEnabled(false);
+    controlTextDidChange();
 }
 
 void ServersView::nameControls()
@@ -82,7 +83,7 @@ void ServersView::nameControls()
     hostwellButton->setToolTip(tr("Opens the web page of the hosting company"));
 }
 
-void ServersView::layOut()
+void ServersView::makeTable()
 {
     savedServerTableView->setModel(savedServersController->arranged());
     savedServerTableView->setSelectionModel(savedServersController->selection());
@@ -93,7 +94,12 @@ void ServersView::layOut()
     savedServerTableView->horizontalHeader()->setMinimumSectionSize(40);
     savedServerTableView->horizontalHeader()->setStretchLastSection(false);
     savedServerTableView->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+    connect(savedServersController->selection(), &QItemSelectionModel::selectionChanged, this,
+            &ServersView::selectionDidChange);
+}
 
+void ServersView::layOut()
+{
     auto *savedForm = new QFormLayout;
     savedForm->addRow(tr("Saved password"), savedPasswordField);
     auto *savedButtons = new QHBoxLayout;
@@ -145,8 +151,6 @@ void ServersView::connectControls()
     connect(saveToServerListButton, &QPushButton::clicked, this, &ServersView::saveToServerListButtonPressed);
     connect(connectToSavedServerButton, &QPushButton::clicked, this, &ServersView::connectToSavedServerButtonPressed);
     connect(savedServerTableView, &QTableView::doubleClicked, this, &ServersView::connectToSavedServerButtonPressed);
-    connect(savedServersController->selection(), &QItemSelectionModel::selectionChanged, this,
-            &ServersView::selectionDidChange);
     connect(savedPasswordField, &QLineEdit::editingFinished, this, &ServersView::savedPasswordDidChange);
     connect(hostwellButton, &QPushButton::clicked, this, &ServersView::hostwellButtonPressed);
     savedServerTableView->installEventFilter(this);

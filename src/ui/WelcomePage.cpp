@@ -1,10 +1,14 @@
 #include "WelcomePage.h"
 
-#include <QEvent>
 #include <QLabel>
 #include <QPainter>
+#include <QResizeEvent>
+#include <QStyle>
+#include <QTextLayout>
 #include <QVBoxLayout>
+#include <QtMath>
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -30,51 +34,68 @@ private:
     static constexpr qreal scale = 1.8;
 };
 
-/// A text that wraps, measured once for each width; a plain label tries many widths before it is shown.
+/// A text that wraps, shaped once for the width that it gets; a plain label shapes it for each width that its layout
+/// might give it, and once more to draw it.
 class Paragraph : public QLabel
 {
 public:
     Paragraph(const QString &text, QWidget *parent) : QLabel(text, parent)
     {
         setTextFormat(Qt::PlainText);
-        setWordWrap(true);
-        QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
-        policy.setHeightForWidth(true);
-        setSizePolicy(policy);
+        setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+        m_layout.setText(QString(text).replace(QLatin1Char('\n'), QChar::LineSeparator));
+        m_layout.setCacheEnabled(true);
     }
     QSize sizeHint() const override
     {
-        if (m_natural.isEmpty())
-            m_natural = measured(QWIDGETSIZE_MAX);
-        return m_natural;
+        return {fontMetrics().averageCharWidth() * 30, std::max(m_height, fontMetrics().lineSpacing())};
     }
-    QSize minimumSizeHint() const override { return {fontMetrics().averageCharWidth() * 30, sizeHint().height()}; }
-    int heightForWidth(int width) const override
-    {
-        if (width >= sizeHint().width())
-            return m_natural.height();
-        if (std::exchange(m_width, width) != width)
-            m_height = measured(width).height();
-        return m_height;
-    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
+    void paintEvent(QPaintEvent * /*event*/) override
+    {
+        QPainter painter(this);
+        painter.setPen(palette().color(foregroundRole()));
+        m_layout.draw(&painter, QPointF());
+    }
+    void resizeEvent(QResizeEvent *event) override
+    {
+        QLabel::resizeEvent(event);
+        layOut();
+    }
     void changeEvent(QEvent *event) override
     {
-        m_natural = QSize(); // another font is one of the changes
-        m_width = -1;
         QLabel::changeEvent(event);
+        if (std::exchange(m_width, 0) > 0) // another font or direction is one of the changes
+            layOut();
     }
 
 private:
-    QSize measured(int width) const
+    void layOut()
     {
-        return fontMetrics().boundingRect(0, 0, width, QWIDGETSIZE_MAX, Qt::TextWordWrap, text()).size();
+        if (std::exchange(m_width, width()) == width())
+            return;
+        QTextOption option(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft));
+        option.setTextDirection(layoutDirection());
+        m_layout.setTextOption(option);
+        m_layout.setFont(font());
+        qreal height = 0;
+        m_layout.beginLayout();
+        for (QTextLine line = m_layout.createLine(); line.isValid(); line = m_layout.createLine()) {
+            line.setLeadingIncluded(true);
+            line.setLineWidth(width());
+            line.setPosition(QPointF(0, height));
+            height += line.height();
+        }
+        m_layout.endLayout();
+        if (std::exchange(m_height, qCeil(height)) != m_height)
+            updateGeometry();
     }
 
-    mutable QSize m_natural; ///< without wrapping
-    mutable int m_width = -1;
-    mutable int m_height = 0; ///< at that width
+    QTextLayout m_layout;
+    int m_width = 0; ///< that it is laid out for
+    int m_height = 0;
 };
 } // namespace
 

@@ -52,12 +52,15 @@ private slots:
 
     void savesReplacesAndDeletes()
     {
-        Servers servers;
+        Servers servers; // the list has not been read yet
+        SavedServers earlier(servers.folder.filePath(QStringLiteral("SavedServers.plist")), QStringLiteral("tester"));
+        QVERIFY(earlier.load().error.isEmpty());
+        QVERIFY(earlier.save({"c", "10.0.0.4", "28960", QStringLiteral("four")}).error.isEmpty());
         servers.save(QStringLiteral("b"), QStringLiteral("10.0.0.1"), QStringLiteral("one"));
         servers.save(QStringLiteral("A"), QStringLiteral("10.0.0.2"), QStringLiteral("two"));
         servers.save(QStringLiteral("b"), QStringLiteral("10.0.0.3"), QStringLiteral("three"));
-        QCOMPARE(servers.labels(), QStringList({"A@10.0.0.2", "b@10.0.0.3"}));
-        QCOMPARE(servers.stored().size(), 2);
+        QCOMPARE(servers.labels(), QStringList({"A@10.0.0.2", "b@10.0.0.3", "c@10.0.0.4"}));
+        QCOMPARE(servers.stored().size(), 3);
         servers.save(QStringLiteral("c"), QStringLiteral("10.0.0.10"), QStringLiteral("four"));
         servers.view.savedServerTableView->sortByColumn(1, Qt::AscendingOrder); // as addresses
         QCOMPARE(servers.labels(), QStringList({"A@10.0.0.2", "b@10.0.0.3", "c@10.0.0.10"}));
@@ -99,6 +102,7 @@ private slots:
         QVERIFY(fixture.savedServers.save({"Home", "10.0.0.9", "28961", QStringLiteral("pw")}).error.isEmpty());
         FormMainView window(fixture.server, fixture.actions, fixture.alerts, fixture.preferences, fixture.catalogues(),
                             fixture.rotations(), fixture.savedServers);
+        window.makeViews();
         ServersView &view = *window.serversView;
         QVERIFY(!view.connectToSavedServerButton->isEnabled());
         view.savedServerTableView->selectRow(0);
