@@ -12,7 +12,9 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QEventLoop>
+#include <QLineEdit>
 #include <QPixmapCache>
+#include <QSignalBlocker>
 
 #include <algorithm>
 #include <cstdio>
@@ -100,6 +102,17 @@ void Soak::takeSample()
     std::fflush(stdout);
 }
 
+/// How much of it there is tells nothing about what the console keeps.
+void Soak::forgetWhatGrowsByDesign()
+{
+    QPixmapCache::clear(); // pictures of what was drawn, up to 10 MB
+    // A field remembers every key for its undo until it gets another text.
+    for (QLineEdit *field : m_application.window().findChildren<QLineEdit *>()) {
+        const QSignalBlocker blocker(field);
+        field->setText(field->text());
+    }
+}
+
 bool Soak::rest()
 {
     if (!settle()) {
@@ -121,8 +134,7 @@ bool Soak::rest()
     // The picture of a window is as large as the window, which the hand leaves in any size.
     m_application.window().resize(1180, 720);
     wait(100);
-    // Qt keeps pictures of what was drawn, up to 10 MB. How much of it tells nothing about what the console keeps.
-    QPixmapCache::clear();
+    forgetWhatGrowsByDesign();
     Gauge gauge = Gauge::read(m_application.window());
     gauge.seconds = seconds();
     m_rests.append(gauge);

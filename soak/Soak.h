@@ -38,6 +38,7 @@ private:
     bool begin();
     void work(double untilSeconds);
     bool rest();
+    void forgetWhatGrowsByDesign();
     bool settle();
     bool connectAnew();
     void end();

@@ -46,13 +46,24 @@ QIcon LeanStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, c
 {
     if (icon == SP_ToolBarHorizontalExtensionButton)
         return QIcon(std::make_unique<ChevronsEngine>().release()); // which takes it
-    return QProxyStyle::standardIcon(icon, option, widget);
+    if (!isOnQtsOwn())
+        return QProxyStyle::standardIcon(icon, option, widget);
+    const Qt::LayoutDirection direction = option == nullptr ? QGuiApplication::layoutDirection() : option->direction;
+    QIcon &kept = m_icons[{icon, direction}];
+    if (kept.isNull())
+        kept = QProxyStyle::standardIcon(icon, option, widget);
+    return kept;
+}
+
+bool LeanStyle::isOnQtsOwn() const
+{
+    return baseStyle()->name() == QLatin1String("fusion");
 }
 
 void LeanStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                               const QWidget *widget) const
 {
-    if (element != PE_FrameGroupBox || baseStyle()->name() != QLatin1String("fusion")) {
+    if (element != PE_FrameGroupBox || !isOnQtsOwn()) {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         return;
     }
@@ -69,4 +80,35 @@ void LeanStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *opti
     painter->setBrush(ground);
     painter->drawRoundedRect(QRectF(option->rect.adjusted(0, title, -1, -1)).translated(0.5, 0.5), radius, radius);
     painter->restore();
+}
+
+static void drawHeaderSection(const QStyleOptionHeader &header, QPainter *painter)
+{
+    const QRect &area = header.rect;
+    const QColor button = header.palette.button().color();
+    QLinearGradient ground(area.topLeft(), area.bottomLeft());
+    ground.setColorAt(0, button.lighter(104));
+    ground.setColorAt(1, button.darker(102));
+    painter->save();
+    painter->fillRect(area, ground);
+    painter->setPen(header.palette.window().color().darker(140));
+    painter->drawLine(area.bottomLeft(), area.bottomRight());
+    const bool isLast = header.position == QStyleOptionHeader::End ||
+                        header.position == QStyleOptionHeader::OnlyOneSection;
+    if (header.orientation == Qt::Horizontal && !isLast) {
+        const int edge = header.direction == Qt::RightToLeft ? area.left() : area.right();
+        painter->setPen(QColor(0, 0, 0, 40));
+        painter->drawLine(edge, area.top(), edge, area.bottom() - 1);
+    }
+    painter->restore();
+}
+
+void LeanStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                            const QWidget *widget) const
+{
+    const auto *header = qstyleoption_cast<const QStyleOptionHeader *>(option);
+    if (element == CE_HeaderSection && header != nullptr && isOnQtsOwn())
+        drawHeaderSection(*header, painter);
+    else
+        QProxyStyle::drawControl(element, option, painter, widget);
 }
