@@ -93,8 +93,8 @@ static void drawHeaderSection(const QStyleOptionHeader &header, QPainter *painte
     painter->fillRect(area, ground);
     painter->setPen(header.palette.window().color().darker(140));
     painter->drawLine(area.bottomLeft(), area.bottomRight());
-    const bool isLast = header.position == QStyleOptionHeader::End ||
-                        header.position == QStyleOptionHeader::OnlyOneSection;
+    const bool isLast =
+        header.position == QStyleOptionHeader::End || header.position == QStyleOptionHeader::OnlyOneSection;
     if (header.orientation == Qt::Horizontal && !isLast) {
         const int edge = header.direction == Qt::RightToLeft ? area.left() : area.right();
         painter->setPen(QColor(0, 0, 0, 40));
