@@ -1,5 +1,6 @@
 #include "EarlyFonts.h"
 
+#include <QCoreApplication>
 #include <QFontDatabase>
 
 #include <clocale>
@@ -7,6 +8,19 @@
 #include <utility>
 
 #include <dlfcn.h>
+
+/// The one there is; what Qt calls back knows of no object.
+static EarlyFonts *&earlyFonts()
+{
+    static EarlyFonts *fonts = nullptr;
+    return fonts;
+}
+
+static void allowListingOnceConnected()
+{
+    if (earlyFonts() != nullptr)
+        earlyFonts()->allowListing();
+}
 
 EarlyFonts::EarlyFonts()
 {
@@ -22,6 +36,8 @@ EarlyFonts::EarlyFonts()
     } catch (const std::system_error &) {
         return; // no thread to be had: the fonts are read when they are needed
     }
+    earlyFonts() = this;
+    qAddPreRoutine(allowListingOnceConnected);
 }
 
 void EarlyFonts::read(int (*initialise)())
@@ -32,18 +48,23 @@ void EarlyFonts::read(int (*initialise)())
         static_cast<void>(QFontDatabase::isFixedPitch(QString())); // for which it lists them
 }
 
-void EarlyFonts::listFonts()
+void EarlyFonts::allowListing()
 {
-    if (!m_reading.joinable() || std::exchange(m_isAnswered, true))
-        return;
-    m_mayList.set_value(true);
-    m_configured.get_future().wait();
+    if (!std::exchange(m_isAnswered, true))
+        m_mayList.set_value(true);
+}
+
+void EarlyFonts::awaitConfiguration()
+{
+    if (m_reading.joinable())
+        m_configured.get_future().wait();
 }
 
 void EarlyFonts::finish()
 {
     if (!m_reading.joinable())
         return;
+    earlyFonts() = nullptr;
     if (!std::exchange(m_isAnswered, true))
         m_mayList.set_value(false);
     m_reading.join();

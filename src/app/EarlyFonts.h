@@ -9,15 +9,18 @@
 class EarlyFonts
 {
 public:
-    /// Begins to read how fonts are configured. Before the QApplication, with no other thread running.
+    /// Begins to read how fonts are configured, and lists the fonts as soon as the QApplication has connected to the
+    /// display, which is in the middle of its start. Before the QApplication, with no other thread running; one at a
+    /// time.
     EarlyFonts();
     EarlyFonts(const EarlyFonts &) = delete;
     EarlyFonts &operator=(const EarlyFonts &) = delete;
     ~EarlyFonts() { finish(); }
 
-    /// Waits until the configuration has been read, which the first text would read once more, and lets the fonts be
-    /// listed while the caller goes on. With a QApplication.
-    void listFonts();
+    /// Lets the fonts be listed from now on. With a connection to the display.
+    void allowListing();
+    /// Waits until the configuration has been read, which the first text would read once more. At most once.
+    void awaitConfiguration();
     /// Waits until all has been read. Before the QApplication ends.
     void finish();
 

@@ -40,7 +40,7 @@ int main(int argc, char **argv)
         return 2;
     }
     QApplication::setDesktopFileName(QStringLiteral("net.kelvard.ferrow_rcon"));
-    fonts.listFonts();
+    fonts.awaitConfiguration();
     AppDelegate delegate;
     // Not before the first frame: an icon brings in the plugins for pictures.
     QObject::connect(&delegate.window(), &FormMainView::firstFrameShown, &application,
