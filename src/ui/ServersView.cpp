@@ -82,6 +82,7 @@ void ServersView::saveToServerListButtonPressed()
 
 void ServersView::deleteSelectionFromTableView()
 {
+    readListOnce();
     QStringList labels;
     for (const SavedServer &server : savedServersController->selectedObjects())
         labels.append(server.label);
