@@ -10,7 +10,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <numeric>
 #include <optional>
+#include <random>
+#include <utility>
 
 // The console next to a bare window and to other programs on Qt, all started in turn, so that a machine that changes
 // its pace changes it for all. Arguments: rounds, then "name=program" for each further program, then the files of
@@ -226,8 +229,13 @@ int main(int argc, char **argv)
             files.append(argument);
     }
     constexpr int memoryRounds = 5;
-    for (int round = -1; round < rounds; ++round) { // the first one warms the caches
-        for (Program &program : programs) {
+    QList<qsizetype> order(programs.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::mt19937 chance(7);
+    for (int round = -1; round < rounds; ++round) {       // the first one warms the caches
+        std::shuffle(order.begin(), order.end(), chance); // whom a program follows costs it up to two milliseconds
+        for (const qsizetype index : std::as_const(order)) {
+            Program &program = programs[index];
             if (!measureOnce(program, round < 0, round < memoryRounds))
                 qFatal("%s showed no window", qPrintable(program.name));
         }

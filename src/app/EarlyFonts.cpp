@@ -3,11 +3,15 @@
 #include <QCoreApplication>
 #include <QFontDatabase>
 
-#include <clocale>
 #include <system_error>
 #include <utility>
 
-#include <dlfcn.h>
+#ifdef FERROW_HAS_FONTCONFIG
+#include <fontconfig/fontconfig.h>
+
+#include <clocale>
+#include <memory>
+#endif
 
 /// The one there is; what Qt calls back knows of no object.
 static EarlyFonts *&earlyFonts()
@@ -16,23 +20,40 @@ static EarlyFonts *&earlyFonts()
     return fonts;
 }
 
+#ifdef FERROW_HAS_FONTCONFIG
 static void allowListingOnceConnected()
 {
     if (earlyFonts() != nullptr)
         earlyFonts()->allowListing();
 }
 
+static QString familyBehind(const char *name)
+{
+    struct Destroy {
+        void operator()(FcPattern *pattern) const { FcPatternDestroy(pattern); }
+    };
+    using Pattern = std::unique_ptr<FcPattern, Destroy>;
+
+    const Pattern wanted(FcPatternCreate());
+    if (wanted == nullptr ||
+        FcPatternAddString(wanted.get(), FC_FAMILY, reinterpret_cast<const FcChar8 *>(name)) == FcFalse ||
+        FcConfigSubstitute(nullptr, wanted.get(), FcMatchPattern) == FcFalse)
+        return {};
+    FcDefaultSubstitute(wanted.get());
+    FcResult result = FcResultNoMatch;
+    const Pattern found(FcFontMatch(nullptr, wanted.get(), &result));
+    FcChar8 *family = nullptr;
+    if (found == nullptr || FcPatternGetString(found.get(), FC_FAMILY, 0, &family) != FcResultMatch)
+        return {};
+    return QString::fromUtf8(reinterpret_cast<const char *>(family));
+}
+
 EarlyFonts::EarlyFonts()
 {
-    // Looked up instead of linked: Qt has loaded the library if it means to use it.
-    using Initialise = int (*)();
-    const auto initialise = reinterpret_cast<Initialise>(dlsym(RTLD_DEFAULT, "FcInit"));
-    if (initialise == nullptr)
-        return;
     // The reader asks for the locale, so it has to be what the QApplication is going to make it.
     std::setlocale(LC_ALL, "");
     try {
-        m_reading = std::thread(&EarlyFonts::read, this, initialise);
+        m_reading = std::thread(&EarlyFonts::read, this);
     } catch (const std::system_error &) {
         return; // no thread to be had: the fonts are read when they are needed
     }
@@ -40,13 +61,15 @@ EarlyFonts::EarlyFonts()
     qAddPreRoutine(allowListingOnceConnected);
 }
 
-void EarlyFonts::read(int (*initialise)())
+void EarlyFonts::read()
 {
-    initialise();
-    m_configured.set_value();
+    m_sansSerif.set_value(FcInit() == FcTrue ? familyBehind("Sans Serif") : QString());
     if (m_mayList.get_future().get())
         static_cast<void>(QFontDatabase::isFixedPitch(QString())); // for which it lists them
 }
+#else
+EarlyFonts::EarlyFonts() = default;
+#endif
 
 void EarlyFonts::allowListing()
 {
@@ -54,10 +77,9 @@ void EarlyFonts::allowListing()
         m_mayList.set_value(true);
 }
 
-void EarlyFonts::awaitConfiguration()
+QString EarlyFonts::sansSerif()
 {
-    if (m_reading.joinable())
-        m_configured.get_future().wait();
+    return m_reading.joinable() ? m_sansSerif.get_future().get() : QString();
 }
 
 void EarlyFonts::finish()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include <future>
 #include <thread>
 
@@ -19,15 +21,17 @@ public:
 
     /// Lets the fonts be listed from now on. With a connection to the display.
     void allowListing();
-    /// Waits until the configuration has been read, which the first text would read once more. At most once.
-    void awaitConfiguration();
+    /// Waits until the configuration has been read, which the first text would read once more. After the
+    /// QApplication's start, before any text is drawn; at most once.
+    /// @return the family that is configured to stand for "Sans Serif", empty if it is not known
+    QString sansSerif();
     /// Waits until all has been read. Before the QApplication ends.
     void finish();
 
 private:
-    void read(int (*initialise)());
+    void read();
 
-    std::promise<void> m_configured;
+    std::promise<QString> m_sansSerif;
     std::promise<bool> m_mayList;
     bool m_isAnswered = false; ///< the promise above, by the main thread
     std::thread m_reading;

@@ -1,4 +1,5 @@
 #include "AppDelegate.h"
+#include "ApplicationFont.h"
 #include "CommandLine.h"
 #include "EarlyFonts.h"
 #include "FormMainView.h"
@@ -37,11 +38,13 @@ int main(int argc, char **argv)
     const CommandLine line = CommandLine::parse(QApplication::arguments());
     if (!line.error.isEmpty()) {
         std::fprintf(stderr, "ferrow-rcon: %s\n", qPrintable(line.error));
+        fonts.finish();
         return 2;
     }
     QApplication::setDesktopFileName(QStringLiteral("net.kelvard.ferrow_rcon"));
-    fonts.awaitConfiguration();
+    ApplicationFont font(fonts.sansSerif());
     AppDelegate delegate;
+    font.follow(delegate.window());
     // Not before the first frame: an icon brings in the plugins for pictures.
     QObject::connect(&delegate.window(), &FormMainView::firstFrameShown, &application,
                      [] { QApplication::setWindowIcon(QIcon(resourceFolder() + QStringLiteral("/icons/48.png"))); });
