@@ -10,16 +10,20 @@
 class LongReplyServer
 {
 public:
-    explicit LongReplyServer(const QByteArray &reply)
-    {
-        constexpr qsizetype largestPart = 1200;
-        for (qsizetype place = 0; place < reply.size(); place += largestPart)
-            m_datagrams.append("\xff\xff\xff\xff\x01print\n" + reply.mid(place, largestPart));
-    }
+    explicit LongReplyServer(const QByteArray &reply) : m_datagrams(datagramsOf(reply)) {}
 
     quint16 port() const { return m_server.port(); }
 
 private:
+    static QList<QByteArray> datagramsOf(const QByteArray &reply)
+    {
+        constexpr qsizetype largestPart = 1200;
+        QList<QByteArray> datagrams;
+        for (qsizetype place = 0; place < reply.size(); place += largestPart)
+            datagrams.append("\xff\xff\xff\xff\x01print\n" + reply.mid(place, largestPart));
+        return datagrams;
+    }
+
     void answer()
     {
         for (const QByteArray &part : std::as_const(m_datagrams)) {
@@ -28,7 +32,7 @@ private:
         }
     }
 
-    QList<QByteArray> m_datagrams;
+    const QList<QByteArray> m_datagrams; ///< before the server, whose thread reads them
     LoopbackServer m_server{[this](const QByteArray &) {
         answer();
     }};

@@ -69,9 +69,10 @@ public:
 /// The event loop runs without a break; QTest's own waiting sleeps for 10 ms at a time, which would count as stalls.
 static void waitFor(const std::function<bool()> &isReached, int milliseconds)
 {
-    QElapsedTimer clock;
-    clock.start();
-    while (!isReached() && clock.elapsed() < milliseconds)
+    QTimer end; // which also wakes a loop that nothing else happens in
+    end.setSingleShot(true);
+    end.start(milliseconds);
+    while (!isReached() && end.isActive())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 

@@ -106,8 +106,12 @@ void Soak::takeSample()
 void Soak::forgetWhatGrowsByDesign()
 {
     QPixmapCache::clear(); // pictures of what was drawn, up to 10 MB
-    // A field remembers every key for its undo until it gets another text.
+    // A field remembers every key for its undo until it gets another text. Those that are emptied by the console
+    // forget.
     for (QLineEdit *field : m_application.window().findChildren<QLineEdit *>()) {
+        if (field->objectName() == QLatin1String("consoleInput") ||
+            field->objectName() == QLatin1String("messageTextField"))
+            continue;
         const QSignalBlocker blocker(field);
         field->setText(field->text());
     }

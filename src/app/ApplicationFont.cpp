@@ -8,9 +8,6 @@
 #include <utility>
 #include <vector>
 
-/// What a desktop may have chosen a font of its own for.
-constexpr const char *widgetsWithFonts[]{"QMenuBar", "QMenu", "QToolButton", "QHeaderView"};
-
 ApplicationFont::ApplicationFont(QString sansSerif, QObject *parent)
     : QObject(parent), m_sansSerif(std::move(sansSerif))
 {
@@ -32,6 +29,8 @@ bool ApplicationFont::eventFilter(QObject *watched, QEvent *event)
 void ApplicationFont::apply()
 {
 #ifndef Q_OS_MACOS
+    // What a desktop may have chosen a font of its own for.
+    constexpr const char *widgetsWithFonts[]{"QMenuBar", "QMenu", "QToolButton", "QHeaderView"};
     const QFont before = QApplication::font();
     std::vector<std::pair<const char *, QFont>> own;
     for (const char *widget : widgetsWithFonts) {

@@ -50,7 +50,8 @@ static QString familyBehind(const char *name)
 
 EarlyFonts::EarlyFonts()
 {
-    // The reader asks for the locale, so it has to be what the QApplication is going to make it.
+    // The reader asks for the locale, so it has to be what the QApplication is going to make it. It asks for variables
+    // of the environment, too, of which Qt removes one that a desktop may have set, DESKTOP_STARTUP_ID.
     std::setlocale(LC_ALL, "");
     try {
         m_reading = std::thread(&EarlyFonts::read, this);

@@ -67,6 +67,6 @@ void AddMessageToRotationWindowController::addButtonPressed()
     if (message.isEmpty() || duration.isEmpty())
         return;
     if (m_addMessage(message, duration))
-        messageTextField->clear();
+        messageTextField->setText({}); // with nothing left to undo
     messageTextField->setFocus();
 }

@@ -58,7 +58,7 @@ void ConsoleView::consoleInputDidChange()
     if (m_suppressCommandSending)
         return;
     const QString line = consoleInput->text();
-    consoleInput->clear();
+    consoleInput->setText({}); // unlike clear() it also forgets what was typed, which may be a password
     numericUpDownCommandCursor->reset();
     m_actions.start(sendLine(line));
 }
@@ -82,7 +82,7 @@ void ConsoleView::consoleHistoryStepperChanged()
     if (back >= 0 && back < history.size())
         consoleInput->setText(history.at(history.size() - 1 - back));
     else
-        consoleInput->clear();
+        consoleInput->setText({});
     m_suppressCommandSending = false;
 }
 

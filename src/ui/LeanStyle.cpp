@@ -96,9 +96,8 @@ static void drawHeaderSection(const QStyleOptionHeader &header, QPainter *painte
     const bool isLast =
         header.position == QStyleOptionHeader::End || header.position == QStyleOptionHeader::OnlyOneSection;
     if (header.orientation == Qt::Horizontal && !isLast) {
-        const int edge = header.direction == Qt::RightToLeft ? area.left() : area.right();
-        painter->setPen(QColor(0, 0, 0, 40));
-        painter->drawLine(edge, area.top(), edge, area.bottom() - 1);
+        painter->setPen(QColor(0, 0, 0, 40)); // the last is the rightmost, whatever the direction of reading
+        painter->drawLine(area.right(), area.top(), area.right(), area.bottom() - 1);
     }
     painter->restore();
 }

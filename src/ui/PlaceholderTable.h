@@ -10,6 +10,7 @@ public:
     explicit PlaceholderTable(QWidget *parent = nullptr);
 
     void setPlaceholder(const QString &text);
+    QString placeholder() const { return m_placeholder; }
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -35,7 +35,7 @@ PlayerSendMessage::PlayerSendMessage(QWidget *parent)
 
 void PlayerSendMessage::reset()
 {
-    messageTextField->clear();
+    messageTextField->setText({}); // with nothing left to undo
     messageTextField->setFocus();
 }
 
@@ -55,7 +55,7 @@ void PlayerSendMessage::sendPressed()
 
 void PlayerSendMessage::cancelPressed()
 {
-    messageTextField->clear();
+    messageTextField->setText({});
     done(QDialog::Rejected);
 }
 

@@ -49,16 +49,18 @@ void ServersView::fillForm(const QString &host, const QString &port)
 
 void ServersView::loadSavedServersList()
 {
-    const SavedServersOutcome outcome = m_savedServers.load();
+    if (savedServerTableView->model() != nullptr)
+        return;
+    m_readError = m_savedServers.load().error;
     showList();
-    if (!outcome.error.isEmpty())
-        savedServerTableView->setPlaceholder(outcome.error);
 }
 
-void ServersView::readListOnce()
+void ServersView::showWritten(const SavedServersOutcome &outcome)
 {
-    if (savedServerTableView->model() == nullptr)
-        loadSavedServersList();
+    if (outcome.error.isEmpty())
+        m_readError.clear();
+    showList();
+    report(outcome);
 }
 
 void ServersView::showList()
@@ -66,29 +68,27 @@ void ServersView::showList()
     if (savedServerTableView->model() == nullptr)
         makeTable();
     savedServerTableView->setPlaceholder(
-        tr("No server is saved yet. Fill in the form below and press \"Save to List\"."));
+        m_readError.isEmpty() ? tr("No server is saved yet. Fill in the form below and press \"Save to List\".")
+                              : m_readError);
     savedServersController->mergeContent(m_savedServers.servers());
     selectionDidChange();
 }
 
 void ServersView::saveToServerListButtonPressed()
 {
-    readListOnce(); // or what is in the file would be replaced unseen
-    const SavedServersOutcome outcome = m_savedServers.save(
-        SavedServer{labelField->text(), hostField->text(), portField->text(), passwordField->text()});
-    showList();
-    report(outcome);
+    loadSavedServersList(); // or what is in the file would be replaced unseen
+    showWritten(m_savedServers.save(
+        SavedServer{labelField->text(), hostField->text(), portField->text(), passwordField->text()}));
 }
 
 void ServersView::deleteSelectionFromTableView()
 {
-    readListOnce();
+    loadSavedServersList();
     QStringList labels;
     for (const SavedServer &server : savedServersController->selectedObjects())
         labels.append(server.label);
-    const SavedServersOutcome outcome = m_savedServers.remove(labels);
-    showList();
-    report(outcome);
+    if (!labels.isEmpty())
+        showWritten(m_savedServers.remove(labels));
 }
 
 void ServersView::connectToSavedServerButtonPressed()
@@ -124,10 +124,8 @@ void ServersView::savedPasswordDidChange()
 
 void ServersView::storePassword(const QString &label, const QString &password)
 {
-    readListOnce();
-    const SavedServersOutcome outcome = m_savedServers.setPassword(label, password);
-    showList();
-    report(outcome);
+    loadSavedServersList();
+    showWritten(m_savedServers.setPassword(label, password));
 }
 
 void ServersView::report(const SavedServersOutcome &outcome)

@@ -27,8 +27,8 @@ public:
     /// "Disconnect" can be pressed while there is a connection, or one is being made.
     void setConnected(bool isConnected);
     void fillForm(const QString &host, const QString &port);
-    /// Reads the file of saved servers; one that cannot be read leaves the list empty and says so in its place. Until
-    /// the first call the list shows nothing, so that the window is not kept waiting for it.
+    /// Reads the file of saved servers, unless it has been read; one that cannot be read leaves the list empty and says
+    /// so in its place. Until then the list shows nothing, so that the window is not kept waiting for it.
     void loadSavedServersList();
     /// Stores the password of a saved server, and shows it if that server is selected.
     void storePassword(const QString &label, const QString &password);
@@ -65,7 +65,7 @@ private:
     void nameControls();
     void layOut();
     void makeTable();
-    void readListOnce();
+    void showWritten(const SavedServersOutcome &outcome);
     void connectControls();
     void showList();
     void selectionDidChange();
@@ -74,6 +74,7 @@ private:
     QCoro::Task<> tell(QString text);
 
     SavedServers &m_savedServers;
+    QString m_readError; ///< until something has been written in the place of what could not be read
     ActionQueue &m_actions;
     Alerts &m_alerts;
     bool m_isConnecting = false;

@@ -45,10 +45,12 @@ void TestApplicationFont::followsTheDesktopAndKeepsItsFontForMenus()
 
     QWidget window;
     font.follow(window);
-    QApplication::setFont(forMenus);
+    QApplication::setFont(QFont(QStringLiteral("DejaVu Serif"), 17));
+    QApplication::setFont(forMenus, "QMenu");
     QEvent change(QEvent::ThemeChange);
     QApplication::sendEvent(&window, &change);
     QCOMPARE(QApplication::font(), first);
+    QCOMPARE(QApplication::font("QMenu").pointSize(), 23);
 }
 
 QTEST_MAIN(TestApplicationFont)

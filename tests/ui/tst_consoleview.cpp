@@ -33,6 +33,7 @@ private slots:
         for (const char *command : {"a", "b", "b"})
             console.type(QLatin1String(command));
         QVERIFY(console.settle());
+        QVERIFY(!console.view.consoleInput->isUndoAvailable()); // a password may have been typed
         QCOMPARE(stepper->minimum(), -1);
         QCOMPARE(stepper->maximum(), 2); // duplicates are kept
         QLineEdit *input = console.view.consoleInput;

@@ -85,6 +85,38 @@ private slots:
         QCOMPARE(servers.view.savedPasswordField->text(), QStringLiteral("three"));
     }
 
+    void whatIsStoredOutlivesWhatComesBeforeItIsRead()
+    {
+        Servers servers;
+        SavedServers earlier(servers.folder.filePath(QStringLiteral("SavedServers.plist")), QStringLiteral("tester"));
+        QVERIFY(earlier.load().error.isEmpty());
+        QVERIFY(earlier.save({"a", "10.0.0.1", "28960", QStringLiteral("one")}).error.isEmpty());
+        QVERIFY(earlier.save({"b", "10.0.0.2", "28960", QStringLiteral("two")}).error.isEmpty());
+        {
+            ServersView view(servers.savedServers, servers.actions, servers.alerts);
+            view.storePassword(QStringLiteral("a"), QStringLiteral("new"));
+            QCOMPARE(servers.stored().first().password.value_or(QString()), QStringLiteral("new"));
+        }
+        servers.view.deleteSelectionFromTableView();
+        servers.save(QStringLiteral("c"), QStringLiteral("10.0.0.3"), QStringLiteral("three"));
+        QCOMPARE(servers.stored().size(), 3);
+    }
+
+    void aDamagedListIsNamedUntilSomethingIsWritten()
+    {
+        Servers servers;
+        QFile file(servers.folder.filePath(QStringLiteral("SavedServers.plist")));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("damaged") > 0);
+        file.close();
+        servers.view.loadSavedServersList();
+        const QString reason = servers.view.savedServerTableView->placeholder();
+        QVERIFY2(reason.contains(file.fileName()), qPrintable(reason));
+        QTest::keyClick(servers.view.savedServerTableView, Qt::Key_Delete);
+        QCOMPARE(servers.view.savedServerTableView->placeholder(), reason);
+        servers.save(QStringLiteral("Home"), QStringLiteral("10.0.0.1"), QStringLiteral("one"));
+        QVERIFY(servers.view.savedServerTableView->placeholder() != reason);
+    }
+
     void aFailedSaveIsReported()
     {
         Servers servers;
