@@ -10,6 +10,8 @@ struct Options {
         parser.setApplicationDescription(QStringLiteral(
             "Remote administration of a game server.\n\n"
             "With --connect the password is taken from the environment variable FERROW_RCON_PASSWORD, or asked for."));
+        // "-reverse" and its like are Qt's own, and not the letters "-v" and others.
+        parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
         parser.addOptions({help, version, target, demo});
     }
 

@@ -35,6 +35,17 @@ private slots:
             QTEST(line.isDemo ? QStringLiteral("demo") : line.connectHost + ":" + line.connectPort, "target");
     }
 
+    void answersOnlyWhatIsAsked()
+    {
+        const auto answer = [](const char *argument) {
+            return CommandLine::answerWithoutDisplay({QStringLiteral("ferrow-rcon"), QLatin1String(argument)});
+        };
+        QVERIFY(answer("-h").contains(QStringLiteral("--demo")));
+        QVERIFY(answer("-v").contains(CommandLine::version()));
+        QCOMPARE(answer("-reverse"), QString());
+        QCOMPARE(answer("-qwindowgeometry"), QString());
+    }
+
     void theSupportFolderIsTheOwnersOnly()
     {
         QStandardPaths::setTestModeEnabled(true);
