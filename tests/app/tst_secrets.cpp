@@ -39,8 +39,10 @@ static int copiesInMemory()
         if (!area.contains(" rw-p "))
             continue;
         const QByteArrayList ends = area.left(area.indexOf(' ')).split('-');
+        // NOLINTBEGIN(performance-no-int-to-ptr): the system gives addresses as numbers
         const auto *at = reinterpret_cast<const char16_t *>(ends.first().toULongLong(nullptr, 16));
         const auto *const end = reinterpret_cast<const char16_t *>(ends.last().toULongLong(nullptr, 16));
+        // NOLINTEND(performance-no-int-to-ptr)
         const auto isSame = [](char16_t stored, char byte) {
             return stored == (byte ^ 1);
         };
