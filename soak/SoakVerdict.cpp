@@ -75,16 +75,18 @@ bool Soak::printGrowth() const
 {
     // A heap that grows with every deed grows by megabytes in an hour; caches of glyphs and icons take some kilobytes
     // more when a picture comes for the first time. Resident memory has the gaps between allocations on top. Threads of
-    // a pool end when they are idle and begin anew; some are there at one rest, and not at another, and each has a
-    // handle of its own.
+    // a pool end when they are idle and begin anew; some are there at one rest, and not at another. Each wakes by a
+    // handle of its own, which is left out.
     static const Figure figures[] = {
         {"resident KiB", &Gauge::residentKiB, 0.05, 1024},
         {"heap KiB", &Gauge::heapKiB, 0.03, 256},
-        {"handles", &Gauge::handles, 0, 3},
+        {"other handles", &Gauge::handles, 0, 0},
         {"threads", &Gauge::threads, 0, 3},
         {"objects", &Gauge::objects, 0.01, 0},
     };
-    const QList<Gauge> rests = m_rests.mid(m_plan.restsToWarmUp);
+    QList<Gauge> rests = m_rests.mid(m_plan.restsToWarmUp);
+    for (Gauge &gauge : rests)
+        gauge.handles -= gauge.threads;
     const qsizetype window = std::max<qsizetype>(1, std::min<qsizetype>(3, rests.size() / 2));
     if (rests.size() < 2) {
         std::printf("too short to tell of growth\n");
