@@ -4,6 +4,7 @@
 #include "PlayerList.h"
 #include "RecordedAlerts.h"
 #include "ScriptedExchange.h"
+#include "SortKeys.h"
 #include "TranscriptView.h"
 
 #include <QApplication>

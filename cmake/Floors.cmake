@@ -63,19 +63,24 @@ endfunction()
 set(fuzzer_coverage -fsanitize-coverage=inline-8bit-counters,pc-table)
 
 # add_floor(name SOURCES ... STANDS_ON ...)
-# A floor is a static library whose only public include folder is its own, so that a header of a floor
-# above it is not even found.
+# A floor is a static library whose only public include folder is its own, so that a header of a floor above it is not
+# even found. It stands only on floors that have been added before it, so no two can stand on each other.
 function(add_floor name)
     cmake_parse_arguments(FLOOR "" "" "SOURCES;STANDS_ON" ${ARGN})
     set(target ferrow_${name})
+    foreach(below IN LISTS FLOOR_STANDS_ON)
+        if(below MATCHES "^ferrow_" AND NOT TARGET ${below})
+            message(FATAL_ERROR "The floor ${name} cannot stand on ${below}, which is not below it.")
+        endif()
+    endforeach()
     add_library(${target} STATIC ${FLOOR_SOURCES})
     target_include_directories(${target} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${target} PUBLIC ${FLOOR_STANDS_ON} PRIVATE ferrow_flags)
     set_target_properties(${target} PROPERTIES AUTOMOC ON)
-    if(FERROW_FUZZERS AND NOT name MATCHES "^(ui|app|demo)$") # what the fuzzers find their way through
+    if(FERROW_FUZZERS AND NOT name MATCHES "^(ui_.*|app|demo)$") # what the fuzzers find their way through
         target_compile_options(${target} PRIVATE ${fuzzer_coverage})
     endif()
-    if(name STREQUAL ui)
+    if(name MATCHES "^ui_")
         use_precompiled_headers(${target} ferrow_widget_headers)
     elseif(NOT name STREQUAL demo)
         use_precompiled_headers(${target} ferrow_core_headers)
@@ -98,7 +103,8 @@ function(add_ferrow_test name)
     cmake_parse_arguments(TEST "" "" "SOURCES;STANDS_ON" ${ARGN})
     add_ferrow_program(${name} SOURCES ${TEST_SOURCES} STANDS_ON ${TEST_STANDS_ON} Qt6::Test)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/common)
-    if("ferrow_ui" IN_LIST TEST_STANDS_ON)
+    if(TEST_STANDS_ON MATCHES "ferrow_ui_")
+        target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/ui)
         use_precompiled_headers(${name} ferrow_widget_headers)
     elseif(NOT "ferrow_demo" IN_LIST TEST_STANDS_ON)
         use_precompiled_headers(${name} ferrow_core_headers)

@@ -2,6 +2,7 @@
 
 #include "Number.h"
 #include "PlayerListFile.h"
+#include "SortKeys.h"
 
 static QString lineOf(const PlayerRow &player)
 {

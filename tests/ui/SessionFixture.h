@@ -1,0 +1,36 @@
+#pragma once
+
+#include "ActionQueue.h"
+#include "KelServer.h"
+#include "RecordedAlerts.h"
+#include "ScriptedExchange.h"
+#include "Wait.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+/// What a view of the tests stands on: a scripted server, recorded alerts, a folder of its own.
+struct SessionFixture {
+    SessionFixture() { exchange.answer(QStringLiteral("dvardump"), ScriptedExchange::dump()); }
+
+    void connectToServer()
+    {
+        awaited(server.connectToHost(QStringLiteral("10.0.0.1"), QStringLiteral("28960"), QStringLiteral("typed")));
+        exchange.forgetSent();
+    }
+
+    /// @return whether all actions have ended.
+    bool settle()
+    {
+        return QTest::qWaitFor([this] { return actions.isIdle(); }, 60000);
+    }
+
+    /// What the server was asked once all actions have ended.
+    QStringList sent() { return settle() ? exchange.sent() : QStringList{QStringLiteral("an action has not ended")}; }
+
+    QTemporaryDir folder;
+    ScriptedExchange exchange;
+    RecordedAlerts alerts;
+    KelServer server{exchange, alerts};
+    ActionQueue actions;
+};

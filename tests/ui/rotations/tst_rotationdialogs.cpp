@@ -1,0 +1,252 @@
+#include "ActionQueue.h"
+#include "ElidingLabel.h"
+#include "KeyHandlingTableView.h"
+#include "Letters.h"
+#include "RecordedAlerts.h"
+#include "RotationPane.h"
+#include "RotationStore.h"
+#include "Wait.h"
+
+#include <QClipboard>
+#include <QTest>
+
+/// Rotations of letters, which writes down what it is asked.
+class LetterStore final : public RotationStore
+{
+public:
+    QStringList names() const override { return stored; }
+    bool contains(const QString &name) const override { return stored.contains(name); }
+    QString currentRotation() const override { return current; }
+    QAbstractItemModel *tableModel() override { return letters.arranged(); }
+    QItemSelectionModel *tableSelection() override { return letters.selection(); }
+    ReorderableRows &rows() override { return letters; }
+    bool hasUnsavedWork() const override { return unsavedChanges(); }
+    void openRotationNamed(const QString &name) override
+    {
+        asked.append(QStringLiteral("open ") + name);
+        current = name;
+        emit currentRotationChanged(name);
+        emit rotationOpened();
+    }
+    QCoro::Task<> newRotationNamed(QString name) override { return note(QStringLiteral("new ") + name); }
+    QCoro::Task<> deleteRotationNamed(QString name) override
+    {
+        stored.removeOne(name);
+        return note(QStringLiteral("delete ") + name);
+    }
+    QCoro::Task<bool> saveUIChanges(QString name) override
+    {
+        co_await note(QStringLiteral("save ") + name);
+        co_return true;
+    }
+    QCoro::Task<bool> saveUnsavedChanges() override
+    {
+        co_await note(QStringLiteral("ask"));
+        co_return isGoingOn;
+    }
+    QCoro::Task<bool> saveUnsavedWork() override { return saveUnsavedChanges(); }
+    void deleteSelectedItems() override { letters.removeSelected(); }
+    void deleteAllItems() override { letters.removeAll(); }
+    QCoro::Task<QString> panel() { return m_saveAsPanel(); }
+
+    Letters<Letter> letters{QStringLiteral("VWX")};
+    QStringList stored{QStringLiteral("Alpha"), QStringLiteral("Beta"), QStringLiteral("Gamma")};
+    QString current;
+    QStringList asked;
+    bool isGoingOn = true;
+
+private:
+    QCoro::Task<> note(QString what)
+    {
+        asked.append(what);
+        co_return;
+    }
+};
+
+struct Pane {
+    Pane() { pane.show(); }
+    /// Presses a button of the pane and waits for the sheet that it opens.
+    QDialog *sheet(QPushButton *button, const QString &name)
+    {
+        button->click();
+        QDialog *found = nullptr;
+        (void)QTest::qWaitFor([&] { return (found = pane.findChild<QDialog *>(name)) != nullptr; });
+        store.asked.clear();
+        return found;
+    }
+    static void press(QDialog *sheet, const QString &button) { sheet->findChild<QPushButton *>(button)->click(); }
+    bool settle()
+    {
+        return QTest::qWaitFor([this] { return actions.isIdle(); });
+    }
+
+    LetterStore store;
+    RecordedAlerts alerts;
+    ActionQueue actions;
+    RotationPane pane{store, mapRotationLabels(), actions, alerts};
+};
+
+class RotationDialogsTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void names_data()
+    {
+        QTest::addColumn<bool>("isNew");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("refused");
+        QTest::addColumn<QStringList>("asked");
+        const auto row = [](const char *name, bool isNew, const char *typed, const char *refused,
+                            const QStringList &asked) {
+            QTest::newRow(name) << isNew << QString(typed) << QString(refused) << asked;
+        };
+        row("new, trimmed", true, " Delta \n", "", {"new Delta"});
+        row("new, blanks only", true, "  ", "", {"new "});
+        row("new, taken", true, " Beta", "Beta", {});
+        row("save as, with its blanks", false, " Delta ", "", {"save  Delta "});
+        row("save as, taken without blanks", false, " Beta ", "Beta", {});
+        row("save as, markers", false, "%1 %2", "", {"save %1 %2"});
+        row("save as, nothing", false, "", "", {});
+    }
+    void names()
+    {
+        QFETCH(bool, isNew);
+        QFETCH(QString, typed);
+        QFETCH(QString, refused);
+        Pane p;
+        QDialog *sheet = isNew ? p.sheet(p.pane.newButton, "NewMapRotationWindowController")
+                               : p.sheet(p.pane.saveButton, "SaveMapRotationAsWindowController");
+        QVERIFY(sheet != nullptr && sheet->isModal());
+        p.pane.openRotationMenuItemClicked(); // nothing while a sheet is open
+        auto *field = sheet->findChild<QLineEdit *>("nameField");
+        field->setText(typed);
+        auto *button = sheet->findChild<QPushButton *>(isNew ? "addButton" : "saveButton");
+        QCOMPARE(button->isEnabled(), !typed.isEmpty());
+        button->click();
+        QTRY_COMPARE(p.alerts.shown().size(), refused.isEmpty() ? 0 : 1);
+        if (!refused.isEmpty()) {
+            QCOMPARE(p.alerts.titles(), QStringList{"Unable to Add New Map Rotation"});
+            QCOMPARE(p.alerts.texts(), QStringList{"Map Rotation '" + refused + "' already exists!"});
+        }
+        if (!refused.isEmpty() || typed.isEmpty()) {
+            QVERIFY(sheet->isVisible());
+            QCOMPARE(field->text(), typed);
+            QTest::keyClick(sheet, Qt::Key_Escape);
+        }
+        QVERIFY(p.settle());
+        QTEST(p.store.asked, "asked");
+    }
+
+    void aCancelledPanelGivesNoName()
+    {
+        Pane p;
+        QCoro::Task<QString> name = p.store.panel();
+        auto *sheet = p.pane.findChild<QDialog *>("SaveMapRotationAsWindowController");
+        sheet->findChild<QLineEdit *>("nameField")->setText("typed");
+        p.press(sheet, "cancelButton");
+        QCOMPARE(awaited(std::move(name)), QString());
+    }
+
+    void opensAndDeletesWhatIsSelected()
+    {
+        Pane p;
+        p.store.isGoingOn = false;
+        p.pane.openButton->click();
+        QVERIFY(p.settle()); // the question was called off: no sheet
+        p.store.isGoingOn = true;
+        p.press(p.sheet(p.pane.openButton, "OpenMapRotationWindowController"), "openButton");
+        QVERIFY(p.settle());
+        QCOMPARE(p.store.asked, QStringList{"open "});
+        QDialog *sheet = p.sheet(p.pane.openButton, "OpenMapRotationWindowController");
+        auto *table = sheet->findChild<KeyHandlingTableView *>("tableView");
+        QTest::keyClick(table, Qt::Key_Return); // nothing is selected: no more than a beep
+        table->selectRow(1);
+        QTest::keyClick(table, Qt::Key_Return);
+        QVERIFY(p.settle());
+        QCOMPARE(p.store.asked, QStringList{"open Beta"});
+        QCOMPARE(p.pane.labelCurrentRotation->text(), QString("Rotation: Beta"));
+        sheet = p.sheet(p.pane.deleteButton, "DeleteMapRotationWindowController");
+        QVERIFY(!sheet->findChild<QPushButton *>("deleteButton")->isEnabled());
+        sheet->findChild<KeyHandlingTableView *>("tableView")->selectAll();
+        p.press(sheet, "deleteButton");
+        QVERIFY(p.settle());
+        QCOMPARE(p.store.asked, QStringList({"delete Alpha", "delete Beta", "delete Gamma"}));
+        QVERIFY(!p.pane.openButton->isEnabled());
+    }
+
+    void whatHappensInATurnIsTakenBackAtOnce()
+    {
+        Pane p;
+        const auto first = p.store.letters.content().first();
+        QUndoStack &stack = *p.pane.undoStack();
+        p.store.letters.choose({0, 1});
+        p.pane.removeButton->setEnabled(true);
+        p.pane.removeButton->click();
+        QTRY_COMPARE(stack.undoText(), QString("Remove"));
+        p.store.letters.addObjects({std::make_shared<Letter>(Letter{"a"}), std::make_shared<Letter>(Letter{"b"})});
+        QTRY_COMPARE(stack.undoText(), QString("Add"));
+        p.store.letters.acceptDrop({0}, 2, true, false);
+        QTRY_COMPARE(stack.undoText(), QString("Move"));
+        QVERIFY(p.store.letters.setData(p.store.letters.index(0, 1), "A"));
+        QTest::keyClick(p.pane.tableView, Qt::Key_Z, Qt::ControlModifier); // in the turn of the edit
+        QCOMPARE(p.store.letters.shown(), QString("aXb"));
+        QCOMPARE(stack.redoText(), QString("Edit"));
+        stack.undo();
+        stack.undo();
+        stack.undo();
+        QCOMPARE(p.store.letters.shown(), QString("VWX"));
+        QCOMPARE(p.store.letters.content().first(), first); // the same entry, which others hold too
+        stack.setIndex(stack.count());
+        QCOMPARE(p.store.letters.shown(), QString("AXb"));
+        p.store.openRotationNamed("Alpha");
+        p.store.letters.removeAll(); // as part of it
+        QTRY_VERIFY(!p.pane.removeAllButton->isEnabled());
+        QCOMPARE(stack.count(), 0);
+    }
+
+    void copiesRowsAndTellsOnceOfLinesThatDoNotFit()
+    {
+        Pane p;
+        p.pane.setTakeRows([&](const QList<QStringList> &rows) {
+            QList<qsizetype> misfits;
+            QList<Letters<Letter>::Row> fitting;
+            for (qsizetype i = 0; i < rows.size(); ++i) {
+                if (rows.at(i).size() == 2)
+                    fitting.append(std::make_shared<Letter>(Letter{rows.at(i).last()}));
+                else
+                    misfits.append(i);
+            }
+            p.store.letters.addObjects(fitting);
+            return misfits;
+        });
+        p.store.letters.choose({2, 0});
+        QTest::keyClick(p.pane.tableView, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), QString("\tV\n\tX"));
+        QGuiApplication::clipboard()->setText(QString("\tY\r\n").repeated(2000) + QString("bad %1\n").repeated(3));
+        QTest::keyClick(p.pane.tableView, Qt::Key_V, Qt::ControlModifier);
+        QVERIFY(p.settle());
+        QCOMPARE(p.store.letters.content().size(), 2003);
+        QCOMPARE(p.alerts.shown().size(), 1);
+        QVERIFY(p.alerts.texts().first().startsWith("3 of 2003 lines"));
+        QTRY_COMPARE(p.pane.undoStack()->count(), 1);
+    }
+
+    void longNamesMakeNothingWide()
+    {
+        Pane p;
+        const QString name = QStringLiteral("<b>x</b>\n") + QString(100000, 'W');
+        p.store.stored.append(name);
+        p.store.openRotationNamed(name);
+        p.pane.grab();
+        QVERIFY2(p.pane.minimumSizeHint().width() <= 440,
+                 qPrintable(QString::number(p.pane.minimumSizeHint().width())));
+        QDialog *sheet = p.sheet(p.pane.openButton, "OpenMapRotationWindowController");
+        sheet->grab();
+        QVERIFY(sheet->width() <= 1024 && sheet->minimumSizeHint().width() <= 1024);
+        p.press(sheet, "closeButton");
+        QVERIFY(p.settle());
+    }
+};
+
+QTEST_MAIN(RotationDialogsTest)
+#include "tst_rotationdialogs.moc"

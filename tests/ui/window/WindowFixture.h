@@ -1,0 +1,20 @@
+#pragma once
+
+#include "CataloguesFixture.h"
+#include "FormMainView.h"
+#include "KelMapRotation.h"
+#include "KelMessageRotation.h"
+#include "Rotations.h"
+#include "SavedServers.h"
+#include "TestPreferences.h"
+
+/// All that the window shows.
+struct WindowFixture : CataloguesFixture {
+    Rotations rotations() { return {mapRotations, messageRotations}; }
+
+    TestPreferences preferences{folder};
+    KelMapRotation mapRotations{preferences, alerts, folder.path()};
+    KelMessageRotation messageRotations{{preferences, alerts, server, actions}, folder.path()};
+    SavedServers savedServers{folder.filePath(QStringLiteral("SavedServers.plist")), QStringLiteral("tester")};
+    FormMainView view{server, actions, alerts, preferences, catalogues(), rotations(), savedServers};
+};

@@ -1,0 +1,61 @@
+#include "WindowFixture.h"
+
+struct UnsavedWindow : WindowFixture {
+    UnsavedWindow()
+    {
+        view.makeViews();
+        alerts.hold();
+    }
+
+    /// A message that no file holds.
+    void edit() { awaited(messageRotations.addMessageToCurrentRotation("typed", "5")); }
+};
+
+class UnsavedWorkTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void asksBeforeUnsavedWorkIsLost_data()
+    {
+        QTest::addColumn<bool>("isClosing");
+        QTest::addColumn<int>("pressed");
+        QTest::addColumn<bool>("goesOn");
+        QTest::newRow("connect, no") << false << 1 << true;
+        QTest::newRow("connect, cancel") << false << 2 << false;
+        QTest::newRow("close, no") << true << 1 << true;
+        QTest::newRow("close, cancel") << true << 2 << false;
+    }
+    void asksBeforeUnsavedWorkIsLost()
+    {
+        QFETCH(bool, isClosing);
+        QFETCH(int, pressed);
+        QFETCH(bool, goesOn);
+        UnsavedWindow window;
+        window.view.show();
+        if (isClosing) {
+            window.edit();
+            window.view.close();
+        } else {
+            window.view.connectTo(ConnectTarget{"L", "10.0.0.1", "28960", "p", nullptr});
+            window.edit(); // while a worker reads the catalogue
+        }
+        QTRY_COMPARE(window.alerts.openCount(), 1);
+        QCOMPARE(window.alerts.shown().last().buttons, QStringList({"Yes", "No", "Cancel"}));
+        QVERIFY(window.view.isVisible() && window.exchange.sent().isEmpty());
+        window.alerts.dismiss(pressed);
+        if (isClosing) {
+            QTRY_COMPARE(window.view.isVisible(), !goesOn);
+        } else {
+            QTRY_COMPARE(window.exchange.sent().contains("dvardump"), goesOn);
+            window.view.disconnectButtonPressed();
+        }
+        if (!goesOn)
+            QCOMPARE(window.messageRotations.entries().size(), 1);
+        while (window.alerts.openCount() > 0)
+            window.alerts.dismiss(1);
+        QVERIFY(window.settle());
+    }
+};
+
+QTEST_MAIN(UnsavedWorkTest)
+#include "tst_unsavedwork.moc"
