@@ -1,5 +1,4 @@
 #include "AppDelegate.h"
-#include "ApplicationFont.h"
 #include "CommandLine.h"
 #include "EarlyFonts.h"
 #include "FormMainView.h"
@@ -42,9 +41,7 @@ int main(int argc, char **argv)
         return 2;
     }
     QApplication::setDesktopFileName(QStringLiteral("net.kelvard.ferrow_rcon"));
-    ApplicationFont font(fonts.sansSerif());
     AppDelegate delegate;
-    font.follow(delegate.window());
     // Not before the first frame: an icon brings in the plugins for pictures.
     QObject::connect(&delegate.window(), &FormMainView::firstFrameShown, &application,
                      [] { QApplication::setWindowIcon(QIcon(resourceFolder() + QStringLiteral("/icons/48.png"))); });
