@@ -1,6 +1,5 @@
 #include "AppDelegate.h"
 #include "CommandLine.h"
-#include "EarlyFonts.h"
 #include "FormMainView.h"
 #include "ProcessPrivacy.h"
 #include "ResourceFolder.h"
@@ -30,14 +29,12 @@ int main(int argc, char **argv)
     ProcessPrivacy::forbidDumps();
     QString password = ProcessPrivacy::takeFromEnvironment("FERROW_RCON_PASSWORD");
 
-    EarlyFonts fonts;
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("ferrow-rcon"));
     QApplication::setApplicationVersion(CommandLine::version());
     const CommandLine line = CommandLine::parse(QApplication::arguments());
     if (!line.error.isEmpty()) {
         std::fprintf(stderr, "ferrow-rcon: %s\n", qPrintable(line.error));
-        fonts.finish();
         return 2;
     }
     QApplication::setDesktopFileName(QStringLiteral("net.kelvard.ferrow_rcon"));
@@ -53,7 +50,5 @@ int main(int argc, char **argv)
             delegate.window().quickConnect(line.connectHost, line.connectPort, password);
             password.clear(); // from now on the form's field has it
         });
-    const int code = QApplication::exec();
-    fonts.finish();
-    return code;
+    return QApplication::exec();
 }
