@@ -38,10 +38,8 @@ int main(int argc, char **argv)
         return 2;
     }
     QApplication::setDesktopFileName(QStringLiteral("net.kelvard.ferrow_rcon"));
+    QApplication::setWindowIcon(QIcon(resourceFolder() + QStringLiteral("/icons/48.png")));
     AppDelegate delegate;
-    // Not before the first frame: an icon brings in the plugins for pictures.
-    QObject::connect(&delegate.window(), &FormMainView::firstFrameShown, &application,
-                     [] { QApplication::setWindowIcon(QIcon(resourceFolder() + QStringLiteral("/icons/48.png"))); });
     delegate.window().show();
     if (line.isDemo)
         QTimer::singleShot(0, &delegate, &AppDelegate::tryDemoServer);
