@@ -56,8 +56,8 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# The window system's plugin, what is loaded when a password is needed, and a font to write with: no library names them.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, libssl3")
+# The window system's plugin and a font to write with: no library names them.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-dejavu-core | fonts-liberation")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "remote console for the dedicated server of a shooter")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
