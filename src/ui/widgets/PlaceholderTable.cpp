@@ -1,7 +1,6 @@
 #include "PlaceholderTable.h"
 
-#include "PlainHeader.h"
-
+#include <QHeaderView>
 #include <QPainter>
 
 PlaceholderTable::PlaceholderTable(QWidget *parent) : QTableView(parent)
@@ -18,7 +17,7 @@ PlaceholderTable::PlaceholderTable(QWidget *parent) : QTableView(parent)
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
-    setHorizontalHeader(new PlainHeader(this));
+    horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setStretchLastSection(true);
 }
 
