@@ -3,7 +3,7 @@
 #include "Appearance.h"
 #include "DemoServer.h"
 #include "FormMainView.h"
-#include "LeanStyle.h"
+#include "IconKeepingStyle.h"
 #include "PasswordEncryption.h"
 #include "PrivateFolder.h"
 #include "ResourceFolder.h"
@@ -34,7 +34,7 @@ AppDelegate::AppDelegate(const Places &places)
 {
     m_server.setCatalogueLoader(&m_catalogues);
     registerDefaults();
-    QApplication::setStyle(std::make_unique<LeanStyle>().release()); // which takes it
+    QApplication::setStyle(new IconKeepingStyle); // which the application takes
     Appearance::apply(m_preferences.value(QStringLiteral("appearance")).toString());
     m_window = std::make_unique<FormMainView>(m_server, m_actions, m_alerts, m_preferences,
                                               GameCatalogues{m_gametypes, m_settings, m_maps, m_playlists},
