@@ -63,7 +63,6 @@ KelMessageRotation::KelMessageRotation(Surroundings surroundings, const QString 
       m_actions(surroundings.actions),
       m_timer(timer != nullptr ? std::move(timer) : std::make_unique<PreciseOneShotTimer>())
 {
-    // Not to what the table shows, which takes long to make and is needed with the table only.
     connect(storedRows(), &QAbstractItemModel::rowsInserted, this, &KelMessageRotation::updateTransportButtons);
     connect(storedRows(), &QAbstractItemModel::rowsRemoved, this, &KelMessageRotation::updateTransportButtons);
 }

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <memory>
 #include <numeric>
 
 /// The rows of one table, as a model, together with the order they are shown in and the selection.
@@ -32,21 +31,24 @@ public:
     ArrayController(QList<Column> columns, KeyOf keyOf, QObject *parent = nullptr)
         : QAbstractTableModel(parent), m_columns(std::move(columns)), m_keyOf(std::move(keyOf))
     {
+        m_arranged.setSourceModel(this);
+        connect(&m_selection, &QItemSelectionModel::selectionChanged, this, [this] {
+            if (!m_isUpdating)
+                m_hiddenSelection.clear(); // a new choice of the user's replaces what the filter hides
+        });
     }
 
-    ArrangedRows *arranged() { return &shown().rows; }
-    QItemSelectionModel *selection() { return &shown().selection; }
+    ArrangedRows *arranged() { return &m_arranged; }
+    QItemSelectionModel *selection() { return &m_selection; }
 
     const QList<Row> &content() const { return m_rows; }
 
     /// All rows in the order of the table; rows that the filter hides are among them.
     QList<Row> arrangedObjects() const
     {
-        if (m_shown == nullptr)
-            return m_rows;
         QList<Row> rows;
         rows.reserve(m_rows.size());
-        for (const int row : m_shown->rows.sourceRowsInOrder())
+        for (const int row : m_arranged.sourceRowsInOrder())
             rows.append(m_rows.at(row));
         return rows;
     }
@@ -54,11 +56,11 @@ public:
     /// The selected rows that can be seen, from the top of the table to its bottom.
     QList<Row> selectedObjects() const
     {
-        QModelIndexList chosen = selectedRows();
+        QModelIndexList chosen = m_selection.selectedRows();
         std::sort(chosen.begin(), chosen.end());
         QList<Row> rows;
         for (const QModelIndex &index : std::as_const(chosen))
-            rows.append(m_rows.at(m_shown->rows.mapToSource(index).row()));
+            rows.append(m_rows.at(m_arranged.mapToSource(index).row()));
         return rows;
     }
 
@@ -78,8 +80,8 @@ public:
     void removeSelected()
     {
         QList<bool> isKept(m_rows.size(), true);
-        for (const QModelIndex &index : selectedRows())
-            isKept[m_shown->rows.mapToSource(index).row()] = false;
+        for (const QModelIndex &index : m_selection.selectedRows())
+            isKept[m_arranged.mapToSource(index).row()] = false;
         removeUnkept(isKept);
     }
 
@@ -105,7 +107,7 @@ public:
     {
         const QSet<QString> chosen = selectedKeys();
         m_isUpdating = true;
-        arranged()->setFilterText(text);
+        m_arranged.setFilterText(text);
         m_isUpdating = false;
         selectKeys(chosen);
     }
@@ -178,31 +180,6 @@ protected:
     }
 
 private:
-    /// What a view needs.
-    struct Shown {
-        ArrangedRows rows;
-        QItemSelectionModel selection{&rows};
-    };
-
-    /// Made when somebody looks: it takes long, and the start makes many controllers.
-    Shown &shown()
-    {
-        if (m_shown != nullptr)
-            return *m_shown;
-        m_shown = std::make_unique<Shown>();
-        m_shown->rows.setSourceModel(this);
-        connect(&m_shown->selection, &QItemSelectionModel::selectionChanged, this, [this] {
-            if (!m_isUpdating)
-                m_hiddenSelection.clear(); // a new choice of the user's replaces what the filter hides
-        });
-        return *m_shown;
-    }
-
-    QModelIndexList selectedRows() const
-    {
-        return m_shown == nullptr ? QModelIndexList() : m_shown->selection.selectedRows();
-    }
-
     QSet<QString> selectedKeys() const
     {
         QSet<QString> keys = m_hiddenSelection;
@@ -213,22 +190,20 @@ private:
 
     void selectKeys(const QSet<QString> &keys)
     {
-        if (m_shown == nullptr) // then nothing has been chosen
-            return;
         QItemSelection chosen;
         m_hiddenSelection.clear();
         for (int row = 0; row < m_rows.size(); ++row) {
             const QString key = m_keyOf(m_rows.at(row));
             if (!keys.contains(key))
                 continue;
-            const QModelIndex place = m_shown->rows.mapFromSource(index(row, 0));
+            const QModelIndex place = m_arranged.mapFromSource(index(row, 0));
             if (place.isValid())
                 chosen.select(place, place.siblingAtColumn(columnCount() - 1));
             else
                 m_hiddenSelection.insert(key);
         }
         m_isUpdating = true;
-        m_shown->selection.select(chosen, QItemSelectionModel::ClearAndSelect);
+        m_selection.select(chosen, QItemSelectionModel::ClearAndSelect);
         m_isUpdating = false;
     }
 
@@ -323,6 +298,7 @@ private:
     QList<Column> m_columns;
     KeyOf m_keyOf;
     QSet<QString> m_hiddenSelection;
-    std::unique_ptr<Shown> m_shown;
+    ArrangedRows m_arranged;
+    QItemSelectionModel m_selection{&m_arranged};
     bool m_isUpdating = false;
 };
