@@ -46,6 +46,7 @@ FormMainView::FormMainView(KelServer &server, ActionQueue &actions, Alerts &aler
     makeMenus();
     // The Tab key goes through them in the order in which they are made.
     serversView = new ServersView(savedServers, actions, alerts, this);
+    serversView->setObjectName(QStringLiteral("serversView"));
     tabControlMain = new QTabWidget(this);
     welcomePage = new WelcomePage(this);
     statusLine = new StatusLine(this);
@@ -75,6 +76,16 @@ void FormMainView::makeViews()
         new ConfigBuilderView(m_server, m_actions, m_alerts, m_catalogues.settings, m_catalogues.gametypes, this);
     connect(this, &FormMainView::configBuilderVisitedAgain, configBuilderView, &ConfigBuilderView::selectAllRows);
     consoleView = new ConsoleView(m_server, m_actions, this);
+    const std::pair<QWidget *, const char *> names[] = {{playersView, "playersView"},
+                                                        {mapsView, "mapsView"},
+                                                        {playlistsView, "playlistsView"},
+                                                        {unrankedSettingsView, "unrankedSettingsView"},
+                                                        {rankedSettingsView, "rankedSettingsView"},
+                                                        {messagesView, "messagesView"},
+                                                        {configBuilderView, "configBuilderView"},
+                                                        {consoleView, "consoleView"}};
+    for (const auto &[page, name] : names)
+        page->setObjectName(QString::fromLatin1(name));
     insertViews();
     m_undoGroup.addStack(mapsView->rotationPane->undoStack());
     m_undoGroup.addStack(messagesView->rotationPane->undoStack());
