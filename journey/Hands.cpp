@@ -1,5 +1,8 @@
 #include "Hands.h"
 
+#include "Controls.h"
+
+#include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QLineEdit>
@@ -10,6 +13,11 @@
 void Hands::click(QWidget *widget)
 {
     QTest::mouseClick(widget, Qt::LeftButton);
+}
+
+void Hands::click(const QWidget &root, const char *button)
+{
+    click(control<QAbstractButton>(root, button));
 }
 
 static QPoint shownPlace(QAbstractItemView &view, const QModelIndex &cell)
@@ -43,12 +51,22 @@ void Hands::type(QLineEdit *field, const QString &text)
     QTest::keyClicks(field, text);
 }
 
+void Hands::type(const QWidget &root, const char *field, const QString &text)
+{
+    type(control<QLineEdit>(root, field), text);
+}
+
 void Hands::choose(QComboBox *popup, const QString &title)
 {
     popup->setFocus();
     QTest::keyClick(popup, Qt::Key_Home);
     for (int item = popup->findText(title); item > 0; --item)
         QTest::keyClick(popup, Qt::Key_Down);
+}
+
+void Hands::choose(const QWidget &root, const char *popup, const QString &title)
+{
+    choose(control<QComboBox>(root, popup), title);
 }
 
 QModelIndex Hands::find(const QAbstractItemView &view, const QString &text)

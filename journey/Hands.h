@@ -14,14 +14,18 @@ class QWidget;
 namespace Hands
 {
 void click(QWidget *widget);
+/// Finds the button inside `root` by its object name; so do those below for a field and a pop-up.
+void click(const QWidget &root, const char *button);
 /// Clicks on a cell; brings it into view first.
 void click(QAbstractItemView &view, const QModelIndex &cell, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 void doubleClick(QAbstractItemView &view, const QModelIndex &cell);
 void showTab(QTabWidget &tabs, QWidget *page);
 /// Types over what stands in the field.
 void type(QLineEdit *field, const QString &text);
+void type(const QWidget &root, const char *field, const QString &text);
 /// Goes with the arrow keys to the item with this title.
 void choose(QComboBox *popup, const QString &title);
+void choose(const QWidget &root, const char *popup, const QString &title);
 
 /// @return the cell of the first column that shows `text`; invalid when none does. Branches of a tree are searched too.
 QModelIndex find(const QAbstractItemView &view, const QString &text);

@@ -1,17 +1,21 @@
 #include "Journey.h"
 
 #include "AppDelegate.h"
-#include "ConsoleView.h"
+#include "Controls.h"
 #include "FormMainView.h"
 #include "Hands.h"
-#include "TranscriptView.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPainter>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTest>
+
+#include <algorithm>
 
 static constexpr int patience = 60000; // milliseconds; a slow machine under a sanitizer included
 
@@ -43,14 +47,39 @@ bool Journey::perform()
            useTheConsole() && disconnect() && connectByTheForm() && startAPlaylist() && excludeAMap() && disconnect();
 }
 
-FormMainView &Journey::window() const
+QWidget &Journey::window() const
 {
     return m_application.window();
 }
 
+QWidget &Journey::page(const char *name) const
+{
+    return *control<QWidget>(window(), name);
+}
+
+QWidget &Journey::showTab(const char *pageName)
+{
+    QWidget &shown = page(pageName);
+    Hands::showTab(*control<QTabWidget>(window(), "tabControlMain"), &shown);
+    return shown;
+}
+
+QString Journey::status() const
+{
+    return control<QLabel>(window(), "toolStripStatusLabelMain")->text();
+}
+
+QDialog *Journey::sheet(const QString &name) const
+{
+    // One that has just been closed may still be there, and one of another page closed beside it.
+    const QList<QDialog *> sheets = window().findChildren<QDialog *>(name);
+    const auto open = std::find_if(sheets.begin(), sheets.end(), [](const QDialog *each) { return each->isVisible(); });
+    return open == sheets.end() ? nullptr : *open;
+}
+
 QString Journey::transcript() const
 {
-    return window().consoleView->consoleOutput->toPlainText();
+    return control<QPlainTextEdit>(window(), "consoleOutput")->toPlainText();
 }
 
 void Journey::answerAlert()
@@ -78,9 +107,11 @@ bool Journey::waitUntilIdle()
     return waitUntil([this] { return m_application.actions().isIdle(); });
 }
 
-bool Journey::waitForSheet(QWidget *sheet)
+QDialog *Journey::waitForSheet(const QString &name)
 {
-    return expect(sheet != nullptr && QTest::qWaitForWindowExposed(sheet, patience), QStringLiteral("a sheet opens"));
+    QDialog *opened = sheet(name);
+    const bool isShown = opened != nullptr && QTest::qWaitForWindowExposed(opened, patience);
+    return expect(isShown, QStringLiteral("a sheet opens: ") + name) ? opened : nullptr;
 }
 
 bool Journey::expect(bool isTrue, const QString &what)

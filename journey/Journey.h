@@ -9,7 +9,8 @@
 #include <functional>
 
 class AppDelegate;
-class FormMainView;
+class QDialog;
+class QWidget;
 
 /// Goes through the real window as an administrator would, with mouse and keys, against two demo servers, and takes a
 /// picture of each step. Each step looks at what it has done, also at the server.
@@ -52,16 +53,23 @@ private:
     bool startAPlaylist();
     bool excludeAMap();
 
-    FormMainView &window() const;
+    QWidget &window() const;
+    /// What stands behind a tab, by its object name, in front or not.
+    QWidget &page(const char *name) const;
+    QWidget &showTab(const char *pageName);
+    QString status() const;
+    /// The sheet of this object name that is open; null when none is.
+    QDialog *sheet(const QString &name) const;
     /// Waits as a person does: reads an alert that comes up, and presses its default button.
     bool waitUntil(const std::function<bool()> &isReached);
     bool waitUntilIdle();
-    bool waitForSheet(QWidget *sheet);
+    /// @return the sheet of this object name once it can be seen; null when none opens, which is a failure.
+    QDialog *waitForSheet(const QString &name);
     bool expect(bool isTrue, const QString &what);
     void takePicture(const QString &name);
     void answerAlert();
-    bool addPair(const QString &map, const QString &gametype);
-    bool addMessage(const QString &message);
+    bool addPair(const QDialog &picker, const QString &map, const QString &gametype);
+    bool addMessage(const QDialog &adding, const QString &message);
     bool editSetting(const QString &name, const QString &value);
     bool chooseFile(const QString &panelName, const QString &path);
     QString configurationPath() const { return m_files.filePath(QStringLiteral("friday-night.cfg")); }

@@ -1,26 +1,17 @@
 #include "Journey.h"
 
-#include "AppDelegate.h"
-#include "CompareWindow.h"
-#include "ConfigBuilderView.h"
-#include "ConsoleView.h"
-#include "DvarSettingOutlineView.h"
-#include "FormMainView.h"
+#include "Controls.h"
 #include "Hands.h"
-#include "PlaceholderTable.h"
-#include "ProgressWindowController.h"
-#include "SectionTable.h"
-#include "SettingsView.h"
-#include "TranscriptView.h"
 
+#include <QDialog>
 #include <QFile>
-#include <QFileDialog>
+#include <QLineEdit>
 #include <QTest>
 
 bool Journey::chooseFile(const QString &panelName, const QString &path)
 {
-    auto *panel = window().findChild<QFileDialog *>(panelName);
-    if (!waitForSheet(panel))
+    const QDialog *panel = waitForSheet(panelName);
+    if (panel == nullptr)
         return false;
     auto *name = panel->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
     if (!expect(name != nullptr, QStringLiteral("a file name can be typed")))
@@ -32,16 +23,15 @@ bool Journey::chooseFile(const QString &panelName, const QString &path)
 
 bool Journey::saveAConfiguration()
 {
-    ConfigBuilderView &view = *window().configBuilderView;
-    Hands::showTab(*window().tabControlMain, &view);
-    Hands::click(view.selectNoneButton);
-    SectionTable &groups = *view.configBuilderGeneralSettingsTable;
-    SectionTable &gametypes = *view.configBuilderGametypeSettingsTable;
+    const QWidget &builder = showTab("configBuilderView");
+    Hands::click(builder, "selectNoneButton");
+    auto &groups = *control<QAbstractItemView>(builder, "configBuilderGeneralSettingsTable");
+    auto &gametypes = *control<QAbstractItemView>(builder, "configBuilderGametypeSettingsTable");
     Hands::click(groups, Hands::find(groups, QStringLiteral("Network")));
     Hands::click(groups, Hands::find(groups, QStringLiteral("Server")), Qt::ControlModifier);
     Hands::click(gametypes, Hands::find(gametypes, QStringLiteral("Domination")));
     takePicture(QStringLiteral("config"));
-    Hands::click(view.saveConfigButton);
+    Hands::click(builder, "saveConfigButton");
     if (!chooseFile(QStringLiteral("saveConfigPanel"), configurationPath()))
         return false;
     QFile file(configurationPath());
@@ -57,7 +47,7 @@ bool Journey::saveAConfiguration()
 
 bool Journey::editSetting(const QString &name, const QString &value)
 {
-    QAbstractItemView &outline = *window().unrankedSettingsView->settingsOutlineView;
+    auto &outline = *control<QAbstractItemView>(page("unrankedSettingsView"), "unrankedOutlineView");
     const QModelIndex setting = Hands::find(outline, name);
     if (!expect(setting.isValid(), QStringLiteral("the setting is listed: ") + name))
         return false;
@@ -75,13 +65,11 @@ bool Journey::editSetting(const QString &name, const QString &value)
 
 bool Journey::changeSettings()
 {
-    SettingsView &view = *window().unrankedSettingsView;
-    Hands::showTab(*window().tabControlMain, &view);
-    const QList<QListWidgetItem *> groups =
-        view.settingsGroupList->findItems(QStringLiteral("Network"), Qt::MatchExactly);
-    if (!expect(groups.size() == 1, QStringLiteral("the settings of the network can be chosen")))
+    auto &groups = *control<QAbstractItemView>(showTab("unrankedSettingsView"), "settingsGroupList");
+    const QString network = QStringLiteral("Network");
+    if (!expect(shownTexts(groups).count(network) == 1, QStringLiteral("the settings of the network can be chosen")))
         return false;
-    Hands::click(*view.settingsGroupList, view.settingsGroupList->indexFromItem(groups.first()));
+    Hands::click(groups, Hands::find(groups, network));
     if (!editSetting(QStringLiteral("Highest ping"), QStringLiteral("201")) ||
         !editSetting(QStringLiteral("Play time-out"), QStringLiteral("121")) ||
         !editSetting(QStringLiteral("Connect time-out"), QStringLiteral("91")))
@@ -93,19 +81,18 @@ bool Journey::changeSettings()
 
 bool Journey::compareAndLoad()
 {
-    ConfigBuilderView &view = *window().configBuilderView;
-    Hands::showTab(*window().tabControlMain, &view);
-    Hands::click(view.compareConfigButton);
+    Hands::click(showTab("configBuilderView"), "compareConfigButton");
     if (!chooseFile(QStringLiteral("compareConfigPanel"), configurationPath()))
         return false;
-    const auto comparison = [this] {
-        return window().findChild<CompareWindow *>();
-    };
-    if (!expect(waitUntil([&] { return comparison() != nullptr; }), QStringLiteral("the comparison opens")) ||
-        !waitForSheet(comparison()))
+    const QString name = QStringLiteral("CompareWindow");
+    if (!expect(waitUntil([&] { return sheet(name) != nullptr; }), QStringLiteral("the comparison opens")))
+        return false;
+    const QDialog *comparison = waitForSheet(name);
+    if (comparison == nullptr)
         return false;
     takePicture(QStringLiteral("compare"));
-    const QModelIndex ping = Hands::find(*comparison()->comparisonTableView, QStringLiteral("sv_maxPing"));
+    const auto &table = *control<QAbstractItemView>(*comparison, "comparisonTableView");
+    const QModelIndex ping = Hands::find(table, QStringLiteral("sv_maxPing"));
     if (!expect(ping.siblingAtColumn(1).data() == QLatin1String("201") &&
                     ping.siblingAtColumn(2).data() == QLatin1String("350"),
                 QStringLiteral("the comparison shows the value now and the file's")))
@@ -114,8 +101,9 @@ bool Journey::compareAndLoad()
         return m_server.commandsSeen().filter(QLatin1String("setadmindvar ")).size();
     };
     const qsizetype before = writes();
-    Hands::click(comparison()->loadOnlyDifferencesButton);
-    if (!expect(waitUntil([&] { return writes() == before + 3; }) && view.progressWindowController() != nullptr,
+    Hands::click(*comparison, "loadOnlyDifferencesButton");
+    if (!expect(waitUntil([&] { return writes() == before + 3; }) &&
+                    sheet(QStringLiteral("ProgressWindowController")) != nullptr,
                 QStringLiteral("loading shows how far it is")))
         return false;
     takePicture(QStringLiteral("loading"));
@@ -126,10 +114,9 @@ bool Journey::compareAndLoad()
 
 bool Journey::useTheConsole()
 {
-    ConsoleView &view = *window().consoleView;
-    Hands::showTab(*window().tabControlMain, &view);
-    Hands::type(view.consoleInput, QStringLiteral("sv_hostname"));
-    QTest::keyClick(view.consoleInput, Qt::Key_Return);
+    auto *command = control<QLineEdit>(showTab("consoleView"), "consoleInput");
+    Hands::type(command, QStringLiteral("sv_hostname"));
+    QTest::keyClick(command, Qt::Key_Return);
     const bool isAnswered = waitUntil([this] { return transcript().contains(QLatin1String("\"sv_hostname\" is:")); });
     if (!expect(isAnswered && waitUntilIdle(), QStringLiteral("the console shows the server's reply")))
         return false;

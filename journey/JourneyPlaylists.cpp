@@ -1,22 +1,23 @@
 #include "Journey.h"
 
-#include "ElidingField.h"
-#include "FormMainView.h"
+#include "Controls.h"
 #include "Hands.h"
-#include "KeyHandlingTableView.h"
-#include "MapGametypePairWindowController.h"
-#include "PlaylistsView.h"
+
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
 
 bool Journey::startAPlaylist()
 {
-    PlaylistsView &view = *window().playlistsView;
-    Hands::showTab(*window().tabControlMain, &view);
-    const QModelIndex chosen = view.playlistsTableView->model()->index(2, 1);
+    const QWidget &playlists = showTab("playlistsView");
+    auto &table = *control<QAbstractItemView>(playlists, "playlistsTableView");
+    const QModelIndex chosen = table.model()->index(2, 1);
     const QString name = chosen.data().toString();
     const QString number = chosen.siblingAtColumn(0).data().toString();
-    Hands::click(*view.playlistsTableView, chosen);
-    Hands::click(view.startPlaylistButton);
-    if (!expect(waitUntil([&] { return view.currentPlaylistField->text() == name; }) && waitUntilIdle(),
+    Hands::click(table, chosen);
+    Hands::click(playlists, "startPlaylistButton");
+    const auto &current = *control<QLineEdit>(playlists, "currentPlaylistField");
+    if (!expect(waitUntil([&] { return current.text() == name; }) && waitUntilIdle(),
                 QStringLiteral("the chosen playlist is the current one")))
         return false;
     return expect(!name.isEmpty() && m_playlistServer.variable(QStringLiteral("playlist")) == number,
@@ -25,22 +26,22 @@ bool Journey::startAPlaylist()
 
 bool Journey::excludeAMap()
 {
-    PlaylistsView &view = *window().playlistsView;
-    Hands::click(view.addExclusionButton);
-    MapGametypePairWindowController &picker = *view.mapGametypePairWindowController;
-    if (!waitForSheet(&picker))
+    const QWidget &playlists = page("playlistsView");
+    Hands::click(playlists, "addExclusionButton");
+    const QDialog *picker = waitForSheet(QStringLiteral("mapGametypePairPanel"));
+    if (picker == nullptr)
         return false;
-    Hands::choose(picker.mapsPopupButton, QStringLiteral("Paper Mill"));
+    Hands::choose(*picker, "mapsPopupButton", QStringLiteral("Paper Mill"));
     takePicture(QStringLiteral("exclusion"));
-    Hands::click(picker.addButton);
-    Hands::click(picker.closeButton);
-    if (!expect(Hands::find(*view.exclusionsTableView, QStringLiteral("Paper Mill")).isValid() &&
-                    !view.unsentExclusionsLabel->text().isEmpty(),
+    Hands::click(*picker, "addButton");
+    Hands::click(*picker, "closeButton");
+    const auto &exclusions = *control<QAbstractItemView>(playlists, "exclusionsTableView");
+    const auto &unsent = *control<QLabel>(playlists, "unsentExclusionsLabel");
+    if (!expect(Hands::find(exclusions, QStringLiteral("Paper Mill")).isValid() && !unsent.text().isEmpty(),
                 QStringLiteral("the exclusion is listed as not sent")))
         return false;
-    Hands::click(view.applyExclusionsButton);
-    if (!expect(waitUntilIdle() && view.unsentExclusionsLabel->text().isEmpty(),
-                QStringLiteral("the exclusions are applied")))
+    Hands::click(playlists, "applyExclusionsButton");
+    if (!expect(waitUntilIdle() && unsent.text().isEmpty(), QStringLiteral("the exclusions are applied")))
         return false;
     takePicture(QStringLiteral("playlists"));
     return expect(

@@ -1,26 +1,13 @@
 #include "Journey.h"
 
-#include "ElidingField.h"
-#include "ElidingLabel.h"
-#include "FormMainView.h"
+#include "Controls.h"
 #include "Hands.h"
-#include "KeyHandlingTableView.h"
-#include "MapGametypePairWindowController.h"
-#include "MapsView.h"
-#include "NewRotationWindowController.h"
-#include "PlaceholderTable.h"
-#include "RotationPane.h"
-#include "SaveRotationAsWindowController.h"
 
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QTest>
-
-static QStringList mapsOf(const QAbstractItemView &table)
-{
-    QStringList maps;
-    for (int row = 0; row < table.model()->rowCount(); ++row)
-        maps.append(table.model()->index(row, 0).data().toString());
-    return maps;
-}
 
 static QStringList plannedMaps()
 {
@@ -29,16 +16,17 @@ static QStringList plannedMaps()
 
 bool Journey::loadAMap()
 {
-    MapsView &view = *window().mapsView;
-    Hands::showTab(*window().tabControlMain, &view);
-    if (!expect(view.isVisible() && !view.currentMapField->text().isEmpty() &&
-                    view.mapServerRotationController->rowCount() > 0,
+    const QWidget &maps = showTab("mapsView");
+    const auto &currentMap = *control<QLineEdit>(maps, "currentMapField");
+    const auto &rotation = *control<QAbstractItemView>(maps, "mapServerRotationTableView");
+    if (!expect(maps.isVisible() && !currentMap.text().isEmpty() && rotation.model()->rowCount() > 0,
                 QStringLiteral("map and rotation are shown")))
         return false;
     const QString name = QStringLiteral("Orchard Wall");
-    Hands::click(*view.mapListView, Hands::find(*view.mapListView, name));
-    Hands::click(view.loadMapButton);
-    if (!expect(waitUntil([&] { return view.currentMapField->text() == name; }) && waitUntilIdle(),
+    auto &list = *control<QAbstractItemView>(maps, "mapListView");
+    Hands::click(list, Hands::find(list, name));
+    Hands::click(maps, "loadMapButton");
+    if (!expect(waitUntil([&] { return currentMap.text() == name; }) && waitUntilIdle(),
                 QStringLiteral("the chosen map is loaded")))
         return false;
     takePicture(QStringLiteral("maps"));
@@ -46,58 +34,62 @@ bool Journey::loadAMap()
                   QStringLiteral("the server plays the chosen map"));
 }
 
-bool Journey::addPair(const QString &map, const QString &gametype)
+static QAbstractItemView &builderOf(const QWidget &maps)
 {
-    MapGametypePairWindowController &picker = *window().mapsView->mapGametypePairWindowController;
-    Hands::choose(picker.mapsPopupButton, map);
-    Hands::choose(picker.gametypesPopupButton, gametype);
-    Hands::click(picker.addButton);
-    return expect(mapsOf(*window().mapsView->rotationPane->tableView).contains(map),
-                  QStringLiteral("the picked map is added"));
+    return *control<QAbstractItemView>(maps, "mapRotationPreviewTableView");
+}
+
+bool Journey::addPair(const QDialog &picker, const QString &map, const QString &gametype)
+{
+    Hands::choose(picker, "mapsPopupButton", map);
+    Hands::choose(picker, "gametypesPopupButton", gametype);
+    Hands::click(picker, "addButton");
+    return expect(shownTexts(builderOf(page("mapsView"))).contains(map), QStringLiteral("the picked map is added"));
 }
 
 bool Journey::buildARotation()
 {
-    MapsView &view = *window().mapsView;
-    KeyHandlingTableView *table = view.rotationPane->tableView;
-    Hands::click(view.addMapButton);
-    if (!waitForSheet(view.mapGametypePairWindowController))
+    const QWidget &maps = page("mapsView");
+    QAbstractItemView &table = builderOf(maps);
+    Hands::click(maps, "addMapButton");
+    const QDialog *picker = waitForSheet(QStringLiteral("mapGametypePairPanel"));
+    if (picker == nullptr)
         return false;
-    if (!addPair(QStringLiteral("Lantern Row"), QStringLiteral("Capture the Flag")) ||
-        !addPair(QStringLiteral("Saltworks"), QStringLiteral("Domination")) ||
-        !addPair(QStringLiteral("Signal Hill"), QStringLiteral("King of the Hill")))
+    if (!addPair(*picker, QStringLiteral("Lantern Row"), QStringLiteral("Capture the Flag")) ||
+        !addPair(*picker, QStringLiteral("Saltworks"), QStringLiteral("Domination")) ||
+        !addPair(*picker, QStringLiteral("Signal Hill"), QStringLiteral("King of the Hill")))
         return false;
-    if (!expect(waitUntil([&] { return view.rotationPane->removeAllButton->isEnabled(); }),
-                QStringLiteral("what was added can be removed")))
+    const auto &removeAll = *control<QPushButton>(maps, "removeAllButton");
+    if (!expect(waitUntil([&] { return removeAll.isEnabled(); }), QStringLiteral("what was added can be removed")))
         return false;
     takePicture(QStringLiteral("picker"));
-    Hands::click(view.mapGametypePairWindowController->closeButton);
-    Hands::click(*table, Hands::find(*table, QStringLiteral("Saltworks")));
-    QTest::keyClick(table, Qt::Key_Up, Qt::AltModifier);
-    return expect(mapsOf(*table) == plannedMaps(), QStringLiteral("the keyboard moves a row up"));
+    Hands::click(*picker, "closeButton");
+    Hands::click(table, Hands::find(table, QStringLiteral("Saltworks")));
+    QTest::keyClick(&table, Qt::Key_Up, Qt::AltModifier);
+    return expect(shownTexts(table) == plannedMaps(), QStringLiteral("the keyboard moves a row up"));
 }
 
 bool Journey::saveTheRotation()
 {
-    RotationPane &pane = *window().mapsView->rotationPane;
-    Hands::click(pane.saveAsButton);
-    auto *sheet = window().findChild<SaveRotationAsWindowController *>();
-    if (!waitForSheet(sheet))
+    const QWidget &maps = page("mapsView");
+    Hands::click(maps, "saveAsButton");
+    const QDialog *naming = waitForSheet(QStringLiteral("SaveMapRotationAsWindowController"));
+    if (naming == nullptr)
         return false;
-    Hands::type(sheet->nameField, QStringLiteral("Friday Night"));
+    Hands::type(*naming, "nameField", QStringLiteral("Friday Night"));
     takePicture(QStringLiteral("naming"));
-    Hands::click(sheet->saveButton);
+    Hands::click(*naming, "saveButton");
     if (!expect(waitUntilIdle(), QStringLiteral("the rotation is saved")))
         return false;
-    return expect(pane.labelCurrentRotation->text() == QLatin1String("Rotation: Friday Night") &&
-                      pane.labelUnsavedChanges->isHidden(),
+    return expect(control<QLabel>(maps, "labelCurrentRotation")->text() == QLatin1String("Rotation: Friday Night") &&
+                      control<QLabel>(maps, "labelUnsavedChanges")->isHidden(),
                   QStringLiteral("the saved rotation is the current one"));
 }
 
 bool Journey::setTheRotation()
 {
-    MapsView &view = *window().mapsView;
-    Hands::click(view.setBuiltRotationButton);
+    const QWidget &maps = page("mapsView");
+    Hands::click(maps, "setBuiltRotationButton");
     if (!expect(waitUntilIdle(), QStringLiteral("the rotation is set")))
         return false;
     takePicture(QStringLiteral("rotation"));
@@ -106,27 +98,28 @@ bool Journey::setTheRotation()
     if (!expect(m_server.variable(QStringLiteral("sv_mapRotation")).trimmed() == expected,
                 QStringLiteral("the server has the rotation")))
         return false;
-    return expect(mapsOf(*view.mapServerRotationTableView) == plannedMaps() &&
-                      view.currentMapField->text() == plannedMaps().first(),
+    const auto &rotation = *control<QAbstractItemView>(maps, "mapServerRotationTableView");
+    return expect(shownTexts(rotation) == plannedMaps() &&
+                      control<QLineEdit>(maps, "currentMapField")->text() == plannedMaps().first(),
                   QStringLiteral("the window shows the new rotation and its first map"));
 }
 
 bool Journey::copyTheRotationBack()
 {
-    MapsView &view = *window().mapsView;
-    RotationPane &pane = *view.rotationPane;
-    Hands::click(pane.newButton);
-    auto *sheet = window().findChild<NewRotationWindowController *>();
-    if (!waitForSheet(sheet))
+    const QWidget &maps = page("mapsView");
+    const QAbstractItemView &builder = builderOf(maps);
+    Hands::click(maps, "newButton");
+    const QDialog *naming = waitForSheet(QStringLiteral("NewMapRotationWindowController"));
+    if (naming == nullptr)
         return false;
-    Hands::type(sheet->nameField, QStringLiteral("From the server"));
-    Hands::click(sheet->addButton);
-    if (!expect(waitUntilIdle() && pane.tableView->model()->rowCount() == 0,
-                QStringLiteral("a new rotation begins empty")))
+    Hands::type(*naming, "nameField", QStringLiteral("From the server"));
+    Hands::click(*naming, "addButton");
+    if (!expect(waitUntilIdle() && builder.model()->rowCount() == 0, QStringLiteral("a new rotation begins empty")))
         return false;
-    Hands::click(view.copyToBuilderButton);
+    Hands::click(maps, "copyToBuilderButton");
+    const auto &unsaved = *control<QLabel>(maps, "labelUnsavedChanges");
     const auto isCopied = [&] {
-        return mapsOf(*pane.tableView) == plannedMaps() && pane.labelUnsavedChanges->isVisible();
+        return shownTexts(builder) == plannedMaps() && unsaved.isVisible();
     };
     if (!expect(waitUntil(isCopied) && waitUntilIdle(),
                 QStringLiteral("the server's rotation is copied to the builder, and not saved yet")))

@@ -1,32 +1,28 @@
 #include "Journey.h"
 
 #include "AppDelegate.h"
-#include "FormMainView.h"
+#include "Controls.h"
 #include "Hands.h"
-#include "PlaceholderTable.h"
-#include "PlayersView.h"
-#include "ServersView.h"
-#include "StatusLine.h"
 
 static QString labelOfServer()
 {
     return QStringLiteral("Harbour Lights");
 }
 
-static void fillForm(const ServersView &pane, const QString &label, const DemoServer &server)
+static void fillForm(const QWidget &pane, const QString &label, const DemoServer &server)
 {
-    Hands::type(pane.labelField, label);
-    Hands::type(pane.hostField, QStringLiteral("127.0.0.1"));
-    Hands::type(pane.portField, QString::number(server.port()));
-    Hands::type(pane.passwordField, server.password());
+    Hands::type(pane, "labelField", label);
+    Hands::type(pane, "hostField", QStringLiteral("127.0.0.1"));
+    Hands::type(pane, "portField", QString::number(server.port()));
+    Hands::type(pane, "passwordField", server.password());
 }
 
 bool Journey::saveAServer()
 {
-    const ServersView &pane = *window().serversView;
+    const QWidget &pane = page("serversView");
     fillForm(pane, labelOfServer(), m_server);
-    Hands::click(pane.saveToServerListButton);
-    if (!expect(Hands::find(*pane.savedServerTableView, labelOfServer()).isValid(),
+    Hands::click(pane, "saveToServerListButton");
+    if (!expect(Hands::find(*control<QAbstractItemView>(pane, "savedServerTableView"), labelOfServer()).isValid(),
                 QStringLiteral("the server is in the list")))
         return false;
     takePicture(QStringLiteral("saved"));
@@ -35,14 +31,13 @@ bool Journey::saveAServer()
 
 bool Journey::connectFromTheList()
 {
-    const ServersView &pane = *window().serversView;
-    Hands::doubleClick(*pane.savedServerTableView, Hands::find(*pane.savedServerTableView, labelOfServer()));
-    const bool isListed = waitUntil([this] {
-        return window().playersView != nullptr && !window().playersView->playersController->content().isEmpty();
-    });
-    if (!expect(isListed, QStringLiteral("the players of the server are listed")))
+    auto &servers = *control<QAbstractItemView>(page("serversView"), "savedServerTableView");
+    Hands::doubleClick(servers, Hands::find(servers, labelOfServer()));
+    const auto &players = *control<QAbstractItemView>(page("playersView"), "playersTableView");
+    if (!expect(waitUntil([&] { return players.model()->rowCount() > 0; }),
+                QStringLiteral("the players of the server are listed")))
         return false;
-    if (!expect(window().statusLine->status() == QLatin1String("Connected to Harbour Lights (Unranked)"),
+    if (!expect(status() == QLatin1String("Connected to Harbour Lights (Unranked)"),
                 QStringLiteral("the status line tells of the connection")))
         return false;
     if (!expect(waitUntilIdle(), QStringLiteral("connecting comes to its end")))
@@ -53,12 +48,11 @@ bool Journey::connectFromTheList()
 
 bool Journey::connectByTheForm()
 {
-    const ServersView &pane = *window().serversView;
+    const QWidget &pane = page("serversView");
     fillForm(pane, QString(), m_playlistServer);
-    Hands::click(pane.connectButton);
-    const QString status = QStringLiteral("Connected to QuickConnect (Unranked)");
-    const bool isConnected =
-        waitUntil([&] { return window().statusLine->status() == status && m_application.actions().isIdle(); });
+    Hands::click(pane, "connectButton");
+    const QString connected = QStringLiteral("Connected to QuickConnect (Unranked)");
+    const bool isConnected = waitUntil([&] { return status() == connected && m_application.actions().isIdle(); });
     if (!expect(isConnected, QStringLiteral("the form connects")))
         return false;
     return expect(m_alerts.contains(QStringLiteral("Unsaved Changes to Map Rotation")),
@@ -67,7 +61,6 @@ bool Journey::connectByTheForm()
 
 bool Journey::disconnect()
 {
-    Hands::click(window().serversView->disconnectButton);
-    return expect(window().statusLine->status() == QLatin1String("Not connected"),
-                  QStringLiteral("the connection is ended"));
+    Hands::click(page("serversView"), "disconnectButton");
+    return expect(status() == QLatin1String("Not connected"), QStringLiteral("the connection is ended"));
 }

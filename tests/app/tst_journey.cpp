@@ -1,9 +1,8 @@
 #include "AppDelegate.h"
 #include "FormMainView.h"
+#include "Hands.h"
 #include "Journey.h"
-#include "WelcomePage.h"
 
-#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -24,7 +23,7 @@ private slots:
         const QTemporaryDir folder;
         AppDelegate application({folder.filePath(QStringLiteral("preferences.ini")), {}, folder.path()});
         application.window().show();
-        QTest::mouseClick(application.window().welcomePage->tryDemoServerButton, Qt::LeftButton);
+        Hands::click(application.window(), "tryDemoServerButton");
         QVERIFY(!application.actions().isIdle());
         application.window().close();
         QTRY_VERIFY_WITH_TIMEOUT(!application.window().isVisible(), 10000);
