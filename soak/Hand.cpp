@@ -1,12 +1,14 @@
 #include "Hand.h"
 
 #include "AppDelegate.h"
+#include "Controls.h"
 #include "FormMainView.h"
 #include "Hands.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QTabWidget>
 
 #include <numeric>
 #include <utility>
@@ -100,7 +102,7 @@ bool Hand::clearFront()
     return wasAnything;
 }
 
-FormMainView &Hand::window() const
+QWidget &Hand::window() const
 {
     return m_application.window();
 }
@@ -118,9 +120,34 @@ bool Hand::press(QAbstractButton *button)
     return true;
 }
 
+bool Hand::press(const QWidget &root, const char *button)
+{
+    return press(control<QAbstractButton>(root, button));
+}
+
+QWidget &Hand::page(const char *name) const
+{
+    return *control<QWidget>(window(), name);
+}
+
+QAbstractItemView &Hand::table(const char *pageName, const char *name) const
+{
+    return *control<QAbstractItemView>(page(pageName), name);
+}
+
+bool Hand::pressOn(const char *pageName, const char *button)
+{
+    return goTo(pageName) && press(page(pageName), button);
+}
+
+bool Hand::goTo(const char *pageName)
+{
+    return goTo(&page(pageName));
+}
+
 bool Hand::goTo(QWidget *page)
 {
-    QTabWidget &tabs = *window().tabControlMain;
+    QTabWidget &tabs = *control<QTabWidget>(window(), "tabControlMain");
     if (!tabs.isVisible() || tabs.indexOf(page) < 0)
         return false;
     if (tabs.currentWidget() != page)

@@ -7,7 +7,6 @@
 #include <random>
 
 class AppDelegate;
-class FormMainView;
 class GameServers;
 class MessageWatch;
 class QAbstractItemView;
@@ -16,8 +15,7 @@ class QComboBox;
 class QDialog;
 class QFileDialog;
 class QMessageBox;
-class RotationPane;
-class SettingsView;
+class QWidget;
 
 /// Presses what an administrator would, by a seeded chance, and what only a restless one would. It reaches only what is
 /// in front: while a sheet is open, it answers that.
@@ -35,7 +33,14 @@ public:
     /// Types the address of a server into the form and connects.
     bool connectTo(int server);
     bool press(QAbstractButton *button);
-    bool goTo(QWidget *page);
+    /// Presses a button inside `root`, by its object name.
+    bool press(const QWidget &root, const char *button);
+    /// What stands behind a tab, by its object name, in front or not.
+    QWidget &page(const char *name) const;
+    /// @return whether the page is in front now; not every mode of a server has every one.
+    bool goTo(const char *pageName);
+    /// Goes to the page first.
+    bool pressOn(const char *pageName, const char *button);
     int below(int limit);
 
     /// What was done how often.
@@ -75,6 +80,7 @@ private:
     bool sortPlayers();
 
     // HandMaps.cpp
+    QAbstractItemView &builderTable() const;
     bool refreshMaps();
     bool changeMap();
     bool loadMap();
@@ -83,12 +89,13 @@ private:
     bool keepMapRotation();
     bool setRotation();
     bool copyRotation();
-    bool changeRows(RotationPane &pane, int mostRows);
-    bool keepRotation(RotationPane &pane, bool mayClear);
+    bool changeRows(const char *pageName, QAbstractItemView &rows, int mostRows);
+    bool keepRotation(const char *pageName, bool mayClear);
     bool startPlaylist();
     bool changeExclusions();
 
     // HandMessages.cpp
+    QAbstractItemView &messageTable() const;
     bool addMessages();
     bool changeMessageRows();
     bool editMessage();
@@ -98,7 +105,7 @@ private:
     bool sendQuickMessage();
 
     // HandSettings.cpp
-    SettingsView *settingsInFront();
+    QWidget *settingsInFront();
     bool chooseGroup();
     bool editSetting();
     bool filterSettings();
@@ -115,7 +122,10 @@ private:
     bool fillRotationSheet(QDialog &sheet);
     void close(QDialog &sheet);
 
-    FormMainView &window() const;
+    QWidget &window() const;
+    bool goTo(QWidget *page);
+    void fillAddress(int server);
+    QAbstractItemView &table(const char *pageName, const char *name) const;
     bool isChance(int oneIn) { return below(oneIn) == 0; }
     bool clickRow(QAbstractItemView &view, Qt::KeyboardModifiers modifiers = {});
     void chooseAny(QComboBox *popup);

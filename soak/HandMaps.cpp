@@ -1,122 +1,117 @@
 #include "Hand.h"
 
-#include "ElidingField.h"
-#include "FormMainView.h"
-#include "Hands.h"
-#include "KeyHandlingTableView.h"
-#include "MapsView.h"
-#include "PlaceholderTable.h"
-#include "PlaylistsView.h"
-#include "RotationPane.h"
+#include "Controls.h"
 
+#include <QComboBox>
 #include <QTest>
+
+QAbstractItemView &Hand::builderTable() const
+{
+    return table("mapsView", "mapRotationPreviewTableView");
+}
 
 bool Hand::refreshMaps()
 {
-    return goTo(window().mapsView) && press(window().mapsView->refreshCurrentMapButton);
+    return pressOn("mapsView", "refreshCurrentMapButton");
 }
 
 bool Hand::changeMap()
 {
-    MapsView &view = *window().mapsView;
-    const QList<QPushButton *> buttons{view.restartMapButton, view.fastRestartMapButton, view.startNextMapButton};
-    return goTo(&view) && press(buttons.at(below(3)));
+    static const QList<const char *> buttons{"restartMapButton", "fastRestartMapButton", "startNextMapButton"};
+    return pressOn("mapsView", buttons.at(below(3)));
 }
 
 bool Hand::loadMap()
 {
-    MapsView &view = *window().mapsView;
-    if (!goTo(&view) || !clickRow(*view.mapListView))
+    if (!goTo("mapsView") || !clickRow(table("mapsView", "mapListView")))
         return false;
-    chooseAny(view.gametypePopUpButton);
-    return press(view.loadMapButton);
+    chooseAny(control<QComboBox>(page("mapsView"), "gametypePopUpButton"));
+    return pressOn("mapsView", "loadMapButton");
 }
 
 bool Hand::addMaps()
 {
-    return goTo(window().mapsView) && press(window().mapsView->addMapButton);
+    return pressOn("mapsView", "addMapButton");
 }
 
-bool Hand::changeRows(RotationPane &pane, int mostRows)
+bool Hand::changeRows(const char *pageName, QAbstractItemView &rows, int mostRows)
 {
-    KeyHandlingTableView &table = *pane.tableView;
-    if (!clickRow(table))
+    if (!clickRow(rows))
         return false;
     if (isChance(3))
-        clickRow(table, Qt::ControlModifier);
-    if (table.model()->rowCount() > mostRows)
-        return press(pane.removeAllButton);
+        clickRow(rows, Qt::ControlModifier);
+    if (rows.model()->rowCount() > mostRows)
+        return pressOn(pageName, "removeAllButton");
     switch (below(5)) {
     case 0:
-        return press(pane.removeButton);
+        return pressOn(pageName, "removeButton");
     case 1:
-        QTest::keyClick(&table, Qt::Key_Z, Qt::ControlModifier);
+        QTest::keyClick(&rows, Qt::Key_Z, Qt::ControlModifier);
         return true;
     case 2:
-        QTest::keyClick(&table, Qt::Key_C, Qt::ControlModifier);
-        QTest::keyClick(&table, Qt::Key_V, Qt::ControlModifier);
+        QTest::keyClick(&rows, Qt::Key_C, Qt::ControlModifier);
+        QTest::keyClick(&rows, Qt::Key_V, Qt::ControlModifier);
         return true;
     default:
-        QTest::keyClick(&table, isChance(2) ? Qt::Key_Up : Qt::Key_Down, Qt::AltModifier);
+        QTest::keyClick(&rows, isChance(2) ? Qt::Key_Up : Qt::Key_Down, Qt::AltModifier);
         return true;
     }
 }
 
 bool Hand::changeMapRows()
 {
-    return goTo(window().mapsView) && changeRows(*window().mapsView->rotationPane, 40);
+    return goTo("mapsView") && changeRows("mapsView", builderTable(), 40);
 }
 
-bool Hand::keepRotation(RotationPane &pane, bool mayClear)
+bool Hand::keepRotation(const char *pageName, bool mayClear)
 {
     switch (below(mayClear ? 6 : 4)) {
     case 0:
-        return press(pane.openButton);
+        return pressOn(pageName, "openButton");
     case 1:
     case 2:
-        return press(pane.saveButton);
+        return pressOn(pageName, "saveButton");
     case 3:
-        return press(pane.saveAsButton);
+        return pressOn(pageName, "saveAsButton");
     case 4:
-        return press(pane.deleteButton);
+        return pressOn(pageName, "deleteButton");
     default:
-        return press(pane.newButton);
+        return pressOn(pageName, "newButton");
     }
 }
 
 bool Hand::keepMapRotation()
 {
-    return goTo(window().mapsView) && keepRotation(*window().mapsView->rotationPane, true);
+    return keepRotation("mapsView", true);
 }
 
 bool Hand::setRotation()
 {
-    MapsView &view = *window().mapsView;
-    return goTo(&view) && view.rotationPane->tableView->model()->rowCount() > 0 && press(view.setBuiltRotationButton);
+    return builderTable().model()->rowCount() > 0 && pressOn("mapsView", "setBuiltRotationButton");
 }
 
 bool Hand::copyRotation()
 {
-    return goTo(window().mapsView) && press(window().mapsView->copyToBuilderButton);
+    return pressOn("mapsView", "copyToBuilderButton");
 }
 
 bool Hand::startPlaylist()
 {
-    PlaylistsView &view = *window().playlistsView;
-    return goTo(&view) && clickRow(*view.playlistsTableView) && press(view.startPlaylistButton);
+    return goTo("playlistsView") && clickRow(table("playlistsView", "playlistsTableView")) &&
+           pressOn("playlistsView", "startPlaylistButton");
 }
 
 bool Hand::changeExclusions()
 {
-    PlaylistsView &view = *window().playlistsView;
-    if (!goTo(&view))
+    if (!goTo("playlistsView"))
         return false;
     switch (below(3)) {
     case 0:
-        return press(view.addExclusionButton);
+        return pressOn("playlistsView", "addExclusionButton");
     case 1:
-        return clickRow(*view.exclusionsTableView) && press(view.removeExclusionButton);
+        return clickRow(table("playlistsView", "exclusionsTableView")) &&
+               pressOn("playlistsView", "removeExclusionButton");
     default:
-        return press(view.applyExclusionsButton);
+        return pressOn("playlistsView", "applyExclusionsButton");
     }
 }

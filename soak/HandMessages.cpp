@@ -1,14 +1,13 @@
 #include "Hand.h"
 
-#include "FormMainView.h"
+#include "Controls.h"
 #include "Hands.h"
 #include "KelMessageRotation.h"
-#include "KeyHandlingTableView.h"
 #include "MessageWatch.h"
-#include "MessagesView.h"
-#include "QuickMessageField.h"
-#include "RotationPane.h"
 
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QTest>
 
 static bool isPlaying()
@@ -16,25 +15,29 @@ static bool isPlaying()
     return KelMessageRotation::sharedKelMessageRotation()->currentPlayState() == KelMessageRotation::Playing;
 }
 
+QAbstractItemView &Hand::messageTable() const
+{
+    return table("messagesView", "messageRotationTableView");
+}
+
 bool Hand::addMessages()
 {
-    MessagesView &view = *window().messagesView;
-    return goTo(&view) && view.rotationPane->tableView->model()->rowCount() < 30 && press(view.addMessageButton);
+    return messageTable().model()->rowCount() < 30 && pressOn("messagesView", "addMessageButton");
 }
 
 bool Hand::changeMessageRows()
 {
     // A message that follows itself could not be told from one that is sent twice.
-    return goTo(window().messagesView) && !isPlaying() && changeRows(*window().messagesView->rotationPane, 25);
+    return goTo("messagesView") && !isPlaying() && changeRows("messagesView", messageTable(), 25);
 }
 
 bool Hand::editMessage()
 {
-    KeyHandlingTableView &table = *window().messagesView->rotationPane->tableView;
-    if (!goTo(window().messagesView) || !clickRow(table))
+    QAbstractItemView &rows = messageTable();
+    if (!goTo("messagesView") || !clickRow(rows))
         return false;
-    QTest::keyClick(&table, Qt::Key_Return);
-    auto *editor = table.findChild<QLineEdit *>();
+    QTest::keyClick(&rows, Qt::Key_Return);
+    auto *editor = rows.findChild<QLineEdit *>();
     if (editor == nullptr)
         return false;
     QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
@@ -45,34 +48,34 @@ bool Hand::editMessage()
 
 bool Hand::keepMessageRotation()
 {
-    RotationPane &pane = *window().messagesView->rotationPane;
-    return goTo(window().messagesView) && pane.tableView->model()->rowCount() > 1 && keepRotation(pane, !isPlaying());
+    return messageTable().model()->rowCount() > 1 && keepRotation("messagesView", !isPlaying());
 }
 
 bool Hand::playMessages()
 {
-    MessagesView &view = *window().messagesView;
-    if (!goTo(&view) || view.rotationPane->tableView->model()->rowCount() < 2)
+    if (!goTo("messagesView") || messageTable().model()->rowCount() < 2)
         return false;
-    if (!view.checkBoxLoopMessages->isChecked())
-        Hands::click(view.checkBoxLoopMessages);
-    return press(view.buttonStartMessageRotation);
+    auto *loop = control<QCheckBox>(page("messagesView"), "checkBoxLoopMessages");
+    if (!loop->isChecked())
+        Hands::click(loop);
+    return pressOn("messagesView", "buttonStartMessageRotation");
 }
 
 bool Hand::stopMessages()
 {
-    return goTo(window().messagesView) && press(window().messagesView->buttonStopMessageRotation);
+    return pressOn("messagesView", "buttonStopMessageRotation");
 }
 
 bool Hand::sendQuickMessage()
 {
-    MessagesView &view = *window().messagesView;
-    if (!goTo(&view))
+    if (!goTo("messagesView"))
         return false;
+    auto *field = control<QLineEdit>(page("messagesView"), "quickMessageTextField");
+    auto *button = control<QPushButton>(page("messagesView"), "quickMessageButton");
     const QString text = newText(QStringLiteral("Quick"));
-    Hands::type(view.quickMessageTextField, text);
-    if (view.quickMessageTextField->text() != text || !view.quickMessageButton->isEnabled())
+    Hands::type(field, text);
+    if (field->text() != text || !button->isEnabled())
         return false;
     m_watch.noteQuickMessage(text);
-    return press(view.quickMessageButton);
+    return press(button);
 }

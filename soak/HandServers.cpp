@@ -1,20 +1,18 @@
 #include "Hand.h"
 
-#include "ConsoleView.h"
-#include "FormMainView.h"
+#include "Controls.h"
 #include "GameServers.h"
 #include "Hands.h"
-#include "HistoryStepper.h"
-#include "PlaceholderTable.h"
-#include "ServersView.h"
-#include "TranscriptView.h"
 
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QScrollBar>
+#include <QTabWidget>
 #include <QTest>
 
 bool Hand::switchTab()
 {
-    QTabWidget &tabs = *window().tabControlMain;
+    const auto &tabs = *control<QTabWidget>(window(), "tabControlMain");
     return tabs.isVisible() && goTo(tabs.widget(below(tabs.count())));
 }
 
@@ -26,16 +24,21 @@ bool Hand::resizeWindow()
 
 bool Hand::disconnect()
 {
-    return press(window().serversView->disconnectButton);
+    return press(page("serversView"), "disconnectButton");
+}
+
+void Hand::fillAddress(int server)
+{
+    const QWidget &pane = page("serversView");
+    Hands::type(pane, "hostField", QStringLiteral("127.0.0.1"));
+    Hands::type(pane, "portField", QString::number(m_servers.port(server)));
+    Hands::type(pane, "passwordField", GameServers::password());
 }
 
 bool Hand::connectTo(int server)
 {
-    const ServersView &pane = *window().serversView;
-    Hands::type(pane.hostField, QStringLiteral("127.0.0.1"));
-    Hands::type(pane.portField, QString::number(m_servers.port(server)));
-    Hands::type(pane.passwordField, GameServers::password());
-    return press(pane.connectButton);
+    fillAddress(server);
+    return press(page("serversView"), "connectButton");
 }
 
 bool Hand::connectSomewhere()
@@ -45,19 +48,16 @@ bool Hand::connectSomewhere()
 
 bool Hand::saveServer()
 {
-    const ServersView &pane = *window().serversView;
     const int server = below(GameServers::count);
-    Hands::type(pane.labelField, QStringLiteral("Server %1").arg(server));
-    Hands::type(pane.hostField, QStringLiteral("127.0.0.1"));
-    Hands::type(pane.portField, QString::number(m_servers.port(server)));
-    Hands::type(pane.passwordField, GameServers::password());
-    return press(pane.saveToServerListButton);
+    Hands::type(page("serversView"), "labelField", QStringLiteral("Server %1").arg(server));
+    fillAddress(server);
+    return press(page("serversView"), "saveToServerListButton");
 }
 
 bool Hand::connectToSaved()
 {
-    const ServersView &pane = *window().serversView;
-    return clickRow(*pane.savedServerTableView) && press(pane.connectToSavedServerButton);
+    return clickRow(table("serversView", "savedServerTableView")) &&
+           press(page("serversView"), "connectToSavedServerButton");
 }
 
 bool Hand::useConsole()
@@ -66,22 +66,22 @@ bool Hand::useConsole()
         QStringLiteral("status"),  QStringLiteral("cmdlist"),       QStringLiteral("g_gravity"),
         QStringLiteral("nothing"), QStringLiteral("fast_restart"),  QStringLiteral("dvardump"),
         QStringLiteral(" "),       QStringLiteral("say from afar"), QStringLiteral("tell 0 hi")};
-    const ConsoleView &view = *window().consoleView;
-    if (!goTo(window().consoleView) || !view.consoleInput->isEnabled())
+    auto *command = control<QLineEdit>(page("consoleView"), "consoleInput");
+    if (!goTo("consoleView") || !command->isEnabled())
         return false;
-    Hands::type(view.consoleInput, lines.at(below(static_cast<int>(lines.size()))));
-    QTest::keyClick(view.consoleInput, Qt::Key_Return);
+    Hands::type(command, lines.at(below(static_cast<int>(lines.size()))));
+    QTest::keyClick(command, Qt::Key_Return);
     return true;
 }
 
 bool Hand::walkHistory()
 {
-    const ConsoleView &view = *window().consoleView;
-    if (!goTo(window().consoleView))
+    if (!goTo("consoleView"))
         return false;
+    auto *command = control<QLineEdit>(page("consoleView"), "consoleInput");
     for (int i = below(6); i >= 0; --i)
-        QTest::keyClick(view.consoleInput, isChance(3) ? Qt::Key_Down : Qt::Key_Up);
-    QScrollBar *bar = view.consoleOutput->verticalScrollBar();
+        QTest::keyClick(command, isChance(3) ? Qt::Key_Down : Qt::Key_Up);
+    QScrollBar *bar = control<QPlainTextEdit>(page("consoleView"), "consoleOutput")->verticalScrollBar();
     bar->setValue(isChance(2) ? bar->maximum() : below(bar->maximum() + 1));
     return true;
 }

@@ -1,32 +1,32 @@
 #include "Hand.h"
 
-#include "ConfigBuilderView.h"
+#include "Controls.h"
 #include "DvarSetting.h"
-#include "DvarSettingOutlineView.h"
-#include "FormMainView.h"
 #include "Hands.h"
-#include "SectionTable.h"
 #include "SettingsOutlineModel.h"
-#include "SettingsView.h"
 
+#include <QLineEdit>
+#include <QRegularExpression>
 #include <QTest>
+#include <QTreeView>
 
-SettingsView *Hand::settingsInFront()
+QWidget *Hand::settingsInFront()
 {
-    for (SettingsView *view : {window().unrankedSettingsView, window().rankedSettingsView}) {
-        if (goTo(view))
-            return view;
+    for (const char *name : {"unrankedSettingsView", "rankedSettingsView"}) {
+        if (goTo(name))
+            return &page(name);
     }
     return nullptr;
 }
 
 bool Hand::chooseGroup()
 {
-    SettingsView *view = settingsInFront();
+    const QWidget *view = settingsInFront();
     if (view == nullptr)
         return false;
-    QListWidget *list = view->gametypeList != nullptr && isChance(2) ? view->gametypeList : view->settingsGroupList;
-    return clickRow(*list);
+    auto *gametypes = view->findChild<QAbstractItemView *>(QStringLiteral("gametypeList")); // if there are any
+    return clickRow(gametypes != nullptr && isChance(2) ? *gametypes
+                                                        : *control<QAbstractItemView>(*view, "settingsGroupList"));
 }
 
 /// A value that the type allows, and mostly the server as well; null for one that the hand leaves alone.
@@ -44,11 +44,13 @@ static QString otherValue(const DvarSetting &setting, int chance, const QString 
 
 bool Hand::editSetting()
 {
-    SettingsView *view = settingsInFront();
+    const QWidget *view = settingsInFront();
     if (view == nullptr)
         return false;
-    DvarSettingOutlineView *outline =
-        view->gametypeOutlineView != nullptr && isChance(2) ? view->gametypeOutlineView : view->settingsOutlineView;
+    // The game's and, if there is one, the gametype's.
+    static const QRegularExpression names(QStringLiteral("^(ranked|unranked|gametype)OutlineView$"));
+    const QList<QTreeView *> outlines = view->findChildren<QTreeView *>(names);
+    QTreeView *outline = outlines.at(below(static_cast<int>(outlines.size())));
     const auto *model = qobject_cast<SettingsOutlineModel *>(outline->model());
     if (model->rowCount() == 0 || outline->viewport()->height() < 30)
         return false;
@@ -76,39 +78,37 @@ bool Hand::editSetting()
 
 bool Hand::filterSettings()
 {
-    SettingsView *view = settingsInFront();
+    const QWidget *view = settingsInFront();
     if (view == nullptr)
         return false;
-    Hands::type(view->settingsFilterField, isChance(2) ? QString() : QString(QChar('a' + below(26))));
+    Hands::type(*view, "settingsFilterField", isChance(2) ? QString() : QString(QChar('a' + below(26))));
     return true;
 }
 
 bool Hand::chooseSections()
 {
-    ConfigBuilderView &view = *window().configBuilderView;
-    if (!goTo(&view))
+    if (!goTo("configBuilderView"))
         return false;
     if (isChance(4))
-        return press(isChance(4) ? view.selectAllButton : view.selectNoneButton);
-    return clickRow(*view.configBuilderGeneralSettingsTable, Qt::ControlModifier) &&
-           (isChance(2) || clickRow(*view.configBuilderGametypeSettingsTable, Qt::ControlModifier));
+        return pressOn("configBuilderView", isChance(4) ? "selectAllButton" : "selectNoneButton");
+    return clickRow(table("configBuilderView", "configBuilderGeneralSettingsTable"), Qt::ControlModifier) &&
+           (isChance(2) ||
+            clickRow(table("configBuilderView", "configBuilderGametypeSettingsTable"), Qt::ControlModifier));
 }
 
 bool Hand::saveConfiguration()
 {
-    return goTo(window().configBuilderView) && press(window().configBuilderView->saveConfigButton);
+    return pressOn("configBuilderView", "saveConfigButton");
 }
 
 bool Hand::loadConfiguration()
 {
-    return goTo(window().configBuilderView) && !configurations().isEmpty() &&
-           press(window().configBuilderView->loadConfigButton);
+    return !configurations().isEmpty() && pressOn("configBuilderView", "loadConfigButton");
 }
 
 bool Hand::compareConfiguration()
 {
-    return goTo(window().configBuilderView) && !configurations().isEmpty() &&
-           press(window().configBuilderView->compareConfigButton);
+    return !configurations().isEmpty() && pressOn("configBuilderView", "compareConfigButton");
 }
 
 QStringList Hand::configurations() const

@@ -1,19 +1,15 @@
 #include "Hand.h"
 
-#include "AddMessageToRotationWindowController.h"
-#include "CompareWindow.h"
-#include "FormMainView.h"
+#include "Controls.h"
 #include "Hands.h"
-#include "KeyHandlingTableView.h"
-#include "MapGametypePairWindowController.h"
-#include "PlayerSendMessage.h"
-#include "RotationListDialog.h"
-#include "RotationNameDialog.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QTest>
 
 bool Hand::answerFront()
@@ -70,23 +66,24 @@ bool Hand::fillSheet(QDialog &sheet)
         return !isChance(60);
     if (isChance(4))
         return false;
-    if (auto *panel = qobject_cast<PlayerSendMessage *>(&sheet)) {
-        Hands::type(panel->messageTextField, newText(QStringLiteral("Private")));
-        return press(panel->sendButton);
+    const QString name = sheet.objectName();
+    if (name == QLatin1String("playerSendMessagePanel")) {
+        Hands::type(sheet, "messageTextField", newText(QStringLiteral("Private")));
+        return press(sheet, "sendButton");
     }
-    if (auto *adding = qobject_cast<AddMessageToRotationWindowController *>(&sheet)) {
-        Hands::type(adding->messageTextField, newText(QStringLiteral("Notice")));
-        Hands::type(adding->durationTextField, QString::number(1 + below(3)));
-        return press(adding->addButton);
+    if (name == QLatin1String("AddMessageToRotationWindowController")) {
+        Hands::type(sheet, "messageTextField", newText(QStringLiteral("Notice")));
+        Hands::type(sheet, "durationTextField", QString::number(1 + below(3)));
+        return press(sheet, "addButton");
     }
-    if (auto *picker = qobject_cast<MapGametypePairWindowController *>(&sheet)) {
-        chooseAny(picker->mapsPopupButton);
-        chooseAny(picker->gametypesPopupButton);
-        return press(picker->addButton);
+    if (name == QLatin1String("mapGametypePairPanel")) {
+        chooseAny(control<QComboBox>(sheet, "mapsPopupButton"));
+        chooseAny(control<QComboBox>(sheet, "gametypesPopupButton"));
+        return press(sheet, "addButton");
     }
-    if (auto *comparison = qobject_cast<CompareWindow *>(&sheet)) {
-        Hands::type(comparison->comparisonFilterField, isChance(2) ? QStringLiteral("sv") : QString());
-        return isChance(3) ? press(comparison->loadOnlyDifferencesButton) : !isChance(3);
+    if (name == QLatin1String("CompareWindow")) {
+        Hands::type(sheet, "comparisonFilterField", isChance(2) ? QStringLiteral("sv") : QString());
+        return isChance(3) ? press(sheet, "loadOnlyDifferencesButton") : !isChance(3);
     }
     return fillRotationSheet(sheet);
 }
@@ -95,10 +92,10 @@ bool Hand::fillRotationSheet(QDialog &sheet)
 {
     static const QStringList names{QStringLiteral("Monday"),  QStringLiteral("Tuesday"), QStringLiteral("Friday"),
                                    QStringLiteral("Harbour"), QStringLiteral("Evening"), QStringLiteral("Empty")};
-    if (auto *naming = qobject_cast<RotationNameDialog *>(&sheet))
-        Hands::type(naming->nameField, names.at(below(static_cast<int>(names.size()))));
-    else if (auto *listing = qobject_cast<RotationListDialog *>(&sheet);
-             listing == nullptr || !clickRow(*listing->tableView))
+    if (auto *name = sheet.findChild<QLineEdit *>(QStringLiteral("nameField")))
+        Hands::type(name, names.at(below(static_cast<int>(names.size()))));
+    else if (auto *rotations = sheet.findChild<QAbstractItemView *>(QStringLiteral("tableView"));
+             rotations == nullptr || !clickRow(*rotations))
         return false;
     for (const char *button : {"openButton", "deleteButton", "saveButton", "addButton"}) {
         if (auto *found = sheet.findChild<QPushButton *>(QLatin1String(button)))

@@ -1,20 +1,20 @@
 #include "Soak.h"
 
 #include "AppDelegate.h"
+#include "Controls.h"
 #include "FormMainView.h"
 #include "GameServers.h"
 #include "KelMessageRotation.h"
-#include "MapsView.h"
-#include "PlayersView.h"
-#include "ServersView.h"
-#include "StatusLine.h"
 
+#include <QAbstractButton>
 #include <QCoreApplication>
 #include <QDir>
 #include <QEventLoop>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPixmapCache>
 #include <QSignalBlocker>
+#include <QSpinBox>
 
 #include <algorithm>
 #include <cstdio>
@@ -65,15 +65,15 @@ bool Soak::begin()
 {
     FormMainView &window = m_application.window();
     window.show();
-    window.makeViews();
-    window.playersView->autoUpdatePlayersTime->setValue(2);
-    window.playersView->autoUpdatePlayers->setChecked(true);
-    window.mapsView->autoupdateMapsInterval->setValue(3);
-    window.mapsView->autoupdateMaps->setChecked(true);
-    if (m_hand.connectTo(0) && waitUntil([this] { return isConnectedAndIdle(); }))
-        return true;
-    report(QStringLiteral("the first connect does not come to its end"));
-    return false;
+    if (!m_hand.connectTo(0) || !waitUntil([this] { return isConnectedAndIdle(); })) {
+        report(QStringLiteral("the first connect does not come to its end"));
+        return false;
+    }
+    control<QSpinBox>(window, "autoUpdatePlayersTime")->setValue(2);
+    control<QAbstractButton>(window, "autoUpdatePlayers")->setChecked(true);
+    control<QSpinBox>(window, "autoupdateMapsInterval")->setValue(3);
+    control<QAbstractButton>(window, "autoupdateMaps")->setChecked(true);
+    return true;
 }
 
 void Soak::work(double untilSeconds)
@@ -172,15 +172,15 @@ bool Soak::settle()
 
 bool Soak::isConnectedAndIdle() const
 {
-    return m_application.window().statusLine->status().startsWith(QLatin1String("Connected to ")) &&
-           m_application.actions().isIdle();
+    const auto *status = control<QLabel>(m_application.window(), "toolStripStatusLabelMain");
+    return status->text().startsWith(QLatin1String("Connected to ")) && m_application.actions().isIdle();
 }
 
 bool Soak::connectAnew()
 {
     const int server = std::max(0, serverInUse());
     // What the transcript holds is gone with a connect, so that every rest finds it as it was at the one before.
-    m_hand.press(m_application.window().serversView->disconnectButton);
+    m_hand.press(m_hand.page("serversView"), "disconnectButton");
     return waitUntil([this] { return m_application.actions().isIdle(); }) && m_hand.connectTo(server) &&
            waitUntil([this] { return isConnectedAndIdle(); });
 }
@@ -189,7 +189,7 @@ bool Soak::connectAnew()
 void Soak::end()
 {
     FormMainView &window = m_application.window();
-    m_hand.press(window.serversView->disconnectButton);
+    m_hand.press(m_hand.page("serversView"), "disconnectButton");
     window.close();
     if (!waitUntil([&] { return !window.isVisible() && m_application.actions().isIdle(); }))
         report(QStringLiteral("the window does not close"));

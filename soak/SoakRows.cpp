@@ -1,19 +1,16 @@
 #include "Soak.h"
 
 #include "AppDelegate.h"
+#include "Controls.h"
 #include "DvarSetting.h"
-#include "DvarSettingOutlineView.h"
-#include "ElidingField.h"
-#include "FormMainView.h"
 #include "GameServers.h"
 #include "Hands.h"
-#include "MapsView.h"
-#include "PlaceholderTable.h"
-#include "PlayersView.h"
+#include "PlayerList.h"
 #include "RCon.h"
 #include "SettingsOutlineModel.h"
-#include "SettingsView.h"
 
+#include <QLineEdit>
+#include <QListWidget>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -30,12 +27,12 @@ static const QStringList &restlessVariables()
 void Soak::lookAtRows()
 {
     // Players come and go, and matches end, between the refresh and the look at the server: what stays wrong is stale.
-    const auto look = [this](QString (Soak::*fault)(), QAbstractButton *refresh, QWidget *page) {
+    const auto look = [this](QString (Soak::*fault)(), const char *refresh, const char *page) {
         QString found;
         for (int tries = 0; tries < 8; ++tries) {
             if (!m_hand.goTo(page)) // not in this server's mode
                 return;
-            m_hand.press(refresh);
+            m_hand.pressOn(page, refresh);
             const bool isIdle = waitUntil([this] { return m_application.actions().isIdle(); });
             found = isIdle ? (this->*fault)() : QStringLiteral("a refresh does not come to its end");
             if (found.isEmpty())
@@ -43,13 +40,12 @@ void Soak::lookAtRows()
         }
         report(found);
     };
-    FormMainView &window = m_application.window();
-    look(&Soak::playersFault, window.playersView->refreshPlayersButton, window.playersView);
-    look(&Soak::mapsFault, window.mapsView->refreshCurrentMapButton, window.mapsView);
+    look(&Soak::playersFault, "refreshPlayersButton", "playersView");
+    look(&Soak::mapsFault, "refreshCurrentMapButton", "mapsView");
     const QString fault = settingsFault();
     if (!fault.isEmpty())
         report(fault);
-    m_hand.goTo(window.playersView);
+    m_hand.goTo("playersView");
 }
 
 static QString joined(const PlayerRow &player)
@@ -59,7 +55,6 @@ static QString joined(const PlayerRow &player)
 
 QString Soak::playersFault()
 {
-    PlayersView &view = *m_application.window().playersView;
     QString reply;
     const RConResult result = RCon::sendTo(QStringLiteral("127.0.0.1"), m_servers.port(serverInUse()),
                                            GameServers::password(), QStringLiteral("teamstatus"), &reply);
@@ -68,15 +63,11 @@ QString Soak::playersFault()
     QStringList expected;
     for (const PlayerRow &player : parsePlayerList(reply))
         expected.append(joined(player));
-    Hands::type(view.playerFilterField, {});
-    const QAbstractItemModel &table = *view.playersTableView->model();
+    const QWidget &view = m_hand.page("playersView");
+    Hands::type(view, "playerFilterField", {});
     QStringList shown;
-    for (int row = 0; row < table.rowCount(); ++row) {
-        QStringList cells;
-        for (int column = 0; column < 4; ++column)
-            cells.append(table.index(row, column).data().toString());
-        shown.append(cells.join(QLatin1Char('|')));
-    }
+    for (const QStringList &row : shownRows(*control<QAbstractItemView>(view, "playersTableView")))
+        shown.append(row.first(4).join(QLatin1Char('|')));
     m_rowsCompared += shown.size();
     std::sort(expected.begin(), expected.end());
     std::sort(shown.begin(), shown.end());
@@ -94,20 +85,19 @@ QStringList Soak::serverValues(const QStringList &names) const
 
 QString Soak::mapsFault()
 {
-    const MapsView &view = *m_application.window().mapsView;
+    const QWidget &view = m_hand.page("mapsView");
     const QStringList values = serverValues({QStringLiteral("mapname"), QStringLiteral("sv_mapRotation")});
     const QString map = KelMapList::sharedKelMapList()->findMapByDvar(values.at(0));
-    if (view.currentMapField->text() != map)
-        return QStringLiteral("the map is \"%1\", the field shows \"%2\"").arg(map, view.currentMapField->text());
+    const QString shownMap = control<QLineEdit>(view, "currentMapField")->text();
+    if (shownMap != map)
+        return QStringLiteral("the map is \"%1\", the field shows \"%2\"").arg(map, shownMap);
     const QStringList words = values.at(1).split(QLatin1Char(' '), Qt::SkipEmptyParts);
     QStringList expected;
     for (qsizetype i = 0; i + 1 < words.size(); i += 2) {
         if (words.at(i) == QLatin1String("map"))
             expected.append(KelMapList::sharedKelMapList()->findMapByDvar(words.at(i + 1)));
     }
-    QStringList shown;
-    for (const RotationRow &row : view.mapServerRotationController->content())
-        shown.append(row.map);
+    const QStringList shown = shownTexts(*control<QAbstractItemView>(view, "mapServerRotationTableView"));
     m_rowsCompared += shown.size();
     return shown == expected ? QString()
                              : QStringLiteral("the rotation is \"%1\", the table shows \"%2\"")
@@ -116,20 +106,24 @@ QString Soak::mapsFault()
 
 QString Soak::settingsFault()
 {
-    FormMainView &window = m_application.window();
-    SettingsView *view = m_application.server().isRanked() ? window.rankedSettingsView : window.unrankedSettingsView;
-    if (!m_hand.goTo(view))
+    const bool isRanked = m_application.server().isRanked();
+    const char *pageName = isRanked ? "rankedSettingsView" : "unrankedSettingsView";
+    if (!m_hand.goTo(pageName))
         return QStringLiteral("the settings cannot be brought to the front");
-    Hands::type(view->settingsFilterField, {});
+    const QWidget &view = m_hand.page(pageName);
+    Hands::type(view, "settingsFilterField", {});
     QString fault;
-    const auto look = [&](QListWidget *list, const DvarSettingOutlineView *outline) {
-        for (int row = 0; list != nullptr && row < list->count() && fault.isEmpty(); ++row) {
+    const auto look = [&](const char *listName, const char *outlineName) {
+        auto *list = control<QListWidget>(view, listName);
+        const auto &outline = *control<QAbstractItemView>(view, outlineName);
+        for (int row = 0; row < list->count() && fault.isEmpty(); ++row) {
             list->setCurrentRow(row);
-            fault = outlineFault(*outline);
+            fault = outlineFault(outline);
         }
     };
-    look(view->settingsGroupList, view->settingsOutlineView);
-    look(view->gametypeList, view->gametypeOutlineView);
+    look("settingsGroupList", isRanked ? "rankedOutlineView" : "unrankedOutlineView");
+    if (!isRanked)
+        look("gametypeList", "gametypeOutlineView");
     return fault;
 }
 
