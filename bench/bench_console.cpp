@@ -1,19 +1,19 @@
 #include "AppDelegate.h"
-#include "ConfigBuilderView.h"
 #include "ConfigurationLoading.h"
-#include "ConsoleView.h"
+#include "Controls.h"
 #include "DemoServer.h"
 #include "FormMainView.h"
 #include "KelServer.h"
 #include "LongReplyServer.h"
-#include "PlayersView.h"
-#include "ServersView.h"
 #include "Stalls.h"
 #include "TranscriptView.h"
 
 #include <QApplication>
 #include <QFile>
+#include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -141,20 +141,26 @@ static void measureExchange(AppDelegate &delegate)
     print("exchange_beyond_waits_ms", median(beyond));
 }
 
+static void press(AppDelegate &delegate, const char *button)
+{
+    control<QPushButton>(delegate.window(), button)->click();
+}
+
 static void refreshPlayers(AppDelegate &delegate)
 {
     for (int i = 0; i < 5; ++i) {
-        delegate.window().playersView->refreshPlayersButtonPressed();
+        press(delegate, "refreshPlayersButton");
         waitUntilIdle(delegate);
     }
 }
 
 static void typeCommand(AppDelegate &delegate, const QString &line)
 {
-    ConsoleView *view = delegate.window().consoleView;
-    delegate.window().tabControlMain->setCurrentWidget(view);
-    view->consoleInput->setText(line);
-    QTest::keyClick(view->consoleInput, Qt::Key_Return);
+    const QWidget &window = delegate.window();
+    control<QTabWidget>(window, "tabControlMain")->setCurrentWidget(control<QWidget>(window, "consoleView"));
+    auto *input = control<QLineEdit>(window, "consoleInput");
+    input->setText(line);
+    QTest::keyClick(input, Qt::Key_Return);
     waitUntilIdle(delegate);
 }
 
@@ -173,16 +179,16 @@ static void loadConfiguration(AppDelegate &delegate, const QTemporaryDir &folder
     for (int i = 0; i < 8; ++i)
         file.write("set sv_hostname \"number " + QByteArray::number(i) + "\"\n");
     file.close();
-    ConfigurationLoading loading(delegate.server(), delegate.actions(), alerts, delegate.window().configBuilderView);
+    ConfigurationLoading loading(delegate.server(), delegate.actions(), alerts, &delegate.window());
     delegate.actions().start(load(&loading, file.fileName()));
     waitUntilIdle(delegate);
 }
 
 /// A key that comes from the display, to the field that has the focus, until its letter has been painted.
-static void measureKey(FormMainView &window)
+static void measureKey(QWidget &window)
 {
     const auto *native = qApp->nativeInterface<QNativeInterface::QX11Application>();
-    QLineEdit *field = window.serversView->hostField;
+    auto *field = control<QLineEdit>(window, "hostField");
     xcb_connection_t *display = native == nullptr ? nullptr : xcb_connect(nullptr, nullptr);
     if (display == nullptr)
         return;
@@ -281,12 +287,12 @@ static void measureExchanges(AppDelegate &delegate, const QTemporaryDir &folder,
     typeCommand(delegate, QStringLiteral("dvardump"));
     measureExchange(delegate);
     tellOfPhase("work_console_ms");
-    delegate.window().disconnectButtonPressed();
+    press(delegate, "disconnectButton");
     LongReplyServer longReplies(dumpOf(20000));
     delegate.window().connectTo(targetOf(longReplies.port()));
     waitFor([] { return false; }, 4000);
     stalls.stop();
-    delegate.window().disconnectButtonPressed();
+    press(delegate, "disconnectButton");
     waitUntilIdle(delegate);
     tellOfPhase("work_dump_of_20000_lines_ms");
     print("stall_p999_ms", stalls.quantile(0.999));

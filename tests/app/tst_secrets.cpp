@@ -1,18 +1,17 @@
 #include "AppDelegate.h"
-#include "ConsoleView.h"
+#include "Controls.h"
 #include "FormMainView.h"
-#include "PlaceholderTable.h"
 #include "ProcessPrivacy.h"
 #include "Secrets.h"
-#include "ServersView.h"
-#include "SettingsView.h"
 #include "Wait.h"
 
 #include <QClipboard>
 #include <QDirIterator>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QProcess>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -94,23 +93,25 @@ private slots:
         AppDelegate application({folder.filePath("preferences.ini"), {}, folder.filePath("made")});
         FormMainView &window = application.window();
         window.show();
-        const ServersView &pane = *window.serversView;
-        QTest::keyClicks(pane.labelField, "Mine");
-        QTest::keyClicks(pane.hostField, "127.0.0.1");
-        QTest::keyClicks(pane.portField, demo.readAll().trimmed().split(':').last());
-        QTest::keyClicks(pane.passwordField, *Wiped<QString>(unmasked()));
-        pane.saveToServerListButton->click();
-        pane.connectButton->click();
+        const QWidget &pane = *control<QWidget>(window, "serversView");
+        auto *passwordField = control<QLineEdit>(pane, "passwordField");
+        QTest::keyClicks(control<QLineEdit>(pane, "labelField"), "Mine");
+        QTest::keyClicks(control<QLineEdit>(pane, "hostField"), "127.0.0.1");
+        QTest::keyClicks(control<QLineEdit>(pane, "portField"), demo.readAll().trimmed().split(':').last());
+        QTest::keyClicks(passwordField, *Wiped<QString>(unmasked()));
+        control<QPushButton>(pane, "saveToServerListButton")->click();
+        control<QPushButton>(pane, "connectButton")->click();
         const auto isSettled = [&] {
             if (auto *alert = window.findChild<QMessageBox *>("alert")) // a variable that the demo server lacks
                 alert->defaultButton()->click();
             return application.server().isConnected() && application.actions().isIdle();
         };
         QVERIFY(QTest::qWaitFor(isSettled, 30000));
-        QTest::keyClicks(window.consoleView->consoleInput, "say 1; set g_password game-q38-vk6\r");
+        QTest::keyClicks(control<QLineEdit>(window, "consoleInput"), "say 1; set g_password game-q38-vk6\r");
         awaited(application.server().setDvar("g_password", "game-q38-vk7"));
         QVERIFY(QTest::qWaitFor(isSettled, 30000));
-        QListWidget *groups = window.unrankedSettingsView->settingsGroupList;
+        const QWidget &settings = *control<QWidget>(window, "unrankedSettingsView");
+        auto *groups = control<QListWidget>(settings, "settingsGroupList");
         for (int row = 0; row < groups->count(); ++row) {
             groups->setCurrentRow(row);
             QVERIFY2(!isShown(window), qPrintable(groups->currentItem()->text()));
@@ -119,9 +120,9 @@ private slots:
         QVERIFY2(!messages.contains(partOfAll), qPrintable(messages));
 
         const int before = FERROW_SANITIZED ? 0 : copiesInMemory(); // a sanitizer would stop the look at freed memory
-        pane.disconnectButton->click();
-        pane.passwordField->clear();
-        pane.savedServersController->selection()->clear();
+        control<QPushButton>(pane, "disconnectButton")->click();
+        passwordField->clear();
+        control<QAbstractItemView>(pane, "savedServerTableView")->selectionModel()->clear();
         if (!FERROW_SANITIZED) {
             const int after = copiesInMemory();
             qInfo("Copies of the password in memory: %d while connected, %d afterwards", before, after);

@@ -1,10 +1,13 @@
+#include "Controls.h"
 #include "RCon.h"
 #include "RealConsole.h"
 #include "Wait.h"
 
+#include <QCheckBox>
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QProcess>
+#include <QSpinBox>
 #include <QTest>
 
 #include <future>
@@ -54,8 +57,9 @@ private slots:
         awaited(c.server.connectToHost("127.0.0.1", demo.readLine().trimmed().split(':').last(), "demo"));
         c.preferences.setValue("checkBoxLoopMessages", true);
         awaited(c.messages.addMessageToCurrentRotation("a", "1"));
-        c.players.autoUpdatePlayersTime->setValue(1);
-        c.players.autoUpdatePlayers->setChecked(true);
+        auto *refreshing = control<QCheckBox>(c.players, "autoUpdatePlayers");
+        control<QSpinBox>(c.players, "autoUpdatePlayersTime")->setValue(1);
+        refreshing->setChecked(true);
         QElapsedTimer timer;
         timer.start();
         QString transcript;
@@ -86,7 +90,7 @@ private slots:
         for (auto &took : timeOuts)
             took.wait();
         c.messages.stopRotation();
-        c.players.autoUpdatePlayers->setChecked(false);
+        refreshing->setChecked(false);
         QVERIFY(QTest::qWaitFor([&c] { return c.actions.isIdle(); }));
         QCOMPARE(c.alerts.titles() + QStringList(transcript.count(Say + "console: a\n"), {}),
                  QStringList(sent[Say].size(), {})); // each has its own reply
