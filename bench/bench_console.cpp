@@ -141,9 +141,12 @@ static void measureExchange(AppDelegate &delegate)
     print("exchange_beyond_waits_ms", median(beyond));
 }
 
-static void press(AppDelegate &delegate, const char *button)
+static void press(AppDelegate &delegate, const char *name)
 {
-    control<QPushButton>(delegate.window(), button)->click();
+    auto *button = control<QPushButton>(delegate.window(), name);
+    if (!button->isEnabled())
+        qFatal("%s cannot be pressed", name);
+    button->click();
 }
 
 static void refreshPlayers(AppDelegate &delegate)
