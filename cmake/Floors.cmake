@@ -98,9 +98,25 @@ function(add_ferrow_program name)
     endif()
 endfunction()
 
-# add_ferrow_test(name SOURCES ... STANDS_ON ...) becomes a CTest entry that runs without a display.
+set(test_environment "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/common/lsan.supp;UBSAN_OPTIONS=print_stacktrace=1")
+
+# add_display_entry(name program [function ...]) becomes a CTest entry that runs those functions of the test program, or
+# all of them, on an X server of its own. Not where there is no xvfb-run.
+function(add_display_entry name program)
+    find_program(FERROW_XVFB_RUN xvfb-run)
+    if(NOT FERROW_XVFB_RUN)
+        message(STATUS "There is no xvfb-run: ${name} is left out.")
+        return()
+    endif()
+    add_test(NAME ${name}
+        COMMAND ${FERROW_XVFB_RUN} --auto-servernum "--server-args=-screen 0 1280x1024x24" $<TARGET_FILE:${program}> ${ARGN})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 300 RESOURCE_LOCK display FAIL_REGULAR_EXPRESSION "SKIP"
+        ENVIRONMENT "QT_QPA_PLATFORM=xcb;${test_environment}")
+endfunction()
+
+# add_ferrow_test(name [DISPLAY] SOURCES ... STANDS_ON ...) becomes a CTest entry that runs without a display, or on one.
 function(add_ferrow_test name)
-    cmake_parse_arguments(TEST "" "" "SOURCES;STANDS_ON" ${ARGN})
+    cmake_parse_arguments(TEST "DISPLAY" "" "SOURCES;STANDS_ON" ${ARGN})
     add_ferrow_program(${name} SOURCES ${TEST_SOURCES} STANDS_ON ${TEST_STANDS_ON} Qt6::Test)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/common)
     if(TEST_STANDS_ON MATCHES "ferrow_ui_")
@@ -110,9 +126,12 @@ function(add_ferrow_test name)
         use_precompiled_headers(${name} ferrow_core_headers)
     endif()
     target_compile_definitions(${name} PRIVATE FERROW_RESOURCES="${CMAKE_SOURCE_DIR}/resources")
+    if(TEST_DISPLAY)
+        add_display_entry(${name} ${name})
+        return()
+    endif()
     add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES TIMEOUT 120
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/common/lsan.supp;UBSAN_OPTIONS=print_stacktrace=1")
+    set_tests_properties(${name} PROPERTIES TIMEOUT 120 ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${test_environment}")
 endfunction()
 
 # add_ferrow_fuzzer(name STANDS_ON ...) becomes the program fuzz_<name>, of fuzz_<name>.cpp; its seeds are in corpus/<name>.

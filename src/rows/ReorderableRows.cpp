@@ -4,7 +4,7 @@
 
 ReorderableRows::DropOperation ReorderableRows::validateDrop(bool isFromThisTable, bool isCopyWanted) const
 {
-    if (!isFromThisTable)
+    if (!isFromThisTable || !isReorderable())
         return DropOperation::None;
     return isCopyWanted && tableObjectsSupportCopying() ? DropOperation::Copy : DropOperation::Move;
 }

@@ -16,8 +16,7 @@ public:
     virtual bool equals(const RowsState &other) const = 0;
 };
 
-/// What a table view asks of rows whose order the user decides. Row numbers are those of the table, which is neither
-/// sorted nor filtered. Main thread only.
+/// What a table view asks of rows whose order the user decides. Row numbers are those of the table. Main thread only.
 class ReorderableRows
 {
 public:
@@ -30,11 +29,14 @@ public:
 
     bool draggingEnabled() const { return m_isDraggingEnabled; }
     void setDraggingEnabled(bool isEnabled) { m_isDraggingEnabled = isEnabled; }
+    /// Dragging is on, and a place in the table is a place among the rows.
+    bool isReorderable() const { return m_isDraggingEnabled && isInOwnOrder(); }
 
     /// @param isCopyWanted  the user holds the copy modifier; rows that cannot be copied are moved all the same.
+    /// @return None for a drag from elsewhere, and for any while isReorderable() is false.
     DropOperation validateDrop(bool isFromThisTable, bool isCopyWanted) const;
     /// Moves or copies `rows` to before `row` and selects them there. A negative `row` means the top.
-    /// @return false, with nothing changed, for a drag from elsewhere.
+    /// @return false, with nothing changed, where validateDrop() says None.
     bool acceptDrop(const QList<int> &rows, int row, bool isFromThisTable, bool isCopyWanted);
 
     virtual bool tableObjectsSupportCopying() const = 0;
@@ -43,6 +45,8 @@ public:
     /// The same with copies; the rows themselves stay. Does nothing for rows that cannot be copied.
     virtual void copyObjectsInArrangedObjects(const QList<int> &fromIndexes, int toIndex) = 0;
     virtual int arrangedCount() const = 0;
+    /// The table is neither sorted nor filtered.
+    virtual bool isInOwnOrder() const = 0;
 
     static int rowsAboveRow(int row, const QList<int> &indexes);
 

@@ -1,27 +1,25 @@
 #pragma once
 
 #include "PlaceholderTable.h"
-#include "RowDrag.h"
 
 #include <functional>
 
 class ReorderableRows;
 
 /// A table whose rows are edited in place with Return, deleted with the Delete key, put into order by dragging or with
-/// Alt and the arrow keys, and copied and pasted as text. Nothing can be dropped on it from elsewhere.
+/// Alt and the arrow keys, and copied and pasted as text. Nothing can be dropped on it from elsewhere. Qt drags the
+/// rows, in an event loop of its own: timers and replies go on meanwhile, and the table outlives it.
 class KeyHandlingTableView : public PlaceholderTable
 {
     Q_OBJECT
 public:
     explicit KeyHandlingTableView(QWidget *parent = nullptr);
 
-    /// The rows to put into order and to delete from; null for none. They outlive the table, whose model shows them
-    /// neither sorted nor filtered.
-    void setRows(ReorderableRows *rows) { m_drag.setRows(rows); }
+    /// The rows to put into order and to delete from; null for none. They outlive the table, whose model shows them and
+    /// tells Qt what can be dragged.
+    void setRows(ReorderableRows *rows);
     /// Who deletes the selected rows, for a table without rows to put into order.
     void setDeleteHandler(std::function<void()> deleteSelection) { m_deleteSelection = std::move(deleteSelection); }
-
-    void setModel(QAbstractItemModel *model) override;
 
     /// @return whether the key was Return, Enter, Delete or Backspace and has been handled.
     bool performKeyPressFromKeyDown(const QKeyEvent *event);
@@ -29,8 +27,6 @@ public:
     void moveSelection(int step);
     /// What is being typed into a cell counts, as if Return had been pressed.
     void finishEditing();
-
-    void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
 
 signals:
     /// A key found nothing to act on, and the system beep sounded.
@@ -40,21 +36,13 @@ signals:
     void pasteRequested(const QString &text);
 
 protected:
-    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index, const QEvent *event) const override;
     bool event(QEvent *event) override;
     bool viewportEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
-    void keyReleaseEvent(QKeyEvent *event) override;
-    void mousePressEvent(QMouseEvent *event) override;
-    void mouseMoveEvent(QMouseEvent *event) override;
-    void mouseReleaseEvent(QMouseEvent *event) override;
-    void focusOutEvent(QFocusEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
 
 private:
     /// The keys that this table takes before a menu's shortcut does.
-    bool isOwnKey(const QKeyEvent *event) const;
+    static bool isOwnKey(const QKeyEvent *event);
     bool editSelection();
     bool deleteSelection();
     bool handleOtherKey(const QKeyEvent *event);
@@ -63,7 +51,6 @@ private:
     int firstSelectedRow() const;
     bool showToolTip(const QHelpEvent *event);
 
-    RowDrag m_drag;
+    ReorderableRows *m_rows = nullptr;
     std::function<void()> m_deleteSelection;
-    bool m_isChoiceDeferred = false; ///< a press on a selected row changes the selection only if no drag follows
 };

@@ -1,50 +1,39 @@
-#include "KeyHandlingTableView.h"
-#include "Letters.h"
+#include "RowsUndo.h"
+#include "ShownLetters.h"
 
-#include <QGuiApplication>
+#include <QDrag>
+#include <QDropEvent>
 #include <QLineEdit>
-#include <QScrollBar>
 #include <QSignalSpy>
-#include <QTest>
 
-/// A table that is shown, with the mouse at hand.
+/// Presses at the row and moves off. @return the drag that has begun, none if none has. Without a display Qt ends it at
+/// once, and forgets it in the next turn of the event loop.
 template <typename Entry>
-struct Shown {
-    explicit Shown(const QString &letters) : rows(letters)
-    {
-        table.setModel(rows.arranged());
-        table.setSelectionModel(rows.selection());
-        table.setRows(&rows);
-        table.resize(300, 300);
-        table.show();
-        table.activateWindow();
-        table.setFocus();
-        (void)QTest::qWaitForWindowActive(&table);
-    }
+static QDrag *startDrag(ShownLetters<Entry> &shown, int row, Qt::KeyboardModifiers modifiers = {})
+{
+    QTest::mousePress(shown.table.viewport(), Qt::LeftButton, modifiers, shown.at(row));
+    for (const int distance : {1, 40})
+        QTest::mouseEvent(QTest::MouseMove, shown.table.viewport(), Qt::NoButton, modifiers,
+                          shown.at(row) + QPoint(distance, 0));
+    QTest::mouseRelease(shown.table.viewport(), Qt::LeftButton, modifiers, shown.at(row) + QPoint(40, 0));
+    return shown.table.template findChild<QDrag *>();
+}
 
-    /// A point of the row, at its upper or lower half; of the place below the last row for a row that is none.
-    QPoint at(int row, bool isLower = false) const
-    {
-        const int height = table.rowHeight(0);
-        return {60, table.rowViewportPosition(0) + row * height + (isLower ? 3 * height / 4 : height / 4)};
+/// What Qt sends to the table when something is dropped on it. @return whether the table takes it.
+static bool drop(KeyHandlingTableView &table, const QMimeData *data, const QPoint &place,
+                 Qt::KeyboardModifiers modifiers = {})
+{
+    const Qt::DropActions actions = Qt::MoveAction | Qt::CopyAction;
+    QDragEnterEvent enter(place, actions, data, Qt::LeftButton, modifiers);
+    QDragMoveEvent move(place, actions, data, Qt::LeftButton, modifiers);
+    QDropEvent end(place, actions, data, Qt::LeftButton, modifiers);
+    for (QDropEvent *event : {static_cast<QDropEvent *>(&enter), static_cast<QDropEvent *>(&move), &end}) {
+        event->setDropAction(modifiers == Qt::NoModifier ? Qt::MoveAction : Qt::CopyAction);
+        event->ignore();
+        QCoreApplication::sendEvent(table.viewport(), event);
     }
-    void press(int row, Qt::KeyboardModifiers modifiers = {})
-    {
-        QTest::mousePress(table.viewport(), Qt::LeftButton, modifiers, at(row));
-    }
-    void move(const QPoint &to, Qt::KeyboardModifiers modifiers = {})
-    {
-        QTest::mouseEvent(QTest::MouseMove, table.viewport(), Qt::NoButton, modifiers, to);
-    }
-    void release(const QPoint &to, Qt::KeyboardModifiers modifiers = {})
-    {
-        QTest::mouseRelease(table.viewport(), Qt::LeftButton, modifiers, to);
-    }
-    static bool isDragShown() { return QGuiApplication::overrideCursor() != nullptr; }
-
-    Letters<Entry> rows;
-    KeyHandlingTableView table;
-};
+    return move.isAccepted() && end.isAccepted();
+}
 
 class KeyHandlingTableTest : public QObject
 {
@@ -54,117 +43,95 @@ private slots:
     {
         QTest::addColumn<QList<int>>("selected");
         QTest::addColumn<int>("pressed");
-        QTest::addColumn<int>("target"); // the row in whose upper half the mouse is let go
+        QTest::addColumn<int>("target");   // the row that the drop falls on
+        QTest::addColumn<bool>("isLower"); // on its lower half
         QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
         QTest::addColumn<QString>("shown");
         QTest::addColumn<QString>("chosen");
-        const auto row = [](const char *name, const QList<int> &selected, int pressed, int target,
+        const auto row = [](const char *name, const QList<int> &selected, int pressed, int target, bool isLower,
                             Qt::KeyboardModifiers modifiers, const char *shown, const char *chosen) {
-            QTest::newRow(name) << selected << pressed << target << modifiers << QString(shown) << QString(chosen);
+            QTest::newRow(name) << selected << pressed << target << isLower << modifiers << QString(shown)
+                                << QString(chosen);
         };
-        row("a row that was not selected", {0}, 2, 0, Qt::NoModifier, "XVWYZ", "X");
-        row("several together", {1, 3}, 3, 0, Qt::NoModifier, "WYVXZ", "WY");
-        row("below the last row", {0, 1}, 0, 7, Qt::NoModifier, "XYZVW", "VW");
-        row("copied", {0, 2}, 0, 1, Qt::ControlModifier, "VV'X'WXYZ", "V'X'");
-        row("onto its own place", {}, 2, 3, Qt::NoModifier, "VWXYZ", "X");
+        row("a row that was not selected", {0}, 2, 0, false, Qt::NoModifier, "XVWYZ", "X");
+        row("several together", {1, 3}, 3, 0, false, Qt::NoModifier, "WYVXZ", "WY");
+        row("on the lower half of a row", {0, 1}, 0, 3, true, Qt::NoModifier, "XYVWZ", "VW");
+        row("below the last row", {0, 1}, 0, 7, false, Qt::NoModifier, "XYZVW", "VW");
+        row("copied", {0, 2}, 0, 1, false, Qt::ControlModifier, "VV'X'WXYZ", "V'X'");
+        row("onto its own place", {}, 2, 2, true, Qt::NoModifier, "VWXYZ", "X");
     }
     void dragsRows()
     {
         QFETCH(QList<int>, selected);
         QFETCH(int, pressed);
         QFETCH(int, target);
+        QFETCH(bool, isLower);
         QFETCH(Qt::KeyboardModifiers, modifiers);
-        Shown<CopyableLetter> shown(QStringLiteral("VWXYZ"));
+        ShownLetters<CopyableLetter> shown(QStringLiteral("VWXYZ"));
+        RowsUndo undo(shown.rows, shown.rows);
         shown.rows.choose(selected);
-        shown.press(pressed, modifiers);
-        shown.move(shown.at(pressed) + QPoint(2, 0));
-        QVERIFY(!shown.isDragShown()); // a hand that trembles
-        shown.move(shown.at(target) + QPoint(30, 0), modifiers);
-        QVERIFY(shown.isDragShown());
-        QCOMPARE(QGuiApplication::overrideCursor()->shape(), modifiers ? Qt::DragCopyCursor : Qt::DragMoveCursor);
-        shown.release(shown.at(target) + QPoint(30, 0), modifiers);
-        QVERIFY(!shown.isDragShown());
+        const QDrag *drag = startDrag(shown, pressed, modifiers);
+        QVERIFY(drag != nullptr);
+        QVERIFY(drop(shown.table, drag->mimeData(), shown.at(target, isLower), modifiers));
         QTEST(shown.rows.shown(), "shown");
         QTEST(shown.rows.selected(), "chosen");
+        undo.undo();
+        QCOMPARE(shown.rows.shown(), QStringLiteral("VWXYZ"));
+        QCOMPARE(undo.stack()->index(), 0);
     }
 
-    void aDragIsCalledOff_data()
+    void takesNothingFromElsewhere()
     {
-        using Disturbance = std::function<void(Shown<Letter> &)>;
-        QTest::addColumn<Disturbance>("disturb");
-        const auto row = [](const char *name, const Disturbance &disturb) {
-            QTest::newRow(name) << disturb;
-        };
-        const auto send = [](QEvent::Type type) -> Disturbance {
-            return [type](auto &shown) {
-                QEvent event(type);
-                QCoreApplication::sendEvent(&shown.table, &event);
-            };
-        };
-        row("by Escape", [](auto &shown) { QTest::keyClick(&shown.table, Qt::Key_Escape); });
-        row("by a row's removal", [](auto &shown) {
-            shown.rows.choose({4});
-            shown.rows.removeSelected();
-        });
-        row("by another window in front", send(QEvent::WindowDeactivate));
-        row("by a sheet", send(QEvent::WindowBlocked));
-        row("by the loss of the focus", [](auto &shown) { shown.table.clearFocus(); });
-        row("by hiding the table", [](auto &shown) { shown.table.hide(); });
-        row("by switching dragging off", [](auto &shown) { shown.rows.setDraggingEnabled(false); });
-        row("outside", [](auto &shown) { shown.move({60, -9}); });
-    }
-    void aDragIsCalledOff()
-    {
-        QFETCH(std::function<void(Shown<Letter> &)>, disturb);
-        Shown<Letter> shown(QStringLiteral("VWXYZ"));
-        shown.rows.setKeyHandlingDelegate([&] { shown.rows.removeSelected(); });
-        const QPoint top = shown.at(0);
-        shown.press(3);
-        shown.move(top);
-        QVERIFY(shown.isDragShown());
-        QTest::keyClick(&shown.table, Qt::Key_Delete); // not in the middle of a drag
-        disturb(shown);
-        const QString left = shown.rows.shown();
-        const QString selected = shown.rows.selected();
-        const bool isOutside = QTest::currentDataTag() == QByteArray("outside");
-        if (isOutside)
-            QCOMPARE(QGuiApplication::overrideCursor()->shape(), Qt::ForbiddenCursor);
-        else
-            shown.move(top + QPoint(1, 0)); // begins nothing else
-        shown.release(isOutside ? QPoint(60, -9) : top);
-        QVERIFY(!shown.isDragShown());
-        QCOMPARE(shown.rows.shown(), left);
-        QCOMPARE(shown.rows.selected(), selected);
+        ShownLetters<Letter> shown(QStringLiteral("VWX"));
+        ShownLetters<Letter> other(QStringLiteral("abc"));
+        const QDrag *drag = startDrag(other, 1);
+        QVERIFY(drag != nullptr);
+        QVERIFY(!drop(shown.table, drag->mimeData(), shown.at(1)));
+        QMimeData foreign; // another console's, or another program's
+        foreign.setData(shown.rows.mimeTypes().constFirst(), QByteArrayLiteral("0"));
+        foreign.setText(QStringLiteral("a"));
+        QVERIFY(!drop(shown.table, &foreign, shown.at(1)));
+        shown.table.setRows(nullptr);
+        QVERIFY(!shown.table.acceptDrops() && !shown.table.viewport()->acceptDrops() && !shown.table.dragEnabled());
+        QCOMPARE(shown.rows.shown(), QStringLiteral("VWX"));
+        QCOMPARE(other.rows.shown(), QStringLiteral("abc"));
     }
 
-    void aDragNearTheEdgeScrolls()
+    void noDragBegins_data()
     {
-        Shown<Letter> shown(QString(200, QLatin1Char('x')));
-        shown.press(0);
-        shown.move({60, shown.table.viewport()->height() - 2});
-        QTRY_VERIFY(shown.table.verticalScrollBar()->value() > 3 * shown.table.rowHeight(0));
-        QTest::keyClick(&shown.table, Qt::Key_Escape);
-        shown.release({60, 20});
+        using Before = std::function<void(ShownLetters<Letter> &)>;
+        QTest::addColumn<Before>("before");
+        QTest::newRow("while dragging is off") << Before([](auto &shown) { shown.rows.setDraggingEnabled(false); });
+        QTest::newRow("in a sorted table") << Before([](auto &shown) { shown.rows.arranged()->sort(0); });
+        QTest::newRow("in a filtered table")
+            << Before([](auto &shown) { shown.rows.setFilterText(QStringLiteral("x")); });
+    }
+    void noDragBegins()
+    {
+        QFETCH(std::function<void(ShownLetters<Letter> &)>, before);
+        ShownLetters<Letter> shown(QStringLiteral("XXXX"));
+        before(shown);
+        QVERIFY(startDrag(shown, 1) == nullptr);
+        shown.rows.choose({1});
+        const QSignalSpy moves(&shown.rows, &QAbstractItemModel::layoutChanged);
+        QTest::keyClick(&shown.table, Qt::Key_Up, Qt::AltModifier);
+        QCOMPARE(moves.size(), 0);
     }
 
     void aClickWithoutADragChooses()
     {
-        Shown<Letter> shown(QStringLiteral("VWXYZ"));
+        ShownLetters<Letter> shown(QStringLiteral("VWXYZ"));
         shown.rows.choose({0, 1, 2});
-        shown.press(1);
+        QTest::mousePress(shown.table.viewport(), Qt::LeftButton, {}, shown.at(1));
         QCOMPARE(shown.rows.selected(), QStringLiteral("VWX"));
-        shown.release(shown.at(1));
+        QTest::mouseRelease(shown.table.viewport(), Qt::LeftButton, {}, shown.at(1));
         QCOMPARE(shown.rows.selected(), QStringLiteral("W"));
         QTest::mouseClick(shown.table.viewport(), Qt::LeftButton, Qt::ShiftModifier, shown.at(3));
         QCOMPARE(shown.rows.selected(), QStringLiteral("WXY"));
         QTest::mouseClick(shown.table.viewport(), Qt::LeftButton, Qt::ControlModifier, shown.at(2));
         QCOMPARE(shown.rows.selected(), QStringLiteral("WY"));
-        shown.rows.setDraggingEnabled(false);
-        shown.press(1);
-        shown.move(shown.at(0));
-        QVERIFY(!shown.isDragShown());
-        shown.release(shown.at(0));
-        QVERIFY(!shown.table.acceptDrops() && !shown.table.viewport()->acceptDrops() && !shown.table.dragEnabled());
+        QTest::mouseClick(shown.table.viewport(), Qt::LeftButton, Qt::ControlModifier, shown.at(0));
+        QCOMPARE(shown.rows.selected(), QStringLiteral("VWY"));
     }
 
     void altAndArrowsMoveTheSelection_data()
@@ -182,7 +149,7 @@ private slots:
     {
         QFETCH(QList<int>, selected);
         QFETCH(Qt::Key, key);
-        Shown<Letter> shown(QStringLiteral("VWXYZ"));
+        ShownLetters<Letter> shown(QStringLiteral("VWXYZ"));
         shown.rows.choose(selected);
         const QString chosen = shown.rows.selected();
         QTest::keyClick(&shown.table, key, Qt::AltModifier);
@@ -192,7 +159,7 @@ private slots:
 
     void returnEditsTheFirstEditableCell()
     {
-        Shown<Letter> shown(QStringLiteral("VWX"));
+        ShownLetters<Letter> shown(QStringLiteral("VWX"));
         const QSignalSpy beeps(&shown.table, &KeyHandlingTableView::beeped);
         QTest::keyClick(&shown.table, Qt::Key_Return);
         QCOMPARE(beeps.size(), 1);
@@ -212,7 +179,7 @@ private slots:
 
     void deleteAsksWhoDeletes()
     {
-        Shown<Letter> shown(QStringLiteral("VWX"));
+        ShownLetters<Letter> shown(QStringLiteral("VWX"));
         const QSignalSpy beeps(&shown.table, &KeyHandlingTableView::beeped);
         QKeyEvent key(QEvent::KeyPress, Qt::Key_Delete, Qt::NoModifier);
         QVERIFY(!shown.table.performKeyPressFromKeyDown(&key)); // nobody
@@ -226,7 +193,7 @@ private slots:
 
     void longTextsAreKeptWhole()
     {
-        Shown<Letter> shown(QStringLiteral("V"));
+        ShownLetters<Letter> shown(QStringLiteral("V"));
         const QString text = QString(100000, QLatin1Char('w')) + QStringLiteral("\n<b>x</b>");
         QVERIFY(shown.rows.setData(shown.rows.index(0, 1), text));
         shown.table.grab();
