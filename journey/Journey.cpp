@@ -33,6 +33,20 @@ Journey::Journey(AppDelegate &application, const QString &pictures)
 
 bool Journey::perform()
 {
+    return openTheWindow() && saveAServer() && connectFromTheList() && kickAPlayer() && messageAPlayer() &&
+           loadAMap() && buildARotation() && dragARow() && saveTheRotation() && setTheRotation() &&
+           copyTheRotationBack() && addMessages() && playMessages() && sendAQuickMessage() && saveAConfiguration() &&
+           changeSettings() && compareAndLoad() && useTheConsole() && disconnect() && connectByTheForm() &&
+           startAPlaylist() && excludeAMap() && disconnect();
+}
+
+bool Journey::performDragging()
+{
+    return openTheWindow() && saveAServer() && connectFromTheList() && loadAMap() && buildARotation() && dragARow();
+}
+
+bool Journey::openTheWindow()
+{
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs); // another program's could not be typed into
     if (!expect(m_files.isValid() && m_server.start() && m_playlistServer.start(),
                 QStringLiteral("the demo servers start")))
@@ -41,10 +55,7 @@ bool Journey::perform()
     if (!expect(QTest::qWaitForWindowExposed(&window(), patience), QStringLiteral("the window opens")))
         return false;
     takePicture(QStringLiteral("welcome"));
-    return saveAServer() && connectFromTheList() && kickAPlayer() && messageAPlayer() && loadAMap() &&
-           buildARotation() && saveTheRotation() && setTheRotation() && copyTheRotationBack() && addMessages() &&
-           playMessages() && sendAQuickMessage() && saveAConfiguration() && changeSettings() && compareAndLoad() &&
-           useTheConsole() && disconnect() && connectByTheForm() && startAPlaylist() && excludeAMap() && disconnect();
+    return true;
 }
 
 QWidget &Journey::window() const

@@ -22,11 +22,14 @@ public:
 
     /// @return whether every step led where it should; otherwise failure() tells which did not.
     bool perform();
+    /// Only what leads to a row that is dragged, and that. With the X server's pointer alone.
+    bool performDragging();
 
     QString failure() const { return m_failure; }
     QStringList picturePaths() const { return m_paths; }
 
 private:
+    bool openTheWindow();
     bool saveAServer();
     bool connectFromTheList();
     bool connectByTheForm();
@@ -37,6 +40,7 @@ private:
 
     bool loadAMap();
     bool buildARotation();
+    bool dragARow();
     bool saveTheRotation();
     bool setTheRotation();
     bool copyTheRotationBack();

@@ -19,8 +19,7 @@ concept CopyableEntry = requires(const Entry &entry)
 
 /// An array controller whose rows the user puts into the order that counts: by dragging, by the keyboard, and back by
 /// undoing. The rows are shared with whoever else edits them. They can be dragged while their table is neither sorted
-/// nor filtered. Removing rows is not offered to views: Qt's own would remove, after a drag, those that it has just
-/// moved. Main thread only.
+/// nor filtered. Main thread only.
 template <std::equality_comparable Entry>
 class RSRTVArrayController : public ArrayController<std::shared_ptr<Entry>>, public ReorderableRows
 {

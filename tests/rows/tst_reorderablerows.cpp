@@ -191,14 +191,6 @@ private slots:
         QCOMPARE(plain.arranged()->supportedDropActions(), Qt::DropActions(Qt::MoveAction));
     }
 
-    void viewsCannotRemoveRows() // Qt's own would, after a drag: those that have just moved
-    {
-        Letters<Letter> letters(QStringLiteral("VWX"));
-        QVERIFY(!letters.arranged()->removeRows(0, 2));
-        QVERIFY(!letters.removeRows(0, 2));
-        QCOMPARE(letters.shown(), QStringLiteral("VWX"));
-    }
-
     void thousandsOfScatteredRowsMoveAtOnce()
     {
         Letters<Letter> table(QString(4000, QLatin1Char('x')));

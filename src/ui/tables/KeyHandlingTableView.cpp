@@ -5,9 +5,12 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDrag>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QMimeData>
+#include <QPainter>
 #include <QToolTip>
 
 #include <algorithm>
@@ -33,7 +36,7 @@ KeyHandlingTableView::KeyHandlingTableView(QWidget *parent) : PlaceholderTable(p
     setItemDelegate(new OneLineDelegate(this));
     setEditTriggers(QAbstractItemView::DoubleClicked);
     setDefaultDropAction(Qt::MoveAction);
-    setDragDropOverwriteMode(false); // in the other mode Qt empties the cells of what was dragged away
+    setDragDropOverwriteMode(false); // drops fall between rows
 }
 
 void KeyHandlingTableView::setRows(ReorderableRows *rows)
@@ -171,6 +174,43 @@ void KeyHandlingTableView::paste()
     const QString text = QGuiApplication::clipboard()->text();
     if (!text.isEmpty())
         emit pasteRequested(text);
+}
+
+void KeyHandlingTableView::startDrag(Qt::DropActions actions)
+{
+    QMimeData *taken = model()->mimeData(selectedIndexes());
+    if (taken == nullptr)
+        return;
+    // Not as Qt's own: that one removes what is selected after a drop, which is what has just been moved, and hides
+    // under a picture as wide as the table where the rows would fall.
+    auto *drag = new QDrag(this);
+    drag->setMimeData(taken);
+    drag->setPixmap(pictureOfSelection());
+    drag->setHotSpot(QPoint(-16, 0)); // the pointer is beside it
+    drag->exec(actions, defaultDropAction());
+}
+
+QPixmap KeyHandlingTableView::pictureOfSelection() const
+{
+    constexpr int mostRows = 5;
+    constexpr int mostWidth = 200; // pixels
+    QModelIndexList cells = selectionModel()->selectedRows(horizontalHeader()->logicalIndex(0));
+    std::sort(cells.begin(), cells.end());
+    QList<QRect> places;
+    for (const QModelIndex &cell : std::as_const(cells)) {
+        const QRect place = visualRect(cell);
+        if (places.size() < mostRows && viewport()->rect().contains(place.center()))
+            places.append({place.topLeft(), QSize(std::min(place.width(), mostWidth), place.height())});
+    }
+    if (places.isEmpty())
+        return {};
+    const QSize size(places.constFirst().width(), places.constFirst().height() * static_cast<int>(places.size()));
+    QPixmap picture(size * devicePixelRatioF());
+    picture.setDevicePixelRatio(devicePixelRatioF());
+    QPainter painter(&picture);
+    for (int row = 0; row < places.size(); ++row)
+        painter.drawPixmap(0, row * places.constFirst().height(), viewport()->grab(places.at(row)));
+    return picture;
 }
 
 bool KeyHandlingTableView::viewportEvent(QEvent *event)

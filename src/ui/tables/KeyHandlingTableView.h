@@ -39,6 +39,7 @@ protected:
     bool event(QEvent *event) override;
     bool viewportEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void startDrag(Qt::DropActions actions) override;
 
 private:
     /// The keys that this table takes before a menu's shortcut does.
@@ -49,6 +50,8 @@ private:
     void paste();
     void beep();
     int firstSelectedRow() const;
+    /// The first of the selected rows that can be seen, one below the other, for the pointer to carry.
+    QPixmap pictureOfSelection() const;
     bool showToolTip(const QHelpEvent *event);
 
     ReorderableRows *m_rows = nullptr;

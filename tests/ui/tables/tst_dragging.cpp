@@ -5,8 +5,8 @@
 
 using Disturbance = std::function<void(ShownLetters<Letter> &)>;
 
-/// What only a drag through the display can show: Qt runs an event loop of its own in it, and then does what it thinks
-/// right to the rows that were dragged.
+/// What only a drag through the display can show: other things happen in the event loop that Qt runs, and views of Qt
+/// remove or empty what they take for dragged away.
 class DraggingTest : public QObject
 {
     Q_OBJECT
@@ -53,7 +53,7 @@ private slots:
         shown.rows.choose({2, 3});
         const QPoint top = shown.at(0);
         QVERIFY(RealPointer().drag(shown.table, shown.at(3), top, [&] { disturb(shown); }));
-        QTEST(shown.rows.shown(), "left"); // a cell that Qt has emptied is missing
+        QTEST(shown.rows.shown(), "left");
     }
 
     void onThemselvesRowsStay()
