@@ -1,10 +1,8 @@
-#include "ArrayController.h"
 #include "KelServer.h"
 #include "PlaceholderTable.h"
-#include "PlayerList.h"
+#include "PlayerColumns.h"
 #include "RecordedAlerts.h"
 #include "ScriptedExchange.h"
-#include "SortKeys.h"
 #include "TranscriptView.h"
 
 #include <QApplication>
@@ -48,33 +46,10 @@ static void parseDump(benchmark::State &state)
 }
 BENCHMARK(parseDump)->Arg(20000)->Unit(benchmark::kMillisecond);
 
-static QList<ArrayController<PlayerRow>::Column> columns()
-{
-    const auto column = [](const QString &title, QString PlayerRow::*member, bool isNumber) {
-        ArrayController<PlayerRow>::Column made;
-        made.title = title;
-        made.text = [member](const PlayerRow &player) {
-            return player.*member;
-        };
-        if (isNumber)
-            made.sortKey = [member](const PlayerRow &player) {
-                return numberSortKey(player.*member);
-            };
-        return made;
-    };
-    return {column(QStringLiteral("ID"), &PlayerRow::identifier, true),
-            column(QStringLiteral("Name"), &PlayerRow::name, false),
-            column(QStringLiteral("GUID"), &PlayerRow::guid, false),
-            column(QStringLiteral("IP"), &PlayerRow::ipaddress, false),
-            column(QStringLiteral("Team"), &PlayerRow::team, false),
-            column(QStringLiteral("Score"), &PlayerRow::score, true),
-            column(QStringLiteral("Ping"), &PlayerRow::ping, true)};
-}
-
 /// A reply is parsed and merged into a table that is shown, sorted by a column whose values change; with the painting.
 static void refreshPlayers(benchmark::State &state)
 {
-    ArrayController<PlayerRow> players(columns(), playerKey);
+    ArrayController<PlayerRow> players(playerTableColumns(), playerKey);
     PlaceholderTable table;
     table.setModel(players.arranged());
     table.setSelectionModel(players.selection());
@@ -97,7 +72,7 @@ static void firstPlayers(benchmark::State &state)
 {
     const QString reply = teamstatusOf(static_cast<int>(state.range(0)), 0);
     for (auto run : state) {
-        ArrayController<PlayerRow> players(columns(), playerKey);
+        ArrayController<PlayerRow> players(playerTableColumns(), playerKey);
         players.arranged()->sort(5, Qt::DescendingOrder);
         players.mergeContent(parsePlayerList(reply));
         benchmark::DoNotOptimize(players.arranged()->rowCount());

@@ -2,6 +2,7 @@
 
 #include "AtomicFile.h"
 #include "LineWriter.h"
+#include "PlayerColumns.h"
 
 #include <QBuffer>
 #include <QDateTime>
@@ -9,41 +10,48 @@
 #include <QLocale>
 
 #include <algorithm>
-#include <array>
 
-using Values = std::array<QString, 7>;
-
-static Values valuesOf(const PlayerRow &player)
+static QStringList headings()
 {
-    return {player.identifier, player.name, player.guid, player.ipaddress, player.team, player.score, player.ping};
+    QStringList values;
+    for (const PlayerColumn &column : playerColumns())
+        values.append(QLatin1String(column.heading));
+    return values;
 }
 
-static std::array<qsizetype, 7> columnWidths(const QList<PlayerRow> &players)
+static QStringList valuesOf(const PlayerRow &player)
+{
+    QStringList values;
+    for (const PlayerColumn &column : playerColumns())
+        values.append(player.*column.text);
+    return values;
+}
+
+static QList<qsizetype> columnWidths(const QList<PlayerRow> &players)
 {
     constexpr qsizetype narrowest = 5;
     constexpr qsizetype gap = 2;
-    std::array<qsizetype, 7> longest{};
-    for (const PlayerRow &player : players) {
-        const Values values = valuesOf(player);
-        for (size_t column = 0; column < values.size(); ++column)
-            longest[column] = std::max(longest[column], values[column].size());
+    QList<qsizetype> widths;
+    for (const PlayerColumn &column : playerColumns()) {
+        qsizetype longest = 0;
+        for (const PlayerRow &player : players)
+            longest = std::max(longest, (player.*column.text).size());
+        widths.append(std::max({longest + gap, narrowest, QLatin1String(column.heading).size()}));
     }
-    for (qsizetype &width : longest)
-        width = std::max(width + gap, narrowest);
-    return longest;
+    return widths;
 }
 
-static QByteArray inColumns(const Values &values, const std::array<qsizetype, 7> &widths)
+static QByteArray inColumns(const QStringList &values, const QList<qsizetype> &widths)
 {
     QByteArray line = "\t";
-    for (size_t column = 0; column < values.size(); ++column)
-        line += values[column].toUtf8().leftJustified(widths[column], ' ', true);
+    for (qsizetype column = 0; column < values.size(); ++column)
+        line += values.at(column).toUtf8().leftJustified(widths.at(column), ' ', true);
     return line;
 }
 
-static QByteArray withCommas(const Values &values)
+static QByteArray withCommas(const QStringList &values)
 {
-    return QStringList(values.begin(), values.end()).join(QLatin1Char(',')).toUtf8();
+    return values.join(QLatin1Char(',')).toUtf8();
 }
 
 QByteArray playerListText(const QList<PlayerRow> &players, bool isCommaSeparated, const QString &dateText)
@@ -57,12 +65,11 @@ QByteArray playerListText(const QList<PlayerRow> &players, bool isCommaSeparated
     writeLine(&file);
     file.close();
 
-    const std::array<qsizetype, 7> widths = columnWidths(players);
-    const auto addRow = [&](const Values &values) {
+    const QList<qsizetype> widths = columnWidths(players);
+    const auto addRow = [&](const QStringList &values) {
         text += (isCommaSeparated ? withCommas(values) : inColumns(values, widths)) + '\n';
     };
-    addRow({QStringLiteral("ID"), QStringLiteral("Name"), QStringLiteral("GUID"), QStringLiteral("IP"),
-            QStringLiteral("Team"), QStringLiteral("Score"), QStringLiteral("Ping")});
+    addRow(headings());
     for (const PlayerRow &player : players)
         addRow(valuesOf(player));
     return text;

@@ -1,9 +1,14 @@
+#include "PlayerColumns.h"
 #include "PlayerList.h"
 #include "PlayerListFile.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTranslator>
+
+using Value = QString PlayerRow::*;
+Q_DECLARE_METATYPE(Value)
 
 static PlayerRow player(const QString &name, const QString &identifier = QStringLiteral("1"))
 {
@@ -12,6 +17,17 @@ static PlayerRow player(const QString &name, const QString &identifier = QString
             QStringLiteral("2"), QStringLiteral("0"),
             QStringLiteral("48")};
 }
+
+/// Has a translation for every heading.
+class Translation : public QTranslator
+{
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char *context, const char *text, const char * /*meaning*/, int /*count*/) const override
+    {
+        return qstrcmp(context, "PlayerColumns") == 0 ? QLatin1String("the ") + QLatin1String(text) : QString();
+    }
+};
 
 class PlayerListTest : public QObject
 {
@@ -62,6 +78,70 @@ private slots:
         for (int number = 0; number <= mostPlayers; ++number)
             reply += QString::number(number) + QStringLiteral(" 0 48 g n 2 0 1.2.3.4:5 77 900\n");
         QCOMPARE(parsePlayerList(reply).size(), mostPlayers);
+    }
+
+    void aColumnShowsItsValueAndSortsByWhatItMeans_data()
+    {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<Value>("value");
+        QTest::addColumn<QStringList>("ascending");
+        QTest::addColumn<Qt::AlignmentFlag>("side");
+        const QStringList texts{"10", "9", "CNCT"};
+        const QStringList numbers{"-1", "9", "10", "CNCT"};
+        const QStringList addresses{"9.0.0.1:1", "10.0.0.1:9", "10.0.0.1:10", "bot"};
+        QTest::newRow("ID") << 0 << &PlayerRow::identifier << numbers << Qt::AlignRight;
+        QTest::newRow("Name") << 1 << &PlayerRow::name << texts << Qt::AlignLeft;
+        QTest::newRow("GUID") << 2 << &PlayerRow::guid << texts << Qt::AlignLeft;
+        QTest::newRow("IP") << 3 << &PlayerRow::ipaddress << addresses << Qt::AlignLeft;
+        QTest::newRow("Team") << 4 << &PlayerRow::team << numbers << Qt::AlignLeft;
+        QTest::newRow("Score") << 5 << &PlayerRow::score << numbers << Qt::AlignRight;
+        QTest::newRow("Ping") << 6 << &PlayerRow::ping << numbers << Qt::AlignRight;
+    }
+    void aColumnShowsItsValueAndSortsByWhatItMeans()
+    {
+        QFETCH(int, column);
+        QFETCH(Value, value);
+        QFETCH(QStringList, ascending);
+        ArrayController<PlayerRow> table(playerTableColumns(), playerKey);
+        for (auto text = ascending.crbegin(); text != ascending.crend(); ++text) {
+            PlayerRow row{};
+            row.*value = *text;
+            table.addObject(row);
+        }
+        table.arranged()->sort(column);
+        QStringList shown;
+        for (int row = 0; row < table.rowCount(); ++row)
+            shown.append(table.arranged()->index(row, column).data().toString());
+        QCOMPARE(shown, ascending);
+        QCOMPARE(table.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString(), QTest::currentDataTag());
+        const QVariant alignment = table.arranged()->index(0, column).data(Qt::TextAlignmentRole);
+        QFETCH(Qt::AlignmentFlag, side);
+        QCOMPARE(alignment.value<Qt::Alignment>(), side | Qt::AlignVCenter);
+    }
+
+    void headingsAreTranslatedInTheTableAndNotInTheFile()
+    {
+        const QByteArray file = playerListText({}, true, {});
+        Translation translation;
+        QVERIFY(QCoreApplication::installTranslator(&translation));
+        QStringList titles;
+        for (const auto &column : playerTableColumns())
+            titles.append(column.title);
+        QCOMPARE(titles,
+                 QStringList({"the ID", "the Name", "the GUID", "the IP", "the Team", "the Score", "the Ping"}));
+        QCOMPARE(playerListText({}, true, {}), file);
+    }
+
+    void oneColumnTakesTheRoomThatIsLeft()
+    {
+        QStringList growing;
+        for (const PlayerColumn &column : playerColumns()) {
+            if (column.width == PlayerColumn::remainingWidth)
+                growing.append(QLatin1String(column.heading));
+            else
+                QVERIFY2(column.width > 0, column.heading);
+        }
+        QCOMPARE(growing, QStringList{"Name"});
     }
 
     void exports_data()

@@ -2,39 +2,13 @@
 
 #include "KelServer.h"
 #include "PlaceholderTable.h"
+#include "PlayerColumns.h"
 #include "PlayerSendMessage.h"
 #include "Preferences.h"
-#include "SortKeys.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QVBoxLayout>
-
-static QList<ArrayController<PlayerRow>::Column> playerColumns()
-{
-    const Qt::Alignment right = Qt::AlignRight | Qt::AlignVCenter;
-    const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter;
-    const auto number = [](QString PlayerRow::*member) {
-        return [member](const PlayerRow &player) {
-            return numberSortKey(player.*member);
-        };
-    };
-    const auto text = [](QString PlayerRow::*member) {
-        return [member](const PlayerRow &player) {
-            return player.*member;
-        };
-    };
-    return {
-        {PlayersView::tr("ID"), text(&PlayerRow::identifier), number(&PlayerRow::identifier), right},
-        {PlayersView::tr("Name"), text(&PlayerRow::name), nullptr, left},
-        {PlayersView::tr("GUID"), text(&PlayerRow::guid), nullptr, left},
-        {PlayersView::tr("IP"), text(&PlayerRow::ipaddress),
-         [](const PlayerRow &player) { return addressSortKey(player.ipaddress); }, left},
-        {PlayersView::tr("Team"), text(&PlayerRow::team), number(&PlayerRow::team), left},
-        {PlayersView::tr("Score"), text(&PlayerRow::score), number(&PlayerRow::score), right},
-        {PlayersView::tr("Ping"), text(&PlayerRow::ping), number(&PlayerRow::ping), right},
-    };
-}
 
 PlayersView::PlayersView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
                          QWidget *parent)
@@ -45,7 +19,7 @@ PlayersView::PlayersView(KelServer &server, ActionQueue &actions, Alerts &alerts
       savePlayerListButton(new QPushButton(tr("Save List…"), this)),
       autoUpdatePlayers(new QCheckBox(tr("Refresh every"), this)), autoUpdatePlayersTime(new QSpinBox(this)),
       playerFilterField(new QLineEdit(this)), playersTableView(new PlaceholderTable(this)),
-      playersController(new ArrayController<PlayerRow>(playerColumns(), playerKey, this)),
+      playersController(new ArrayController<PlayerRow>(playerTableColumns(), playerKey, this)),
       playerSendMessagePanel(new PlayerSendMessage(this)), m_server(server), m_actions(actions), m_alerts(alerts),
       m_preferences(preferences)
 {
@@ -83,12 +57,15 @@ void PlayersView::layOut()
     playersTableView->setSelectionModel(playersController->selection());
     playersTableView->setSortingEnabled(true);
     playersTableView->sortByColumn(0, Qt::AscendingOrder);
-    const QList<int> widths{48, 180, 110, 170, 80, 70, 70};
-    for (int column = 0; column < widths.size(); ++column)
-        playersTableView->setColumnWidth(column, widths.at(column));
-    // Names deserve the room that is left over.
     playersTableView->horizontalHeader()->setStretchLastSection(false);
-    playersTableView->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
+    int section = 0;
+    for (const PlayerColumn &column : playerColumns()) {
+        if (column.width == PlayerColumn::remainingWidth)
+            playersTableView->horizontalHeader()->setSectionResizeMode(section, QHeaderView::Stretch);
+        else
+            playersTableView->setColumnWidth(section, column.width);
+        ++section;
+    }
 
     auto *buttons = new QHBoxLayout;
     for (QPushButton *button : {refreshPlayersButton, kickPlayerButton, banPlayerButton, tempBanPlayerButton,
