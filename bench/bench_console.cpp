@@ -5,6 +5,7 @@
 #include "FormMainView.h"
 #include "KelServer.h"
 #include "LongReplyServer.h"
+#include "ProgressWindowController.h"
 #include "Stalls.h"
 #include "TranscriptView.h"
 
@@ -182,7 +183,8 @@ static void loadConfiguration(AppDelegate &delegate, const QTemporaryDir &folder
     for (int i = 0; i < 8; ++i)
         file.write("set sv_hostname \"number " + QByteArray::number(i) + "\"\n");
     file.close();
-    ConfigurationLoading loading(delegate.server(), delegate.actions(), alerts, &delegate.window());
+    ProgressWindowController progress(&delegate.window());
+    ConfigurationLoading loading(delegate.server(), delegate.actions(), alerts, progress);
     delegate.actions().start(load(&loading, file.fileName()));
     waitUntilIdle(delegate);
 }

@@ -25,15 +25,12 @@ static void checkDvars(const KelServer &server, const QString &dump)
 
 static void checkTabs(const KelServer &server, bool isConnected)
 {
-    const QList<TabItem> tabs = server.tabItems();
-    if (!isConnected) {
-        require(tabs.isEmpty(), "there are no tabs before the mode is known");
-        return;
-    }
-    require(tabs.size() == (server.isRanked() ? server.rankedTabItems().size() : server.unrankedTabItems().size() - 1),
-            "the tabs are those of the mode");
-    if (!server.isRanked())
-        require(tabs.contains(TabItem::Playlists) == server.playlistsActive(), "playlists have their tab");
+    TabSet expected = TabSet::None;
+    if (isConnected && server.isRanked())
+        expected = TabSet::Ranked;
+    else if (isConnected)
+        expected = server.playlistsActive() ? TabSet::UnrankedPlaylists : TabSet::UnrankedMaps;
+    require(server.tabSet() == expected, "the tabs are those of the mode, once it is known");
 }
 
 /// The reply to "dvardump", and the replies to what is asked for because the dump lacks it.

@@ -36,9 +36,13 @@ AppDelegate::AppDelegate(const Places &places)
     registerDefaults();
     QApplication::setStyle(new IconKeepingStyle); // which the application takes
     Appearance::apply(m_preferences.value(QStringLiteral("appearance")).toString());
-    m_window = std::make_unique<FormMainView>(m_server, m_actions, m_alerts, m_preferences,
-                                              GameCatalogues{m_gametypes, m_settings, m_maps, m_playlists},
-                                              Rotations{m_mapRotations, m_messageRotations}, m_savedServers);
+    const Workplace workplace{m_server,
+                              m_actions,
+                              m_alerts,
+                              m_preferences,
+                              {m_gametypes, m_settings, m_maps, m_playlists},
+                              {m_mapRotations, m_messageRotations}};
+    m_window = std::make_unique<FormMainView>(workplace, m_savedServers);
     m_alerts.setWindow(m_window.get());
     connect(m_window.get(), &FormMainView::demoServerRequested, this, &AppDelegate::tryDemoServer);
 }

@@ -1,7 +1,9 @@
 #include "KelServer.h"
 
 #include "QuotedStrings.h"
+
 #include "Secrets.h"
+#include <utility>
 
 static Reply notConnected()
 {
@@ -152,30 +154,11 @@ void KelServer::clearCommandHistory()
     emit commandHistoryChanged();
 }
 
-QList<TabItem> KelServer::rankedTabItems() const
-{
-    return {TabItem::Players, TabItem::Playlists, TabItem::RankedSettings, TabItem::Messages, TabItem::Console};
-}
-
-QList<TabItem> KelServer::unrankedTabItems() const
-{
-    return {TabItem::Players,  TabItem::Maps,          TabItem::Playlists, TabItem::UnrankedSettings,
-            TabItem::Messages, TabItem::ConfigBuilder, TabItem::Console};
-}
-
 void KelServer::setupTabsForPlaylistsAndRanked()
 {
-    if (m_isRanked) {
-        if (m_tabItems.size() == rankedTabItems().size())
-            return;
-        m_tabItems = rankedTabItems();
-    } else {
-        const TabItem wanted = m_playlistsActive ? TabItem::Playlists : TabItem::Maps;
-        const TabItem unwanted = m_playlistsActive ? TabItem::Maps : TabItem::Playlists;
-        if (m_tabItems.contains(wanted) && m_tabItems.size() == unrankedTabItems().size() - 1)
-            return;
-        m_tabItems = unrankedTabItems();
-        m_tabItems.removeOne(unwanted);
-    }
-    emit tabItemsChanged();
+    TabSet wanted = TabSet::Ranked;
+    if (!m_isRanked)
+        wanted = m_playlistsActive ? TabSet::UnrankedPlaylists : TabSet::UnrankedMaps;
+    if (std::exchange(m_tabSet, wanted) != wanted)
+        emit tabSetChanged();
 }

@@ -2,7 +2,7 @@
 
 #include "Exchange.h"
 #include "SharedInstance.h"
-#include "TabItem.h"
+#include "TabSet.h"
 
 #include <QCoroTask>
 
@@ -62,10 +62,8 @@ public:
     /// @return whether its value was stored; false at once for a name that is already known.
     QCoro::Task<bool> verifyDvar(QString name, QString password);
 
-    QList<TabItem> rankedTabItems() const;
-    QList<TabItem> unrankedTabItems() const;
-    /// The tabs of the current mode; none before the first connect.
-    QList<TabItem> tabItems() const { return m_tabItems; }
+    /// The tabs that the window shows now: those of the mode that the last connect found, or that was typed since.
+    TabSet tabSet() const { return m_tabSet; }
     void setupTabsForPlaylistsAndRanked();
 
     /// Sends a console command; command and reply go into the transcript.
@@ -96,7 +94,7 @@ signals:
     void connectionBegan();
     /// A connect has come to its end with everything asked for.
     void didConnect();
-    void tabItemsChanged();
+    void tabSetChanged();
     /// The last tab is to come to the front: the console stays there when the tabs are arranged anew.
     void lastTabRequested();
     void consoleCleared();
@@ -130,7 +128,7 @@ private:
     /// Counts cancellations, so that a connect under way sees after a wait that it was called off.
     quint64 m_cancellations = 0;
     QHash<QString, QString> m_dvars;
-    QList<TabItem> m_tabItems;
+    TabSet m_tabSet = TabSet::None;
     QStringList m_commandHistory;
     int m_commandHistoryCursor = 0;
     SharedInstance<KelServer> m_shared{this};

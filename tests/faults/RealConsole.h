@@ -7,13 +7,12 @@
 #include "Preferences.h"
 #include "RConExchange.h"
 #include "RecordedAlerts.h"
-#include "TabItem.h"
 
 #include <QTemporaryDir>
 
 /// What talks to a game server, with its real sockets and timers.
 struct RealConsole {
-    RealConsole() { players.setSelectedTabLabel(tabLabel(TabItem::Players)); }
+    RealConsole() { players.setInFront(true); }
 
     QTemporaryDir folder;
     Preferences preferences{folder.filePath("preferences.ini")};

@@ -140,7 +140,7 @@ private slots:
         QTEST(session.alerts.titles(), "titles");
         QTEST(session.alerts.texts(), "texts");
         QVERIFY(session.server.commandHistory().isEmpty());
-        QVERIFY(session.server.tabItems().isEmpty());
+        QVERIFY(session.server.tabSet() == TabSet::None);
     }
 
     void decidesTheMode_data()
@@ -148,16 +148,15 @@ private slots:
         QTest::addColumn<QString>("ranked");
         QTest::addColumn<QString>("playlists");
         QTest::addColumn<bool>("isRanked");
-        QTest::addColumn<QString>("tabs");
-        const auto row = [](const char *title, const char *ranked, const char *playlists, bool isRanked,
-                            const char *tabs) {
-            QTest::newRow(title) << QString(ranked) << QString(playlists) << isRanked << QString(tabs);
+        QTest::addColumn<TabSet>("tabs");
+        const auto row = [](const char *title, const char *ranked, const char *playlists, TabSet tabs) {
+            QTest::newRow(title) << QString(ranked) << QString(playlists) << (tabs == TabSet::Ranked) << tabs;
         };
-        row("2 is ranked", "2", "0", true, "Players,Playlists,Settings,Messages,Console");
-        row("4 is ranked, playlists do not matter", "4", "1", true, "Players,Playlists,Settings,Messages,Console");
-        row("1 is not", "1", "0", false, "Players,Maps,Settings,Messages,Config Builder,Console");
-        row("0 is not", "0", "1", false, "Players,Playlists,Settings,Messages,Config Builder,Console");
-        row("almost 1", "0", "01", false, "Players,Maps,Settings,Messages,Config Builder,Console");
+        row("2 is ranked", "2", "0", TabSet::Ranked);
+        row("4 is ranked, playlists do not matter", "4", "1", TabSet::Ranked);
+        row("1 is not", "1", "0", TabSet::UnrankedMaps);
+        row("0 is not", "0", "1", TabSet::UnrankedPlaylists);
+        row("almost 1", "0", "01", TabSet::UnrankedMaps);
     }
     void decidesTheMode()
     {
@@ -166,13 +165,10 @@ private slots:
         Session session(dump(QString("sv_ranked \"%1\"\nplaylist_enabled \"%2\"\n").arg(ranked, playlists)));
         session.connect();
         QTEST(session.server.isRanked(), "isRanked");
-        QStringList labels;
-        for (const TabItem item : session.server.tabItems())
-            labels.append(tabLabel(item));
-        QTEST(labels.join(u','), "tabs");
+        QTEST(session.server.tabSet(), "tabs");
         QVERIFY(session.alerts.shown().isEmpty());
 
-        QSignalSpy arranged(&session.server, &KelServer::tabItemsChanged);
+        QSignalSpy arranged(&session.server, &KelServer::tabSetChanged);
         session.server.setupTabsForPlaylistsAndRanked();
         QVERIFY(arranged.isEmpty()); // already right
     }

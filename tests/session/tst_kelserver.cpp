@@ -149,8 +149,8 @@ private slots:
         QCOMPARE(session.exchange.sent(), QStringList{line});
         QCOMPARE(toLast.size(), isSwitched ? 1 : 0);
         QCOMPARE(session.server.playlistsActive(), playlistsActive);
-        QCOMPARE(session.server.tabItems().contains(TabItem::Playlists), playlistsActive);
-        QCOMPARE(session.server.tabItems().contains(TabItem::Maps), !playlistsActive);
+        QCOMPARE(session.server.tabSet() == TabSet::UnrankedPlaylists, playlistsActive);
+        QCOMPARE(session.server.tabSet() == TabSet::UnrankedMaps, !playlistsActive);
     }
 
     void aCancelledCommandLeavesNoTrace()

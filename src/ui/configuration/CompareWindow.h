@@ -3,33 +3,22 @@
 #include "ArrayController.h"
 #include "ConfigurationComparison.h"
 
-#include <QCheckBox>
 #include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 
 class PlaceholderTable;
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
 
 /// Shows, before anything is written, what a configuration file would change at the server. Deletes itself when closed.
 class CompareWindow : public QDialog
 {
     Q_OBJECT
 public:
-    using Row = ConfigurationComparison::Row;
-
     /// @param fileName  for the title.
     CompareWindow(ConfigurationComparison comparison, const QString &fileName, QWidget *parent);
     ~CompareWindow() override;
-
-    QLineEdit *comparisonFilterField;
-    QCheckBox *showEqualOnes;
-    PlaceholderTable *comparisonTableView;
-    ArrayController<Row> *comparisonController;
-    QLabel *countsLabel;
-    QPushButton *loadOnlyDifferencesButton;
-    QPushButton *copyButton;
-    QPushButton *closeButton;
 
 public slots:
     /// Puts the rows that are shown, as they are shown, on the clipboard: a head line and tabs between the columns.
@@ -47,6 +36,15 @@ private:
     void showRows();
     void updateCopying();
     QString countsText() const;
+
+    QLineEdit *comparisonFilterField;
+    QCheckBox *showEqualOnes;
+    PlaceholderTable *comparisonTableView;
+    ArrayController<ConfigurationComparison::Row> *comparisonController;
+    QLabel *countsLabel;
+    QPushButton *loadOnlyDifferencesButton;
+    QPushButton *copyButton;
+    QPushButton *closeButton;
 
     ConfigurationComparison m_comparison;
 };

@@ -2,25 +2,157 @@
 
 #include "ActionQueue.h"
 #include "Alerts.h"
+#include "ButtonAction.h"
+#include "ColumnLayout.h"
 #include "CompareWindow.h"
 #include "ConfigurationComparison.h"
 #include "ConfigurationLoading.h"
 #include "KelGametype.h"
 #include "KelServer.h"
 #include "KelSettings.h"
+#include "ProgressWindowController.h"
 #include "ReplaceQuestion.h"
 #include "SectionTable.h"
 
 #include <QFileInfo>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeySequence>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
 
 #include <optional>
 #include <utility>
 
+ConfigBuilderView::ConfigBuilderView(KelServer &server, ActionQueue &actions, Alerts &alerts, KelSettings &settings,
+                                     KelGametype &gametypes, QWidget *parent)
+    : TabPage(parent), configBuilderGeneralSettingsTable(new SectionTable(tr("Settings groups"), this)),
+      configBuilderGametypeSettingsTable(new SectionTable(tr("Gametypes"), this)),
+      selectAllButton(new QPushButton(tr("Select All"), this)),
+      selectNoneButton(new QPushButton(tr("Select None"), this)), configSummaryLabel(new QLabel(this)),
+      saveConfigButton(new QPushButton(tr("Save Config…"), this)),
+      loadConfigButton(new QPushButton(tr("Load Config…"), this)),
+      compareConfigButton(new QPushButton(tr("Compare With File…"), this)), m_server(server), m_actions(actions),
+      m_alerts(alerts), m_settings(settings), m_gametypes(gametypes),
+      m_progressWindowController(std::make_unique<ProgressWindowController>(this)),
+      m_loading(std::make_unique<ConfigurationLoading>(server, actions, alerts, *m_progressWindowController))
+{
+    nameControls();
+    layOut();
+    connectControls();
+    showCatalogues();
+}
+
 ConfigBuilderView::~ConfigBuilderView() = default;
 
-ProgressWindowController *ConfigBuilderView::progressWindowController() const
+void ConfigBuilderView::nameControls()
 {
-    return m_loading->progressWindowController();
+    configBuilderGeneralSettingsTable->setObjectName(QStringLiteral("configBuilderGeneralSettingsTable"));
+    configBuilderGeneralSettingsTable->setAccessibleName(tr("Settings groups"));
+    configBuilderGametypeSettingsTable->setObjectName(QStringLiteral("configBuilderGametypeSettingsTable"));
+    configBuilderGametypeSettingsTable->setAccessibleName(tr("Gametypes"));
+    selectAllButton->setObjectName(QStringLiteral("selectAllButton"));
+    selectNoneButton->setObjectName(QStringLiteral("selectNoneButton"));
+    configSummaryLabel->setObjectName(QStringLiteral("configSummaryLabel"));
+    configSummaryLabel->setTextFormat(Qt::PlainText);
+    configSummaryLabel->setWordWrap(true);
+    saveConfigButton->setObjectName(QStringLiteral("saveConfigButton"));
+    loadConfigButton->setObjectName(QStringLiteral("loadConfigButton"));
+    loadConfigButton->setToolTip(tr("Writes every variable of a file to the server"));
+    compareConfigButton->setObjectName(QStringLiteral("compareConfigButton"));
+    compareConfigButton->setToolTip(tr("Shows what a file would change before anything is written"));
+}
+
+void ConfigBuilderView::layOut()
+{
+    auto *guide = new QLabel(tr("Select what goes into the file. The sections of each table stand there in the order "
+                                "in which they were selected."),
+                             this);
+    guide->setWordWrap(true);
+    auto *tables = new QHBoxLayout;
+    tables->addWidget(configBuilderGeneralSettingsTable);
+    tables->addWidget(configBuilderGametypeSettingsTable);
+    auto *choosing = new QHBoxLayout;
+    choosing->addWidget(selectAllButton);
+    choosing->addWidget(selectNoneButton);
+    choosing->addSpacing(12);
+    choosing->addWidget(configSummaryLabel, 1);
+    auto *files = new QHBoxLayout;
+    files->addWidget(saveConfigButton);
+    files->addSpacing(12);
+    files->addWidget(loadConfigButton);
+    files->addWidget(compareConfigButton);
+    files->addStretch();
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(guide);
+    layout->addLayout(tables, 1);
+    layout->addLayout(choosing);
+    layout->addLayout(files);
+    setFocusProxy(configBuilderGeneralSettingsTable);
+}
+
+void ConfigBuilderView::connectControls()
+{
+    connect(saveConfigButton, &QPushButton::clicked, this, &ConfigBuilderView::saveConfigButtonPressed);
+    connect(loadConfigButton, &QPushButton::clicked, this, &ConfigBuilderView::loadConfigButtonPressed);
+    connect(compareConfigButton, &QPushButton::clicked, this, &ConfigBuilderView::compareConfigButtonPressed);
+    connect(selectAllButton, &QPushButton::clicked, this, &ConfigBuilderView::selectAllRows);
+    connect(selectNoneButton, &QPushButton::clicked, this, &ConfigBuilderView::selectNoRows);
+    for (SectionTable *table : {configBuilderGeneralSettingsTable, configBuilderGametypeSettingsTable})
+        connect(table, &SectionTable::choiceChanged, this, &ConfigBuilderView::updateSummary);
+    connect(&m_settings, &KelSettings::sortedSettingsValuesChanged, this, &ConfigBuilderView::showCatalogues);
+    connect(&m_gametypes, &KelGametype::gametypeListChanged, this, &ConfigBuilderView::showCatalogues);
+    connect(&m_server, &KelServer::dvarListChanged, this, &ConfigBuilderView::showCatalogues);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &ConfigBuilderView::updateButtons);
+    connect(m_loading.get(), &ConfigurationLoading::isUnderWayChanged, this, &ConfigBuilderView::followLoading);
+}
+
+void ConfigBuilderView::showCatalogues()
+{
+    const QHash<QString, QString> dvars = m_server.dvarList();
+    configBuilderGeneralSettingsTable->showLists(m_settings.sortedSettingsValues(), dvars);
+    configBuilderGametypeSettingsTable->showLists(m_gametypes.listedGametypes(), dvars);
+    updateSummary();
+    updateButtons();
+}
+
+/// "1 group", "3 groups"
+static QString counted(qsizetype count, const QString &one, const QString &several)
+{
+    return count == 1 ? one : several.arg(count);
+}
+
+void ConfigBuilderView::updateSummary()
+{
+    const ConfigurationContent content = selectedContent();
+    const QString groups = counted(content.groups.size(), tr("1 group"), tr("%1 groups"));
+    const QString gametypes = counted(content.gametypes.size(), tr("1 gametype"), tr("%1 gametypes"));
+    const QString variables = counted(writtenEntries(content).size(), tr("1 variable"), tr("%1 variables"));
+    configSummaryLabel->setText(tr("Saving writes %1, %2, %3.").arg(groups, gametypes, variables));
+}
+
+void ConfigBuilderView::followLoading(bool isUnderWay)
+{
+    QWidget *focused = window()->focusWidget();
+    if (isUnderWay)
+        m_focusedBefore = focused == loadConfigButton || focused == compareConfigButton ? focused : nullptr;
+    updateButtons();
+    if (!isUnderWay && m_focusedBefore != nullptr)
+        m_focusedBefore->setFocus();
+}
+
+void ConfigBuilderView::updateButtons()
+{
+    const bool isConnected = m_server.isConnected();
+    saveConfigButton->setEnabled(!m_server.dvarList().isEmpty()); // the last values, also when the server has gone
+    for (QPushButton *button : {loadConfigButton, compareConfigButton})
+        button->setEnabled(isConnected && !m_loading->isUnderWay());
+    configBuilderGeneralSettingsTable->setPlaceholder(
+        isConnected ? tr("The catalogue has no groups.") : tr("Not connected. Connect to a server to see its groups."));
+    configBuilderGametypeSettingsTable->setPlaceholder(
+        isConnected ? tr("The catalogue has no gametypes.")
+                    : tr("Not connected. Connect to a server to see its gametypes."));
 }
 
 ConfigurationContent ConfigBuilderView::selectedContent() const
@@ -119,4 +251,39 @@ void ConfigBuilderView::selectNoRows()
 {
     configBuilderGeneralSettingsTable->clearSelection();
     configBuilderGametypeSettingsTable->clearSelection();
+}
+
+void ConfigBuilderView::fillMenu(QMenu &menu)
+{
+    addButtonAction(menu, tr("&Save Config…"), QKeySequence(), saveConfigButton);
+    addButtonAction(menu, tr("&Load Config…"), QKeySequence(), loadConfigButton);
+    addButtonAction(menu, tr("&Compare With File…"), QKeySequence(), compareConfigButton);
+}
+
+void ConfigBuilderView::setInFront(bool isInFront)
+{
+    if (isInFront && ++m_visits == 2)
+        selectAllRows();
+}
+
+static QString groupsKey()
+{
+    return QStringLiteral("window/configGroups");
+}
+
+static QString gametypesKey()
+{
+    return QStringLiteral("window/configGametypes");
+}
+
+void ConfigBuilderView::restoreLayout(const Preferences &preferences)
+{
+    restoreColumns(preferences, groupsKey(), *configBuilderGeneralSettingsTable->horizontalHeader());
+    restoreColumns(preferences, gametypesKey(), *configBuilderGametypeSettingsTable->horizontalHeader());
+}
+
+void ConfigBuilderView::saveLayout(Preferences &preferences) const
+{
+    saveColumns(preferences, groupsKey(), *configBuilderGeneralSettingsTable->horizontalHeader());
+    saveColumns(preferences, gametypesKey(), *configBuilderGametypeSettingsTable->horizontalHeader());
 }

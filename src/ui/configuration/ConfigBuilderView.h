@@ -1,14 +1,13 @@
 #pragma once
 
 #include "ConfigurationText.h"
+#include "TabPage.h"
 
 #include <QCoroTask>
 
 #include <QDir>
 #include <QFileDialog>
-#include <QLabel>
-#include <QPushButton>
-#include <QWidget>
+#include <QString>
 
 #include <functional>
 #include <memory>
@@ -21,10 +20,12 @@ class KelGametype;
 class KelServer;
 class KelSettings;
 class ProgressWindowController;
+class QLabel;
+class QPushButton;
 class SectionTable;
 
 /// Writes the server's settings into a configuration file, and loads such a file into the server or compares it.
-class ConfigBuilderView : public QWidget
+class ConfigBuilderView : public TabPage
 {
     Q_OBJECT
 public:
@@ -36,17 +37,11 @@ public:
     /// Writes `content` to `path`, with the extension "cfg" if it has another or none; asks first if the file exists.
     QCoro::Task<> saveConfigTo(QString path, ConfigurationContent content);
 
-    /// The progress sheet of a loading, while it is shown; else null.
-    ProgressWindowController *progressWindowController() const;
-
-    SectionTable *configBuilderGeneralSettingsTable;
-    SectionTable *configBuilderGametypeSettingsTable;
-    QPushButton *selectAllButton;
-    QPushButton *selectNoneButton;
-    QLabel *configSummaryLabel; ///< what saving would write
-    QPushButton *saveConfigButton;
-    QPushButton *loadConfigButton;
-    QPushButton *compareConfigButton;
+    void fillMenu(QMenu &menu) override;
+    /// The second visit selects all rows.
+    void setInFront(bool isInFront) override;
+    void restoreLayout(const Preferences &preferences) override;
+    void saveLayout(Preferences &preferences) const override;
 
 public slots:
     void saveConfigButtonPressed();
@@ -72,12 +67,23 @@ private:
     QCoro::Task<> compare(QString path, ConfigurationContent everything);
     void showComparison(const ConfigurationComparison &comparison, const QString &fileName);
 
+    SectionTable *configBuilderGeneralSettingsTable;
+    SectionTable *configBuilderGametypeSettingsTable;
+    QPushButton *selectAllButton;
+    QPushButton *selectNoneButton;
+    QLabel *configSummaryLabel; ///< what saving would write
+    QPushButton *saveConfigButton;
+    QPushButton *loadConfigButton;
+    QPushButton *compareConfigButton;
+
     KelServer &m_server;
     ActionQueue &m_actions;
     Alerts &m_alerts;
     KelSettings &m_settings;
     KelGametype &m_gametypes;
+    std::unique_ptr<ProgressWindowController> m_progressWindowController; ///< of the loading
     std::unique_ptr<ConfigurationLoading> m_loading;
+    int m_visits = 0;
     QWidget *m_focusedBefore = nullptr;  ///< the loading
     QString m_folder = QDir::homePath(); ///< of the file that was chosen last
 };

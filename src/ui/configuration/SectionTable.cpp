@@ -7,19 +7,18 @@
 
 #include <algorithm>
 
-static QList<ArrayController<SectionTable::Row>::Column> sectionColumns(const QString &title)
+QList<ArrayController<SectionTable::Row>::Column> SectionTable::columns(const QString &title)
 {
-    using Row = SectionTable::Row;
     return {
         {title, [](const Row &row) { return row.name; }, nullptr, Qt::AlignLeft | Qt::AlignVCenter},
-        {SectionTable::tr("Variables"), [](const Row &row) { return QString::number(row.reported); },
+        {tr("Variables"), [](const Row &row) { return QString::number(row.reported); },
          [](const Row &row) { return QVariant(row.reported); }, Qt::AlignRight | Qt::AlignVCenter},
     };
 }
 
 SectionTable::SectionTable(const QString &title, QWidget *parent)
     : PlaceholderTable(parent), controller(new ArrayController<Row>(
-                                    sectionColumns(title), [](const Row &row) { return row.name; }, this))
+                                    columns(title), [](const Row &row) { return row.name; }, this))
 {
     setModel(controller->arranged());
     setSelectionModel(controller->selection());

@@ -17,13 +17,6 @@ class SectionTable : public PlaceholderTable
     Q_OBJECT
 public:
     using Lists = QList<std::shared_ptr<DvarSettingList>>;
-    struct Row {
-        QString name;
-        int reported = 0; ///< how many of its variables the server has
-        std::shared_ptr<DvarSettingList> list;
-
-        bool operator==(const Row &) const = default;
-    };
 
     /// @param title  what a row is, as the head of the first column.
     explicit SectionTable(const QString &title, QWidget *parent = nullptr);
@@ -36,13 +29,21 @@ public:
     /// Selects all rows, in the order of the table.
     void selectEveryRow();
 
-    ArrayController<Row> *const controller;
-
 signals:
     void choiceChanged();
 
 private:
+    struct Row {
+        QString name;
+        int reported = 0; ///< how many of its variables the server has
+        std::shared_ptr<DvarSettingList> list;
+
+        bool operator==(const Row &) const = default;
+    };
+
+    static QList<ArrayController<Row>::Column> columns(const QString &title);
     void selectionDidChange();
 
+    ArrayController<Row> *const controller;
     QStringList m_order; ///< names
 };

@@ -8,10 +8,11 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QVBoxLayout>
 
 ConsoleView::ConsoleView(KelServer &server, ActionQueue &actions, QWidget *parent)
-    : QWidget(parent), consoleOutput(new TranscriptView(this)), consoleInput(new QLineEdit(this)),
+    : TabPage(parent), consoleOutput(new TranscriptView(this)), consoleInput(new QLineEdit(this)),
       numericUpDownCommandCursor(new HistoryStepper(this)), m_server(server), m_actions(actions)
 {
     consoleOutput->setObjectName(QStringLiteral("consoleOutput"));
@@ -95,5 +96,5 @@ bool ConsoleView::eventFilter(QObject *watched, QEvent *event)
             return true;
         }
     }
-    return QWidget::eventFilter(watched, event);
+    return TabPage::eventFilter(watched, event);
 }

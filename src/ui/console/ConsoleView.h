@@ -1,26 +1,20 @@
 #pragma once
 
-#include <QCoroTask>
-
-#include <QLineEdit>
-#include <QWidget>
+#include "TabPage.h"
 
 class ActionQueue;
 class HistoryStepper;
 class KelServer;
+class QLineEdit;
 class TranscriptView;
 
 /// The raw console: transcript, command line and history.
-class ConsoleView : public QWidget
+class ConsoleView : public TabPage
 {
     Q_OBJECT
 public:
     /// `server` and `actions` outlive the view.
     ConsoleView(KelServer &server, ActionQueue &actions, QWidget *parent = nullptr);
-
-    TranscriptView *consoleOutput;
-    QLineEdit *consoleInput;
-    HistoryStepper *numericUpDownCommandCursor;
 
 public slots:
     void consoleInputDidChange();
@@ -32,6 +26,10 @@ protected:
 private:
     void connectionDidChange();
     QCoro::Task<> sendLine(QString line);
+
+    TranscriptView *consoleOutput;
+    QLineEdit *consoleInput;
+    HistoryStepper *numericUpDownCommandCursor;
 
     KelServer &m_server;
     ActionQueue &m_actions;

@@ -1,51 +1,121 @@
 #include "MapsView.h"
 
-#include "Alerts.h"
+#include "ActionQueue.h"
+#include "ButtonAction.h"
+#include "CommandFailure.h"
+#include "CurrentMapPane.h"
 #include "DvarSettingList.h"
-#include "ElidingField.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
+#include "KelMapRotation.h"
 #include "KelServer.h"
-#include "Preferences.h"
+#include "LoadMapPane.h"
+#include "MapGametypePairWindowController.h"
+#include "RotationPane.h"
+#include "ServerRotationPane.h"
 
+#include <QHBoxLayout>
 #include <QHash>
-#include <QSet>
-#include <QSignalBlocker>
+#include <QKeySequence>
+#include <QMenu>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QVBoxLayout>
 
-#include <algorithm>
-#include <chrono>
-#include <utility>
+#include <optional>
 
-MapsView::~MapsView() = default;
+static const QString builderColumnsKey = QStringLiteral("window/rotationBuilder");
 
-void MapsView::refreshCurrentMapButtonPressed()
+// The Tab key goes through the panes in the order in which they are made: top to bottom, left to right.
+MapsView::MapsView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
+                   const GameCatalogues &catalogues, KelMapRotation &rotations, QWidget *parent)
+    : TabPage(parent), currentMapPane(new CurrentMapPane(server, actions, alerts, preferences, catalogues, this)),
+      loadMapPane(new LoadMapPane(server, actions, alerts, catalogues, this)),
+      serverRotationPane(new ServerRotationPane(server, catalogues, this)),
+      rotationPane(new RotationPane(rotations, mapRotationLabels(), actions, alerts, this)),
+      addMapButton(new QPushButton(tr("Add Map…"), this)),
+      setBuiltRotationButton(new QPushButton(tr("Set on Server"), this)), m_server(server), m_actions(actions),
+      m_alerts(alerts), m_gametypes(catalogues.gametypes), m_maps(catalogues.maps), m_rotations(rotations)
 {
-    // One that waits for its turn will fetch what this one would.
-    if (m_isRefreshWaiting || !m_server.isConnected())
-        return;
-    m_isRefreshWaiting = true;
-    m_actions.start(refresh());
+    setFocusProxy(loadMapPane->focusTarget());
+    nameControls();
+    layOut();
+    connectControls();
 }
 
-void MapsView::updateMapsTimer()
+void MapsView::nameControls()
 {
-    refreshCurrentMapButtonPressed();
+    addMapButton->setObjectName(QStringLiteral("addMapButton"));
+    setBuiltRotationButton->setObjectName(QStringLiteral("setBuiltRotationButton"));
+    setBuiltRotationButton->setToolTip(tr("Make this the server's rotation and start its first map"));
+    rotationPane->addButtonAtFront(addMapButton);
+    rotationPane->addButtonAtEnd(setBuiltRotationButton);
+    rotationPane->setTakeRows([this](const QList<QStringList> &rows) { return takeRows(rows); });
 }
 
-QCoro::Task<> MapsView::refresh()
+void MapsView::layOut()
 {
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    m_isRefreshWaiting = false;
-    if (!turn)
-        co_return;
-    co_await updateMapList(GametypeFlag | MapFlag);
+    auto *rotation = new QVBoxLayout;
+    rotation->addWidget(serverRotationPane, 2);
+    rotation->addSpacing(4);
+    rotation->addWidget(rotationPane, 3);
+    auto *below = new QHBoxLayout;
+    below->addWidget(loadMapPane, 2);
+    below->addSpacing(8);
+    below->addLayout(rotation, 3);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(currentMapPane);
+    layout->addSpacing(8);
+    layout->addLayout(below, 1);
 }
 
-void MapsView::forgetServer()
+void MapsView::connectControls()
 {
-    currentGameTypeField->showText({});
-    currentMapField->showText({});
-    mapServerRotationController->mergeContent({});
+    connect(loadMapPane, &LoadMapPane::gametypeSet, currentMapPane, &CurrentMapPane::showGametype);
+    connect(loadMapPane, &LoadMapPane::mapLoaded, currentMapPane, &CurrentMapPane::showMap);
+    connect(serverRotationPane, &ServerRotationPane::copyToBuilderRequested, this,
+            &MapsView::copyCurrentMapRotationToBuilderButtonPressed);
+    connect(addMapButton, &QPushButton::clicked, this, &MapsView::addMapToRotationMenuItemClicked);
+    connect(setBuiltRotationButton, &QPushButton::clicked, this, &MapsView::setBuiltRotationButtonPressed);
+}
+
+void MapsView::fillMenu(QMenu &menu)
+{
+    currentMapPane->fillMenu(menu);
+    loadMapPane->fillMenu(menu);
+    menu.addSeparator();
+    serverRotationPane->fillMenu(menu);
+    addButtonAction(menu, tr("&Add Map…"), QKeySequence(), addMapButton);
+    addButtonAction(menu, tr("Set Rotation &on Server"), QKeySequence(), setBuiltRotationButton);
+}
+
+PageDocument *MapsView::document()
+{
+    return rotationPane;
+}
+
+QCoro::Task<> MapsView::didConnect()
+{
+    co_await updateMapList(AllFlags);
+    if (m_server.isConnected())
+        currentMapPane->autoupdateMapsChanged();
+}
+
+void MapsView::willDisconnect()
+{
+    currentMapPane->stopAutoupdateMapsTimer();
+}
+
+void MapsView::restoreLayout(const Preferences &preferences)
+{
+    serverRotationPane->restoreLayout(preferences);
+    rotationPane->restoreColumns(preferences, builderColumnsKey);
+}
+
+void MapsView::saveLayout(Preferences &preferences) const
+{
+    serverRotationPane->saveLayout(preferences);
+    rotationPane->saveColumns(preferences, builderColumnsKey);
 }
 
 QCoro::Task<> MapsView::updateMapList(int flags)
@@ -54,190 +124,118 @@ QCoro::Task<> MapsView::updateMapList(int flags)
         co_return;
     QString gametype;
     if ((flags & (GametypeFlag | RotationFlag)) != 0) {
-        const QString query = QStringLiteral("g_gametype");
-        const Reply reply = co_await m_server.sendCommand(query);
-        if (reply.isCancelled || !m_server.isConnected())
+        const std::optional<QString> told = co_await currentMapPane->updateGametype();
+        if (!told)
             co_return;
-        if (reply.isSuccess())
-            gametype = m_gametypes.findGametypeByDvar(parseMapResponse(reply.text));
-        currentGameTypeField->showText(gametype);
+        gametype = *told;
     }
     if ((flags & MapFlag) != 0) {
-        const QString query = QStringLiteral("mapname");
-        const Reply reply = co_await m_server.sendCommand(query);
-        if (reply.isCancelled || !m_server.isConnected())
+        const std::optional<QString> told = co_await currentMapPane->updateMap();
+        if (!told)
             co_return;
-        QString map;
-        if (reply.isSuccess())
-            map = m_maps.findMapByDvar(parseMapResponse(reply.text));
-        currentMapField->showText(map);
     }
-    if ((flags & RotationFlag) != 0) {
-        const QString query = QStringLiteral("sv_mapRotation");
-        const Reply reply = co_await m_server.sendCommand(query);
-        if (!reply.isSuccess() || reply.isCancelled || !m_server.isConnected())
-            co_return;
-        showRotation(parseMapResponse(reply.text), gametype);
-    }
+    if ((flags & RotationFlag) != 0)
+        co_await serverRotationPane->updateRotation(gametype);
 }
 
-/// Asks `find` once for each of the names that it knows: a rotation from outside may be long, and finding is slow.
-static NameLookup remembering(QSet<QString> known, NameLookup find)
+void MapsView::addMapToRotationMenuItemClicked()
 {
-    return [known = std::move(known), find = std::move(find),
-            found = QHash<QString, QString>()](const QString &dvarName) mutable {
-        if (!known.contains(dvarName))
-            return dvarName;
-        auto name = found.constFind(dvarName);
-        if (name == found.constEnd())
-            name = found.insert(dvarName, find(dvarName));
-        return *name;
+    if (mapGametypePairWindowController == nullptr) {
+        mapGametypePairWindowController = new MapGametypePairWindowController(m_maps, m_gametypes, window());
+        connect(mapGametypePairWindowController, &MapGametypePairWindowController::didPickMap, this,
+                [this](const QString &map, const QString &gametype) {
+                    m_actions.start(m_rotations.addToRotation(map, gametype));
+                    rotationPane->scrollToEnd();
+                });
+    }
+    mapGametypePairWindowController->setMode(MapGametypePairWindowController::Mode::MapRotationEntry);
+    mapGametypePairWindowController->open();
+}
+
+void MapsView::setBuiltRotationButtonPressed()
+{
+    QList<RotationRow> rows;
+    for (const auto &entry : m_rotations.entries())
+        rows.append(RotationRow{entry->map, entry->gametype});
+    const QHash<QString, MapInst> maps = m_maps.list();
+    const auto findMapDvar = [&maps](const QString &name) -> QString {
+        return maps.value(name).dvarName;
     };
+    const auto findGametypeDvar = [this](const QString &name) -> QString {
+        const auto gametype = m_gametypes.findGametypeByName(name);
+        return gametype == nullptr ? QString() : gametype->dvarName();
+    };
+    const BuiltRotation built = buildRotation(rows, findMapDvar, findGametypeDvar);
+    m_actions.start(built.isComplete() ? setBuiltRotation(built.text) : tellOfUnknownNames(built));
 }
 
-void MapsView::showRotation(const QString &rotation, const QString &gametype)
+QCoro::Task<> MapsView::tellOfUnknownNames(BuiltRotation built)
 {
-    QSet<QString> maps;
-    for (const MapInst &map : m_maps.arrangedMaps())
-        maps.insert(map.dvarName);
-    QSet<QString> gametypes;
-    for (const auto &each : m_gametypes.arrangedGametypes())
-        gametypes.insert(each->dvarName());
-    const NameLookup findMap =
-        remembering(maps, [this](const QString &dvarName) { return m_maps.findMapByDvar(dvarName); });
-    const NameLookup findGametype =
-        remembering(gametypes, [this](const QString &dvarName) { return m_gametypes.findGametypeByDvar(dvarName); });
-    // A rotation names the same pair again and again, so that no row of the new one is a certain row of the old.
-    mapServerRotationController->mergeContent({});
-    mapServerRotationController->mergeContent(parseRotation(rotation, gametype, findMap, findGametype));
+    constexpr qsizetype mostNames = 10;
+    QStringList names = built.unknownMaps + built.unknownGametypes;
+    names.replaceInStrings(QRegularExpression(QStringLiteral("^\\s*$")), tr("(no name)"));
+    if (names.size() > mostNames)
+        names = names.mid(0, mostNames) + QStringList(QStringLiteral("…"));
+    const QString text = tr("The catalogues do not know these maps or gametypes:\n\n%1\n\nNothing was sent to the "
+                            "server. Remove them from the rotation, or add them to the catalogues.")
+                             .arg(names.join(QLatin1Char('\n')));
+    co_await m_alerts.run(tr("Rotation Not Set"), text);
 }
 
-void MapsView::autoupdateMapsChanged()
-{
-    stopAutoupdateMapsTimer();
-    if (!m_preferences.boolValue(QStringLiteral("autoupdateMaps")))
-        return;
-    const int seconds = m_preferences.intValue(QStringLiteral("autoupdateMapsInterval"),
-                                               autoupdateMapsInterval->minimum(), autoupdateMapsInterval->maximum());
-    autoupdateMapsTimer.start(std::chrono::seconds(seconds));
-}
-
-void MapsView::stopAutoupdateMapsTimer()
-{
-    autoupdateMapsTimer.stop();
-}
-
-void MapsView::restartMapButtonPressed()
-{
-    m_actions.start(command(QStringLiteral("map_restart")));
-}
-
-void MapsView::fastRestartMapButtonPressed()
-{
-    m_actions.start(command(QStringLiteral("fast_restart")));
-}
-
-void MapsView::startNextMapButtonPressed()
-{
-    m_actions.start(command(QStringLiteral("map_rotate")));
-}
-
-QCoro::Task<> MapsView::command(QString line)
+QCoro::Task<> MapsView::setBuiltRotation(QString rotation)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
     if (!turn)
         co_return;
+    serverRotationPane->clear(); // what stood there is no longer certain
+    const QStringList variables{QStringLiteral("sv_mapRotation"), QStringLiteral("sv_mapRotationCurrent")};
+    for (const QString &variable : variables) {
+        const Reply reply = co_await m_server.setDvar(variable, rotation);
+        if (!turn || reply.isCancelled)
+            co_return;
+        if (!reply.isSuccess()) {
+            co_await tellOfFailure(m_alerts, variable, reply.text);
+            co_return;
+        }
+    }
+    const QString line = QStringLiteral("map_rotate");
     const Reply reply = co_await m_server.sendCommand(line);
-    if (turn && !reply.isCancelled && !reply.isSuccess())
-        co_await tellOfFailure(line, reply.text);
-}
-
-QCoro::Task<> MapsView::tellOfFailure(QString command, QString error)
-{
-    const QString text = tr("'%1' returned an error: %2").arg(command, error);
-    co_await m_alerts.run(tr("Remote Command Failure"), text);
-}
-
-MapInst MapsView::selectedMap() const
-{
-    const QList<MapInst> selected = mapListController->selectedObjects();
-    return selected.isEmpty() ? MapInst() : selected.last();
-}
-
-MapsView::Choice MapsView::choice() const
-{
-    Choice chosen{gametypePopUpButton->currentText(), {}, selectedMap()};
-    if (const auto gametype = m_gametypes.findGametypeByName(chosen.gametypeTitle))
-        chosen.gametypeDvarName = gametype->dvarName();
-    return chosen;
-}
-
-void MapsView::loadMapButtonPressed()
-{
-    Choice chosen = choice();
-    m_actions.start(chosen.isComplete() ? loadMap(std::move(chosen)) : tellOfMissingChoice());
-}
-
-QCoro::Task<> MapsView::tellOfMissingChoice()
-{
-    co_await m_alerts.run(tr("Load Map"), tr("Select a gametype and a map first."));
-}
-
-QCoro::Task<> MapsView::loadMap(Choice chosen)
-{
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
+    if (!turn || reply.isCancelled)
         co_return;
-    const QString variable = QStringLiteral("g_gametype");
-    const Reply written = co_await m_server.setDvar(variable, chosen.gametypeDvarName);
-    if (!turn || written.isCancelled)
-        co_return;
-    if (!written.isSuccess()) {
-        co_await tellOfFailure(variable, written.text);
+    if (!reply.isSuccess()) {
+        co_await tellOfFailure(m_alerts, line, reply.text);
         co_return;
     }
-    currentGameTypeField->showText(chosen.gametypeTitle);
-    const QString line = QStringLiteral("map %1").arg(chosen.map.dvarName);
-    const Reply loaded = co_await m_server.sendCommand(line);
-    if (!turn || loaded.isCancelled)
+    co_await updateMapList(AllFlags);
+}
+
+void MapsView::copyCurrentMapRotationToBuilderButtonPressed()
+{
+    m_actions.start(copyToBuilder(serverRotationPane->rows()));
+}
+
+QCoro::Task<> MapsView::copyToBuilder(QList<RotationRow> rows)
+{
+    const bool goesOn = co_await m_rotations.saveUnsavedChanges();
+    if (!goesOn)
         co_return;
-    if (loaded.isSuccess()) {
-        currentMapField->showText(chosen.map.name);
-        co_return;
+    QList<MapRotationInst> entries;
+    for (const RotationRow &row : std::as_const(rows))
+        entries.append(MapRotationInst{row.map, row.gametype});
+    co_await m_rotations.replaceEntries(entries);
+}
+
+QList<qsizetype> MapsView::takeRows(const QList<QStringList> &rows)
+{
+    QList<qsizetype> misfits;
+    QList<MapRotationInst> added;
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        const QStringList &texts = rows.at(i);
+        if (texts.size() == 2 && !texts.first().isEmpty() && !texts.last().isEmpty())
+            added.append(MapRotationInst{texts.first(), texts.last()});
+        else
+            misfits.append(i);
     }
-    const QString word = QStringLiteral("map");
-    co_await tellOfFailure(word, loaded.text);
-}
-
-void MapsView::gametypeListDidChange()
-{
-    const QString chosen = gametypePopUpButton->currentText();
-    const QSignalBlocker blocker(gametypePopUpButton); // the choices in between are nobody's
-    gametypePopUpButton->clear();
-    for (const auto &gametype : m_gametypes.listedGametypes())
-        gametypePopUpButton->addItem(gametype->name());
-    const int index = gametypePopUpButton->findText(chosen, Qt::MatchExactly | Qt::MatchCaseSensitive);
-    if (gametypePopUpButton->count() > 0)
-        gametypePopUpButton->setCurrentIndex(std::max(index, 0));
-    choiceDidChange();
-}
-
-void MapsView::mapListDidChange()
-{
-    const QHash<QString, MapInst> listed = m_maps.filteredList();
-    QSet<QString> shown;
-    QList<MapInst> maps;
-    for (const MapInst &map : m_maps.arrangedMaps()) {
-        if (listed.value(map.name) != map || !listed.contains(map.name) || shown.contains(map.name))
-            continue;
-        shown.insert(map.name);
-        maps.append(map);
-    }
-    mapListController->mergeContent(maps);
-    choiceDidChange();
-}
-
-void MapsView::choiceDidChange()
-{
-    loadMapButton->setEnabled(choice().isComplete());
+    m_actions.start(m_rotations.addEntries(added));
+    return misfits;
 }

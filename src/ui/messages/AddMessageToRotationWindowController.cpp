@@ -5,6 +5,9 @@
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 
 AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMessage addMessage, QWidget *parent)
     : QDialog(parent, Qt::Sheet), messageTextField(new QLineEdit(this)), durationTextField(new QLineEdit(this)),
@@ -47,6 +50,11 @@ AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMe
     connect(addButton, &QPushButton::clicked, this, &AddMessageToRotationWindowController::addButtonPressed);
     connect(closeButton, &QPushButton::clicked, this, &AddMessageToRotationWindowController::closeButtonPressed);
     controlTextDidChange();
+}
+
+bool AddMessageToRotationWindowController::addButtonEnabled() const
+{
+    return addButton->isEnabled();
 }
 
 void AddMessageToRotationWindowController::controlTextDidChange()

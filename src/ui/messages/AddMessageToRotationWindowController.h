@@ -1,11 +1,12 @@
 #pragma once
 
 #include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 
 #include <functional>
+
+class QLabel;
+class QLineEdit;
+class QPushButton;
 
 /// The sheet that adds messages to the open rotation, one after another, until it is closed.
 class AddMessageToRotationWindowController : public QDialog
@@ -18,11 +19,7 @@ public:
     /// outlives the sheet.
     explicit AddMessageToRotationWindowController(AddMessage addMessage, QWidget *parent = nullptr);
 
-    bool addButtonEnabled() const { return addButton->isEnabled(); }
-
-    QLineEdit *messageTextField;
-    QLineEdit *durationTextField;
-    QPushButton *addButton;
+    bool addButtonEnabled() const;
 
 public slots:
     void controlTextDidChange();
@@ -30,6 +27,9 @@ public slots:
     void closeButtonPressed() { done(QDialog::Rejected); }
 
 private:
+    QLineEdit *messageTextField;
+    QLineEdit *durationTextField;
+    QPushButton *addButton;
     QLabel *m_unsendableLabel;
     QLabel *m_durationHint;
     const AddMessage m_addMessage;

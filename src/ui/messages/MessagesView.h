@@ -1,13 +1,9 @@
 #pragma once
 
-#include <QCheckBox>
-#include <QLabel>
-#include <QPointer>
-#include <QPushButton>
-#include <QTimer>
-#include <QWidget>
+#include "TabPage.h"
 
-#include <memory>
+#include <QPointer>
+#include <QTimer>
 
 class ActionQueue;
 class AddMessageToRotationWindowController;
@@ -15,34 +11,25 @@ class Alerts;
 class ColorPreview;
 class KelMessageRotation;
 class OnAirDelegate;
-class Preferences;
-class QMenu;
+class QCheckBox;
+class QLabel;
+class QPushButton;
 class QuickMessageField;
 class RotationPane;
 
 /// The rotation of chat messages with what plays it, and the message that is sent at once.
-class MessagesView : public QWidget
+class MessagesView : public TabPage
 {
     Q_OBJECT
 public:
     /// Everything handed in outlives the view.
     MessagesView(KelMessageRotation &messages, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
                  QWidget *parent = nullptr);
-    ~MessagesView() override;
 
-    RotationPane *rotationPane;
-    QPushButton *addMessageButton;
-    QPushButton *buttonStartMessageRotation;
-    QPushButton *buttonStopMessageRotation;
-    QCheckBox *checkBoxLoopMessages;
-    QLabel *onAirLabel;
-    QuickMessageField *quickMessageTextField;
-    QPushButton *colorButton;
-    QPushButton *quickMessageButton;
-    ColorPreview *colorPreview;
-    QLabel *unsendableLabel;
-    /// The Add Message sheet while it is open.
-    QPointer<AddMessageToRotationWindowController> addMessageToRotationWindowController;
+    void fillMenu(QMenu &menu) override;
+    PageDocument *document() override;
+    void restoreLayout(const Preferences &preferences) override;
+    void saveLayout(Preferences &preferences) const override;
 
 public slots:
     void addMessageToRotationMenuItemClicked();
@@ -63,6 +50,20 @@ private:
     void updateOnAir();
     QString onAirText() const;
     QList<qsizetype> takeRows(const QList<QStringList> &rows);
+
+    RotationPane *rotationPane;
+    QPushButton *addMessageButton;
+    QPushButton *buttonStartMessageRotation;
+    QPushButton *buttonStopMessageRotation;
+    QCheckBox *checkBoxLoopMessages;
+    QLabel *onAirLabel;
+    QuickMessageField *quickMessageTextField;
+    QPushButton *colorButton;
+    QPushButton *quickMessageButton;
+    ColorPreview *colorPreview;
+    QLabel *unsendableLabel;
+    /// The Add Message sheet while it is open.
+    QPointer<AddMessageToRotationWindowController> addMessageToRotationWindowController;
 
     KelMessageRotation &m_messages;
     ActionQueue &m_actions;

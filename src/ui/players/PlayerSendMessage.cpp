@@ -2,6 +2,9 @@
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 
 PlayerSendMessage::PlayerSendMessage(QWidget *parent)
     : QDialog(parent, Qt::Sheet), messageTextField(new QLineEdit(this)), sendButton(new QPushButton(tr("Send"), this)),
@@ -46,6 +49,11 @@ void PlayerSendMessage::setRecipients(const QStringList &names)
     if (names.size() > mostNames)
         text = tr("%1 and %2 more").arg(text).arg(names.size() - mostNames);
     m_recipients->setText(text);
+}
+
+QString PlayerSendMessage::messageString() const
+{
+    return messageTextField->text();
 }
 
 void PlayerSendMessage::sendPressed()

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
+
+class QLabel;
+class QLineEdit;
+class QPushButton;
 
 /// The panel in which a private message is written. Closing it any other way than by "Send" leaves no message.
 class PlayerSendMessage : public QDialog
@@ -15,10 +16,7 @@ public:
     void reset();
     /// Names who will read the message.
     void setRecipients(const QStringList &names);
-    QString messageString() const { return messageTextField->text(); }
-
-    QLineEdit *messageTextField;
-    QPushButton *sendButton;
+    QString messageString() const;
 
 public slots:
     void sendPressed();
@@ -27,5 +25,7 @@ public slots:
     void reject() override { cancelPressed(); }
 
 private:
+    QLineEdit *messageTextField;
+    QPushButton *sendButton;
     QLabel *m_recipients;
 };

@@ -1,43 +1,194 @@
 #include "PlayersView.h"
 
+#include "ActionQueue.h"
 #include "Alerts.h"
+#include "ButtonAction.h"
+#include "ColumnLayout.h"
 #include "KelServer.h"
 #include "PlaceholderTable.h"
+#include "PlayerColumns.h"
+#include "PlayerCommands.h"
 #include "PlayerListFile.h"
 #include "PlayerSendMessage.h"
 #include "Preferences.h"
 #include "ReplaceQuestion.h"
 
+#include <QCheckBox>
 #include <QDir>
 #include <QFileDialog>
-#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTimer>
+#include <QVBoxLayout>
 
-using namespace std::chrono_literals;
-
-static constexpr std::chrono::seconds noRefresh{-1};
-
-static bool isSpaceOrNewline(QChar c)
+PlayersView::PlayersView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
+                         QWidget *parent)
+    : TabPage(parent), refreshPlayersButton(new QPushButton(tr("Refresh"), this)),
+      kickPlayerButton(new QPushButton(tr("Kick"), this)), banPlayerButton(new QPushButton(tr("Ban"), this)),
+      tempBanPlayerButton(new QPushButton(tr("Temp Ban"), this)),
+      messagePlayerButton(new QPushButton(tr("Message…"), this)), kickAllButton(new QPushButton(tr("Kick All…"), this)),
+      savePlayerListButton(new QPushButton(tr("Save List…"), this)),
+      autoUpdatePlayers(new QCheckBox(tr("Refresh every"), this)), autoUpdatePlayersTime(new QSpinBox(this)),
+      playerFilterField(new QLineEdit(this)), playersTableView(new PlaceholderTable(this)),
+      playersController(new ArrayController<PlayerRow>(playerTableColumns(), playerKey, this)),
+      playerSendMessagePanel(new PlayerSendMessage(this)), autoupdatePlayerTimer(new QTimer(this)), m_server(server),
+      m_actions(actions), m_alerts(alerts), m_preferences(preferences),
+      m_commands(new PlayerCommands(server, actions, alerts, this))
 {
-    return c == QLatin1Char(' ') || c == QLatin1Char('\n');
+    setUpControls();
+    setUpTable();
+    layOut();
+    connectControls();
+    setFocusProxy(playersTableView);
+    selectionDidChange();
+    updatePlaceholder();
 }
 
-static QString withoutOuterBlanks(const QString &text)
+void PlayersView::setUpControls()
 {
-    qsizetype first = 0;
-    qsizetype end = text.size();
-    while (first < end && isSpaceOrNewline(text.at(first)))
-        ++first;
-    while (end > first && isSpaceOrNewline(text.at(end - 1)))
-        --end;
-    return text.mid(first, end - first);
+    refreshPlayersButton->setObjectName(QStringLiteral("refreshPlayersButton"));
+    kickPlayerButton->setObjectName(QStringLiteral("kickPlayerButton"));
+    banPlayerButton->setObjectName(QStringLiteral("banPlayerButton"));
+    tempBanPlayerButton->setObjectName(QStringLiteral("tempBanPlayerButton"));
+    messagePlayerButton->setObjectName(QStringLiteral("messagePlayerButton"));
+    kickAllButton->setObjectName(QStringLiteral("kickAllButton"));
+    savePlayerListButton->setObjectName(QStringLiteral("savePlayerListButton"));
+    autoUpdatePlayers->setObjectName(QStringLiteral("autoUpdatePlayers"));
+    autoUpdatePlayers->setChecked(m_preferences.boolValue(QStringLiteral("autoUpdatePlayers")));
+    autoUpdatePlayersTime->setObjectName(QStringLiteral("autoUpdatePlayersTime"));
+    autoUpdatePlayersTime->setAccessibleName(tr("Player refresh interval"));
+    autoUpdatePlayersTime->setRange(1, 86400);
+    autoUpdatePlayersTime->setSuffix(tr(" s"));
+    autoUpdatePlayersTime->setValue(m_preferences.intValue(QStringLiteral("autoUpdatePlayersTime"), 1, 86400));
+    autoupdatePlayerTimer->setObjectName(QStringLiteral("autoupdatePlayerTimer"));
+    playerFilterField->setObjectName(QStringLiteral("playerFilterField"));
+    playerFilterField->setAccessibleName(tr("Filter players"));
+    playerFilterField->setPlaceholderText(tr("Filter players"));
+    playerFilterField->setClearButtonEnabled(true);
+    playerFilterField->setMinimumWidth(220);
 }
 
-static QString failureLine(const QString &name, const QString &reason)
+void PlayersView::setUpTable()
 {
-    return QStringLiteral("\n  %1 (%2)").arg(name, reason);
+    playersTableView->setObjectName(QStringLiteral("playersTableView"));
+    playersTableView->setAccessibleName(tr("Players"));
+    playersTableView->setModel(playersController->arranged());
+    playersTableView->setSelectionModel(playersController->selection());
+    playersTableView->setSortingEnabled(true);
+    playersTableView->sortByColumn(0, Qt::AscendingOrder);
+    playersTableView->horizontalHeader()->setStretchLastSection(false);
+    int section = 0;
+    for (const PlayerColumn &column : playerColumns()) {
+        if (column.width == PlayerColumn::remainingWidth)
+            playersTableView->horizontalHeader()->setSectionResizeMode(section, QHeaderView::Stretch);
+        else
+            playersTableView->setColumnWidth(section, column.width);
+        ++section;
+    }
 }
 
-PlayersView::~PlayersView() = default;
+void PlayersView::layOut()
+{
+    auto *buttons = new QHBoxLayout;
+    for (QPushButton *button : {refreshPlayersButton, kickPlayerButton, banPlayerButton, tempBanPlayerButton,
+                                messagePlayerButton, kickAllButton, savePlayerListButton})
+        buttons->addWidget(button);
+    buttons->insertSpacing(1, 12);
+    buttons->insertStretch(6);
+    auto *below = new QHBoxLayout;
+    below->addWidget(autoUpdatePlayers);
+    below->addWidget(autoUpdatePlayersTime);
+    below->addStretch();
+    below->addWidget(playerFilterField);
+    auto *layout = new QVBoxLayout(this);
+    layout->addLayout(buttons);
+    layout->addLayout(below);
+    layout->addWidget(playersTableView, 1);
+}
+
+void PlayersView::connectControls()
+{
+    connect(refreshPlayersButton, &QPushButton::clicked, this, &PlayersView::refreshPlayersButtonPressed);
+    connect(kickPlayerButton, &QPushButton::clicked, this, &PlayersView::kickPlayerButtonPressed);
+    connect(banPlayerButton, &QPushButton::clicked, this, &PlayersView::banPlayerButtonPressed);
+    connect(tempBanPlayerButton, &QPushButton::clicked, this, &PlayersView::tempBanPlayerButtonPressed);
+    connect(messagePlayerButton, &QPushButton::clicked, this, &PlayersView::messagePlayerButtonPressed);
+    connect(kickAllButton, &QPushButton::clicked, this, &PlayersView::kickAll);
+    connect(savePlayerListButton, &QPushButton::clicked, this, &PlayersView::savePlayerListButtonPressed);
+    connect(autoUpdatePlayers, &QCheckBox::toggled, this, &PlayersView::autoupdatePlayerChanged);
+    connect(autoUpdatePlayersTime, &QSpinBox::valueChanged, this, &PlayersView::autoupdatePlayerTimeChanged);
+    connect(autoupdatePlayerTimer, &QTimer::timeout, this, &PlayersView::refreshPlayersButtonPressed);
+    connect(playerSendMessagePanel, &QDialog::finished, this, &PlayersView::sendMessagePanelDidEnd);
+    connect(playerFilterField, &QLineEdit::textChanged, this, [this](const QString &text) {
+        playersController->setFilterText(text);
+        updatePlaceholder();
+    });
+    connect(playersController->selection(), &QItemSelectionModel::selectionChanged, this,
+            &PlayersView::selectionDidChange);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &PlayersView::updatePlaceholder);
+    connect(&m_server, &KelServer::connectionBegan, this, &PlayersView::forgetPlayers);
+    connect(m_commands, &PlayerCommands::refreshWanted, this, [this](std::chrono::seconds delay) {
+        QTimer::singleShot(delay, this, &PlayersView::refreshPlayersButtonPressed);
+    });
+}
+
+void PlayersView::fillMenu(QMenu &menu)
+{
+    addButtonAction(menu, tr("&Refresh"), QKeySequence::Refresh, refreshPlayersButton);
+    menu.addSeparator();
+    addButtonAction(menu, tr("&Message…"), QKeySequence(tr("Ctrl+M")), messagePlayerButton);
+    addButtonAction(menu, tr("&Kick"), QKeySequence(tr("Ctrl+K")), kickPlayerButton);
+    addButtonAction(menu, tr("&Temp Ban"), QKeySequence(), tempBanPlayerButton);
+    addButtonAction(menu, tr("&Ban"), QKeySequence(), banPlayerButton);
+    menu.addSeparator();
+    addButtonAction(menu, tr("Kick &All…"), QKeySequence(), kickAllButton);
+}
+
+void PlayersView::fillFileMenu(QMenu &menu)
+{
+    addButtonAction(menu, tr("Save &Player List…"), QKeySequence(tr("Ctrl+Shift+S")), savePlayerListButton);
+}
+
+static QString columnsKey()
+{
+    return QStringLiteral("window/playersTable");
+}
+
+void PlayersView::restoreLayout(const Preferences &preferences)
+{
+    restoreColumns(preferences, columnsKey(), *playersTableView->horizontalHeader());
+}
+
+void PlayersView::saveLayout(Preferences &preferences) const
+{
+    saveColumns(preferences, columnsKey(), *playersTableView->horizontalHeader());
+}
+
+void PlayersView::selectionDidChange()
+{
+    const bool isAnySelected = playersController->selection()->hasSelection();
+    for (QPushButton *button : {kickPlayerButton, banPlayerButton, tempBanPlayerButton, messagePlayerButton}) {
+        if (!isAnySelected && button->hasFocus())
+            playersTableView->setFocus(); // else it would go on to "Kick All…"
+        button->setEnabled(isAnySelected);
+    }
+}
+
+void PlayersView::updatePlaceholder()
+{
+    if (!playersController->content().isEmpty())
+        playersTableView->setPlaceholder(tr("No player matches the filter."));
+    else if (m_server.isConnected() && !m_isListFetched)
+        playersTableView->setPlaceholder(tr("The list of players has not arrived yet."));
+    else if (m_server.isConnected())
+        playersTableView->setPlaceholder(tr("Nobody is playing. Press \"Refresh\" to look again."));
+    else
+        playersTableView->setPlaceholder(tr("Not connected. Connect to a server to see who is playing."));
+}
 
 void PlayersView::forgetPlayers()
 {
@@ -48,7 +199,7 @@ void PlayersView::forgetPlayers()
 
 bool PlayersView::isRefreshDue() const
 {
-    return m_server.isConnected() && m_selectedTabLabel == tabLabel(TabItem::Players);
+    return m_server.isConnected() && m_isInFront;
 }
 
 void PlayersView::refreshPlayersButtonPressed()
@@ -69,6 +220,11 @@ QCoro::Task<> PlayersView::refresh()
     co_await updatePlayerList();
 }
 
+QCoro::Task<> PlayersView::didConnect()
+{
+    co_await updatePlayerList();
+}
+
 QCoro::Task<> PlayersView::updatePlayerList()
 {
     if (!isRefreshDue())
@@ -85,12 +241,12 @@ QCoro::Task<> PlayersView::updatePlayerList()
 
 void PlayersView::setupAutoupdatePlayerTimer()
 {
-    autoupdatePlayerTimer.stop();
+    autoupdatePlayerTimer->stop();
     if (!m_preferences.boolValue(QStringLiteral("autoUpdatePlayers")))
         return;
     const int seconds = m_preferences.intValue(QStringLiteral("autoUpdatePlayersTime"),
                                                autoUpdatePlayersTime->minimum(), autoUpdatePlayersTime->maximum());
-    autoupdatePlayerTimer.start(std::chrono::seconds(seconds));
+    autoupdatePlayerTimer->start(std::chrono::seconds(seconds));
 }
 
 void PlayersView::autoupdatePlayerChanged()
@@ -105,25 +261,19 @@ void PlayersView::autoupdatePlayerTimeChanged()
     setupAutoupdatePlayerTimer();
 }
 
-void PlayersView::refreshLater(std::chrono::seconds delay)
-{
-    QTimer::singleShot(delay, this, &PlayersView::refreshPlayersButtonPressed);
-}
-
 void PlayersView::kickPlayerButtonPressed()
 {
-    m_actions.start(command(QStringLiteral("clientkick"), playersController->selectedObjects(), {}, 5s));
+    m_commands->kick(playersController->selectedObjects());
 }
 
 void PlayersView::banPlayerButtonPressed()
 {
-    m_actions.start(command(QStringLiteral("banclient"), playersController->selectedObjects(), {}, 5s));
+    m_commands->ban(playersController->selectedObjects());
 }
 
 void PlayersView::tempBanPlayerButtonPressed()
 {
-    // Sooner than after a kick: the administrator watches for the player's return.
-    m_actions.start(command(QStringLiteral("tempbanclient"), playersController->selectedObjects(), {}, 1s));
+    m_commands->tempBan(playersController->selectedObjects());
 }
 
 void PlayersView::messagePlayerButtonPressed()
@@ -140,79 +290,13 @@ void PlayersView::messagePlayerButtonPressed()
 void PlayersView::sendMessagePanelDidEnd()
 {
     const QString message = playerSendMessagePanel->messageString();
-    if (message.isEmpty())
-        return;
-    // The list may have been fetched anew meanwhile: numbers go to others when players leave.
-    QHash<QString, PlayerRow> present;
-    for (const PlayerRow &player : playersController->content())
-        present.insert(playerKey(player), player);
-    QList<PlayerRow> chosen;
-    QString failures;
-    for (const PlayerRow &player : std::as_const(m_recipients)) {
-        const auto found = present.constFind(playerKey(player));
-        if (found != present.constEnd())
-            chosen.append(*found);
-        else
-            failures += failureLine(player.name, tr("has left the server"));
-    }
-    m_actions.start(command(QStringLiteral("tell"), std::move(chosen), message, noRefresh, failures));
-}
-
-QCoro::Task<> PlayersView::command(QString word, QList<PlayerRow> chosen, QString argument,
-                                   std::chrono::seconds refreshAfter, QString failures)
-{
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
-        co_return;
-    co_await sendCommandToSelectedPlayers(word, chosen, argument, failures);
-    if (turn && refreshAfter != noRefresh)
-        refreshLater(refreshAfter);
-}
-
-QCoro::Task<> PlayersView::sendCommandToSelectedPlayers(QString word, QList<PlayerRow> chosen, QString optionalArgument,
-                                                        QString failures)
-{
-    for (const PlayerRow &player : std::as_const(chosen)) {
-        QString line = word + QLatin1Char(' ') + player.identifier;
-        if (!optionalArgument.isEmpty())
-            line += QLatin1Char(' ') + optionalArgument;
-        const Reply reply = co_await m_server.sendCommand(line);
-        if (reply.isCancelled)
-            co_return;
-        if (!reply.isSuccess() || reply.text.contains(QLatin1String("is not active")))
-            failures += failureLine(player.name, withoutOuterBlanks(reply.text));
-    }
-    if (failures.isEmpty())
-        co_return;
-    const QString text = tr("The following player(s) failed to process the '%1' command: ").arg(word) + failures;
-    co_await m_alerts.run(tr("Remote Command Failure"), text);
+    if (!message.isEmpty())
+        m_commands->tell(m_recipients, playersController->content(), message);
 }
 
 void PlayersView::kickAll()
 {
-    m_actions.start(confirmAndKickAll());
-}
-
-QCoro::Task<> PlayersView::confirmAndKickAll()
-{
-    // Its place in the queue counts from the press, but the question need not wait for those before it.
-    QCoro::Task<ActionQueue::Turn> place = m_actions.turn();
-    const QStringList buttons{tr("Yes"), tr("No")};
-    const int pressed =
-        co_await m_alerts.run(tr("Please Confirm Command"), tr("Do you really want to kick everyone?"), buttons);
-    const ActionQueue::Turn turn = co_await place;
-    if (!turn || pressed != 0)
-        co_return;
-    const QString line = QStringLiteral("kick all");
-    const Reply reply = co_await m_server.sendCommand(line);
-    if (reply.isCancelled)
-        co_return;
-    if (!reply.isSuccess()) {
-        const QString text = tr("KickAll returned an error: %1").arg(reply.text);
-        co_await m_alerts.run(tr("Remote Command Failure"), text);
-    }
-    if (turn)
-        refreshLater(5s);
+    m_commands->kickAll();
 }
 
 void PlayersView::savePlayerListButtonPressed()

@@ -1,60 +1,43 @@
 #pragma once
 
-#include "ActionQueue.h"
 #include "ArrayController.h"
 #include "PlayerList.h"
+#include "TabPage.h"
 
-#include <QCoroTask>
-
-#include <QCheckBox>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QSpinBox>
-#include <QTimer>
-#include <QWidget>
-
-#include <chrono>
-
+class ActionQueue;
 class Alerts;
 class KelServer;
 class PlaceholderTable;
+class PlayerCommands;
 class PlayerSendMessage;
-class Preferences;
+class QCheckBox;
+class QLineEdit;
+class QPushButton;
+class QSpinBox;
+class QTimer;
 
 /// The list of the players on the server, and what can be done to them.
-class PlayersView : public QWidget
+class PlayersView : public TabPage
 {
     Q_OBJECT
 public:
     /// Everything handed in outlives the view.
     PlayersView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
                 QWidget *parent = nullptr);
-    ~PlayersView() override;
 
-    /// The label of the tab in front: the list is fetched only while it is "Players".
-    void setSelectedTabLabel(const QString &label) { m_selectedTabLabel = label; }
+    void fillMenu(QMenu &menu) override;
+    void fillFileMenu(QMenu &menu) override;
+    /// The list is fetched only while the page is in front.
+    void setInFront(bool isInFront) override { m_isInFront = isInFront; }
+    QCoro::Task<> didConnect() override;
+    void restoreLayout(const Preferences &preferences) override;
+    void saveLayout(Preferences &preferences) const override;
 
     /// Fetches the list; a refresh that is not due (not connected, another tab) or that fails leaves it as it is.
     QCoro::Task<> updatePlayerList();
-    void setupAutoupdatePlayerTimer();
 
     /// Writes `players` to `path`, after asking if it exists.
     QCoro::Task<> savePlayerListTo(QString path, QList<PlayerRow> players);
-
-    QPushButton *refreshPlayersButton;
-    QPushButton *kickPlayerButton;
-    QPushButton *banPlayerButton;
-    QPushButton *tempBanPlayerButton;
-    QPushButton *messagePlayerButton;
-    QPushButton *kickAllButton;
-    QPushButton *savePlayerListButton;
-    QCheckBox *autoUpdatePlayers;
-    QSpinBox *autoUpdatePlayersTime;
-    QLineEdit *playerFilterField;
-    PlaceholderTable *playersTableView;
-    ArrayController<PlayerRow> *playersController;
-    PlayerSendMessage *playerSendMessagePanel = nullptr;
-    QTimer autoupdatePlayerTimer;
 
 public slots:
     void refreshPlayersButtonPressed();
@@ -69,27 +52,39 @@ public slots:
     void savePlayerListButtonPressed();
 
 private:
+    void setUpControls();
+    void setUpTable();
     void layOut();
     void connectControls();
     void selectionDidChange();
     void updatePlaceholder();
     void forgetPlayers();
+    void setupAutoupdatePlayerTimer();
     bool isRefreshDue() const;
-    void refreshLater(std::chrono::seconds delay);
     QCoro::Task<> refresh();
-    /// @param failures  what is to be told already, as lines of the summary alert.
-    QCoro::Task<> command(QString word, QList<PlayerRow> chosen, QString argument, std::chrono::seconds refreshAfter,
-                          QString failures = {});
-    QCoro::Task<> sendCommandToSelectedPlayers(QString word, QList<PlayerRow> chosen, QString optionalArgument,
-                                               QString failures);
-    QCoro::Task<> confirmAndKickAll();
+
+    QPushButton *refreshPlayersButton;
+    QPushButton *kickPlayerButton;
+    QPushButton *banPlayerButton;
+    QPushButton *tempBanPlayerButton;
+    QPushButton *messagePlayerButton;
+    QPushButton *kickAllButton;
+    QPushButton *savePlayerListButton;
+    QCheckBox *autoUpdatePlayers;
+    QSpinBox *autoUpdatePlayersTime;
+    QLineEdit *playerFilterField;
+    PlaceholderTable *playersTableView;
+    ArrayController<PlayerRow> *playersController;
+    PlayerSendMessage *playerSendMessagePanel;
+    QTimer *autoupdatePlayerTimer;
 
     KelServer &m_server;
     ActionQueue &m_actions;
     Alerts &m_alerts;
     Preferences &m_preferences;
-    QString m_selectedTabLabel;
+    PlayerCommands *m_commands;
     QList<PlayerRow> m_recipients; ///< of the message that is being written
+    bool m_isInFront = false;
     bool m_isRefreshWaiting = false;
     bool m_isListFetched = false;
 };

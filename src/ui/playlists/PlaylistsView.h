@@ -3,12 +3,11 @@
 #include "ActionQueue.h"
 #include "ExclusionText.h"
 #include "PlaylistInst.h"
+#include "TabPage.h"
 
 #include <QCoroTask>
 
-#include <QLabel>
-#include <QPushButton>
-#include <QWidget>
+#include <QString>
 
 class Alerts;
 class ElidingField;
@@ -16,12 +15,14 @@ class KelGametype;
 class KelMapList;
 class KelPlaylists;
 class KelServer;
-class MapGametypePairWindowController;
 class KeyHandlingTableView;
+class MapGametypePairWindowController;
 class PlaceholderTable;
+class QLabel;
+class QPushButton;
 
 /// The playlists that the server can run, and what is left out of them.
-class PlaylistsView : public QWidget
+class PlaylistsView : public TabPage
 {
     Q_OBJECT
 public:
@@ -29,20 +30,8 @@ public:
     PlaylistsView(KelServer &server, ActionQueue &actions, Alerts &alerts, KelGametype &gametypes, KelMapList &maps,
                   KelPlaylists &playlists, QWidget *parent = nullptr);
 
-    /// Column widths and sort orders, for the next start.
-    QByteArray saveLayout() const;
-    void restoreLayout(const QByteArray &layout);
-
-    ElidingField *currentPlaylistField;
-    PlaceholderTable *playlistsTableView;
-    QPushButton *startPlaylistButton;
-    KeyHandlingTableView *exclusionsTableView;
-    /// Tells of edits that were not sent; empty when there are none.
-    QLabel *unsentExclusionsLabel;
-    QPushButton *addExclusionButton;
-    QPushButton *removeExclusionButton;
-    QPushButton *applyExclusionsButton;
-    MapGametypePairWindowController *mapGametypePairWindowController;
+    void restoreLayout(const Preferences &preferences) override;
+    void saveLayout(Preferences &preferences) const override;
 
 public slots:
     void startPlaylistButtonPressed();
@@ -67,6 +56,17 @@ private:
     QCoro::Task<> startPlaylist(PlaylistInst playlist);
     QCoro::Task<> applyExclusions(ExclusionText texts);
     QCoro::Task<> tellOfFailure(QString command, QString error);
+
+    ElidingField *currentPlaylistField;
+    PlaceholderTable *playlistsTableView;
+    QPushButton *startPlaylistButton;
+    KeyHandlingTableView *exclusionsTableView;
+    /// Tells of edits that were not sent; empty when there are none.
+    QLabel *unsentExclusionsLabel;
+    QPushButton *addExclusionButton;
+    QPushButton *removeExclusionButton;
+    QPushButton *applyExclusionsButton;
+    MapGametypePairWindowController *mapGametypePairWindowController;
 
     KelServer &m_server;
     ActionQueue &m_actions;

@@ -8,17 +8,18 @@
 
 DeleteRotationWindowController::DeleteRotationWindowController(RotationStore &store, const RotationLabels &labels,
                                                                ActionQueue &actions, QWidget *parent)
-    : RotationListDialog(store, new QPushButton(tr("Delete")), parent), deleteButton(actionButton()), m_actions(actions)
+    : RotationListDialog(store, new QPushButton(tr("Delete")), parent), m_actions(actions)
 {
+    QPushButton *deleteButton = actionButton();
     setObjectName(QStringLiteral("Delete%1WindowController").arg(labels.kind));
     setWindowTitle(labels.deleteTitle);
     deleteButton->setObjectName(QStringLiteral("deleteButton"));
     deleteButton->setAutoDefault(false); // what cannot be undone is not done by a stray Return
     deleteButton->setEnabled(false);
-    tableView->setDeleteHandler([this] { deletePressed(); });
+    table()->setDeleteHandler([this] { deletePressed(); });
     connect(deleteButton, &QPushButton::clicked, this, &DeleteRotationWindowController::deletePressed);
-    connect(rotationArrayController->selection(), &QItemSelectionModel::selectionChanged, this,
-            [this] { deleteButton->setEnabled(!selectedNames().isEmpty()); });
+    connect(table()->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this, deleteButton] { deleteButton->setEnabled(!selectedNames().isEmpty()); });
 }
 
 void DeleteRotationWindowController::deletePressed()

@@ -15,8 +15,6 @@ public:
     DeleteRotationWindowController(RotationStore &store, const RotationLabels &labels, ActionQueue &actions,
                                    QWidget *parent = nullptr);
 
-    QPushButton *deleteButton;
-
 public slots:
     void deletePressed();
 

@@ -7,8 +7,9 @@
 
 NewRotationWindowController::NewRotationWindowController(RotationStore &store, const RotationLabels &labels,
                                                          ActionQueue &actions, Alerts &alerts, QWidget *parent)
-    : RotationNameDialog(store, labels, actions, alerts, new QPushButton(tr("Add")), parent), addButton(actionButton())
+    : RotationNameDialog(store, labels, actions, alerts, new QPushButton(tr("Add")), parent)
 {
+    QPushButton *addButton = actionButton();
     setObjectName(QStringLiteral("New%1WindowController").arg(labels.kind));
     setWindowTitle(labels.newTitle);
     addButton->setObjectName(QStringLiteral("addButton"));
@@ -20,7 +21,7 @@ void NewRotationWindowController::addButtonPressed()
     if (m_isBusy)
         return;
     m_isBusy = true;
-    m_actions.start(add(nameField->text().trimmed()));
+    m_actions.start(add(typedName().trimmed()));
 }
 
 QCoro::Task<> NewRotationWindowController::add(QString name)
@@ -35,7 +36,7 @@ QCoro::Task<> NewRotationWindowController::add(QString name)
         co_return;
     m_isBusy = false;
     if (isRefused)
-        nameField->setFocus();
+        askAgain();
     else
         done(QDialog::Accepted);
 }

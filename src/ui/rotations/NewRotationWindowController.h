@@ -11,8 +11,6 @@ public:
     NewRotationWindowController(RotationStore &store, const RotationLabels &labels, ActionQueue &actions,
                                 Alerts &alerts, QWidget *parent = nullptr);
 
-    QPushButton *addButton;
-
 public slots:
     void addButtonPressed();
 

@@ -5,15 +5,16 @@
 
 OpenRotationWindowController::OpenRotationWindowController(RotationStore &store, const RotationLabels &labels,
                                                            QWidget *parent)
-    : RotationListDialog(store, new QPushButton(tr("Open")), parent), openButton(actionButton())
+    : RotationListDialog(store, new QPushButton(tr("Open")), parent)
 {
+    QPushButton *openButton = actionButton();
     setObjectName(QStringLiteral("Open%1WindowController").arg(labels.kind));
     setWindowTitle(labels.openTitle);
     openButton->setObjectName(QStringLiteral("openButton"));
     openButton->setDefault(true); // Return in the table arrives here, unless no row is selected
-    tableView->setSelectionMode(QAbstractItemView::SingleSelection);
+    table()->setSelectionMode(QAbstractItemView::SingleSelection);
     connect(openButton, &QPushButton::clicked, this, &OpenRotationWindowController::openPressed);
-    connect(tableView, &QAbstractItemView::doubleClicked, this, &OpenRotationWindowController::openPressed);
+    connect(table(), &QAbstractItemView::doubleClicked, this, &OpenRotationWindowController::openPressed);
 }
 
 void OpenRotationWindowController::openPressed()

@@ -10,8 +10,6 @@ public:
     /// The store outlives the sheet.
     OpenRotationWindowController(RotationStore &store, const RotationLabels &labels, QWidget *parent = nullptr);
 
-    QPushButton *openButton;
-
 public slots:
     /// Opens the selected rotation; with none selected the table of the rotation becomes empty and unnamed.
     void openPressed();

@@ -12,9 +12,9 @@ static QString nameOf(const RotationName &rotation)
 }
 
 RotationListDialog::RotationListDialog(RotationStore &store, QPushButton *actionButton, QWidget *parent)
-    : QDialog(parent, Qt::Sheet),
+    : QDialog(parent, Qt::Sheet), m_store(store),
       rotationArrayController(new ArrayController<RotationName>({{tr("Name"), nameOf, nullptr}}, nameOf, this)),
-      tableView(new KeyHandlingTableView(this)), m_store(store), m_actionButton(actionButton)
+      tableView(new KeyHandlingTableView(this)), m_actionButton(actionButton)
 {
     setWindowModality(Qt::WindowModal);
     tableView->setObjectName(QStringLiteral("tableView"));

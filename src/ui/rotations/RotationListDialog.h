@@ -19,10 +19,6 @@ struct RotationName {
 class RotationListDialog : public QDialog
 {
     Q_OBJECT
-public:
-    ArrayController<RotationName> *rotationArrayController;
-    KeyHandlingTableView *tableView;
-
 public slots:
     void updateTable();
     void closePressed() { done(QDialog::Rejected); }
@@ -30,6 +26,7 @@ public slots:
 protected:
     RotationListDialog(RotationStore &store, QPushButton *actionButton, QWidget *parent);
 
+    KeyHandlingTableView *table() const { return tableView; }
     QPushButton *actionButton() const { return m_actionButton; }
     /// The names of the selected rows, from the top.
     QStringList selectedNames() const;
@@ -37,5 +34,7 @@ protected:
     RotationStore &m_store;
 
 private:
+    ArrayController<RotationName> *rotationArrayController;
+    KeyHandlingTableView *tableView;
     QPushButton *m_actionButton;
 };

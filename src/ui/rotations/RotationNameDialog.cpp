@@ -8,8 +8,8 @@
 
 RotationNameDialog::RotationNameDialog(RotationStore &store, RotationLabels labels, ActionQueue &actions,
                                        Alerts &alerts, QPushButton *actionButton, QWidget *parent)
-    : QDialog(parent, Qt::Sheet), nameField(new QLineEdit(this)), m_store(store), m_labels(std::move(labels)),
-      m_actions(actions), m_alerts(alerts), m_actionButton(actionButton)
+    : QDialog(parent, Qt::Sheet), m_store(store), m_labels(std::move(labels)), m_actions(actions), m_alerts(alerts),
+      nameField(new QLineEdit(this)), m_actionButton(actionButton)
 {
     setWindowModality(Qt::WindowModal);
     nameField->setObjectName(QStringLiteral("nameField"));

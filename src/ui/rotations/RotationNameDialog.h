@@ -16,9 +16,6 @@ class RotationStore;
 class RotationNameDialog : public QDialog
 {
     Q_OBJECT
-public:
-    QLineEdit *nameField;
-
 public slots:
     void controlTextDidChange();
     virtual void cancelButtonPressed();
@@ -29,6 +26,11 @@ protected:
                        QPushButton *actionButton, QWidget *parent);
 
     QPushButton *actionButton() const { return m_actionButton; }
+    /// The name as it was typed.
+    QString typedName() const { return nameField->text(); }
+    void clearName() { nameField->clear(); }
+    /// The name was refused: the next one can be typed.
+    void askAgain() { nameField->setFocus(); }
     /// Tells that there is a rotation of this name. @return whether there is one. The dialog may be gone afterwards.
     QCoro::Task<bool> refuseExisting(QString name);
     /// What a button started and has not ended yet: nothing else may start or close the sheet.
@@ -40,5 +42,6 @@ protected:
     Alerts &m_alerts;
 
 private:
+    QLineEdit *nameField;
     QPushButton *m_actionButton;
 };

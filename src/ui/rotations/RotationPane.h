@@ -1,13 +1,11 @@
 #pragma once
 
+#include "PageDocument.h"
 #include "RotationLabels.h"
 #include "RowsUndo.h"
 
 #include <QCoroTask>
 
-#include <QHBoxLayout>
-#include <QLabel>
-#include <QPushButton>
 #include <QTimer>
 #include <QWidget>
 
@@ -17,11 +15,15 @@ class ActionQueue;
 class Alerts;
 class ElidingLabel;
 class KeyHandlingTableView;
-class QKeyEvent;
+class Preferences;
+class QAbstractItemDelegate;
+class QHBoxLayout;
+class QLabel;
+class QPushButton;
 class RotationStore;
 
 /// The open rotation of one kind: its table, and the buttons that change, name, keep and delete rotations.
-class RotationPane : public QWidget
+class RotationPane : public QWidget, public PageDocument
 {
     Q_OBJECT
 public:
@@ -41,24 +43,21 @@ public:
     /// Who makes rows of what is pasted; nobody at first, and nothing can be pasted then.
     void setTakeRows(TakeRows takeRows) { m_takeRows = std::move(takeRows); }
 
-    /// The steps that can be taken back. The pane itself handles the keys for it.
-    QUndoStack *undoStack() { return m_undo.stack(); }
+    /// Who draws and edits the rows; outlives the pane.
+    void setRowDelegate(QAbstractItemDelegate *delegate);
+    /// Draws the rows anew, with what the delegate knows now.
+    void updateRows();
+    void scrollToEnd();
 
-    /// The selected rows, one a line, their columns separated by tabs.
-    QString textOfSelection() const;
-    /// Adds one row for each line of `text`, and tells once about the lines that do not fit.
-    void pasteRows(const QString &text);
+    void restoreColumns(const Preferences &preferences, const QString &key);
+    void saveColumns(Preferences &preferences, const QString &key) const;
 
-    ElidingLabel *labelCurrentRotation;
-    QLabel *labelUnsavedChanges;
-    KeyHandlingTableView *tableView;
-    QPushButton *removeButton;
-    QPushButton *removeAllButton;
-    QPushButton *newButton;
-    QPushButton *openButton;
-    QPushButton *saveButton;
-    QPushButton *saveAsButton;
-    QPushButton *deleteButton;
+    void newDocument() override { newRotationMenuItemClicked(); }
+    void openDocument() override { openRotationMenuItemClicked(); }
+    void saveDocument() override { saveRotationMenuItemClicked(); }
+    void finishEditing() override;
+    /// The pane itself handles the keys for it.
+    QUndoStack *undoStack() override { return m_undo.stack(); }
 
 public slots:
     void newRotationMenuItemClicked();
@@ -81,6 +80,11 @@ private:
     void setTabOrder();
     void currentRotationDidChange(const QString &name);
     void updateControls();
+    /// The selected rows, one a line, their columns separated by tabs.
+    QString textOfSelection() const;
+    void copyRows();
+    /// Adds one row for each line of `text`, and tells once about the lines that do not fit.
+    void pasteRows(const QString &text);
     bool beginFileAction();
     void endFileAction();
     QCoro::Task<> newRotation();
@@ -90,6 +94,17 @@ private:
     QCoro::Task<> deleteRotation();
     QCoro::Task<QString> saveAsPanel();
     QCoro::Task<> tellOfMisfits(QStringList misfits, qsizetype lineCount);
+
+    ElidingLabel *labelCurrentRotation;
+    QLabel *labelUnsavedChanges;
+    KeyHandlingTableView *tableView;
+    QPushButton *removeButton;
+    QPushButton *removeAllButton;
+    QPushButton *newButton;
+    QPushButton *openButton;
+    QPushButton *saveButton;
+    QPushButton *saveAsButton;
+    QPushButton *deleteButton;
 
     RotationStore &m_store;
     const RotationLabels m_labels;

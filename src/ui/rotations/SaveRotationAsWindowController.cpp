@@ -7,9 +7,9 @@
 
 SaveRotationAsWindowController::SaveRotationAsWindowController(RotationStore &store, const RotationLabels &labels,
                                                                ActionQueue &actions, Alerts &alerts, QWidget *parent)
-    : RotationNameDialog(store, labels, actions, alerts, new QPushButton(tr("Save")), parent),
-      saveButton(actionButton())
+    : RotationNameDialog(store, labels, actions, alerts, new QPushButton(tr("Save")), parent)
 {
+    QPushButton *saveButton = actionButton();
     setObjectName(QStringLiteral("Save%1AsWindowController").arg(labels.kind));
     setWindowTitle(labels.saveAsTitle);
     saveButton->setObjectName(QStringLiteral("saveButton"));
@@ -28,7 +28,7 @@ void SaveRotationAsWindowController::cancelButtonPressed()
 {
     if (m_isBusy)
         return;
-    nameField->clear(); // who waits for the sheet reads the name
+    clearName(); // who waits for the sheet reads the name
     RotationNameDialog::cancelButtonPressed();
 }
 
@@ -47,7 +47,7 @@ QCoro::Task<> SaveRotationAsWindowController::save(QString name)
         co_return;
     m_isBusy = false;
     if (isRefused)
-        nameField->setFocus();
+        askAgain();
     else
         done(QDialog::Accepted);
 }

@@ -12,9 +12,7 @@ public:
                                    Alerts &alerts, QWidget *parent = nullptr);
 
     /// The name as it was typed; empty after "Cancel".
-    QString rotationName() const { return nameField->text(); }
-
-    QPushButton *saveButton;
+    QString rotationName() const { return typedName(); }
 
 public slots:
     void saveButtonPressed();

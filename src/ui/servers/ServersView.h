@@ -5,49 +5,50 @@
 
 #include <QCoroTask>
 
-#include <QLineEdit>
-#include <QPushButton>
 #include <QWidget>
 
 class ActionQueue;
 class Alerts;
 class PlaceholderTable;
+class QLineEdit;
+class QPushButton;
+
+/// Where the form says to connect to, as typed.
+struct ServerForm {
+    QString host;
+    QString port;
+    QString password;
+};
 
 /// The pane on the left: where to connect to, from the list of saved servers or by the form.
 class ServersView : public QWidget
 {
     Q_OBJECT
 public:
-    /// Everything handed in outlives the view.
+    /// Reads the file of saved servers. Everything handed in outlives the view.
     ServersView(SavedServers &savedServers, ActionQueue &actions, Alerts &alerts, QWidget *parent = nullptr);
-    ~ServersView() override;
+
+    /// Reads the file of saved servers anew; one that cannot be read leaves the list empty and says so in its place.
+    void loadSavedServersList();
+    /// Stores the password of a saved server, and shows it if that server is selected.
+    void storePassword(const QString &label, const QString &password);
 
     /// While a connect is under way no second one can be asked for.
     void setConnecting(bool isConnecting);
     /// "Disconnect" can be pressed while there is a connection, or one is being made.
     void setConnected(bool isConnected);
-    void fillForm(const QString &host, const QString &port);
-    /// Reads the file of saved servers, unless it has been read; one that cannot be read leaves the list empty and says
-    /// so in its place. Until then the list shows nothing, so that the window is not kept waiting for it.
-    void loadSavedServersList();
-    /// Stores the password of a saved server, and shows it if that server is selected.
-    void storePassword(const QString &label, const QString &password);
 
-    PlaceholderTable *savedServerTableView;
-    ArrayController<SavedServer> *savedServersController;
-    QLineEdit *savedPasswordField;
-    QPushButton *connectToSavedServerButton;
-    QLineEdit *labelField;
-    QLineEdit *hostField;
-    QLineEdit *portField;
-    QLineEdit *passwordField;
-    QPushButton *connectButton;
-    QPushButton *saveToServerListButton;
-    QPushButton *disconnectButton;
-    QPushButton *hostwellButton;
+    ServerForm form() const;
+    void fillForm(const QString &host, const QString &port);
+    void setFormPassword(const QString &password);
+    /// Moves the focus to where filling in the form begins.
+    void focusForm();
+    /// Whether "Connect" can be pressed.
+    bool canConnect() const;
+    /// Presses "Connect", if it can be pressed.
+    void pressConnect();
 
 public slots:
-    void controlTextDidChange();
     void saveToServerListButtonPressed();
     void connectToSavedServerButtonPressed();
     void deleteSelectionFromTableView();
@@ -63,15 +64,30 @@ protected:
 
 private:
     void nameControls();
+    void setUpControls();
+    void setUpTable();
     void layOut();
-    void makeTable();
-    void showWritten(const SavedServersOutcome &outcome);
     void connectControls();
+    void controlTextDidChange();
     void showList();
+    void showWritten(const SavedServersOutcome &outcome);
     void selectionDidChange();
     void savedPasswordDidChange();
     void report(const SavedServersOutcome &outcome);
     QCoro::Task<> tell(QString text);
+
+    PlaceholderTable *savedServerTableView;
+    ArrayController<SavedServer> *savedServersController;
+    QLineEdit *savedPasswordField;
+    QPushButton *connectToSavedServerButton;
+    QLineEdit *labelField;
+    QLineEdit *hostField;
+    QLineEdit *portField;
+    QLineEdit *passwordField;
+    QPushButton *connectButton;
+    QPushButton *saveToServerListButton;
+    QPushButton *disconnectButton;
+    QPushButton *hostwellButton;
 
     SavedServers &m_savedServers;
     QString m_readError; ///< until something has been written in the place of what could not be read

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "ActionQueue.h"
+#include "TabPage.h"
 
 #include <QCoroTask>
 
-#include <QLineEdit>
-#include <QListWidget>
-#include <QWidget>
+#include <QList>
+#include <QString>
 
 #include <memory>
 
@@ -16,12 +16,14 @@ class EmptyHint;
 class KelGametype;
 class KelServer;
 class KelSettings;
+class QLineEdit;
+class QListWidget;
 class QSplitter;
 class SettingsOutlineModel;
 
 /// The settings of the game with their live values; on an unranked server those of a gametype too. An edit is written
 /// to the server at once.
-class SettingsView : public QWidget
+class SettingsView : public TabPage
 {
     Q_OBJECT
 public:
@@ -32,20 +34,12 @@ public:
                  QWidget *parent = nullptr);
     ~SettingsView() override;
 
-    /// Splitters and column widths, for restoreLayout() of the next run.
-    QByteArray saveLayout() const;
-    /// Anything but what saveLayout() gave leaves the layout as it is.
-    void restoreLayout(const QByteArray &layout);
-
-    QListWidget *settingsGroupList;
-    QLineEdit *settingsFilterField;
-    /// The outline of the game's settings; its object name tells the mode.
-    DvarSettingOutlineView *settingsOutlineView;
-    QListWidget *gametypeList = nullptr;                   ///< null in the ranked mode
-    DvarSettingOutlineView *gametypeOutlineView = nullptr; ///< null in the ranked mode
+    /// Splitters and columns; each mode keeps its own. Anything but what saveLayout() kept leaves the layout as it is.
+    void restoreLayout(const Preferences &preferences) override;
+    void saveLayout(Preferences &preferences) const override;
 
 private:
-    void layOut(Mode mode);
+    void layOut();
     void layOutGametypes();
     QSplitter *pairOf(const QString &title, QListWidget *list, DvarSettingOutlineView *outline);
     void connectOutline(SettingsOutlineModel *outline);
@@ -59,9 +53,18 @@ private:
     QString outlineHint(const SettingsOutlineModel &outline, const QString &emptyText) const;
     QList<QSplitter *> splitters() const;
     QList<DvarSettingOutlineView *> outlineViews() const;
+    QString layoutKey() const;
 
     QCoro::Task<> writeSetting(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting, QString value);
     QCoro::Task<> toggleSetting(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting);
+
+    const Mode m_mode;
+    QListWidget *settingsGroupList;
+    QLineEdit *settingsFilterField;
+    /// The outline of the game's settings; its object name tells the mode.
+    DvarSettingOutlineView *settingsOutlineView;
+    QListWidget *gametypeList = nullptr;                   ///< null in the ranked mode
+    DvarSettingOutlineView *gametypeOutlineView = nullptr; ///< null in the ranked mode
 
     KelServer &m_server;
     ActionQueue &m_actions;

@@ -6,8 +6,10 @@
 #include "KelGametype.h"
 #include "KelMapList.h"
 
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QPushButton>
 
 #include <algorithm>
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QComboBox>
 #include <QDialog>
-#include <QPushButton>
 
 class ElidingField;
 class KelGametype;
 class KelMapList;
+class QComboBox;
+class QPushButton;
 
 /// The sheet in which a map and a gametype are picked, pair after pair: it stays open until it is closed.
 class MapGametypePairWindowController : public QDialog
@@ -24,13 +24,6 @@ public:
     Mode mode() const { return m_mode; }
     void setMode(Mode mode);
 
-    QComboBox *mapsPopupButton;
-    QComboBox *gametypesPopupButton;
-    QPushButton *addButton;
-    QPushButton *closeButton;
-    /// What to do, and after each pick what was added.
-    ElidingField *addedField;
-
 public slots:
     /// Lists what the catalogues hold now, and shows the sheet. What was chosen the last time is chosen again.
     void open() override;
@@ -45,6 +38,13 @@ signals:
 private:
     void layOut();
     void fillPopups();
+
+    QComboBox *mapsPopupButton;
+    QComboBox *gametypesPopupButton;
+    QPushButton *addButton;
+    QPushButton *closeButton;
+    /// What to do, and after each pick what was added.
+    ElidingField *addedField;
 
     KelMapList &m_maps;
     KelGametype &m_gametypes;

@@ -1,9 +1,15 @@
 #include "ProgressWindowController.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <cmath>
+#include <utility>
 
 namespace
 {
@@ -17,10 +23,42 @@ public:
         if (auto *cancelButton = findChild<QPushButton *>(QStringLiteral("cancelButton")))
             cancelButton->click();
     }
+
+protected:
+    bool event(QEvent *event) override
+    {
+        // When an alert over the sheet has gone, or Escape would go to the window below.
+        if (event->type() == QEvent::WindowUnblocked)
+            QTimer::singleShot(0, this, &QWidget::activateWindow);
+        return QDialog::event(event);
+    }
 };
 } // namespace
 
+ProgressWindowController::ProgressWindowController(QWidget *view) : m_view(view) {}
+
 ProgressWindowController::~ProgressWindowController()
+{
+    endSheet();
+}
+
+void ProgressWindowController::begin(const QString &title, std::function<void()> cancel)
+{
+    endSheet();
+    setTitle(title);
+    setProgressMax(100); // until the task knows
+    setCurrentProgress(0);
+    setCancel(std::move(cancel));
+    beginSheet(m_view->window());
+}
+
+void ProgressWindowController::setDone(qsizetype done, qsizetype total)
+{
+    setProgressMax(static_cast<double>(total));
+    setCurrentProgress(static_cast<double>(done));
+}
+
+void ProgressWindowController::end()
 {
     endSheet();
 }

@@ -1,24 +1,30 @@
 #pragma once
 
+#include "Progress.h"
+
 #include <QDialog>
-#include <QLabel>
 #include <QPointer>
-#include <QProgressBar>
-#include <QPushButton>
 #include <QString>
 
 #include <functional>
 #include <limits>
+#include <utility>
 
-/// The progress sheet of one long task. Its values may be set before the sheet is shown and are applied then;
+class QLabel;
+class QProgressBar;
+
+/// The progress sheet of a long task. Its values may be set before the sheet is shown and are applied then;
 /// a value that was never set (not a number) leaves the indicator alone.
-class ProgressWindowController
+class ProgressWindowController final : public Progress
 {
 public:
-    ProgressWindowController() = default;
-    ~ProgressWindowController();
-    ProgressWindowController(const ProgressWindowController &) = delete;
-    ProgressWindowController &operator=(const ProgressWindowController &) = delete;
+    /// @param view  begin() shows the sheet on its window, and it outlives this; not needed for beginSheet().
+    explicit ProgressWindowController(QWidget *view = nullptr);
+    ~ProgressWindowController() override;
+
+    void begin(const QString &title, std::function<void()> cancel) override;
+    void setDone(qsizetype done, qsizetype total) override;
+    void end() override;
 
     QString title() const { return m_title; }
     double progressMax() const { return m_progressMax; }
@@ -41,6 +47,7 @@ private:
     void awakeFromNib();
     void addCancelButton();
 
+    QWidget *m_view;
     QString m_title;
     double m_progressMax = std::numeric_limits<double>::quiet_NaN();
     double m_currentProgress = std::numeric_limits<double>::quiet_NaN();

@@ -2,6 +2,7 @@
 
 #include <QFontInfo>
 #include <QLabel>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 static QLabel *paragraph(const QString &text, QWidget *parent)
@@ -14,8 +15,7 @@ static QLabel *paragraph(const QString &text, QWidget *parent)
     return label;
 }
 
-WelcomePage::WelcomePage(QWidget *parent)
-    : QWidget(parent), tryDemoServerButton(new QPushButton(tr("Try the Demo Server"), this))
+WelcomePage::WelcomePage(QWidget *parent) : QWidget(parent)
 {
     setObjectName(QStringLiteral("welcomePage"));
     QLabel *title = paragraph(tr("Welcome"), this);
@@ -30,8 +30,10 @@ WelcomePage::WelcomePage(QWidget *parent)
     QLabel *demoText = paragraph(tr("No server at hand? The built-in demo server runs on this computer only and lets "
                                     "you try everything."),
                                  this);
+    auto *tryDemoServerButton = new QPushButton(tr("Try the Demo Server"), this);
     tryDemoServerButton->setObjectName(QStringLiteral("tryDemoServerButton"));
     tryDemoServerButton->setMinimumSize(tryDemoServerButton->sizeHint() + QSize(24, 8));
+    connect(tryDemoServerButton, &QPushButton::clicked, this, &WelcomePage::demoServerRequested);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(48, 24, 48, 24);

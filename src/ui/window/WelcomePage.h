@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QPushButton>
 #include <QWidget>
 
 /// What the window shows before the first connect.
@@ -10,5 +9,6 @@ class WelcomePage : public QWidget
 public:
     explicit WelcomePage(QWidget *parent = nullptr);
 
-    QPushButton *tryDemoServerButton;
+signals:
+    void demoServerRequested();
 };

@@ -1,8 +1,10 @@
 #include "ConsoleView.h"
+#include "Controls.h"
 #include "HistoryStepper.h"
 #include "SessionFixture.h"
 #include "TranscriptView.h"
 
+#include <QLineEdit>
 #include <QScrollBar>
 #include <QTextBlock>
 
@@ -14,11 +16,14 @@ struct Console : SessionFixture {
     }
     void type(const QString &line)
     {
-        QTest::keyClicks(view.consoleInput, line);
-        QTest::keyClick(view.consoleInput, Qt::Key_Return);
+        QTest::keyClicks(input, line);
+        QTest::keyClick(input, Qt::Key_Return);
     }
 
     ConsoleView view{server, actions};
+    QLineEdit *input = control<QLineEdit>(view, "consoleInput");
+    TranscriptView *output = control<TranscriptView>(view, "consoleOutput");
+    HistoryStepper *stepper = control<HistoryStepper>(view, "numericUpDownCommandCursor");
 };
 
 class ConsoleViewTest : public QObject
@@ -28,15 +33,15 @@ private slots:
     void stepsThroughTheHistory()
     {
         Console console;
-        HistoryStepper *stepper = console.view.numericUpDownCommandCursor;
+        HistoryStepper *stepper = console.stepper;
         QCOMPARE(stepper->maximum(), -1);
         for (const char *command : {"a", "b", "b"})
             console.type(QLatin1String(command));
         QVERIFY(console.settle());
-        QVERIFY(!console.view.consoleInput->isUndoAvailable()); // a password may have been typed
+        QVERIFY(!console.input->isUndoAvailable()); // a password may have been typed
         QCOMPARE(stepper->minimum(), -1);
         QCOMPARE(stepper->maximum(), 2); // duplicates are kept
-        QLineEdit *input = console.view.consoleInput;
+        QLineEdit *input = console.input;
         QStringList seen;
         for (int i = 0; i < 4; ++i) {
             QTest::keyClick(input, Qt::Key_Up);
@@ -50,17 +55,24 @@ private slots:
         QCOMPARE(console.exchange.sent().size(), 3); // stepping sends nothing
     }
 
+    void theFocusOfThePageGoesToTheCommandLine()
+    {
+        Console console;
+        console.view.setFocus();
+        QCOMPARE(console.view.focusWidget(), console.input);
+    }
+
     void typingOnIsNotDisturbedByTheReply()
     {
         Console console;
         console.exchange.hold();
         console.type("slow");
-        QTest::keyClick(console.view.consoleInput, Qt::Key_Up);
-        QCOMPARE(console.view.consoleInput->text(), "slow");
-        QTest::keyClicks(console.view.consoleInput, "er");
+        QTest::keyClick(console.input, Qt::Key_Up);
+        QCOMPARE(console.input->text(), "slow");
+        QTest::keyClicks(console.input, "er");
         console.exchange.release();
         QVERIFY(console.settle());
-        QCOMPARE(console.view.consoleInput->text(), "slower");
+        QCOMPARE(console.input->text(), "slower");
     }
 
     void connectingClearsTranscriptAndHistory()
@@ -68,15 +80,15 @@ private slots:
         Console console;
         console.type("status");
         QVERIFY(console.settle());
-        QCOMPARE(console.view.consoleOutput->toPlainText(), "] status\ndone\n");
+        QCOMPARE(console.output->toPlainText(), "] status\ndone\n");
         console.server.disconnect();
-        QVERIFY(!console.view.consoleInput->isEnabled());
+        QVERIFY(!console.input->isEnabled());
         console.connectToServer();
-        QVERIFY(console.view.consoleInput->isEnabled());
-        QVERIFY(console.view.consoleOutput->toPlainText().isEmpty());
-        QCOMPARE(console.view.numericUpDownCommandCursor->maximum(), -1);
-        console.view.numericUpDownCommandCursor->stepBy(1);
-        QVERIFY(console.view.consoleInput->text().isEmpty());
+        QVERIFY(console.input->isEnabled());
+        QVERIFY(console.output->toPlainText().isEmpty());
+        QCOMPARE(console.stepper->maximum(), -1);
+        console.stepper->stepBy(1);
+        QVERIFY(console.input->text().isEmpty());
     }
 
     void followsItsEndOnlyWhileTheReaderIsThere()

@@ -1,10 +1,16 @@
 #pragma once
 
 #include "CataloguesFixture.h"
+#include "Controls.h"
 #include "ElidingField.h"
 #include "KelMapRotation.h"
 #include "MapsView.h"
+#include "PlaceholderTable.h"
 #include "TestPreferences.h"
+
+#include <QComboBox>
+#include <QListView>
+#include <QPushButton>
 
 /// A connected session on a server that plays tdm on mp_saltworks, with the catalogues loaded.
 struct Maps : CataloguesFixture {
@@ -26,23 +32,39 @@ struct Maps : CataloguesFixture {
     {
         exchange.answer(name, ScriptedExchange::ok(QString("\"%1\" is: \"%2\"^7\n").arg(name, value)));
     }
+    QPushButton &button(const char *name) const { return *control<QPushButton>(view, name); }
+    void press(const char *name) const { button(name).click(); }
     void choose(const QString &gametype, const QString &map)
     {
-        view.gametypePopUpButton->setCurrentText(gametype);
-        const QModelIndexList found = view.mapListController->arranged()->match(
-            view.mapListController->arranged()->index(0, 0), Qt::DisplayRole, map, 1, Qt::MatchExactly);
+        control<QComboBox>(view, "gametypePopUpButton")->setCurrentText(gametype);
+        const auto *list = control<QListView>(view, "mapListView");
+        const QModelIndexList found =
+            list->model()->match(list->model()->index(0, 0), Qt::DisplayRole, map, 1, Qt::MatchExactly);
         QCOMPARE(found.size(), 1);
-        view.mapListController->selection()->select(found.first(), QItemSelectionModel::ClearAndSelect);
+        list->selectionModel()->select(found.first(), QItemSelectionModel::ClearAndSelect);
     }
     QStringList listedMaps() const
     {
+        const QAbstractItemModel &model = *control<QListView>(view, "mapListView")->model();
         QStringList names;
-        for (const MapInst &map : view.mapListController->content())
-            names.append(map.name);
+        for (int row = 0; row < model.rowCount(); ++row)
+            names.append(model.index(row, 0).data().toString());
         return names;
     }
-    QStringList current() const { return {view.currentGameTypeField->text(), view.currentMapField->text()}; }
-    QList<RotationRow> rotation() const { return view.mapServerRotationController->content(); }
+    ElidingField &field(const char *name) const { return *control<ElidingField>(view, name); }
+    QStringList current() const { return {field("currentGameTypeField").text(), field("currentMapField").text()}; }
+    QAbstractItemModel &rotationModel() const
+    {
+        return *control<PlaceholderTable>(view, "mapServerRotationTableView")->model();
+    }
+    QList<RotationRow> rotation() const
+    {
+        QList<RotationRow> rows;
+        for (int row = 0; row < rotationModel().rowCount(); ++row)
+            rows.append(RotationRow{rotationModel().index(row, 0).data().toString(),
+                                    rotationModel().index(row, 1).data().toString()});
+        return rows;
+    }
 
     TestPreferences preferences{folder};
     KelMapRotation mapRotations{preferences, alerts, folder.path()};

@@ -1,6 +1,5 @@
 #include "ElidingLabel.h"
 #include "MapsFixture.h"
-#include "RotationPane.h"
 
 class BuiltRotationTest : public QObject
 {
@@ -30,7 +29,7 @@ private slots:
         for (int i = 0; i < commands.size(); ++i)
             maps.exchange.answer(commands.at(i),
                                  i == failing ? ScriptedExchange::failure("lost") : ScriptedExchange::ok());
-        maps.view.setBuiltRotationButtonPressed();
+        maps.press("setBuiltRotationButton");
         QVERIFY(maps.settle());
         const QStringList all = commands + QStringList{"g_gametype", "mapname", "sv_mapRotation"};
         QCOMPARE(maps.exchange.sent(), all.first(sent));
@@ -43,7 +42,7 @@ private slots:
         Maps maps;
         maps.choose("Domination", "Saltworks");
         awaited(maps.mapRotations.addEntries({{"Saltworks", "Domination"}, {"Nowhere", "Domination"}}));
-        maps.view.setBuiltRotationButtonPressed();
+        maps.press("setBuiltRotationButton");
         QVERIFY(maps.settle());
         QCOMPARE(maps.exchange.sent(), QStringList());
         QCOMPARE(maps.alerts.titles(), QStringList("Rotation Not Set"));
@@ -55,13 +54,13 @@ private slots:
         Maps maps;
         awaited(maps.view.updateMapList(255));
         awaited(maps.mapRotations.saveUIChanges("mine"));
-        maps.view.copyCurrentMapRotationToBuilderButtonPressed();
+        maps.press("copyToBuilderButton");
         QVERIFY(maps.settle());
         QStringList copied;
         for (const auto &entry : maps.mapRotations.entries())
             copied.append(entry->map + "/" + entry->gametype);
         QCOMPARE(copied, QStringList({"Ropeway/Team Match", "Millrace/Domination", "mp_new/Domination"}));
-        QCOMPARE(maps.view.rotationPane->labelCurrentRotation->text(), QString("Rotation: mine"));
+        QCOMPARE(control<ElidingLabel>(maps.view, "labelCurrentRotation")->text(), QString("Rotation: mine"));
         QVERIFY(maps.mapRotations.unsavedChanges());
     }
 };

@@ -1,9 +1,23 @@
+#include "CurrentMapPane.h"
+#include "LoadMapPane.h"
 #include "MapsFixture.h"
 
 #include <QAbstractItemModelTester>
+#include <QAbstractProxyModel>
+#include <QCheckBox>
+#include <QHeaderView>
+#include <QMenu>
+#include <QSpinBox>
+#include <QTimer>
 
 static const QList<RotationRow> tdmRotation{
     {"Ropeway", "Team Match"}, {"Millrace", "Domination"}, {"mp_new", "Domination"}};
+
+/// The rows behind what a table shows in an order of its own.
+static QAbstractItemModel *sourceOf(const QAbstractItemModel &arranged)
+{
+    return dynamic_cast<const QAbstractProxyModel &>(arranged).sourceModel();
+}
 
 class MapsViewTest : public QObject
 {
@@ -12,7 +26,7 @@ private slots:
     void theRotationAloneAsksForTheGametypeAsWell()
     {
         Maps maps;
-        maps.view.currentMapField->showText("old");
+        maps.field("currentMapField").showText("old");
         awaited(maps.view.updateMapList(MapsView::RotationFlag));
         QCOMPARE(maps.exchange.sent(), QStringList({"g_gametype", "sv_mapRotation"}));
         QCOMPARE(maps.current(), QStringList({"Team Match", "old"}));
@@ -22,14 +36,15 @@ private slots:
     void aRefreshNeverTouchesTheRotation()
     {
         Maps maps;
-        const QAbstractItemModelTester tester(maps.view.mapServerRotationController);
+        const QAbstractItemModelTester tester(&maps.rotationModel());
+        const QAbstractItemModelTester sourceTester(sourceOf(maps.rotationModel()));
         awaited(maps.view.updateMapList(7));
         QCOMPARE(maps.rotation(), tdmRotation);
         maps.tell("g_gametype", "ladder7");
         maps.tell("mapname", "mp_unheard");
         maps.tell("sv_mapRotation", "map mp_saltworks");
         maps.exchange.forgetSent();
-        maps.view.refreshCurrentMapButton->click();
+        maps.press("refreshCurrentMapButton");
         QCOMPARE(maps.sent(), QStringList({"g_gametype", "mapname"}));
         QCOMPARE(maps.current(), QStringList({"ladder7", "mp_unheard"})); // unknown: as the server calls them
         QCOMPARE(maps.rotation(), tdmRotation);
@@ -91,7 +106,7 @@ private slots:
                                               {"startNextMapButton", "map_rotate"}}) {
             Maps maps;
             maps.exchange.answer(command, ScriptedExchange::ok());
-            auto *pressed = maps.view.findChild<QPushButton *>(button);
+            auto *pressed = control<QPushButton>(maps.view, button);
             pressed->click();
             QCOMPARE(maps.sent(), QStringList{command}); // and no refresh after it
             QCOMPARE(maps.alerts.shown().size(), 0);
@@ -112,8 +127,8 @@ private slots:
         Maps maps;
         maps.choose("Domination", "Ropeway");
         maps.exchange.hold();
-        maps.view.loadMapButton->click();
-        maps.view.restartMapButton->click(); // waits
+        maps.press("loadMapButton");
+        maps.press("restartMapButton"); // waits
         maps.actions.dropWaiting();
         maps.server.cancelExchange();
         maps.server.disconnect();
@@ -125,25 +140,43 @@ private slots:
     void theTimerFollowsThePreferences()
     {
         Maps maps;
-        maps.view.autoupdateMapsInterval->setValue(86400);
-        QVERIFY(!maps.view.autoupdateMapsTimer.isActive());
-        maps.view.autoupdateMaps->setChecked(true);
-        QVERIFY(maps.view.autoupdateMapsTimer.isActive());
-        QCOMPARE(maps.view.autoupdateMapsTimer.interval(), 86400 * 1000);
-        maps.view.stopAutoupdateMapsTimer();
-        QVERIFY(!maps.view.autoupdateMapsTimer.isActive());
-        maps.view.autoupdateMapsChanged(); // as after the next connect
-        QVERIFY(maps.view.autoupdateMapsTimer.isActive());
+        auto *timer = control<QTimer>(maps.view, "autoupdateMapsTimer");
+        auto *box = control<QCheckBox>(maps.view, "autoupdateMaps");
+        auto *interval = control<QSpinBox>(maps.view, "autoupdateMapsInterval");
+        interval->setValue(86400);
+        QVERIFY(!timer->isActive());
+        box->setChecked(true);
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 86400 * 1000);
+        maps.view.willDisconnect();
+        QVERIFY(!timer->isActive());
+        awaited(maps.view.didConnect());
+        QVERIFY(timer->isActive());
+        QCOMPARE(maps.exchange.sent(), QStringList({"g_gametype", "mapname", "sv_mapRotation"}));
         const MapsView later(maps.server, maps.actions, maps.alerts, maps.preferences, maps.catalogues(),
                              maps.mapRotations);
-        QVERIFY(later.autoupdateMaps->isChecked());
-        QCOMPARE(later.autoupdateMapsInterval->value(), 86400);
-        maps.view.autoupdateMapsTimer.setInterval(1);
+        QVERIFY(control<QCheckBox>(later, "autoupdateMaps")->isChecked());
+        QCOMPARE(control<QSpinBox>(later, "autoupdateMapsInterval")->value(), 86400);
+        maps.exchange.forgetSent();
+        timer->setInterval(1);
         QTRY_VERIFY(maps.exchange.sent().size() >= 4);
         QCOMPARE(maps.exchange.sent().first(4), QStringList({"g_gametype", "mapname", "g_gametype", "mapname"}));
-        maps.view.autoupdateMaps->setChecked(false);
-        QVERIFY(!maps.view.autoupdateMapsTimer.isActive());
+        box->setChecked(false);
+        QVERIFY(!timer->isActive());
         QVERIFY(maps.settle());
+    }
+
+    void noTimerStartsOnceTheConnectionHasEnded()
+    {
+        Maps maps;
+        control<QCheckBox>(maps.view, "autoupdateMaps")->setChecked(true);
+        maps.view.willDisconnect();
+        maps.exchange.hold();
+        const QCoro::Task<> task = maps.view.didConnect();
+        maps.exchange.cancel();
+        maps.server.disconnect();
+        QTRY_VERIFY(task.isReady());
+        QVERIFY(!control<QTimer>(maps.view, "autoupdateMapsTimer")->isActive());
     }
 
     void aRefreshThatWaitsIsNotDoubled()
@@ -151,9 +184,9 @@ private slots:
         Maps maps;
         maps.exchange.answerEverything(ScriptedExchange::ok());
         maps.exchange.hold();
-        maps.view.restartMapButton->click();
-        maps.view.updateMapsTimer();
-        maps.view.refreshCurrentMapButton->click();
+        maps.press("restartMapButton");
+        control<CurrentMapPane>(maps.view, "currentMapPane")->updateMapsTimer();
+        maps.press("refreshCurrentMapButton");
         for (const char *command : {"map_restart", "g_gametype", "mapname"}) {
             QTRY_COMPARE(maps.exchange.keptCount(), 1);
             QCOMPARE(maps.exchange.sent().last(), QString(command));
@@ -161,8 +194,8 @@ private slots:
         }
         QCOMPARE(maps.sent().size(), 3);
         maps.server.disconnect();
-        maps.view.updateMapsTimer();
-        maps.view.refreshCurrentMapButton->click();
+        control<CurrentMapPane>(maps.view, "currentMapPane")->updateMapsTimer();
+        maps.press("refreshCurrentMapButton");
         QVERIFY(maps.actions.isIdle()); // nothing to wait for, nothing sent
         QCOMPARE(maps.exchange.sent().size(), 3);
     }
@@ -176,8 +209,8 @@ private slots:
         maps.tell("sv_mapRotation", "map " + name + " map mp_ropeway");
         awaited(maps.view.updateMapList(7));
         maps.view.grab();
-        QVERIFY(maps.view.currentMapField->toolTip().size() < 2000);
-        QVERIFY(!maps.view.currentMapField->toolTip().contains("<b>"));
+        QVERIFY(maps.field("currentMapField").toolTip().size() < 2000);
+        QVERIFY(!maps.field("currentMapField").toolTip().contains("<b>"));
         QVERIFY(maps.view.width() == 740 && maps.view.minimumSizeHint().width() <= 740);
     }
 
@@ -199,10 +232,10 @@ private slots:
         Maps maps;
         maps.exchange.answerEverything(ScriptedExchange::ok());
         maps.exchange.answer(sent.last(), ScriptedExchange::failure("lost"));
-        maps.view.currentGameTypeField->showText("old");
-        maps.view.currentMapField->showText("old");
+        maps.field("currentGameTypeField").showText("old");
+        maps.field("currentMapField").showText("old");
         maps.choose("Domination", "Ropeway");
-        maps.view.loadMapButton->click();
+        maps.press("loadMapButton");
         QCOMPARE(maps.sent(), sent);
         QTEST(maps.current(), "current");
         QCOMPARE(maps.alerts.titles(), QStringList{"Remote Command Failure"});
@@ -214,9 +247,9 @@ private slots:
         Maps maps;
         maps.exchange.answerEverything(ScriptedExchange::ok());
         maps.exchange.hold();
-        maps.view.startNextMapButton->click();
+        maps.press("startNextMapButton");
         maps.choose("Domination", "Ropeway");
-        maps.view.loadMapButton->click(); // waits behind the other
+        maps.press("loadMapButton"); // waits behind the other
         maps.choose("Free for All", "Millrace");
         for (const char *command : {"map_rotate", "setadmindvar g_gametype \"dom\"", "map mp_ropeway"}) {
             QTRY_COMPARE(maps.exchange.keptCount(), 1);
@@ -243,13 +276,13 @@ private slots:
         QFETCH(bool, isMapSelected);
         Maps maps;
         maps.choose("Domination", "Ropeway");
-        QVERIFY(maps.view.loadMapButton->isEnabled());
+        QVERIFY(maps.button("loadMapButton").isEnabled());
         maps.write("gametypes", gametypes);
         maps.loadCatalogues();
         if (!isMapSelected)
-            maps.view.mapListController->selection()->clear();
-        QVERIFY(!maps.view.loadMapButton->isEnabled());
-        maps.view.loadMapButtonPressed();
+            control<QListView>(maps.view, "mapListView")->selectionModel()->clear();
+        QVERIFY(!maps.button("loadMapButton").isEnabled());
+        control<LoadMapPane>(maps.view, "loadMapPane")->loadMapButtonPressed();
         QCOMPARE(maps.sent(), QStringList());
         QCOMPARE(maps.alerts.texts(), QStringList{"Select a gametype and a map first."});
     }
@@ -257,7 +290,9 @@ private slots:
     void thePickersFollowTheCatalogues()
     {
         Maps maps;
-        const QAbstractItemModelTester tester(maps.view.mapListController);
+        QAbstractItemModel *list = control<QListView>(maps.view, "mapListView")->model();
+        const QAbstractItemModelTester tester(list);
+        const QAbstractItemModelTester sourceTester(sourceOf(*list));
         maps.choose("Domination", "Ropeway");
         maps.write("gametypes", "<a><Gametype><name>Domination</name><dvarName>old</dvarName></Gametype>"
                                 "<Gametype><name>New</name><dvarName>n</dvarName></Gametype>"
@@ -268,11 +303,75 @@ private slots:
                            "<Map><name>Ropeway</name><dvarName>mp_r2</dvarName></Map></a>");
         maps.loadCatalogues();
         QCOMPARE(maps.listedMaps(), QStringList({"Zoo", "Attic", "Ropeway"})); // the file's order, the later of two
-        QCOMPARE(maps.view.gametypePopUpButton->currentText(), QString("Domination"));
-        QCOMPARE(maps.view.gametypePopUpButton->count(), 2);
+        const auto *popUp = control<QComboBox>(maps.view, "gametypePopUpButton");
+        QCOMPARE(popUp->currentText(), QString("Domination"));
+        QCOMPARE(popUp->count(), 2);
         maps.exchange.answerEverything(ScriptedExchange::ok());
-        maps.view.loadMapButton->click();
+        maps.press("loadMapButton");
         QCOMPARE(maps.sent(), QStringList({"setadmindvar g_gametype \"dom2\"", "map mp_r2"}));
+    }
+
+    void itsMenuPressesItsButtons()
+    {
+        Maps maps;
+        maps.exchange.answerEverything(ScriptedExchange::ok());
+        QMenu menu;
+        maps.view.fillMenu(menu);
+        QStringList texts;
+        for (const QAction *action : menu.actions())
+            texts.append(action->isSeparator() ? "-" : action->text());
+        QCOMPARE(texts, QStringList({"&Refresh", "Restart &Map", "&Fast Restart", "Ne&xt Map", "&Load Map", "-",
+                                     "&Copy Server's Rotation to Builder", "&Add Map…", "Set Rotation &on Server"}));
+        maps.choose("Domination", "Ropeway");
+        for (const char *text : {"Restart &Map", "&Fast Restart", "Ne&xt Map", "&Load Map"})
+            menu.actions().at(texts.indexOf(QString(text)))->trigger();
+        QCOMPARE(maps.sent(), QStringList({"map_restart", "fast_restart", "map_rotate",
+                                           "setadmindvar g_gametype \"dom\"", "map mp_ropeway"}));
+    }
+
+    void columnsAreReadFromWhereTheyWereKept_data()
+    {
+        QTest::addColumn<QString>("table");
+        QTest::addColumn<QString>("key");
+        QTest::newRow("server rotation") << "mapServerRotationTableView"
+                                         << "window/serverRotation";
+        QTest::newRow("builder") << "mapRotationPreviewTableView"
+                                 << "window/rotationBuilder";
+    }
+    void columnsAreReadFromWhereTheyWereKept()
+    {
+        QFETCH(QString, table);
+        QFETCH(QString, key);
+        Maps maps;
+        QHeaderView *header = control<QTableView>(maps.view, table.toLatin1())->horizontalHeader();
+        header->resizeSection(1, 77);
+        const QByteArray kept = header->saveState();
+        maps.view.saveLayout(maps.preferences);
+        QCOMPARE(maps.preferences.value(key).toByteArray(), kept);
+        header->resizeSection(1, 200);
+        maps.view.restoreLayout(maps.preferences);
+        QCOMPARE(header->sectionSize(1), 77);
+    }
+
+    void theFocusGoesToTheMapsAndTabFromTopToBottom()
+    {
+        Maps maps;
+        awaited(maps.view.updateMapList(7));
+        maps.choose("Domination", "Ropeway");
+        maps.view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&maps.view));
+        maps.view.setFocus();
+        QCOMPARE(maps.view.focusWidget()->objectName(), QString("mapListView"));
+        QStringList order{"refreshCurrentMapButton"};
+        maps.button("refreshCurrentMapButton").setFocus();
+        while (order.last() != "mapRotationPreviewTableView" && order.size() < 30) {
+            QTest::keyClick(maps.view.focusWidget(), Qt::Key_Tab);
+            order.append(maps.view.focusWidget()->objectName());
+        }
+        QCOMPARE(order, QStringList({"refreshCurrentMapButton", "restartMapButton", "fastRestartMapButton",
+                                     "startNextMapButton", "autoupdateMaps", "autoupdateMapsInterval",
+                                     "gametypePopUpButton", "mapListView", "loadMapButton", "copyToBuilderButton",
+                                     "mapServerRotationTableView", "mapRotationPreviewTableView"}));
     }
 };
 

@@ -1,16 +1,25 @@
 #include "AddMessageToRotationWindowController.h"
 #include "ColorPreview.h"
+#include "Controls.h"
 #include "KelMessageRotation.h"
 #include "MessagesView.h"
 #include "QuickMessageField.h"
 #include "SessionFixture.h"
 #include "TestPreferences.h"
 
+#include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
+#include <QTableView>
 
 struct Messages : SessionFixture {
     Messages() { connectToServer(); }
+
+    QPushButton &button(const char *name) const { return *control<QPushButton>(view, name); }
+    QString onAir() const { return control<QLabel>(view, "onAirLabel")->text(); }
+    QString preview() const { return control<ColorPreview>(view, "colorPreview")->accessibleName(); }
 
     TestPreferences preferences{folder};
     KelMessageRotation messageRotations{{preferences, alerts, server, actions}, folder.path()};
@@ -36,32 +45,31 @@ private slots:
         messages.exchange.answerEverything(ScriptedExchange::ok());
         QFETCH(QString, duration);
         awaited(messages.messageRotations.addEntries({{"say \"hi\"", duration}, {"b", "2"}}));
-        QVERIFY(!messages.view.buttonStopMessageRotation->isEnabled());
+        QVERIFY(!messages.button("buttonStopMessageRotation").isEnabled());
         messages.exchange.hold();
-        messages.view.buttonStartMessageRotation->click();
-        QCOMPARE(messages.view.onAirLabel->text(), QString("On air: message 1 of 2, being sent"));
+        messages.button("buttonStartMessageRotation").click();
+        QCOMPARE(messages.onAir(), QString("On air: message 1 of 2, being sent"));
         messages.exchange.release();
         QVERIFY(messages.settle());
         QCOMPARE(messages.exchange.sent(), QStringList("say \"say \\\"hi\\\"\""));
-        QTEST(messages.view.onAirLabel->text().section(", ", 1), "state");
+        QTEST(messages.onAir().section(", ", 1), "state");
         messages.messageRotations.deleteAllItems();
-        QTEST(messages.view.onAirLabel->text().section(", ", 1), "state");
-        QVERIFY(!messages.view.buttonStartMessageRotation->isEnabled());
-        messages.view.buttonStopMessageRotation->click();
-        QCOMPARE(messages.view.onAirLabel->text(), QString("Stopped"));
+        QTEST(messages.onAir().section(", ", 1), "state");
+        QVERIFY(!messages.button("buttonStartMessageRotation").isEnabled());
+        messages.button("buttonStopMessageRotation").click();
+        QCOMPARE(messages.onAir(), QString("Stopped"));
     }
 
     void sendsAQuickMessageAsItStands()
     {
         Messages messages;
-        QuickMessageField &field = *messages.view.quickMessageTextField;
+        QuickMessageField &field = *control<QuickMessageField>(messages.view, "quickMessageTextField");
         field.setText("a \"b\" ");
         field.insertColorCode(1);
-        QCOMPARE(messages.view.colorPreview->accessibleName(), QString("Players will see: a \"b\" "));
+        QCOMPARE(messages.preview(), QString("Players will see: a \"b\" "));
         field.insert("c\u20ac");
-        QCOMPARE(messages.view.colorPreview->accessibleName(),
-                 QString("Players will see: White (default): a \"b\" ; Red: c\u20ac"));
-        QVERIFY(!messages.view.unsendableLabel->isHidden());
+        QCOMPARE(messages.preview(), QString("Players will see: White (default): a \"b\" ; Red: c\u20ac"));
+        QVERIFY(!control<QLabel>(messages.view, "unsendableLabel")->isHidden());
         field.backspace();
         messages.exchange.hold();
         messages.view.quickMessageButtonPressed();
@@ -81,20 +89,72 @@ private slots:
             added << message << duration;
             return added.size() < 4;
         });
+        auto *message = control<QLineEdit>(sheet, "messageTextField");
+        auto *duration = control<QLineEdit>(sheet, "durationTextField");
+        auto *add = control<QPushButton>(sheet, "addButton");
         sheet.show();
-        sheet.messageTextField->setText(" hi ");
+        message->setText(" hi ");
         QVERIFY(!sheet.addButtonEnabled());
-        sheet.durationTextField->setText("soon");
-        QVERIFY(sheet.findChild<QLabel *>("unsendableLabel")->isHidden());
-        QVERIFY(sheet.findChild<QLabel *>("durationHint")->text().contains("until Stop is pressed"));
-        sheet.addButton->click();
-        sheet.addButton->click(); // without a message
-        sheet.messageTextField->setText("\u0142");
-        QVERIFY(sheet.findChild<QLabel *>("unsendableLabel")->isVisible());
+        duration->setText("soon");
+        QVERIFY(control<QLabel>(sheet, "unsendableLabel")->isHidden());
+        QVERIFY(control<QLabel>(sheet, "durationHint")->text().contains("until Stop is pressed"));
+        add->click();
+        add->click(); // without a message
+        message->setText("\u0142");
+        QVERIFY(control<QLabel>(sheet, "unsendableLabel")->isVisible());
         QCOMPARE(added, QStringList({" hi ", "soon"}));
-        sheet.addButton->click(); // no room
-        QCOMPARE(sheet.messageTextField->text() + sheet.durationTextField->text(), QString("\u0142soon"));
-        QVERIFY(sheet.isVisible() && sheet.focusWidget() == sheet.messageTextField);
+        add->click(); // no room
+        QCOMPARE(message->text() + duration->text(), QString("\u0142soon"));
+        QVERIFY(sheet.isVisible() && sheet.focusWidget() == message);
+    }
+
+    void itsMenuPressesItsButtons()
+    {
+        Messages messages;
+        messages.exchange.answerEverything(ScriptedExchange::ok());
+        awaited(messages.messageRotations.addEntries({{"a", "60"}}));
+        QMenu menu;
+        messages.view.fillMenu(menu);
+        QStringList texts;
+        for (const QAction *action : menu.actions())
+            texts.append(action->isSeparator() ? "-" : action->text());
+        QCOMPARE(texts, QStringList({"&Add Message…", "-", "&Start", "S&top"}));
+        menu.actions().at(2)->trigger();
+        QCOMPARE(messages.sent(), QStringList("say \"a\""));
+        menu.actions().at(3)->trigger();
+        QCOMPARE(messages.onAir(), QString("Stopped"));
+        menu.actions().at(0)->trigger();
+        QVERIFY(control<QDialog>(messages.view, "AddMessageToRotationWindowController")->isVisible());
+    }
+
+    void columnsAreReadFromWhereTheyWereKept()
+    {
+        Messages messages;
+        QHeaderView *header = control<QTableView>(messages.view, "messageRotationTableView")->horizontalHeader();
+        header->resizeSection(1, 77);
+        const QByteArray kept = header->saveState();
+        messages.view.saveLayout(messages.preferences);
+        QCOMPARE(messages.preferences.value("window/messages").toByteArray(), kept);
+        header->resizeSection(1, 200);
+        messages.view.restoreLayout(messages.preferences);
+        QCOMPARE(header->sectionSize(1), 77);
+    }
+
+    void theFocusGoesToTheMessagesAndTabThroughAllControls()
+    {
+        Messages messages;
+        awaited(messages.messageRotations.addEntries({{"a", "60"}}));
+        messages.view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&messages.view));
+        messages.view.setFocus();
+        QStringList order{messages.view.focusWidget()->objectName()};
+        while (order.last() != "quickMessageButton" && order.size() < 30) {
+            QTest::keyClick(messages.view.focusWidget(), Qt::Key_Tab);
+            order.append(messages.view.focusWidget()->objectName());
+        }
+        QCOMPARE(order, QStringList({"messageRotationTableView", "addMessageButton", "removeAllButton", "newButton",
+                                     "saveButton", "saveAsButton", "buttonStartMessageRotation", "checkBoxLoopMessages",
+                                     "quickMessageTextField", "colorButton", "quickMessageButton"}));
     }
 };
 

@@ -1,13 +1,22 @@
-#include "PlaceholderTable.h"
+#include "Controls.h"
 #include "PlayerSendMessage.h"
 #include "PlayersView.h"
 #include "SessionFixture.h"
 #include "TestPreferences.h"
 
 #include <QAbstractItemModelTester>
+#include <QAbstractProxyModel>
+#include <QCheckBox>
 #include <QFile>
 #include <QFileDialog>
 #include <QHeaderView>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QSpinBox>
+#include <QTableView>
+#include <QTimer>
 
 static QString line(int number, const QString &name, int score = 0)
 {
@@ -21,69 +30,146 @@ struct Players : SessionFixture {
         connectToServer();
         exchange.answerEverything(ScriptedExchange::ok());
         list(line(1, "Ann", 9) + line(2, "Bob", 10) + line(3, "Cy", 8));
-        view.setSelectedTabLabel("Players");
+        view.setInFront(true);
         refresh();
         exchange.forgetSent();
     }
 
     void list(const QString &reply) { exchange.answer("teamstatus", ScriptedExchange::ok(reply)); }
+    void press(const char *button) { control<QPushButton>(view, button)->click(); }
     void refresh()
     {
-        view.refreshPlayersButton->click();
+        press("refreshPlayersButton");
         QVERIFY(settle());
     }
+    void filter(const QString &text) { control<QLineEdit>(view, "playerFilterField")->setText(text); }
     void select(const QStringList &names)
     {
-        QItemSelectionModel *selection = view.playersController->selection();
+        QItemSelectionModel *selection = table->selectionModel();
         selection->clear();
-        for (int row = 0; row < view.playersController->arranged()->rowCount(); ++row) {
-            const QModelIndex name = view.playersController->arranged()->index(row, 1);
+        for (int row = 0; row < table->model()->rowCount(); ++row) {
+            const QModelIndex name = table->model()->index(row, 1);
             if (names.contains(name.data().toString()))
                 selection->select(name, QItemSelectionModel::Select | QItemSelectionModel::Rows);
         }
     }
+    QStringList selected() const
+    {
+        QStringList names;
+        for (const QModelIndex &name : table->selectionModel()->selectedRows(1))
+            names.append(name.data().toString());
+        return names;
+    }
     QStringList shown() const
     {
         QStringList names;
-        const ArrangedRows *rows = view.playersController->arranged();
-        for (int row = 0; row < rows->rowCount(); ++row)
-            names.append(rows->index(row, 1).data().toString());
+        for (int row = 0; row < table->model()->rowCount(); ++row)
+            names.append(table->model()->index(row, 1).data().toString());
         return names;
     }
+    /// How many there are with those that the filter hides.
+    int count() const { return qobject_cast<QAbstractProxyModel *>(table->model())->sourceModel()->rowCount(); }
 
     TestPreferences preferences{folder};
     PlayersView view{server, actions, alerts, preferences};
+    QTableView *table = control<QTableView>(view, "playersTableView");
 };
 
 class PlayersViewTest : public QObject
 {
     Q_OBJECT
 private slots:
+    void fetchesOnlyInFront()
+    {
+        Players players;
+        players.view.setInFront(false);
+        players.press("refreshPlayersButton");
+        awaited(players.view.didConnect());
+        QCOMPARE(players.sent(), QStringList());
+        players.view.setInFront(true);
+        awaited(players.view.didConnect());
+        QCOMPARE(players.sent(), QStringList{"teamstatus"});
+    }
+
+    void theMenusPressTheButtons_data()
+    {
+        QTest::addColumn<bool>("isInFileMenu");
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<QString>("button");
+        QTest::newRow("refresh") << false << "&Refresh"
+                                 << "refreshPlayersButton";
+        QTest::newRow("message") << false << "&Message…"
+                                 << "messagePlayerButton";
+        QTest::newRow("kick") << false << "&Kick"
+                              << "kickPlayerButton";
+        QTest::newRow("temp ban") << false << "&Temp Ban"
+                                  << "tempBanPlayerButton";
+        QTest::newRow("ban") << false << "&Ban"
+                             << "banPlayerButton";
+        QTest::newRow("kick all") << false << "Kick &All…"
+                                  << "kickAllButton";
+        QTest::newRow("save") << true << "Save &Player List…"
+                              << "savePlayerListButton";
+    }
+    void theMenusPressTheButtons()
+    {
+        QFETCH(bool, isInFileMenu);
+        QFETCH(QString, action);
+        QFETCH(QString, button);
+        Players players;
+        players.alerts.answerWith(1); // nobody is kicked
+        players.select({"Ann"});
+        QMenu menu;
+        isInFileMenu ? players.view.fillFileMenu(menu) : players.view.fillMenu(menu);
+        const QSignalSpy presses(control<QPushButton>(players.view, button.toLatin1().constData()),
+                                 &QPushButton::clicked);
+        for (QAction *found : menu.actions()) {
+            if (found->text() == action)
+                found->trigger();
+        }
+        QCOMPARE(presses.size(), 1);
+        QVERIFY(players.settle());
+    }
+
+    void theColumnsSurviveARestart()
+    {
+        Players players;
+        players.table->sortByColumn(6, Qt::DescendingOrder);
+        players.table->setColumnWidth(2, 321);
+        players.view.saveLayout(players.preferences);
+        PlayersView again(players.server, players.actions, players.alerts, players.preferences);
+        again.restoreLayout(players.preferences);
+        const QHeaderView *header = control<QTableView>(again, "playersTableView")->horizontalHeader();
+        QCOMPARE(header->sortIndicatorSection(), 6);
+        QCOMPARE(header->sectionSize(2), 321);
+        QVERIFY(!players.preferences.value("window/playersTable").toByteArray().isEmpty());
+    }
+
     void anotherServerStartsWithoutRows()
     {
         Players players;
         players.select({"Ann"});
         players.connectToServer();
-        QVERIFY(players.view.playersController->content().isEmpty());
-        QVERIFY(!players.view.kickPlayerButton->isEnabled());
+        QCOMPARE(players.count(), 0);
+        QVERIFY(!control<QPushButton>(players.view, "kickPlayerButton")->isEnabled());
     }
 
     void aRefreshKeepsWhoIsSelectedSortedAndFiltered()
     {
         Players players;
-        const QAbstractItemModelTester tester(players.view.playersController->arranged());
-        players.view.playersTableView->sortByColumn(5, Qt::DescendingOrder);
+        const QAbstractItemModelTester tester(players.table->model());
+        players.table->sortByColumn(5, Qt::DescendingOrder);
         QCOMPARE(players.shown(), QStringList({"Bob", "Ann", "Cy"})); // 10, 9, 8: numbers, not texts
         players.select({"Ann", "Cy"});
         players.list(line(4, "Dot", 100) + line(3, "Cy", 20) + line(1, "Eve", 7));
         players.refresh();
         QCOMPARE(players.shown(), QStringList({"Dot", "Cy", "Eve"}));
-        QCOMPARE(players.view.playersController->selectedObjects().size(), 1); // Ann is gone, Eve is somebody else
-        players.view.playerFilterField->setText("dot");
+        QCOMPARE(players.selected(), QStringList{"Cy"}); // Ann is gone, Eve is somebody else
+        players.filter("dot");
         QCOMPARE(players.shown(), QStringList{"Dot"});
         players.refresh();
         QCOMPARE(players.shown(), QStringList{"Dot"});
-        QCOMPARE(players.view.playersController->content().size(), 3);
+        QCOMPARE(players.count(), 3);
     }
 
     void sendsOneCommandForEachSelectedPlayer_data()
@@ -103,7 +189,7 @@ private slots:
         players.select({"Ann", "Cy"});
         QElapsedTimer clock;
         clock.start();
-        players.view.findChild<QPushButton *>(button)->click();
+        players.press(button.toLatin1().constData());
         QVERIFY(players.settle());
         QTEST(players.exchange.sent(), "sent");
         QVERIFY(players.alerts.shown().isEmpty());
@@ -120,9 +206,9 @@ private slots:
         players.exchange.answer("clientkick 3", ScriptedExchange::failure("lost"));
         players.alerts.hold();
         players.select({"Ann", "Bob", "Cy"});
-        players.view.kickPlayerButton->click();
+        players.press("kickPlayerButton");
         QTRY_COMPARE(players.alerts.openCount(), 1);
-        players.view.refreshPlayersButton->click();
+        players.press("refreshPlayersButton");
         QTest::qWait(0);
         QCOMPARE(players.exchange.sent().size(), 3); // a batch goes on after a failure
         players.alerts.dismiss();
@@ -137,9 +223,9 @@ private slots:
     {
         Players players;
         players.exchange.hold();
-        players.view.refreshPlayersButton->click();
+        players.press("refreshPlayersButton");
         players.select({"Ann"});
-        players.view.kickPlayerButton->click(); // waits behind the refresh
+        players.press("kickPlayerButton"); // waits behind the refresh
         players.select({"Bob"});
         players.exchange.release();
         QTRY_COMPARE(players.exchange.keptCount(), 1);
@@ -153,8 +239,8 @@ private slots:
         Players players;
         players.exchange.hold();
         players.select({"Ann", "Bob", "Cy"});
-        players.view.kickPlayerButton->click();
-        players.view.refreshPlayersButton->click();
+        players.press("kickPlayerButton");
+        players.press("refreshPlayersButton");
         QCOMPARE(players.exchange.keptCount(), 1);
         players.actions.dropWaiting();
         players.server.cancelExchange();
@@ -168,10 +254,10 @@ private slots:
         Players players;
         players.exchange.answer("kick all", ScriptedExchange::failure("lost"));
         players.alerts.answerWith(1);
-        players.view.kickAllButton->click();
+        players.press("kickAllButton");
         QCOMPARE(players.sent(), QStringList());
         players.alerts.answerWith(0);
-        players.view.kickAllButton->click();
+        players.press("kickAllButton");
         QCOMPARE(players.sent(), QStringList{"kick all"});
         const RecordedAlerts::Shown question{
             "Please Confirm Command", "Do you really want to kick everyone?", {"Yes", "No"}};
@@ -184,11 +270,11 @@ private slots:
         Players players;
         players.exchange.hold();
         players.alerts.hold();
-        players.view.refreshPlayersButton->click();
-        players.view.kickAllButton->click();
+        players.press("refreshPlayersButton");
+        players.press("kickAllButton");
         QCOMPARE(players.alerts.openCount(), 1); // while the refresh is still under way
         players.exchange.release();
-        players.view.refreshPlayersButton->click();
+        players.press("refreshPlayersButton");
         players.alerts.dismiss();
         QTRY_COMPARE(players.exchange.keptCount(), 1);
         QCOMPARE(players.exchange.sent(), QStringList({"teamstatus", "kick all"}));
@@ -202,15 +288,17 @@ private slots:
     {
         Players players;
         players.select({"Cy"});
-        PlayerSendMessage *panel = players.view.playerSendMessagePanel;
+        auto *panel = control<PlayerSendMessage>(players.view, "playerSendMessagePanel");
+        auto *field = control<QLineEdit>(*panel, "messageTextField");
+        auto *sendButton = control<QPushButton>(*panel, "sendButton");
         for (const bool isSent : {false, true}) {
-            panel->messageTextField->setText("old");
-            players.view.messagePlayerButton->click();
+            field->setText("old");
+            players.press("messagePlayerButton");
             QVERIFY(panel->messageString().isEmpty());
-            QVERIFY(!panel->sendButton->isEnabled());
-            panel->messageTextField->setText("see \"you\" ");
+            QVERIFY(!sendButton->isEnabled());
+            field->setText("see \"you\" ");
             if (isSent)
-                panel->sendButton->click();
+                sendButton->click();
             else
                 QTest::keyClick(panel, Qt::Key_Escape);
             QVERIFY(players.settle());
@@ -223,14 +311,14 @@ private slots:
     {
         Players players;
         players.select({"Ann", "Cy"});
-        players.view.messagePlayerButton->click();
+        players.press("messagePlayerButton");
         // Ann leaves, a newcomer gets her number, and Cy comes back under another one.
         players.list(line(1, "New") + "7 0 48 g3 Cy allies 0 10.0.0.3:3074 77 25000\n");
         players.view.refreshPlayersButtonPressed();
         QVERIFY(players.settle());
         players.exchange.forgetSent();
-        players.view.playerSendMessagePanel->messageTextField->setText("hello");
-        players.view.playerSendMessagePanel->sendButton->click();
+        control<QLineEdit>(players.view, "messageTextField")->setText("hello");
+        players.press("sendButton");
         QCOMPARE(players.sent(), QStringList{"tell 7 hello"});
         QCOMPARE(players.alerts.texts(), QStringList{"The following player(s) failed to process the 'tell' command: \n"
                                                      "  Ann (has left the server)"});
@@ -239,17 +327,19 @@ private slots:
     void theTimerFollowsThePreferenceAndEachRefresh()
     {
         Players players;
-        QVERIFY(!players.view.autoupdatePlayerTimer.isActive());
-        players.view.autoUpdatePlayersTime->setValue(7);
-        players.view.autoUpdatePlayers->setChecked(true);
-        QVERIFY(players.view.autoupdatePlayerTimer.isActive());
-        QCOMPARE(players.view.autoupdatePlayerTimer.interval(), 7000);
+        auto *timer = players.view.findChild<QTimer *>("autoupdatePlayerTimer");
+        auto *isOn = control<QCheckBox>(players.view, "autoUpdatePlayers");
+        QVERIFY(timer != nullptr && !timer->isActive());
+        control<QSpinBox>(players.view, "autoUpdatePlayersTime")->setValue(7);
+        isOn->setChecked(true);
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 7000);
         QCOMPARE(players.preferences.intValue("autoUpdatePlayersTime", 1, 99), 7);
-        players.view.autoupdatePlayerTimer.stop();
+        timer->stop();
         players.refresh();
-        QVERIFY(players.view.autoupdatePlayerTimer.isActive());
-        players.view.autoUpdatePlayers->setChecked(false);
-        QVERIFY(!players.view.autoupdatePlayerTimer.isActive());
+        QVERIFY(timer->isActive());
+        isOn->setChecked(false);
+        QVERIFY(!timer->isActive());
     }
 
     void aRefreshThatWaitsIsNotDoubled()
@@ -257,7 +347,7 @@ private slots:
         Players players;
         players.exchange.hold();
         players.select({"Ann"});
-        players.view.kickPlayerButton->click();
+        players.press("kickPlayerButton");
         for (int i = 0; i < 3; ++i)
             players.view.refreshPlayersButtonPressed();
         players.exchange.release();
@@ -272,9 +362,9 @@ private slots:
     void savesTheListInItsOrder()
     {
         Players players;
-        players.view.playersTableView->sortByColumn(5, Qt::DescendingOrder);
-        players.view.playerFilterField->setText("ann");
-        players.view.savePlayerListButton->click();
+        players.table->sortByColumn(5, Qt::DescendingOrder);
+        players.filter("ann");
+        players.press("savePlayerListButton");
         auto *panel = players.view.findChild<QFileDialog *>("savePlayerListPanel");
         QVERIFY(panel != nullptr);
         const QString path = players.folder.filePath("list.csv");

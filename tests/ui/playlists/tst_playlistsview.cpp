@@ -1,9 +1,16 @@
 #include "CataloguesFixture.h"
-#include "ElidingField.h"
-#include "KeyHandlingTableView.h"
+#include "Controls.h"
 #include "MapGametypePairWindowController.h"
-#include "PlaceholderTable.h"
 #include "PlaylistsView.h"
+#include "TestPreferences.h"
+
+#include <QComboBox>
+#include <QDataStream>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableView>
 
 /// A session on a server that plays list 3 and leaves out Ropeway, with the catalogues loaded.
 struct Playlists : CataloguesFixture {
@@ -61,14 +68,14 @@ private slots:
         QFETCH(bool, isRanked);
         QFETCH(bool, isFailing);
         Playlists playlists(isRanked);
-        PlaylistsView &view = playlists.view;
+        auto *table = control<QTableView>(playlists.view, "playlistsTableView");
         if (isFailing)
             playlists.exchange.answerEverything(ScriptedExchange::failure("lost"));
         playlists.playlists.addExclusion("Millrace", Exclusion::anyGametype());
         if (id > 0)
-            view.playlistsTableView->selectRow(id - 1);
-        view.startPlaylistButton->click();
-        view.playlistsTableView->selectRow(0); // too late for what was pressed
+            table->selectRow(id - 1);
+        control<QPushButton>(playlists.view, "startPlaylistButton")->click();
+        table->selectRow(0); // too late for what was pressed
         QVERIFY(playlists.answerAll());
         QStringList commands{QString("setadmindvar playlist \"%1\"").arg(id)};
         if (!isRanked)
@@ -76,7 +83,9 @@ private slots:
         QCOMPARE(playlists.exchange.sent(), commands);
         QTEST(playlists.alerts.texts(), "alerts");
         QVERIFY(!isRanked || playlists.alerts.titles().last() == "Playlist Has Been Queued");
-        QCOMPARE(view.currentPlaylistField->text(), isFailing ? "Hold Your Ground" : id == 0 ? "" : "Mixed Teams");
+        QCOMPARE(control<QLineEdit>(playlists.view, "currentPlaylistField")->text(), isFailing ? "Hold Your Ground"
+                                                                                     : id == 0 ? ""
+                                                                                               : "Mixed Teams");
         QCOMPARE(playlists.playlists.exclusions().size(), 1); // what the server has
     }
 
@@ -101,17 +110,19 @@ private slots:
         QFETCH(QString, added);
         QFETCH(QStringList, values);
         Playlists playlists(isRanked);
-        PlaylistsView &view = playlists.view;
-        QVERIFY(view.unsentExclusionsLabel->text().isEmpty() && !view.removeExclusionButton->isEnabled());
-        QTest::keyClick(view.exclusionsTableView, Qt::Key_Delete); // a beep
+        const auto *unsent = control<QLabel>(playlists.view, "unsentExclusionsLabel");
+        auto *table = control<QTableView>(playlists.view, "exclusionsTableView");
+        QVERIFY(unsent->text().isEmpty());
+        QVERIFY(!control<QPushButton>(playlists.view, "removeExclusionButton")->isEnabled());
+        QTest::keyClick(table, Qt::Key_Delete); // a beep
         QCOMPARE(playlists.playlists.exclusions().size(), 1);
-        view.exclusionsTableView->selectRow(0);
-        QTest::keyClick(view.exclusionsTableView, Qt::Key_Backspace);
+        table->selectRow(0);
+        QTest::keyClick(table, Qt::Key_Backspace);
         for (const QString &pair : added.split(',', Qt::SkipEmptyParts))
             playlists.playlists.addExclusion(pair.section('/', 0, 0), pair.section('/', 1));
-        QVERIFY(view.unsentExclusionsLabel->text().startsWith("Not yet applied"));
+        QVERIFY(unsent->text().startsWith("Not yet applied"));
         playlists.exchange.answer("setadmindvar playlist_excludeGametype \"\"", ScriptedExchange::failure("lost"));
-        view.applyExclusionsButton->click();
+        control<QPushButton>(playlists.view, "applyExclusionsButton")->click();
         playlists.playlists.addExclusion("Ropeway", "Duel"); // too late for what was pressed
         QVERIFY(playlists.answerAll());
         QCOMPARE(playlists.exchange.sent(),
@@ -120,18 +131,18 @@ private slots:
                               QString("setadmindvar playlist_excludeGametypeMap \"%1\"").arg(values.at(2))}));
         const QString failure = "'playlist_excludeGametype' returned an error: lost";
         QCOMPARE(playlists.alerts.texts(), values.at(1).isEmpty() ? QStringList{failure} : QStringList());
-        QVERIFY(view.unsentExclusionsLabel->text().isEmpty());
+        QVERIFY(unsent->text().isEmpty());
     }
 
     void calledOffNothingMoreHappens()
     {
-        for (const QString buttonName : {"startPlaylistButton", "applyExclusionsButton"}) {
+        for (const char *buttonName : {"startPlaylistButton", "applyExclusionsButton"}) {
             for (const int openAlerts : {0, 1}) {
                 Playlists playlists(true);
                 playlists.exchange.answerEverything(ScriptedExchange::failure("lost"));
                 playlists.playlists.addExclusion("Millrace", "Duel");
                 playlists.alerts.hold();
-                playlists.view.findChild<QPushButton *>(buttonName)->click();
+                control<QPushButton>(playlists.view, buttonName)->click();
                 for (int i = 0; i < openAlerts; ++i)
                     playlists.exchange.release();
                 QTRY_COMPARE(playlists.alerts.openCount(), openAlerts);
@@ -151,27 +162,55 @@ private slots:
     {
         using Mode = MapGametypePairWindowController::Mode;
         Playlists playlists(true);
-        MapGametypePairWindowController &picker = *playlists.view.mapGametypePairWindowController;
-        QComboBox &maps = *picker.mapsPopupButton;
-        QComboBox &gametypes = *picker.gametypesPopupButton;
+        auto &picker = *control<MapGametypePairWindowController>(playlists.view, "mapGametypePairPanel");
+        QComboBox &maps = *control<QComboBox>(picker, "mapsPopupButton");
+        QComboBox &gametypes = *control<QComboBox>(picker, "gametypesPopupButton");
+        auto *addButton = control<QPushButton>(picker, "addButton");
         picker.setMode(Mode::MapRotationEntry);
         maps.setCurrentText("Ropeway");
-        QVERIFY(maps.itemText(0).isEmpty() && gametypes.itemText(0).isEmpty() && !picker.addButton->isEnabled());
+        QVERIFY(maps.itemText(0).isEmpty() && gametypes.itemText(0).isEmpty() && !addButton->isEnabled());
         maps.setCurrentIndex(0);
-        playlists.view.addExclusionButton->click();
+        control<QPushButton>(playlists.view, "addExclusionButton")->click();
         QCOMPARE(maps.currentText() + gametypes.currentText(), QString("<any map><any gametype>"));
         QCOMPARE(maps.findText("Millrace"), -1); // taken out of play
-        QVERIFY(!picker.addButton->isEnabled());
+        QVERIFY(!addButton->isEnabled());
         maps.setCurrentText("Ropeway");
-        picker.addButton->click();
+        addButton->click();
         gametypes.setCurrentText("Duel");
-        picker.addButton->click();
+        addButton->click();
         QVERIFY(picker.isVisible());
-        QCOMPARE(picker.addedField->text(), QString("Added: Ropeway, Duel (2 so far)"));
+        QCOMPARE(control<QLineEdit>(picker, "addedField")->text(), QString("Added: Ropeway, Duel (2 so far)"));
         const QList<Exclusion> added = playlists.playlists.exclusions().sliced(1);
         QCOMPARE(added, QList<Exclusion>({{"Ropeway", "<any gametype>", 2}, {"Ropeway", "Duel", 3}}));
-        picker.closeButton->click();
+        control<QPushButton>(picker, "closeButton")->click();
         QVERIFY(!picker.isVisible());
+    }
+
+    void readsTheLayoutOfEarlierVersions()
+    {
+        Playlists playlists;
+        TestPreferences preferences(playlists.folder);
+        QHeaderView *lists = control<QTableView>(playlists.view, "playlistsTableView")->horizontalHeader();
+        QHeaderView *exclusions = control<QTableView>(playlists.view, "exclusionsTableView")->horizontalHeader();
+        preferences.setValue("window/playlists", QByteArray("\xff\xff\xff\xfe", 4));
+        playlists.view.restoreLayout(preferences);
+        QCOMPARE(lists->sectionSize(1), 215);
+        lists->resizeSection(1, 123);
+        exclusions->resizeSection(0, 145);
+        const auto layout = [lists, exclusions] {
+            QByteArray bytes;
+            QDataStream stream(&bytes, QIODevice::WriteOnly);
+            stream << lists->saveState() << exclusions->saveState();
+            return bytes;
+        };
+        preferences.setValue("window/playlists", layout());
+        lists->resizeSection(1, 99);
+        exclusions->resizeSection(0, 99);
+        playlists.view.restoreLayout(preferences);
+        QCOMPARE(lists->sectionSize(1), 123);
+        QCOMPARE(exclusions->sectionSize(0), 145);
+        playlists.view.saveLayout(preferences);
+        QCOMPARE(preferences.value("window/playlists").toByteArray(), layout());
     }
 };
 

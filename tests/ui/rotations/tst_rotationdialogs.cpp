@@ -1,4 +1,5 @@
 #include "ActionQueue.h"
+#include "Controls.h"
 #include "ElidingLabel.h"
 #include "KeyHandlingTableView.h"
 #include "Letters.h"
@@ -7,7 +8,11 @@
 #include "RotationStore.h"
 #include "Wait.h"
 
+#include <QApplication>
 #include <QClipboard>
+#include <QDialog>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QTest>
 
 /// Rotations of letters, which writes down what it is asked.
@@ -63,18 +68,22 @@ private:
     }
 };
 
+using DocumentAction = void (PageDocument::*)();
+
 struct Pane {
     Pane() { pane.show(); }
     /// Presses a button of the pane and waits for the sheet that it opens.
-    QDialog *sheet(QPushButton *button, const QString &name)
+    QDialog *sheet(const char *button, const QString &name)
     {
-        button->click();
+        control<QPushButton>(pane, button)->click();
         QDialog *found = nullptr;
         (void)QTest::qWaitFor([&] { return (found = pane.findChild<QDialog *>(name)) != nullptr; });
         store.asked.clear();
         return found;
     }
-    static void press(QDialog *sheet, const QString &button) { sheet->findChild<QPushButton *>(button)->click(); }
+    static void press(QDialog *sheet, const char *button) { control<QPushButton>(*sheet, button)->click(); }
+    QPushButton &button(const char *name) { return *control<QPushButton>(pane, name); }
+    QTableView &table() { return *control<KeyHandlingTableView>(pane, "mapRotationPreviewTableView"); }
     bool settle()
     {
         return QTest::qWaitFor([this] { return actions.isIdle(); });
@@ -114,13 +123,13 @@ private slots:
         QFETCH(QString, typed);
         QFETCH(QString, refused);
         Pane p;
-        QDialog *sheet = isNew ? p.sheet(p.pane.newButton, "NewMapRotationWindowController")
-                               : p.sheet(p.pane.saveButton, "SaveMapRotationAsWindowController");
+        QDialog *sheet = isNew ? p.sheet("newButton", "NewMapRotationWindowController")
+                               : p.sheet("saveButton", "SaveMapRotationAsWindowController");
         QVERIFY(sheet != nullptr && sheet->isModal());
         p.pane.openRotationMenuItemClicked(); // nothing while a sheet is open
-        auto *field = sheet->findChild<QLineEdit *>("nameField");
+        auto *field = control<QLineEdit>(*sheet, "nameField");
         field->setText(typed);
-        auto *button = sheet->findChild<QPushButton *>(isNew ? "addButton" : "saveButton");
+        auto *button = control<QPushButton>(*sheet, isNew ? "addButton" : "saveButton");
         QCOMPARE(button->isEnabled(), !typed.isEmpty());
         button->click();
         QTRY_COMPARE(p.alerts.shown().size(), refused.isEmpty() ? 0 : 1);
@@ -142,7 +151,7 @@ private slots:
         Pane p;
         QCoro::Task<QString> name = p.store.panel();
         auto *sheet = p.pane.findChild<QDialog *>("SaveMapRotationAsWindowController");
-        sheet->findChild<QLineEdit *>("nameField")->setText("typed");
+        control<QLineEdit>(*sheet, "nameField")->setText("typed");
         p.press(sheet, "cancelButton");
         QCOMPARE(awaited(std::move(name)), QString());
     }
@@ -151,27 +160,54 @@ private slots:
     {
         Pane p;
         p.store.isGoingOn = false;
-        p.pane.openButton->click();
+        p.button("openButton").click();
         QVERIFY(p.settle()); // the question was called off: no sheet
         p.store.isGoingOn = true;
-        p.press(p.sheet(p.pane.openButton, "OpenMapRotationWindowController"), "openButton");
+        p.press(p.sheet("openButton", "OpenMapRotationWindowController"), "openButton");
         QVERIFY(p.settle());
         QCOMPARE(p.store.asked, QStringList{"open "});
-        QDialog *sheet = p.sheet(p.pane.openButton, "OpenMapRotationWindowController");
-        auto *table = sheet->findChild<KeyHandlingTableView *>("tableView");
+        QDialog *sheet = p.sheet("openButton", "OpenMapRotationWindowController");
+        auto *table = control<KeyHandlingTableView>(*sheet, "tableView");
         QTest::keyClick(table, Qt::Key_Return); // nothing is selected: no more than a beep
         table->selectRow(1);
         QTest::keyClick(table, Qt::Key_Return);
         QVERIFY(p.settle());
         QCOMPARE(p.store.asked, QStringList{"open Beta"});
-        QCOMPARE(p.pane.labelCurrentRotation->text(), QString("Rotation: Beta"));
-        sheet = p.sheet(p.pane.deleteButton, "DeleteMapRotationWindowController");
-        QVERIFY(!sheet->findChild<QPushButton *>("deleteButton")->isEnabled());
-        sheet->findChild<KeyHandlingTableView *>("tableView")->selectAll();
+        QCOMPARE(control<ElidingLabel>(p.pane, "labelCurrentRotation")->text(), QString("Rotation: Beta"));
+        sheet = p.sheet("deleteButton", "DeleteMapRotationWindowController");
+        QVERIFY(!control<QPushButton>(*sheet, "deleteButton")->isEnabled());
+        control<KeyHandlingTableView>(*sheet, "tableView")->selectAll();
         p.press(sheet, "deleteButton");
         QVERIFY(p.settle());
         QCOMPARE(p.store.asked, QStringList({"delete Alpha", "delete Beta", "delete Gamma"}));
-        QVERIFY(!p.pane.openButton->isEnabled());
+        QVERIFY(!p.button("openButton").isEnabled());
+    }
+
+    void theMenusActOnThePaneAsADocument_data()
+    {
+        QTest::addColumn<DocumentAction>("action");
+        QTest::addColumn<QString>("sheet");
+        QTest::newRow("new") << &PageDocument::newDocument << "NewMapRotationWindowController";
+        QTest::newRow("open") << &PageDocument::openDocument << "OpenMapRotationWindowController";
+        QTest::newRow("save") << &PageDocument::saveDocument << "SaveMapRotationAsWindowController";
+    }
+    void theMenusActOnThePaneAsADocument()
+    {
+        QFETCH(DocumentAction, action);
+        QFETCH(QString, sheet);
+        Pane p;
+        QVERIFY(QTest::qWaitForWindowActive(&p.pane));
+        PageDocument &document = p.pane;
+        p.table().edit(p.table().model()->index(0, 1));
+        QTest::keyClicks(QApplication::focusWidget(), "typed");
+        QCOMPARE(p.store.letters.shown(), QString("VWX"));
+        document.finishEditing();
+        QCOMPARE(p.store.letters.shown(), QString("typedWX"));
+        QTRY_COMPARE(document.undoStack()->undoText(), QString("Edit"));
+        (document.*action)();
+        QTRY_VERIFY(p.pane.findChild<QDialog *>(sheet) != nullptr);
+        QTest::keyClick(control<QDialog>(p.pane, sheet.toLatin1()), Qt::Key_Escape);
+        QVERIFY(p.settle());
     }
 
     void whatHappensInATurnIsTakenBackAtOnce()
@@ -180,15 +216,15 @@ private slots:
         const auto first = p.store.letters.content().first();
         QUndoStack &stack = *p.pane.undoStack();
         p.store.letters.choose({0, 1});
-        p.pane.removeButton->setEnabled(true);
-        p.pane.removeButton->click();
+        p.button("removeButton").setEnabled(true);
+        p.button("removeButton").click();
         QTRY_COMPARE(stack.undoText(), QString("Remove"));
         p.store.letters.addObjects({std::make_shared<Letter>(Letter{"a"}), std::make_shared<Letter>(Letter{"b"})});
         QTRY_COMPARE(stack.undoText(), QString("Add"));
         p.store.letters.acceptDrop({0}, 2, true, false);
         QTRY_COMPARE(stack.undoText(), QString("Move"));
         QVERIFY(p.store.letters.setData(p.store.letters.index(0, 1), "A"));
-        QTest::keyClick(p.pane.tableView, Qt::Key_Z, Qt::ControlModifier); // in the turn of the edit
+        QTest::keyClick(&p.table(), Qt::Key_Z, Qt::ControlModifier); // in the turn of the edit
         QCOMPARE(p.store.letters.shown(), QString("aXb"));
         QCOMPARE(stack.redoText(), QString("Edit"));
         stack.undo();
@@ -200,7 +236,7 @@ private slots:
         QCOMPARE(p.store.letters.shown(), QString("AXb"));
         p.store.openRotationNamed("Alpha");
         p.store.letters.removeAll(); // as part of it
-        QTRY_VERIFY(!p.pane.removeAllButton->isEnabled());
+        QTRY_VERIFY(!p.button("removeAllButton").isEnabled());
         QCOMPARE(stack.count(), 0);
     }
 
@@ -220,10 +256,10 @@ private slots:
             return misfits;
         });
         p.store.letters.choose({2, 0});
-        QTest::keyClick(p.pane.tableView, Qt::Key_C, Qt::ControlModifier);
+        QTest::keyClick(&p.table(), Qt::Key_C, Qt::ControlModifier);
         QCOMPARE(QGuiApplication::clipboard()->text(), QString("\tV\n\tX"));
         QGuiApplication::clipboard()->setText(QString("\tY\r\n").repeated(2000) + QString("bad %1\n").repeated(3));
-        QTest::keyClick(p.pane.tableView, Qt::Key_V, Qt::ControlModifier);
+        QTest::keyClick(&p.table(), Qt::Key_V, Qt::ControlModifier);
         QVERIFY(p.settle());
         QCOMPARE(p.store.letters.content().size(), 2003);
         QCOMPARE(p.alerts.shown().size(), 1);
@@ -240,7 +276,7 @@ private slots:
         p.pane.grab();
         QVERIFY2(p.pane.minimumSizeHint().width() <= 440,
                  qPrintable(QString::number(p.pane.minimumSizeHint().width())));
-        QDialog *sheet = p.sheet(p.pane.openButton, "OpenMapRotationWindowController");
+        QDialog *sheet = p.sheet("openButton", "OpenMapRotationWindowController");
         sheet->grab();
         QVERIFY(sheet->width() <= 1024 && sheet->minimumSizeHint().width() <= 1024);
         p.press(sheet, "closeButton");

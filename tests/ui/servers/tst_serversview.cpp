@@ -1,37 +1,29 @@
 #include "ActionQueue.h"
+#include "Controls.h"
 #include "PlaceholderTable.h"
 #include "RecordedAlerts.h"
 #include "SavedServers.h"
 #include "ServersView.h"
-#include "Wait.h"
 
 #include <QDir>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
-struct Servers {
-    bool settle()
+/// The file of the saved servers, as it is before the view is made.
+struct ServersFile {
+    QString path() const { return folder.filePath(QStringLiteral("SavedServers.plist")); }
+    void store(const QList<SavedServer> &servers)
     {
-        return QTest::qWaitFor([this] { return actions.isIdle(); }, 60000);
-    }
-
-    void save(const QString &label, const QString &host, const QString &password)
-    {
-        view.labelField->setText(label);
-        view.fillForm(host, QStringLiteral("28960"));
-        view.passwordField->setText(password);
-        view.saveToServerListButton->click();
-    }
-    QStringList labels() const
-    {
-        QStringList list;
-        for (const SavedServer &saved : view.savedServersController->arrangedObjects())
-            list.append(saved.label + "@" + saved.host);
-        return list;
+        SavedServers saved(path(), QStringLiteral("tester"));
+        for (const SavedServer &server : servers)
+            QVERIFY(saved.save(server).error.isEmpty());
     }
     QList<SavedServer> stored() const
     {
-        SavedServers again(folder.filePath(QStringLiteral("SavedServers.plist")), QStringLiteral("tester"));
+        SavedServers again(path(), QStringLiteral("tester"));
         if (!again.load().error.isEmpty())
             return {};
         QList<SavedServer> list = again.servers();
@@ -41,10 +33,39 @@ struct Servers {
     }
 
     QTemporaryDir folder;
+};
+
+struct Servers {
+    explicit Servers(const ServersFile &file) : savedServers(file.path(), QStringLiteral("tester")) {}
+
+    bool settle()
+    {
+        return QTest::qWaitFor([this] { return actions.isIdle(); }, 60000);
+    }
+
+    QLineEdit &field(const char *name) const { return *control<QLineEdit>(view, name); }
+    QPushButton &button(const char *name) const { return *control<QPushButton>(view, name); }
+    void save(const QString &label, const QString &host, const QString &password)
+    {
+        field("labelField").setText(label);
+        view.fillForm(host, QStringLiteral("28960"));
+        view.setFormPassword(password);
+        button("saveToServerListButton").click();
+    }
+    QStringList labels() const
+    {
+        QStringList list;
+        const QAbstractItemModel &rows = *table->model();
+        for (int row = 0; row < rows.rowCount(); ++row)
+            list.append(rows.index(row, 0).data().toString() + "@" + rows.index(row, 1).data().toString());
+        return list;
+    }
+
     RecordedAlerts alerts;
     ActionQueue actions;
-    SavedServers savedServers{folder.filePath(QStringLiteral("SavedServers.plist")), QStringLiteral("tester")};
+    SavedServers savedServers;
     ServersView view{savedServers, actions, alerts};
+    PlaceholderTable *table = control<PlaceholderTable>(view, "savedServerTableView");
 };
 
 class ServersViewTest : public QObject
@@ -53,91 +74,166 @@ class ServersViewTest : public QObject
 private slots:
     void savingNeedsALabelToo()
     {
-        Servers servers;
+        const ServersFile file;
+        Servers servers(file);
+        const QPushButton &save = servers.button("saveToServerListButton");
         servers.view.fillForm(QStringLiteral("10.0.0.1"), QStringLiteral("28960"));
-        servers.view.passwordField->setText(QStringLiteral("pw"));
-        QVERIFY(!servers.view.saveToServerListButton->isEnabled());
-        servers.view.labelField->setText(QStringLiteral("Home"));
-        QVERIFY(servers.view.saveToServerListButton->isEnabled());
-        servers.view.portField->clear();
-        QVERIFY(!servers.view.saveToServerListButton->isEnabled());
+        servers.view.setFormPassword(QStringLiteral("pw"));
+        QVERIFY(!save.isEnabled());
+        servers.field("labelField").setText(QStringLiteral("Home"));
+        QVERIFY(save.isEnabled());
+        servers.field("portField").clear();
+        QVERIFY(!save.isEnabled());
+    }
+
+    void connectsByACompleteFormOnly()
+    {
+        const ServersFile file;
+        Servers servers(file);
+        const QSignalSpy presses(&servers.view, &ServersView::connectButtonPressed);
+        servers.view.fillForm(QStringLiteral("10.0.0.1"), QStringLiteral("28960"));
+        servers.view.pressConnect();
+        QVERIFY(!servers.view.canConnect() && presses.isEmpty());
+        servers.view.setFormPassword(QStringLiteral("pw"));
+        QVERIFY(servers.view.canConnect());
+        servers.view.setConnecting(true);
+        servers.view.pressConnect();
+        QVERIFY(!servers.view.canConnect() && presses.isEmpty());
+        servers.view.setConnecting(false);
+        servers.view.pressConnect();
+        QCOMPARE(presses.size(), 1);
+        const ServerForm form = servers.view.form();
+        QCOMPARE(QStringList({form.host, form.port, form.password}), QStringList({"10.0.0.1", "28960", "pw"}));
+    }
+
+    void theFormBeginsWithTheHost()
+    {
+        const ServersFile file;
+        Servers servers(file);
+        servers.view.focusForm();
+        QCOMPARE(servers.view.focusWidget(), &servers.field("hostField"));
+    }
+
+    void disconnectsFromWhatIsOrIsBeingConnected()
+    {
+        const ServersFile file;
+        Servers servers(file);
+        const QSignalSpy presses(&servers.view, &ServersView::disconnectButtonPressed);
+        QPushButton &disconnectButton = servers.button("disconnectButton");
+        disconnectButton.click();
+        QVERIFY(presses.isEmpty());
+        servers.view.setConnecting(true);
+        disconnectButton.click();
+        servers.view.setConnected(true);
+        servers.view.setConnecting(false);
+        disconnectButton.click();
+        QCOMPARE(presses.size(), 2);
+        servers.view.setConnected(false);
+        QVERIFY(!disconnectButton.isEnabled());
+    }
+
+    void choosesTheSelectedServerWithItsPassword()
+    {
+        ServersFile file;
+        file.store({{"a", "10.0.0.1", "28960", QStringLiteral("one")}, {"b", "10.0.0.2", "28961", "two"}});
+        Servers servers(file);
+        QList<SavedServer> chosen;
+        connect(&servers.view, &ServersView::savedServerChosen, this,
+                [&chosen](const SavedServer &server) { chosen.append(server); });
+        QPushButton &connectButton = servers.button("connectToSavedServerButton");
+        QVERIFY(!connectButton.isEnabled());
+        servers.table->selectRow(1);
+        connectButton.click();
+        QTest::keyClick(servers.table, Qt::Key_Return);
+        const SavedServer second{"b", "10.0.0.2", "28961", QStringLiteral("two")};
+        QCOMPARE(chosen, QList<SavedServer>({second, second}));
+        servers.view.setConnecting(true);
+        QVERIFY(!connectButton.isEnabled());
     }
 
     void savesReplacesAndDeletes()
     {
-        Servers servers; // the list has not been read yet
-        SavedServers earlier(servers.folder.filePath(QStringLiteral("SavedServers.plist")), QStringLiteral("tester"));
-        QVERIFY(earlier.load().error.isEmpty());
-        QVERIFY(earlier.save({"c", "10.0.0.4", "28960", QStringLiteral("four")}).error.isEmpty());
+        ServersFile file;
+        file.store({{"c", "10.0.0.4", "28960", QStringLiteral("four")}});
+        Servers servers(file);
+        QCOMPARE(servers.labels(), QStringList{"c@10.0.0.4"});
         servers.save(QStringLiteral("b"), QStringLiteral("10.0.0.1"), QStringLiteral("one"));
         servers.save(QStringLiteral("A"), QStringLiteral("10.0.0.2"), QStringLiteral("two"));
         servers.save(QStringLiteral("b"), QStringLiteral("10.0.0.3"), QStringLiteral("three"));
         QCOMPARE(servers.labels(), QStringList({"A@10.0.0.2", "b@10.0.0.3", "c@10.0.0.4"}));
-        QCOMPARE(servers.stored().size(), 3);
+        QCOMPARE(file.stored().size(), 3);
         servers.save(QStringLiteral("c"), QStringLiteral("10.0.0.10"), QStringLiteral("four"));
-        servers.view.savedServerTableView->sortByColumn(1, Qt::AscendingOrder); // as addresses
+        servers.table->sortByColumn(1, Qt::AscendingOrder); // as addresses
         QCOMPARE(servers.labels(), QStringList({"A@10.0.0.2", "b@10.0.0.3", "c@10.0.0.10"}));
-        servers.view.savedServerTableView->selectRow(0);
-        QTest::keyClick(servers.view.savedServerTableView, Qt::Key_Delete);
+        servers.table->selectRow(0);
+        QTest::keyClick(servers.table, Qt::Key_Delete);
         QCOMPARE(servers.labels(), QStringList({"b@10.0.0.3", "c@10.0.0.10"}));
-        QCOMPARE(servers.stored().size(), 2);
+        QCOMPARE(file.stored().size(), 2);
         QVERIFY(servers.alerts.shown().isEmpty());
     }
 
     void showsAndStoresTheSelectedPassword()
     {
-        Servers servers;
+        const ServersFile file;
+        Servers servers(file);
+        QLineEdit &password = servers.field("savedPasswordField");
         servers.save(QStringLiteral("Home"), QStringLiteral("10.0.0.1"), QStringLiteral("one"));
-        QVERIFY(!servers.view.savedPasswordField->isEnabled());
-        servers.view.savedServerTableView->selectRow(0);
-        QCOMPARE(servers.view.savedPasswordField->text(), QStringLiteral("one"));
-        servers.view.savedPasswordField->setText(QStringLiteral("two"));
-        QTest::keyClick(servers.view.savedPasswordField, Qt::Key_Return);
-        QCOMPARE(servers.stored().first().password.value_or(QString()), QStringLiteral("two"));
+        QVERIFY(!password.isEnabled());
+        servers.table->selectRow(0);
+        QCOMPARE(password.text(), QStringLiteral("one"));
+        password.setText(QStringLiteral("two"));
+        QTest::keyClick(&password, Qt::Key_Return);
+        QCOMPARE(file.stored().first().password.value_or(QString()), QStringLiteral("two"));
         servers.view.storePassword(QStringLiteral("Home"), QStringLiteral("three"));
-        QCOMPARE(servers.view.savedPasswordField->text(), QStringLiteral("three"));
+        QCOMPARE(password.text(), QStringLiteral("three"));
     }
 
-    void whatIsStoredOutlivesWhatComesBeforeItIsRead()
+    void whatIsStoredOutlivesTheFirstChange()
     {
-        Servers servers;
-        SavedServers earlier(servers.folder.filePath(QStringLiteral("SavedServers.plist")), QStringLiteral("tester"));
-        QVERIFY(earlier.load().error.isEmpty());
-        QVERIFY(earlier.save({"a", "10.0.0.1", "28960", QStringLiteral("one")}).error.isEmpty());
-        QVERIFY(earlier.save({"b", "10.0.0.2", "28960", QStringLiteral("two")}).error.isEmpty());
+        ServersFile file;
+        file.store({{"a", "10.0.0.1", "28960", QStringLiteral("one")}, {"b", "10.0.0.2", "28960", "two"}});
         {
-            ServersView view(servers.savedServers, servers.actions, servers.alerts);
-            view.storePassword(QStringLiteral("a"), QStringLiteral("new"));
-            QCOMPARE(servers.stored().first().password.value_or(QString()), QStringLiteral("new"));
+            Servers servers(file);
+            servers.view.storePassword(QStringLiteral("a"), QStringLiteral("new"));
+            QCOMPARE(file.stored().size(), 2);
+            QCOMPARE(file.stored().first().password.value_or(QString()), QStringLiteral("new"));
         }
+        Servers servers(file);
         servers.view.deleteSelectionFromTableView();
+        QCOMPARE(file.stored().size(), 2);
         servers.save(QStringLiteral("c"), QStringLiteral("10.0.0.3"), QStringLiteral("three"));
-        QCOMPARE(servers.stored().size(), 3);
+        QCOMPARE(file.stored().size(), 3);
     }
 
     void aDamagedListIsNamedUntilSomethingIsWritten()
     {
-        Servers servers;
-        QFile file(servers.folder.filePath(QStringLiteral("SavedServers.plist")));
+        const ServersFile saved;
+        QFile file(saved.path());
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write("damaged") > 0);
         file.close();
-        servers.view.loadSavedServersList();
-        const QString reason = servers.view.savedServerTableView->placeholder();
+        Servers servers(saved);
+        const QString reason = servers.table->placeholder();
         QVERIFY2(reason.contains(file.fileName()), qPrintable(reason));
-        QTest::keyClick(servers.view.savedServerTableView, Qt::Key_Delete);
-        QCOMPARE(servers.view.savedServerTableView->placeholder(), reason);
+        QTest::keyClick(servers.table, Qt::Key_Delete);
+        QCOMPARE(servers.table->placeholder(), reason);
+        QVERIFY(servers.actions.isIdle() && servers.alerts.shown().isEmpty()); // the window may not be there yet
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("damaged"));
         servers.save(QStringLiteral("Home"), QStringLiteral("10.0.0.1"), QStringLiteral("one"));
-        QVERIFY(servers.view.savedServerTableView->placeholder() != reason);
+        QVERIFY(servers.table->placeholder() != reason);
+        QCOMPARE(servers.alerts.titles(), QStringList{"Saved Servers"}); // tells of the copy
+        QCOMPARE(QDir(saved.folder.path()).entryList(QDir::Files).size(), 2);
     }
 
     void aFailedSaveIsReported()
     {
-        Servers servers;
-        QVERIFY(QDir(servers.folder.path()).mkdir(QStringLiteral("SavedServers.plist")));
+        const ServersFile file;
+        Servers servers(file);
+        QVERIFY(QDir(file.folder.path()).mkdir(QStringLiteral("SavedServers.plist")));
         servers.save(QStringLiteral("Home"), QStringLiteral("10.0.0.1"), QStringLiteral("one"));
         QVERIFY(servers.settle());
         QCOMPARE(servers.alerts.titles(), QStringList{"Saved Servers"});
-        QCOMPARE(servers.view.hostField->text(), QStringLiteral("10.0.0.1"));
+        QCOMPARE(servers.field("hostField").text(), QStringLiteral("10.0.0.1"));
     }
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CataloguesFixture.h"
+#include "Controls.h"
 #include "DvarSetting.h"
 #include "DvarSettingList.h"
 #include "DvarSettingOutlineView.h"
@@ -10,6 +11,8 @@
 
 #include <QContextMenuEvent>
 #include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 
 inline QByteArray settingXml(const QByteArray &name, const QByteArray &dvar, const QByteArray &type,
@@ -58,7 +61,11 @@ struct SettingsFixture : CataloguesFixture {
     }
 
     SettingsOutlineModel &outline() const { return *static_cast<SettingsOutlineModel *>(tree().model()); }
-    DvarSettingOutlineView &tree() const { return *view.settingsOutlineView; }
+    DvarSettingOutlineView &tree() const
+    {
+        return *control<DvarSettingOutlineView>(view, isRanked ? "rankedOutlineView" : "unrankedOutlineView");
+    }
+    QLineEdit *filterField() const { return control<QLineEdit>(view, "settingsFilterField"); }
 
     /// The value cell of the setting with this variable.
     QModelIndex valueOf(const QString &dvar) const

@@ -1,9 +1,13 @@
 #include "SettingsFixture.h"
+#include "TestPreferences.h"
 
 #include <QAbstractItemModelTester>
 #include <QClipboard>
+#include <QDataStream>
 #include <QGuiApplication>
+#include <QHeaderView>
 #include <QSignalSpy>
+#include <QSplitter>
 
 using Mode = SettingsView::Mode;
 using Model = SettingsOutlineModel;
@@ -22,13 +26,13 @@ private slots:
     {
         QFETCH(Mode, mode);
         SettingsFixture shown(mode);
-        QCOMPARE(shown.view.findChild<QTreeView *>(QTest::currentDataTag()), &shown.tree());
+        QCOMPARE(control<QTreeView>(shown.view, QTest::currentDataTag()), &shown.tree());
         QCOMPARE(shown.view.findChild<QWidget *>("gametypeList") != nullptr, mode == Mode::Unranked);
         QCOMPARE(shown.shownNames(shown.tree()), QStringList({"Limits", "  Gravity", "  Time limit", "rules",
                                                               "  Friendly fire", "  Lost switch", "  Replay"}));
         QCOMPARE(shown.shownValue("g_time"), QString("20"));
 
-        auto *groups = shown.view.findChild<QListWidget *>("settingsGroupList");
+        auto *groups = control<QListWidget>(shown.view, "settingsGroupList");
         QTest::keyClick(groups, Qt::Key_Down);
         QCOMPARE(shown.settings.selectedSettingList(), QString("About"));
         QCOMPARE(shown.shownNames(shown.tree()), QStringList({"Texts", "  Message"}));
@@ -41,12 +45,13 @@ private slots:
     void showsTheChosenGametype()
     {
         SettingsFixture shown;
-        const QTreeView &tree = *shown.view.gametypeOutlineView;
-        QTest::keyClick(shown.view.gametypeList, Qt::Key_Down);
+        const QTreeView &tree = *control<QTreeView>(shown.view, "gametypeOutlineView");
+        auto *list = control<QListWidget>(shown.view, "gametypeList");
+        QTest::keyClick(list, Qt::Key_Down);
         QCOMPARE(shown.gametypes.selectedSettingList()->name(), QString("Duel"));
         QVERIFY(shown.shownNames(tree).isEmpty());
         shown.gametypes.setSelectedSettingList(shown.gametypes.arrangedGametypes().first());
-        QCOMPARE(shown.view.gametypeList->currentRow(), 0);
+        QCOMPARE(list->currentRow(), 0);
         QCOMPARE(shown.shownNames(tree), QStringList({"Limits", "  Score limit"}));
         const QModelIndex value = tree.model()->index(0, Model::ValueColumn, tree.model()->index(0, 0));
         QVERIFY(tree.model()->setData(value, "75"));
@@ -140,9 +145,9 @@ private slots:
         SettingsFixture shown;
         const QAbstractItemModelTester tester(&shown.outline());
         const QStringList all = shown.shownNames(shown.tree());
-        shown.view.settingsFilterField->setText(text);
+        shown.filterField()->setText(text);
         QTEST(shown.shownNames(shown.tree()), "names");
-        shown.view.settingsFilterField->clear();
+        shown.filterField()->clear();
         QCOMPARE(shown.shownNames(shown.tree()), all);
     }
 
@@ -151,10 +156,10 @@ private slots:
         SettingsFixture shown;
         shown.tree().setCurrentIndex(shown.valueOf("g_cam"));
         shown.tree().collapse(shown.outline().index(0, 0));
-        shown.view.settingsFilterField->setText("g_time");
+        shown.filterField()->setText("g_time");
         QCOMPARE(shown.shownNames(shown.tree()), QStringList({"Limits", "  Time limit"}));
         awaited(shown.server.setDvar("g_cam", "1")); // while it is hidden
-        shown.view.settingsFilterField->clear();
+        shown.filterField()->clear();
         QCOMPARE(shown.outline().settingAt(shown.tree().currentIndex())->dvar(), QString("g_cam"));
         QCOMPARE(shown.valueOf("g_cam").data(Qt::CheckStateRole), QVariant(Qt::Checked));
         QVERIFY(!shown.tree().isExpanded(shown.outline().index(0, 0)));
@@ -170,14 +175,60 @@ private slots:
         QVERIFY(toolTip.contains("&lt;img src=x&gt;") && toolTip.size() < 10000);
     }
 
-    void theLayoutReturns()
+    void eachModeKeepsItsLayout()
     {
-        SettingsFixture shown;
-        shown.tree().setColumnWidth(Model::ValueColumn, 177);
-        const QByteArray layout = shown.view.saveLayout();
-        SettingsFixture next;
-        next.view.restoreLayout(layout);
-        QCOMPARE(next.tree().columnWidth(Model::ValueColumn), 177);
+        QTemporaryDir folder;
+        TestPreferences preferences(folder);
+        const QList<std::pair<Mode, int>> widths{{Mode::Unranked, 177}, {Mode::Ranked, 199}};
+        for (const auto &[mode, width] : widths) {
+            SettingsFixture shown(mode);
+            shown.tree().setColumnWidth(Model::ValueColumn, width);
+            shown.view.saveLayout(preferences);
+        }
+        for (const auto &[mode, width] : widths) {
+            SettingsFixture next(mode);
+            next.view.restoreLayout(preferences);
+            QCOMPARE(next.tree().columnWidth(Model::ValueColumn), width);
+        }
+    }
+
+    void readsTheLayoutsOfEarlierVersions_data()
+    {
+        QTest::addColumn<Mode>("mode");
+        QTest::addColumn<QString>("key");
+        QTest::newRow("unranked") << Mode::Unranked << "window/unrankedSettings";
+        QTest::newRow("ranked") << Mode::Ranked << "window/rankedSettings";
+    }
+    void readsTheLayoutsOfEarlierVersions()
+    {
+        QFETCH(Mode, mode);
+        QFETCH(QString, key);
+        SettingsFixture shown(mode);
+        TestPreferences preferences(shown.folder);
+        const int width = shown.tree().columnWidth(Model::ValueColumn);
+        const QByteArrayList damaged{QByteArray(), QByteArray("\xff\xff\xff\xfe", 4), QByteArray(400, 'x')};
+        for (const QByteArray &bytes : damaged) {
+            preferences.setValue(key, bytes);
+            shown.view.restoreLayout(preferences);
+            QCOMPARE(shown.tree().columnWidth(Model::ValueColumn), width);
+        }
+        const auto layout = [&shown, mode] {
+            QByteArray bytes;
+            QDataStream stream(&bytes, QIODevice::WriteOnly);
+            for (const QSplitter *splitter : shown.view.findChildren<QSplitter *>())
+                stream << splitter->saveState();
+            stream << shown.tree().header()->saveState();
+            if (mode == Mode::Unranked)
+                stream << control<QTreeView>(shown.view, "gametypeOutlineView")->header()->saveState();
+            return bytes;
+        };
+        shown.tree().setColumnWidth(Model::ValueColumn, 211);
+        preferences.setValue(key, layout());
+        shown.tree().setColumnWidth(Model::ValueColumn, 99);
+        shown.view.restoreLayout(preferences);
+        QCOMPARE(shown.tree().columnWidth(Model::ValueColumn), 211);
+        shown.view.saveLayout(preferences);
+        QCOMPARE(preferences.value(key).toByteArray(), layout());
     }
 };
 

@@ -72,12 +72,12 @@ private slots:
         SettingsFixture shown;
         QVERIFY(QTest::qWaitForWindowActive(&shown.view));
         shown.type("g_time", "soon");
-        shown.view.settingsFilterField->setFocus();
+        shown.filterField()->setFocus();
         QTRY_VERIFY(shown.editor() == nullptr);
         QVERIFY(!shown.isHintShown());
         QCOMPARE(shown.shownValue("g_time"), QString("20"));
         shown.type("g_time", "25");
-        shown.view.settingsFilterField->setFocus();
+        shown.filterField()->setFocus();
         QTRY_COMPARE(shown.exchange.sent(), QStringList{"setadmindvar g_time \"25\""});
         QVERIFY(shown.settle());
     }

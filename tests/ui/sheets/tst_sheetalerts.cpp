@@ -1,6 +1,9 @@
 #include "SheetAlerts.h"
+#include "Wait.h"
 
 #include <QDialog>
+#include <QLabel>
+#include <QMessageBox>
 #include <QTest>
 
 class SheetAlertsTest : public QObject
@@ -22,6 +25,26 @@ private slots:
         QCOMPARE(alert->parentWidget(), &sheet);
         alert->reject();
         QTRY_VERIFY(answer.isReady());
+    }
+
+    void alertsTakeServerTextLiterallyAndKeepItShort()
+    {
+        QWidget window;
+        window.show();
+        SheetAlerts alerts;
+        alerts.setWindow(&window);
+        const QString word(70, QLatin1Char('a'));
+        const QString text = word + QStringLiteral("\n<b>bold</b>").repeated(500);
+        QCoro::Task<int> asking = alerts.run("Title", text, {"Yes", "No"});
+        auto *box = window.findChild<QMessageBox *>("alert");
+        QVERIFY(box != nullptr);
+        for (const QLabel *label : box->findChildren<QLabel *>())
+            QVERIFY(label->textFormat() == Qt::PlainText || label->text().isEmpty() || !label->pixmap().isNull());
+        QVERIFY(box->informativeText().size() < 1300);
+        QVERIFY(box->width() > box->fontMetrics().horizontalAdvance(word));
+        QCOMPARE(box->detailedText(), text);
+        QTest::keyClick(box, Qt::Key_Escape);
+        QCOMPARE(awaited(std::move(asking)), 1); // dismissing is the last button
     }
 };
 

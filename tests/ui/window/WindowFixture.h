@@ -10,11 +10,14 @@
 
 /// All that the window shows.
 struct WindowFixture : CataloguesFixture {
-    Rotations rotations() { return {mapRotations, messageRotations}; }
+    Workplace workplace()
+    {
+        return {server, actions, alerts, preferences, catalogues(), {mapRotations, messageRotations}};
+    }
 
     TestPreferences preferences{folder};
     KelMapRotation mapRotations{preferences, alerts, folder.path()};
     KelMessageRotation messageRotations{{preferences, alerts, server, actions}, folder.path()};
     SavedServers savedServers{folder.filePath(QStringLiteral("SavedServers.plist")), QStringLiteral("tester")};
-    FormMainView view{server, actions, alerts, preferences, catalogues(), rotations(), savedServers};
+    FormMainView view{workplace(), savedServers};
 };

@@ -1,42 +1,31 @@
-#include "ConfigBuilderView.h"
-#include "ConsoleView.h"
-#include "KeyHandlingTableView.h"
-#include "MessagesView.h"
-#include "PlaceholderTable.h"
-#include "PlayersView.h"
-#include "ProgressWindowController.h"
-#include "RotationPane.h"
-#include "SectionTable.h"
+#include "Controls.h"
 #include "ServersView.h"
-#include "SheetAlerts.h"
-#include "StatusLine.h"
-#include "WelcomePage.h"
 #include "WindowFixture.h"
 
+#include <QHeaderView>
 #include <QInputDialog>
 #include <QLabel>
-#include <QMessageBox>
-#include <QPointer>
-#include <QSignalSpy>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTableView>
 
 struct Window : WindowFixture {
-    Window()
-    {
-        view.makeViews();
-        exchange.answer("teamstatus", ScriptedExchange::ok());
-    }
+    Window() { exchange.answer("teamstatus", ScriptedExchange::ok()); }
 
     void fillForm(const QString &host, const QString &port, const QString &password) const
     {
-        view.serversView->fillForm(host, port);
-        view.serversView->passwordField->setText(password);
+        control<QLineEdit>(view, "hostField")->setText(host);
+        control<QLineEdit>(view, "portField")->setText(port);
+        control<QLineEdit>(view, "passwordField")->setText(password);
     }
     void connectByForm()
     {
         fillForm("10.0.0.1", "28960", "pw");
-        view.serversView->connectButton->click();
+        control<QPushButton>(view, "connectButton")->click();
     }
-    QString status() const { return view.statusLine->status(); }
+    QTabWidget *tabs() const { return control<QTabWidget>(view, "tabControlMain"); }
+    QString status() const { return control<QLabel>(view, "toolStripStatusLabelMain")->text(); }
 };
 
 struct ConnectedWindow : Window {
@@ -54,7 +43,7 @@ private slots:
     void connectNeedsHostPortAndPassword()
     {
         const Window window;
-        const QPushButton &button = *window.view.serversView->connectButton;
+        const QPushButton &button = *control<QPushButton>(window.view, "connectButton");
         window.fillForm("h", "1", "p");
         QVERIFY(button.isEnabled());
         for (const QStringList &form : {QStringList{"", "1", "p"}, {"h", "", "p"}, {"h", "1", ""}}) {
@@ -72,9 +61,10 @@ private slots:
         window.exchange.hold();
         window.connectByForm();
         QCOMPARE(window.status(), "Connecting to QuickConnect...");
-        QVERIFY(!window.view.serversView->connectButton->isEnabled());
-        window.view.serversView->portField->setText("28961");
-        QVERIFY(!window.view.serversView->connectButton->isEnabled()); // editing does not allow a second connect
+        QVERIFY(!control<QPushButton>(window.view, "connectButton")->isEnabled());
+        control<QLineEdit>(window.view, "portField")->setText("28961");
+        QVERIFY(!control<QPushButton>(window.view, "connectButton")
+                     ->isEnabled()); // editing does not allow a second connect
         QTRY_COMPARE(window.exchange.keptCount(), 1);
         window.exchange.release();
         QTRY_COMPARE(window.exchange.keptCount(), 1); // the player list, at once
@@ -84,10 +74,10 @@ private slots:
             QTRY_VERIFY(window.exchange.keptCount() == 1 || window.actions.isIdle());
         }
         QVERIFY(window.settle());
-        QVERIFY(window.view.serversView->connectButton->isEnabled());
+        QVERIFY(control<QPushButton>(window.view, "connectButton")->isEnabled());
         QCOMPARE(window.exchange.sent(),
                  QStringList({"dvardump", "teamstatus", "g_gametype", "mapname", "sv_mapRotation"}));
-        window.view.serversView->disconnectButton->click();
+        control<QPushButton>(window.view, "disconnectButton")->click();
         QCOMPARE(window.status(), "Not connected");
         QVERIFY(!window.server.isConnected());
     }
@@ -105,9 +95,9 @@ private slots:
         QCOMPARE(window.status(), "Not connected");
         QCOMPARE(window.alerts.titles(), // in the order of the connect
                  QStringList({"Message Rotations Not Loaded", "Map Rotations Not Loaded", "Command Send Error"}));
-        QCOMPARE(window.view.serversView->hostField->text(), "10.0.0.1");
-        QCOMPARE(window.view.serversView->passwordField->text(), "pw");
-        QVERIFY(window.view.welcomePage->isVisibleTo(&window.view));
+        QCOMPARE(control<QLineEdit>(window.view, "hostField")->text(), "10.0.0.1");
+        QCOMPARE(control<QLineEdit>(window.view, "passwordField")->text(), "pw");
+        QVERIFY(control<QWidget>(window.view, "welcomePage")->isVisibleTo(&window.view));
     }
 
     void disconnectCallsOffWhatRunsAndWaits()
@@ -117,25 +107,25 @@ private slots:
         window.connectByForm();
         window.view.connectTo(ConnectTarget{"Other", "10.0.0.2", "1", "pw", nullptr});
         QTRY_COMPARE(window.exchange.keptCount(), 1);
-        window.view.serversView->disconnectButton->click();
+        control<QPushButton>(window.view, "disconnectButton")->click();
         QCOMPARE(window.sent(), QStringList{"dvardump"});
         QVERIFY(window.alerts.shown().isEmpty());
         QCOMPARE(window.status(), "Not connected");
-        QVERIFY(window.view.serversView->connectButton->isEnabled());
+        QVERIFY(control<QPushButton>(window.view, "connectButton")->isEnabled());
     }
 
     void theTabKeyGoesFromTheServersToTheTabsAndOnToThePage()
     {
         ConnectedWindow window;
         window.view.show();
-        const FormMainView &view = window.view;
+        const QWidget *servers = control<QWidget>(window.view, "serversView");
         QStringList panes;
-        const QWidget *last = view.serversView->hostwellButton;
+        const QWidget *last = control<QPushButton>(window.view, "hostwellButton");
         for (const QWidget *at = last->nextInFocusChain(); at != last; at = at->nextInFocusChain()) {
             if ((at->focusPolicy() & Qt::TabFocus) == 0 || !at->isVisible())
                 continue;
-            const bool isInPage = view.tabControlMain->currentWidget()->isAncestorOf(at);
-            const char *pane = view.serversView->isAncestorOf(at) ? "servers" : isInPage ? "page" : "tabs";
+            const bool isInPage = window.tabs()->currentWidget()->isAncestorOf(at);
+            const char *pane = servers->isAncestorOf(at) ? "servers" : isInPage ? "page" : "tabs";
             if (panes.isEmpty() || panes.last() != QLatin1String(pane))
                 panes.append(pane);
         }
@@ -145,7 +135,7 @@ private slots:
     void theTabsFollowTheModeAndTheConsoleStaysInFront()
     {
         ConnectedWindow window;
-        QTabWidget *tabs = window.view.tabControlMain;
+        QTabWidget *tabs = window.tabs();
         const auto labels = [&] {
             QStringList list;
             for (int i = 0; i < tabs->count(); ++i)
@@ -155,27 +145,31 @@ private slots:
         QCOMPARE(labels(), "Players,Maps,Settings,Messages,Config Builder,Console");
         QCOMPARE(tabs->currentIndex(), 0);
         tabs->setCurrentIndex(5);
-        QTest::keyClicks(window.view.consoleView->consoleInput, "playlist_enabled 1");
-        QTest::keyClick(window.view.consoleView->consoleInput, Qt::Key_Return);
+        QTest::keyClicks(control<QLineEdit>(window.view, "consoleInput"), "playlist_enabled 1");
+        QTest::keyClick(control<QLineEdit>(window.view, "consoleInput"), Qt::Key_Return);
         QVERIFY(window.settle());
         QCOMPARE(labels(), "Players,Playlists,Settings,Messages,Config Builder,Console");
         QCOMPARE(tabs->currentIndex(), 5);
         window.exchange.forgetSent();
-        window.view.playersView->refreshPlayersButtonPressed();
+        control<QPushButton>(window.view, "refreshPlayersButton")->click();
         QCOMPARE(window.sent(), QStringList()); // the players' tab is not in front
     }
 
-    void theConfigBuildersSecondVisitIsTold()
+    void theConfigBuildersSecondVisitSelectsAllRows()
     {
         ConnectedWindow window;
-        QSignalSpy again(&window.view, &FormMainView::configBuilderVisitedAgain);
-        QList<int> told;
+        awaited(window.settings.loadSettings());
+        const auto *table = control<QTableView>(window.view, "configBuilderGeneralSettingsTable");
+        const int all = table->model()->rowCount();
+        QVERIFY(all > 0);
+        QList<int> selected;
         for (int visit = 0; visit < 3; ++visit) {
-            window.view.tabControlMain->setCurrentIndex(4);
-            window.view.tabControlMain->setCurrentIndex(0);
-            told.append(static_cast<int>(again.size()));
+            table->selectionModel()->clear();
+            window.tabs()->setCurrentIndex(4);
+            selected.append(static_cast<int>(table->selectionModel()->selectedRows().size()));
+            window.tabs()->setCurrentIndex(0);
         }
-        QCOMPARE(told, QList<int>({0, 1, 1}));
+        QCOMPARE(selected, QList<int>({0, all, 0}));
     }
 
     void aNewPasswordReachesTheForm()
@@ -183,7 +177,7 @@ private slots:
         ConnectedWindow window;
         window.exchange.answerEverything(ScriptedExchange::ok());
         awaited(window.server.setDvar("rcon_password", "new"));
-        QCOMPARE(window.view.serversView->passwordField->text(), "new");
+        QCOMPARE(control<QLineEdit>(window.view, "passwordField")->text(), "new");
     }
 
     void asksForThePasswordThatTheCommandLineLacks()
@@ -209,9 +203,9 @@ private slots:
         window.view.show();
         window.connectByForm();
         QVERIFY(window.settle());
-        window.view.tabControlMain->setCurrentWidget(window.view.messagesView);
+        window.tabs()->setCurrentIndex(3);
         QVERIFY(QTest::qWaitForWindowActive(&window.view));
-        QTableView *table = window.view.messagesView->rotationPane->tableView;
+        auto *table = control<QTableView>(window.view, "messageRotationTableView");
         table->setFocus();
         table->selectRow(0);
         QTest::keyClick(table, Qt::Key_Return);
@@ -230,10 +224,11 @@ private slots:
         window.view.show();
         window.exchange.forgetSent();
         window.exchange.hold();
-        window.view.playersView->refreshPlayersButtonPressed();
+        control<QPushButton>(window.view, "refreshPlayersButton")->click();
         window.view.close();
-        QVERIFY(window.view.isVisible());                       // not before the action has let go
-        window.view.playersView->refreshPlayersButtonPressed(); // what comes due meanwhile does not hold it up
+        QVERIFY(window.view.isVisible()); // not before the action has let go
+        control<QPushButton>(window.view, "refreshPlayersButton")
+            ->click(); // what comes due meanwhile does not hold it up
         QTRY_VERIFY(!window.view.isVisible());
         QVERIFY(window.actions.isIdle());
         QVERIFY(window.alerts.shown().isEmpty());
@@ -247,11 +242,12 @@ private slots:
         window.connectByForm();
         QVERIFY(window.settle());
         window.exchange.forgetSent();
-        window.view.playersView->playersTableView->selectRow(0);
+        control<QTableView>(window.view, "playersTableView")->selectRow(0);
         window.exchange.hold();
-        window.view.serversView->fillForm("10.0.0.2", "28960");
-        window.view.serversView->connectButton->click();
-        window.view.playersView->kickPlayerButton->click(); // the players of the server before are still shown
+        control<QLineEdit>(window.view, "hostField")->setText("10.0.0.2");
+        control<QPushButton>(window.view, "connectButton")->click();
+        control<QPushButton>(window.view, "kickPlayerButton")
+            ->click(); // the players of the server before are still shown
         while (!window.actions.isIdle()) {
             if (window.exchange.keptCount() > 0)
                 window.exchange.release();
@@ -266,65 +262,11 @@ private slots:
         Window window;
         window.view.resize(1100, 777);
         window.view.show();
-        window.view.playersView->playersTableView->sortByColumn(6, Qt::DescendingOrder);
+        control<QTableView>(window.view, "playersTableView")->sortByColumn(6, Qt::DescendingOrder);
         window.view.close();
-        FormMainView again(window.server, window.actions, window.alerts, window.preferences, window.catalogues(),
-                           window.rotations(), window.savedServers);
-        again.makeViews();
+        const FormMainView again(window.workplace(), window.savedServers);
         QCOMPARE(again.size(), QSize(1100, 777));
-        QCOMPARE(again.playersView->playersController->arranged()->sortColumn(), 6);
-    }
-
-    void alertsTakeServerTextLiterallyAndKeepItShort()
-    {
-        QWidget window;
-        window.show();
-        SheetAlerts alerts;
-        alerts.setWindow(&window);
-        const QString word(70, QLatin1Char('a'));
-        const QString text = word + QStringLiteral("\n<b>bold</b>").repeated(500);
-        QCoro::Task<int> asking = alerts.run("Title", text, {"Yes", "No"});
-        auto *box = window.findChild<QMessageBox *>("alert");
-        QVERIFY(box != nullptr);
-        for (const QLabel *label : box->findChildren<QLabel *>())
-            QVERIFY(label->textFormat() == Qt::PlainText || label->text().isEmpty() || !label->pixmap().isNull());
-        QVERIFY(box->informativeText().size() < 1300);
-        QVERIFY(box->width() > box->fontMetrics().horizontalAdvance(word));
-        QCOMPARE(box->detailedText(), text);
-        QTest::keyClick(box, Qt::Key_Escape);
-        QCOMPARE(awaited(std::move(asking)), 1); // dismissing is the last button
-    }
-
-    void aProgressSheetShowsWhatWasSetBefore()
-    {
-        QWidget window;
-        window.show();
-        ProgressWindowController progress;
-        progress.setTitle("Loading configuration...");
-        progress.setProgressMax(7);
-        progress.setCurrentProgress(3);
-        progress.beginSheet(&window);
-        const auto *bar = progress.window()->findChild<QProgressBar *>("progressIndicator");
-        QCOMPARE(progress.window()->findChild<QLabel *>("titleLabel")->text(), "Loading configuration...");
-        QCOMPARE(bar->maximum(), 7);
-        QCOMPARE(bar->value(), 3);
-        progress.setCurrentProgress(6);
-        QCOMPARE(bar->value(), 6);
-        const QPointer<QDialog> sheet = progress.window();
-        QTest::keyClick(sheet, Qt::Key_Escape);
-        QVERIFY(sheet->isVisible());
-        progress.endSheet();
-        QTRY_VERIFY(sheet.isNull());
-    }
-
-    void theSecondVisitSelectsAllRows()
-    {
-        Window window;
-        awaited(window.settings.loadSettings());
-        emit window.view.configBuilderVisitedAgain();
-        const SectionTable *table = window.view.configBuilderView->configBuilderGeneralSettingsTable;
-        QCOMPARE(table->selectionModel()->selectedRows().size(), window.settings.settingsList().size());
-        QVERIFY(!window.settings.settingsList().isEmpty());
+        QCOMPARE(control<QTableView>(again, "playersTableView")->horizontalHeader()->sortIndicatorSection(), 6);
     }
 
     void connectsToTheLastSelectedAndFollowsItsPassword()
@@ -332,11 +274,10 @@ private slots:
         WindowFixture fixture;
         fixture.exchange.answer(QStringLiteral("teamstatus"), ScriptedExchange::ok());
         QVERIFY(fixture.savedServers.save({"Home", "10.0.0.9", "28961", QStringLiteral("pw")}).error.isEmpty());
-        fixture.view.makeViews();
-        ServersView &view = *fixture.view.serversView;
-        QVERIFY(!view.connectToSavedServerButton->isEnabled());
-        view.savedServerTableView->selectRow(0);
-        view.connectToSavedServerButton->click();
+        control<ServersView>(fixture.view, "serversView")->loadSavedServersList();
+        QVERIFY(!control<QPushButton>(fixture.view, "connectToSavedServerButton")->isEnabled());
+        control<QTableView>(fixture.view, "savedServerTableView")->selectRow(0);
+        control<QPushButton>(fixture.view, "connectToSavedServerButton")->click();
         QVERIFY(fixture.settle());
         const Request first = fixture.exchange.requests().first();
         QCOMPARE(first.host, QStringLiteral("10.0.0.9"));
@@ -345,7 +286,7 @@ private slots:
         fixture.exchange.answerEverything(ScriptedExchange::ok());
         awaited(fixture.server.setDvar(QStringLiteral("rcon_password"), QStringLiteral("new")));
         QCOMPARE(fixture.savedServers.password("Home").value_or(QString()), QStringLiteral("new"));
-        QCOMPARE(view.savedPasswordField->text(), QStringLiteral("new"));
+        QCOMPARE(control<QLineEdit>(fixture.view, "savedPasswordField")->text(), QStringLiteral("new"));
     }
 };
 

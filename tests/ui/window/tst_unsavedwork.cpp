@@ -1,11 +1,10 @@
+#include "Controls.h"
 #include "WindowFixture.h"
 
+#include <QPushButton>
+
 struct UnsavedWindow : WindowFixture {
-    UnsavedWindow()
-    {
-        view.makeViews();
-        alerts.hold();
-    }
+    UnsavedWindow() { alerts.hold(); }
 
     /// A message that no file holds.
     void edit() { awaited(messageRotations.addMessageToCurrentRotation("typed", "5")); }
@@ -47,7 +46,7 @@ private slots:
             QTRY_COMPARE(window.view.isVisible(), !goesOn);
         } else {
             QTRY_COMPARE(window.exchange.sent().contains("dvardump"), goesOn);
-            window.view.disconnectButtonPressed();
+            control<QPushButton>(window.view, "disconnectButton")->click();
         }
         if (!goesOn)
             QCOMPARE(window.messageRotations.entries().size(), 1);

@@ -3,10 +3,10 @@
 #include "ActionQueue.h"
 #include "Alerts.h"
 #include "KelServer.h"
+#include "Progress.h"
 
 #include <QCoroFuture>
 
-#include <QWidget>
 #include <QtConcurrentRun>
 
 #include <utility>
@@ -23,7 +23,7 @@ public:
     }
     ~Run()
     {
-        m_loading.endSheet();
+        m_loading.m_progress.end();
         setUnderWay(false);
     }
     Run(const Run &) = delete;
@@ -39,12 +39,12 @@ private:
     ConfigurationLoading &m_loading;
 };
 
-ConfigurationLoading::ConfigurationLoading(KelServer &server, ActionQueue &actions, Alerts &alerts, QWidget *view)
-    : m_server(server), m_actions(actions), m_alerts(alerts), m_view(view)
+ConfigurationLoading::ConfigurationLoading(KelServer &server, ActionQueue &actions, Alerts &alerts, Progress &progress)
+    : m_server(server), m_actions(actions), m_alerts(alerts), m_progress(progress)
 {
     const auto callOff = [this] {
         m_isCalledOff = true;
-        endSheet();
+        m_progress.end();
     };
     connect(&server, &KelServer::connectionBegan, this, callOff);
     connect(&server, &KelServer::isConnectedChanged, this, [callOff](bool isConnected) {
@@ -53,21 +53,14 @@ ConfigurationLoading::ConfigurationLoading(KelServer &server, ActionQueue &actio
     });
 }
 
-ConfigurationLoading::~ConfigurationLoading() = default;
-
-void ConfigurationLoading::beginSheet()
+ConfigurationLoading::~ConfigurationLoading()
 {
-    m_progressWindowController = std::make_unique<ProgressWindowController>();
-    m_progressWindowController->setTitle(tr("Loading configuration..."));
-    m_progressWindowController->setProgressMax(100);
-    m_progressWindowController->setCurrentProgress(0);
-    m_progressWindowController->setCancel([this] { m_isCancelled = true; });
-    m_progressWindowController->beginSheet(m_view->window());
+    m_progress.end();
 }
 
-void ConfigurationLoading::endSheet()
+void ConfigurationLoading::beginProgress()
 {
-    m_progressWindowController.reset();
+    m_progress.begin(tr("Loading configuration..."), [this] { m_isCancelled = true; });
 }
 
 QCoro::Task<> ConfigurationLoading::loadFile(QString path)
@@ -78,7 +71,7 @@ QCoro::Task<> ConfigurationLoading::loadFile(QString path)
     const std::optional<QString> text = co_await readText(path);
     if (!text || m_isCalledOff)
         co_return;
-    beginSheet();
+    beginProgress();
     const QList<ConfigurationEntry> entries = co_await parse(path, *text);
     if (!entries.isEmpty() && !m_isCalledOff)
         co_await write(entries);
@@ -89,7 +82,7 @@ QCoro::Task<> ConfigurationLoading::loadEntries(QList<ConfigurationEntry> entrie
     if (m_isUnderWay || !m_server.isConnected())
         co_return;
     const Run run(*this);
-    beginSheet();
+    beginProgress();
     co_await write(entries);
 }
 
@@ -137,7 +130,7 @@ QCoro::Task<QList<ConfigurationEntry>> ConfigurationLoading::parse(QString path,
     const bool areTooMany = entries.size() > ConfigurationFile::mostEntries;
     if (m_isCalledOff || (!entries.isEmpty() && !areTooMany))
         co_return entries;
-    endSheet();
+    m_progress.end();
     entries.clear();
     const QString none =
         tr("\"%1\" sets no variable. A line of a configuration file is the name of a variable, a blank "
@@ -152,18 +145,18 @@ QCoro::Task<QList<ConfigurationEntry>> ConfigurationLoading::parse(QString path,
 
 QCoro::Task<> ConfigurationLoading::write(QList<ConfigurationEntry> entries)
 {
-    m_progressWindowController->setProgressMax(static_cast<double>(entries.size()));
     qsizetype position = 0;
     qsizetype written = 0;
+    m_progress.setDone(0, entries.size());
     for (const ConfigurationEntry &entry : std::as_const(entries)) {
         const Outcome outcome = co_await writeOne(entry);
         if (outcome == Outcome::NotSent || m_isCalledOff)
             break;
         if (outcome == Outcome::Written)
             ++written;
-        m_progressWindowController->setCurrentProgress(static_cast<double>(position++));
+        m_progress.setDone(position++, entries.size());
     }
-    endSheet();
+    m_progress.end();
     if (m_isCancelled && !m_isCalledOff && position < entries.size())
         co_await tellOfCancel(written, entries.size());
 }
@@ -185,8 +178,6 @@ QCoro::Task<ConfigurationLoading::Outcome> ConfigurationLoading::writeOne(Config
     const QString text = tr("'%1' returned an error: %2").arg(entry.dvar, reply.text);
     co_await m_alerts.run(tr("Remote Command Failure"), text);
     m_isCalledOff = m_isCalledOff || !turn;
-    if (m_progressWindowController && m_progressWindowController->window() != nullptr)
-        m_progressWindowController->window()->activateWindow(); // else Escape would go to the window below
     co_return Outcome::Failed;
 }
 

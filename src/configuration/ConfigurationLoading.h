@@ -2,7 +2,6 @@
 
 #include "ConfigurationComparison.h"
 #include "ConfigurationFile.h"
-#include "ProgressWindowController.h"
 
 #include <QCoroTask>
 
@@ -10,13 +9,12 @@
 #include <QList>
 #include <QObject>
 
-#include <memory>
 #include <optional>
 
 class ActionQueue;
 class Alerts;
 class KelServer;
-class QWidget;
+class Progress;
 
 /// Reads configuration files and writes what they set to the server. Every write takes a turn of its own, so that a
 /// message or a refresh that is due goes in between. One loading at a time; disconnecting and another connection end it
@@ -25,8 +23,8 @@ class ConfigurationLoading : public QObject
 {
     Q_OBJECT
 public:
-    /// Everything handed in outlives this; the progress sheet stands on the window of `view`.
-    ConfigurationLoading(KelServer &server, ActionQueue &actions, Alerts &alerts, QWidget *view);
+    /// Everything handed in outlives this; `progress` is this one's alone.
+    ConfigurationLoading(KelServer &server, ActionQueue &actions, Alerts &alerts, Progress &progress);
     ~ConfigurationLoading() override;
 
     /// Writes the variables of the file at `path`, and tells what went wrong. The action that calls it has no turn.
@@ -39,8 +37,6 @@ public:
                                                                     QList<ConfigurationEntry> written);
 
     bool isUnderWay() const { return m_isUnderWay; }
-    /// The progress sheet, while it is shown; else null.
-    ProgressWindowController *progressWindowController() const { return m_progressWindowController.get(); }
 
 signals:
     void isUnderWayChanged(bool isUnderWay);
@@ -49,8 +45,7 @@ private:
     class Run;
     enum class Outcome { NotSent, Failed, Written };
 
-    void beginSheet();
-    void endSheet();
+    void beginProgress();
     QCoro::Task<std::optional<QString>> readText(QString path);
     /// @return nothing if that is all the text sets, or if it sets too much; the user has been told so.
     QCoro::Task<QList<ConfigurationEntry>> parse(QString path, QString text);
@@ -61,8 +56,7 @@ private:
     KelServer &m_server;
     ActionQueue &m_actions;
     Alerts &m_alerts;
-    QWidget *m_view;
-    std::unique_ptr<ProgressWindowController> m_progressWindowController;
+    Progress &m_progress;
     bool m_isUnderWay = false;
     bool m_isCancelled = false; ///< by the user, who is told how far it came
     bool m_isCalledOff = false; ///< with the connection

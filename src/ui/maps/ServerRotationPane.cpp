@@ -1,0 +1,158 @@
+#include "ServerRotationPane.h"
+
+#include "ButtonAction.h"
+#include "ColumnLayout.h"
+#include "DvarSettingList.h"
+#include "KelGametype.h"
+#include "KelMapList.h"
+#include "KelServer.h"
+#include "PlaceholderTable.h"
+
+#include <QHBoxLayout>
+#include <QHash>
+#include <QHeaderView>
+#include <QKeySequence>
+#include <QLabel>
+#include <QPushButton>
+#include <QSet>
+#include <QVBoxLayout>
+
+#include <utility>
+
+static const QString columnsKey = QStringLiteral("window/serverRotation");
+
+static QList<ArrayController<RotationRow>::Column> rotationColumns()
+{
+    return {{ServerRotationPane::tr("Map"), [](const RotationRow &row) { return row.map; }, nullptr},
+            {ServerRotationPane::tr("Gametype"), [](const RotationRow &row) { return row.gametype; }, nullptr}};
+}
+
+static QString rotationKey(const RotationRow &row)
+{
+    return row.map + QLatin1Char('\n') + row.gametype;
+}
+
+ServerRotationPane::ServerRotationPane(KelServer &server, const GameCatalogues &catalogues, QWidget *parent)
+    : QWidget(parent), mapServerRotationTableView(new PlaceholderTable(this)),
+      mapServerRotationController(new ArrayController<RotationRow>(rotationColumns(), rotationKey, this)),
+      copyToBuilderButton(new QPushButton(tr("Copy to Builder"), this)), m_server(server),
+      m_gametypes(catalogues.gametypes), m_maps(catalogues.maps)
+{
+    setObjectName(QStringLiteral("serverRotationPane"));
+    nameControls();
+    layOut();
+    updatePlaceholder();
+    updateCopyButton();
+    connect(copyToBuilderButton, &QPushButton::clicked, this, &ServerRotationPane::copyToBuilderRequested);
+    connect(mapServerRotationController, &QAbstractItemModel::rowsInserted, this,
+            &ServerRotationPane::updateCopyButton);
+    connect(mapServerRotationController, &QAbstractItemModel::rowsRemoved, this, &ServerRotationPane::updateCopyButton);
+    connect(&m_server, &KelServer::connectionBegan, this, &ServerRotationPane::clear);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &ServerRotationPane::updatePlaceholder);
+}
+
+void ServerRotationPane::nameControls()
+{
+    QHeaderView *header = mapServerRotationTableView->horizontalHeader();
+    mapServerRotationTableView->setObjectName(QStringLiteral("mapServerRotationTableView"));
+    mapServerRotationTableView->setAccessibleName(tr("Server rotation"));
+    mapServerRotationTableView->setModel(mapServerRotationController->arranged());
+    mapServerRotationTableView->setSelectionModel(mapServerRotationController->selection());
+    // The server's order is the one that counts; a third click on a column title returns to it.
+    header->setSortIndicator(-1, Qt::AscendingOrder);
+    header->setSortIndicatorClearable(true);
+    mapServerRotationTableView->setSortingEnabled(true);
+    // Maps have the longer names.
+    header->setStretchLastSection(false);
+    header->setSectionResizeMode(0, QHeaderView::Stretch);
+    mapServerRotationTableView->setColumnWidth(1, 150);
+    copyToBuilderButton->setObjectName(QStringLiteral("copyToBuilderButton"));
+    copyToBuilderButton->setToolTip(tr("Put the server's rotation into the builder below"));
+}
+
+void ServerRotationPane::layOut()
+{
+    auto *titleLabel = new QLabel(tr("Server rotation"), this);
+    titleLabel->setBuddy(mapServerRotationTableView);
+    auto *title = new QHBoxLayout;
+    title->addWidget(titleLabel, 1);
+    title->addWidget(copyToBuilderButton);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(title);
+    layout->addWidget(mapServerRotationTableView, 1);
+    setTabOrder(copyToBuilderButton, mapServerRotationTableView); // top to bottom
+}
+
+void ServerRotationPane::fillMenu(QMenu &menu)
+{
+    addButtonAction(menu, tr("&Copy Server's Rotation to Builder"), QKeySequence(), copyToBuilderButton);
+}
+
+void ServerRotationPane::restoreLayout(const Preferences &preferences)
+{
+    restoreColumns(preferences, columnsKey, *mapServerRotationTableView->horizontalHeader());
+}
+
+void ServerRotationPane::saveLayout(Preferences &preferences) const
+{
+    saveColumns(preferences, columnsKey, *mapServerRotationTableView->horizontalHeader());
+}
+
+void ServerRotationPane::clear()
+{
+    mapServerRotationController->mergeContent({});
+}
+
+QCoro::Task<> ServerRotationPane::updateRotation(QString gametype)
+{
+    const QString query = QStringLiteral("sv_mapRotation");
+    const Reply reply = co_await m_server.sendCommand(query);
+    if (reply.isSuccess() && !reply.isCancelled && m_server.isConnected())
+        showRotation(parseMapResponse(reply.text), gametype);
+}
+
+/// Asks `find` once for each of the names that it knows: a rotation from outside may be long, and finding is slow.
+static NameLookup remembering(QSet<QString> known, NameLookup find)
+{
+    return [known = std::move(known), find = std::move(find),
+            found = QHash<QString, QString>()](const QString &dvarName) mutable {
+        if (!known.contains(dvarName))
+            return dvarName;
+        auto name = found.constFind(dvarName);
+        if (name == found.constEnd())
+            name = found.insert(dvarName, find(dvarName));
+        return *name;
+    };
+}
+
+void ServerRotationPane::showRotation(const QString &rotation, const QString &gametype)
+{
+    QSet<QString> maps;
+    for (const MapInst &map : m_maps.arrangedMaps())
+        maps.insert(map.dvarName);
+    QSet<QString> gametypes;
+    for (const auto &each : m_gametypes.arrangedGametypes())
+        gametypes.insert(each->dvarName());
+    const NameLookup findMap =
+        remembering(maps, [this](const QString &dvarName) { return m_maps.findMapByDvar(dvarName); });
+    const NameLookup findGametype =
+        remembering(gametypes, [this](const QString &dvarName) { return m_gametypes.findGametypeByDvar(dvarName); });
+    // A rotation names the same pair again and again, so that no row of the new one is a certain row of the old.
+    clear();
+    mapServerRotationController->mergeContent(parseRotation(rotation, gametype, findMap, findGametype));
+}
+
+void ServerRotationPane::updateCopyButton()
+{
+    copyToBuilderButton->setEnabled(mapServerRotationController->rowCount() > 0);
+}
+
+void ServerRotationPane::updatePlaceholder()
+{
+    if (m_server.isConnected())
+        mapServerRotationTableView->setPlaceholder(
+            tr("No map rotation is known. The server is asked for it with each connect."));
+    else
+        mapServerRotationTableView->setPlaceholder(tr("Not connected. Connect to a server to see its rotation."));
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "ArrayController.h"
+#include "GameCatalogues.h"
+#include "RotationText.h"
+
+#include <QCoroTask>
+
+#include <QWidget>
+
+class KelServer;
+class PlaceholderTable;
+class Preferences;
+class QMenu;
+class QPushButton;
+
+/// The rotation that the server plays, as it told it at the last connect or when it got a new one.
+class ServerRotationPane : public QWidget
+{
+    Q_OBJECT
+public:
+    /// Everything handed in outlives the pane.
+    ServerRotationPane(KelServer &server, const GameCatalogues &catalogues, QWidget *parent = nullptr);
+
+    /// Asks the server for its rotation and shows it; what is shown stays when the server does not tell. Takes no turn:
+    /// the action that calls it has one.
+    /// @param gametype  what is played until the rotation names another gametype, as users know it.
+    QCoro::Task<> updateRotation(QString gametype);
+    void clear();
+
+    /// In the server's order, however the table is sorted.
+    QList<RotationRow> rows() const { return mapServerRotationController->content(); }
+
+    void fillMenu(QMenu &menu);
+    void restoreLayout(const Preferences &preferences);
+    void saveLayout(Preferences &preferences) const;
+
+signals:
+    /// rows() are wanted in the builder.
+    void copyToBuilderRequested();
+
+private:
+    void nameControls();
+    void layOut();
+    void showRotation(const QString &rotation, const QString &gametype);
+    void updateCopyButton();
+    void updatePlaceholder();
+
+    PlaceholderTable *mapServerRotationTableView;
+    ArrayController<RotationRow> *mapServerRotationController;
+    QPushButton *copyToBuilderButton;
+
+    KelServer &m_server;
+    KelGametype &m_gametypes;
+    KelMapList &m_maps;
+};

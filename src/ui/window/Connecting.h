@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Tabs.h"
+
+#include <QCoroTask>
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+class MainTabs;
+class ServersView;
+class StatusLine;
+class UnsavedWork;
+struct SavedServer;
+
+/// Where a connect goes and under which label it is shown.
+struct ConnectTarget {
+    QString label;
+    QString host;
+    QString port; ///< as typed
+    QString password;
+    /// Follows a later change of the server's password, if set.
+    std::function<void(const QString &)> passwordTextBox;
+};
+
+/// Connects the session and ends its connection: asks about unsaved work and a missing password, loads the catalogues,
+/// tells the status line how far it has come, and lets the pages fetch what they show at first.
+class Connecting : public QObject
+{
+    Q_OBJECT
+public:
+    /// The parts of the window that take part in connecting. All of them outlive this.
+    struct Parts {
+        ServersView &servers;
+        MainTabs &tabs;
+        StatusLine &status;
+        UnsavedWork &unsavedWork;
+    };
+
+    Connecting(const Workplace &workplace, const Parts &parts, QObject *parent = nullptr);
+
+    /// Connects as one action. Does nothing while a connect waits or is under way.
+    void connectTo(ConnectTarget target);
+    /// Fills the form of a new server and connects; without a password it is asked for first.
+    void quickConnect(const QString &host, const QString &port, const QString &password);
+
+public slots:
+    void connectByForm();
+    void connectToSavedServer(const SavedServer &server);
+    void disconnectFromServer();
+
+private:
+    ConnectTarget formTarget() const;
+    void askForPassword(const ConnectTarget &target);
+    QCoro::Task<> connectAction(ConnectTarget target);
+    QCoro::Task<> loadGameData();
+    QCoro::Task<> connectToServerWithLabel(ConnectTarget target);
+
+    Workplace m_workplace;
+    Parts m_parts;
+    QString m_statusBeforeConnect;
+    int m_connects = 0; ///< that wait or are under way
+};

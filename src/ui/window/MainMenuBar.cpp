@@ -1,0 +1,157 @@
+#include "MainMenuBar.h"
+
+#include "Appearance.h"
+#include "KelServer.h"
+#include "MainTabs.h"
+#include "PageDocument.h"
+#include "Preferences.h"
+#include "ServersView.h"
+#include "TabPage.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QCoreApplication>
+#include <QMenu>
+#include <QUndoStack>
+
+#include <utility>
+
+MainMenuBar::MainMenuBar(MainTabs &tabs, ServersView &servers, KelServer &server, Preferences &preferences,
+                         QWidget *parent)
+    : QMenuBar(parent), m_tabs(tabs), m_servers(servers), m_server(server), m_preferences(preferences)
+{
+    makeFileMenu();
+    makeEditMenu();
+    makeServerMenu();
+    makeMenusOfTabs();
+    makeViewMenu();
+    makeHelpMenu();
+}
+
+PageDocument *MainMenuBar::currentDocument() const
+{
+    TabPage *page = m_tabs.currentPage();
+    return page == nullptr ? nullptr : page->document();
+}
+
+void MainMenuBar::makeFileMenu()
+{
+    QMenu *file = addMenu(tr("&File"));
+    QList<QAction *> documentActions;
+    const auto add = [&](const QString &text, QKeySequence::StandardKey key, void (PageDocument::*operation)()) {
+        documentActions.append(file->addAction(text, QKeySequence(key), this, [this, operation] {
+            if (PageDocument *document = currentDocument())
+                (document->*operation)();
+        }));
+    };
+    add(tr("&New Rotation…"), QKeySequence::New, &PageDocument::newDocument);
+    add(tr("&Open Rotation…"), QKeySequence::Open, &PageDocument::openDocument);
+    add(tr("&Save Rotation"), QKeySequence::Save, &PageDocument::saveDocument);
+    // Grey in the menu where there is no rotation to act on; the shortcuts ask for themselves.
+    connect(file, &QMenu::aboutToShow, this, [this, documentActions] {
+        for (QAction *action : documentActions)
+            action->setEnabled(currentDocument() != nullptr);
+    });
+    connect(file, &QMenu::aboutToHide, this, [documentActions] {
+        for (QAction *action : documentActions)
+            action->setEnabled(true);
+    });
+    file->addSeparator();
+    for (TabPage *page : m_tabs.pages())
+        page->fillFileMenu(*file);
+    file->addSeparator();
+    QAction *quit = file->addAction(tr("&Quit"), QKeySequence(tr("Ctrl+Q")), this, &MainMenuBar::quitRequested);
+    quit->setMenuRole(QAction::QuitRole);
+}
+
+void MainMenuBar::makeEditMenu()
+{
+    QMenu *edit = addMenu(tr("&Edit"));
+    QAction *undo = m_undoGroup.createUndoAction(edit, tr("&Undo"));
+    undo->setShortcut(QKeySequence::Undo);
+    QAction *redo = m_undoGroup.createRedoAction(edit, tr("&Redo"));
+    redo->setShortcut(QKeySequence::Redo);
+    edit->addActions({undo, redo});
+    for (TabPage *page : m_tabs.pages()) {
+        if (PageDocument *document = page->document())
+            m_undoGroup.addStack(document->undoStack());
+    }
+    connect(&m_tabs, &MainTabs::currentPageChanged, this, [this] {
+        PageDocument *document = currentDocument();
+        m_undoGroup.setActiveStack(document == nullptr ? nullptr : document->undoStack());
+    });
+}
+
+void MainMenuBar::makeServerMenu()
+{
+    QMenu *menu = addMenu(tr("&Server"));
+    QAction *connectAction =
+        menu->addAction(tr("&Connect"), QKeySequence(tr("Ctrl+Return")), this, [this] { m_servers.pressConnect(); });
+    menu->addAction(tr("&Disconnect"), QKeySequence(tr("Ctrl+D")), this, &MainMenuBar::disconnectRequested);
+    connect(menu, &QMenu::aboutToShow, connectAction,
+            [this, connectAction] { connectAction->setEnabled(m_servers.canConnect()); });
+    connect(menu, &QMenu::aboutToHide, connectAction, [connectAction] { connectAction->setEnabled(true); });
+}
+
+void MainMenuBar::makeMenusOfTabs()
+{
+    const QList<TabPage *> pages = m_tabs.pages();
+    for (qsizetype i = 0; i < pages.size(); ++i) {
+        const Tab &tab = tabs().at(i);
+        if (tab.menuTitle == nullptr)
+            continue;
+        QMenu *menu = addMenu(QCoreApplication::translate("Tab", tab.menuTitle));
+        pages.at(i)->fillMenu(*menu);
+        // A menu for a tab that this server's mode does not have would act on what cannot be seen.
+        connect(&m_server, &KelServer::tabSetChanged, menu,
+                [this, menu, tab] { menu->menuAction()->setVisible(tab.sets.testFlag(m_server.tabSet())); });
+    }
+}
+
+void MainMenuBar::makeViewMenu()
+{
+    QMenu *menu = addMenu(tr("&View"));
+    for (int place = 0; place < static_cast<int>(m_tabs.pages().size()) && place < 9; ++place) {
+        QAction *action =
+            menu->addAction(QString(), QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + place)), this, [this, place] {
+                m_tabs.setCurrentIndex(place);
+                m_tabs.currentWidget()->setFocus();
+            });
+        const auto rename = [this, action, place] {
+            action->setVisible(place < m_tabs.count());
+            action->setText(m_tabs.tabText(place));
+        };
+        connect(&m_tabs, &MainTabs::arranged, action, rename);
+        rename();
+    }
+    menu->addSeparator();
+    makeAppearanceMenu(*menu);
+}
+
+void MainMenuBar::makeAppearanceMenu(QMenu &view)
+{
+    QMenu *menu = view.addMenu(tr("&Appearance"));
+    auto *group = new QActionGroup(menu);
+    const QList<std::pair<QString, QString>> choices{{tr("&System"), QStringLiteral("system")},
+                                                     {tr("&Light"), QStringLiteral("light")},
+                                                     {tr("&Dark"), QStringLiteral("dark")}};
+    const QString current = m_preferences.value(QStringLiteral("appearance")).toString();
+    for (const auto &[text, name] : choices) {
+        QAction *action = group->addAction(menu->addAction(text));
+        action->setCheckable(true);
+        action->setChecked(name == current || (current.isEmpty() && name == QLatin1String("system")));
+        connect(action, &QAction::triggered, this, [this, chosen = name] {
+            m_preferences.setValue(QStringLiteral("appearance"), chosen);
+            Appearance::apply(chosen);
+        });
+    }
+}
+
+void MainMenuBar::makeHelpMenu()
+{
+    QMenu *help = addMenu(tr("&Help"));
+    help->addAction(tr("Try the &Demo Server"), this, &MainMenuBar::demoServerRequested);
+    help->addAction(tr("Server &Hosting"), this, [this] { m_servers.hostwellButtonPressed(); });
+    QAction *about = help->addAction(tr("&About"), this, &MainMenuBar::aboutRequested);
+    about->setMenuRole(QAction::AboutRole);
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QMenuBar>
+#include <QUndoGroup>
+
+class KelServer;
+class MainTabs;
+class PageDocument;
+class Preferences;
+class ServersView;
+
+/// The menu bar: repeats what the window and the pages behind its tabs offer, with the platform's shortcuts.
+class MainMenuBar : public QMenuBar
+{
+    Q_OBJECT
+public:
+    /// Everything handed in outlives the menu bar.
+    MainMenuBar(MainTabs &tabs, ServersView &servers, KelServer &server, Preferences &preferences,
+                QWidget *parent = nullptr);
+
+signals:
+    void disconnectRequested();
+    void demoServerRequested();
+    void aboutRequested();
+    void quitRequested();
+
+private:
+    void makeFileMenu();
+    void makeEditMenu();
+    void makeServerMenu();
+    void makeMenusOfTabs();
+    void makeViewMenu();
+    void makeAppearanceMenu(QMenu &view);
+    void makeHelpMenu();
+    PageDocument *currentDocument() const;
+
+    MainTabs &m_tabs;
+    ServersView &m_servers;
+    KelServer &m_server;
+    Preferences &m_preferences;
+    QUndoGroup m_undoGroup;
+};

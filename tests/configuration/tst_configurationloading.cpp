@@ -1,0 +1,145 @@
+#include "ActionQueue.h"
+#include "ConfigurationLoading.h"
+#include "KelServer.h"
+#include "RecordedAlerts.h"
+#include "RecordedProgress.h"
+#include "ScriptedExchange.h"
+#include "Wait.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+/// A session that has just connected, and a file that can be loaded into it.
+struct Loading {
+    Loading()
+    {
+        exchange.answer("dvardump", ScriptedExchange::dump());
+        awaited(server.connectToHost("10.0.0.1", "28960", "typed"));
+        exchange.forgetSent();
+        exchange.answerEverything(ScriptedExchange::ok());
+    }
+
+    void write(const QByteArray &content)
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    }
+    void load(const QByteArray &content)
+    {
+        write(content);
+        actions.start(loading.loadFile(path));
+    }
+    /// @return whether all actions have ended.
+    bool settle()
+    {
+        return QTest::qWaitFor([this] { return actions.isIdle(); }, 60000);
+    }
+
+    QTemporaryDir folder;
+    QString path = folder.filePath("a.cfg");
+    ScriptedExchange exchange;
+    RecordedAlerts alerts;
+    KelServer server{exchange, alerts};
+    ActionQueue actions;
+    RecordedProgress progress;
+    ConfigurationLoading loading{server, actions, alerts, progress};
+};
+
+class ConfigurationLoadingTest : public QObject
+{
+    Q_OBJECT
+    using Steps = QList<std::pair<qsizetype, qsizetype>>;
+
+private slots:
+    void loadsInTheOrderOfTheFileAndPausesForAlerts()
+    {
+        Loading with;
+        const auto say = [](Loading *in) -> QCoro::Task<> {
+            const ActionQueue::Turn turn = co_await in->actions.turn();
+            co_await in->server.sendCommand("say hello");
+        };
+        with.exchange.answer("setadmindvar b \"2\"", ScriptedExchange::failure("no answer"));
+        with.alerts.hold();
+        with.exchange.hold();
+        with.load("sv_hostname \"new\"\nb \"2\"\na \"3\"\n");
+        QTRY_COMPARE(with.exchange.keptCount(), 1);
+        QVERIFY(with.loading.isUnderWay() && with.progress.isShown());
+        QCOMPARE(with.progress.title(), QString("Loading configuration..."));
+        awaited(with.loading.loadEntries({{"second", "loading"}})); // does not begin
+        with.actions.start(say(&with));
+        for (int each = 0; each < 2; ++each) {
+            with.exchange.release();
+            QTRY_COMPARE(with.exchange.keptCount(), 1); // the message goes in between
+        }
+        QCOMPARE(with.progress.steps(), Steps({{0, 3}, {0, 3}}));
+        with.exchange.release();
+        QTRY_COMPARE(with.alerts.openCount(), 1);
+        const RecordedAlerts::Shown told{"Remote Command Failure", "'b' returned an error: no answer", {}};
+        QCOMPARE(with.alerts.shown(), QList<RecordedAlerts::Shown>{told});
+        QCOMPARE(with.exchange.keptCount(), 0);
+        with.alerts.dismiss();
+        QTRY_COMPARE(with.exchange.keptCount(), 1);
+        QCOMPARE(with.progress.steps().last(), Steps::value_type(1, 3));
+        with.exchange.release();
+        QVERIFY(with.settle() && !with.progress.isShown() && !with.loading.isUnderWay());
+        QCOMPARE(with.progress.steps().last(), Steps::value_type(2, 3));
+        QCOMPARE(with.exchange.sent(), QStringList({"setadmindvar sv_hostname \"new\"", "say hello",
+                                                    "setadmindvar b \"2\"", "setadmindvar a \"3\""}));
+        QCOMPARE(with.server.dvarList().value("sv_hostname"), QString("new"));
+    }
+
+    void endsEarly_data()
+    {
+        QTest::addColumn<QString>("how");
+        QTest::addColumn<QStringList>("told");
+        QTest::newRow("Cancel, after the write in flight")
+            << "cancel"
+            << QStringList{"1 of 3 variables were written to the server. The others were left as they are."};
+        QTest::newRow("Disconnect, silently") << "disconnect" << QStringList{};
+        QTest::newRow("another connection, silently") << "connect" << QStringList{};
+        QTest::newRow("closing, silently") << "close" << QStringList{};
+    }
+    void endsEarly()
+    {
+        QFETCH(QString, how);
+        Loading with;
+        with.exchange.hold();
+        with.load("a \"1\"\nb \"2\"\nc \"3\"\n");
+        QTRY_COMPARE(with.exchange.keptCount(), 1);
+        if (how == "cancel")
+            with.progress.cancel();
+        else if (how == "disconnect")
+            with.server.disconnect();
+        else if (how == "connect")
+            emit with.server.connectionBegan();
+        else
+            with.actions.close();
+        if (how == "close")
+            with.server.cancelExchange();
+        else
+            with.exchange.release();
+        QVERIFY(with.settle() && !with.progress.isShown() && !with.loading.isUnderWay());
+        QCOMPARE(with.exchange.sent(), QStringList{"setadmindvar a \"1\""});
+        QTEST(with.alerts.texts(), "told");
+    }
+
+    void tellsWhatCannotBeLoaded()
+    {
+        Loading with;
+        QByteArray many;
+        for (int variable = 0; variable <= ConfigurationFile::mostEntries; ++variable)
+            many += QByteArray::number(variable) + " \"\"\n";
+        for (const QByteArray &content : {QByteArray("// nothing\n"), QByteArray("\0\1\0\0\2\3", 6), many}) {
+            with.load(content);
+            QVERIFY(with.settle() && !with.progress.isShown());
+            QVERIFY(!awaited(with.loading.compareFile(with.path, {}, {})).has_value());
+        }
+        QCOMPARE(with.alerts.titles(),
+                 QStringList({"Nothing to Load", "Nothing to Load"}) + QStringList(4, "Load Failed"));
+        QVERIFY(with.exchange.sent().isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(ConfigurationLoadingTest)
+#include "tst_configurationloading.moc"
