@@ -2,7 +2,6 @@
 #include "FormMainView.h"
 #include "Hands.h"
 #include "Journey.h"
-#include "RealPointer.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -17,16 +16,6 @@ private slots:
         AppDelegate application({folder.filePath(QStringLiteral("preferences.ini")), {}, folder.path()});
         Journey journey(application, {});
         QVERIFY2(journey.perform(), qPrintable(journey.failure()));
-    }
-
-    void dragsARow()
-    {
-        if (!RealPointer::isThere())
-            QSKIP("This platform has no pointer to drag a row with.");
-        const QTemporaryDir folder;
-        AppDelegate application({folder.filePath(QStringLiteral("preferences.ini")), {}, folder.path()});
-        Journey journey(application, {});
-        QVERIFY2(journey.performDragging(), qPrintable(journey.failure()));
     }
 
     void closesInTheMiddleOfAConnect()
