@@ -63,8 +63,8 @@ KelMessageRotation::KelMessageRotation(Surroundings surroundings, const QString 
       m_actions(surroundings.actions),
       m_timer(timer != nullptr ? std::move(timer) : std::make_unique<PreciseOneShotTimer>())
 {
-    connect(storedRows(), &QAbstractItemModel::rowsInserted, this, &KelMessageRotation::updateTransportButtons);
-    connect(storedRows(), &QAbstractItemModel::rowsRemoved, this, &KelMessageRotation::updateTransportButtons);
+    connect(tableModel(), &QAbstractItemModel::rowsInserted, this, &KelMessageRotation::updateTransportButtons);
+    connect(tableModel(), &QAbstractItemModel::rowsRemoved, this, &KelMessageRotation::updateTransportButtons);
 }
 
 QCoro::Task<> KelMessageRotation::addMessageToCurrentRotation(QString message, QString duration)

@@ -194,8 +194,6 @@ protected:
         m_table.setKeyHandlingDelegate([this] { deleteSelectedItems(); });
     }
 
-    /// Tells of rows that come and go, in whatever order they are shown.
-    const QAbstractItemModel *storedRows() const { return &m_table; }
     /// Nothing at first where a kind's store begins without a dictionary.
     const std::optional<Dictionary> &rotations() const { return m_rotations; }
     Dictionary dictionary() const { return m_rotations.value_or(Dictionary()); }
