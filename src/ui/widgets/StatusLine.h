@@ -21,9 +21,8 @@ public:
     void setProgress(int done, int total);
     void clearProgress();
 
-    QLabel *toolStripStatusLabelMain;
-
 private:
+    QLabel *toolStripStatusLabelMain;
     QProgressBar *m_busyIndicator;
     QTimer m_delay;
 };
