@@ -84,7 +84,9 @@ struct Desk : RotationFixture {
             error = servers.save({text, "10.0.0.1", "1", "p"}).error;
             isKept = servers.servers().last().label == text;
         } else if (file.endsWith("txt")) {
-            static_cast<void>(savePlayerList({PlayerRow{"1", text, {}, {}, {}, {}, {}}}, place, &error));
+            PlayerRow player;
+            player.name = text;
+            static_cast<void>(savePlayerList({player}, place, &error));
         } else if (file.endsWith("cfg")) {
             const QHash<QString, QString> dvars{{"playlist_excludeMap", text}};
             static_cast<void>(saveConfiguration({{}, {}, dvars}, place, &error));

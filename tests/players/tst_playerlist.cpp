@@ -12,10 +12,15 @@ Q_DECLARE_METATYPE(Value)
 
 static PlayerRow player(const QString &name, const QString &identifier = QStringLiteral("1"))
 {
-    return {identifier,          name,
-            QStringLiteral("g"), QStringLiteral("1.2.3.4:5"),
-            QStringLiteral("2"), QStringLiteral("0"),
-            QStringLiteral("48")};
+    PlayerRow row;
+    row.identifier = identifier;
+    row.name = name;
+    row.guid = QStringLiteral("g");
+    row.ipaddress = QStringLiteral("1.2.3.4:5");
+    row.team = QStringLiteral("2");
+    row.score = QStringLiteral("0");
+    row.ping = QStringLiteral("48");
+    return row;
 }
 
 /// Has a translation for every heading.

@@ -25,6 +25,7 @@ struct Window : WindowFixture {
         control<QPushButton>(view, "connectButton")->click();
     }
     QTabWidget *tabs() const { return control<QTabWidget>(view, "tabControlMain"); }
+    void bringToFront(const char *page) const { tabs()->setCurrentWidget(control<QWidget>(view, page)); }
     QString status() const { return control<QLabel>(view, "toolStripStatusLabelMain")->text(); }
 };
 
@@ -144,12 +145,12 @@ private slots:
         };
         QCOMPARE(labels(), "Players,Maps,Settings,Messages,Config Builder,Console");
         QCOMPARE(tabs->currentIndex(), 0);
-        tabs->setCurrentIndex(5);
+        window.bringToFront("consoleView");
         QTest::keyClicks(control<QLineEdit>(window.view, "consoleInput"), "playlist_enabled 1");
         QTest::keyClick(control<QLineEdit>(window.view, "consoleInput"), Qt::Key_Return);
         QVERIFY(window.settle());
         QCOMPARE(labels(), "Players,Playlists,Settings,Messages,Config Builder,Console");
-        QCOMPARE(tabs->currentIndex(), 5);
+        QCOMPARE(tabs->currentWidget()->objectName(), "consoleView");
         window.exchange.forgetSent();
         control<QPushButton>(window.view, "refreshPlayersButton")->click();
         QCOMPARE(window.sent(), QStringList()); // the players' tab is not in front
@@ -165,9 +166,9 @@ private slots:
         QList<int> selected;
         for (int visit = 0; visit < 3; ++visit) {
             table->selectionModel()->clear();
-            window.tabs()->setCurrentIndex(4);
+            window.bringToFront("configBuilderView");
             selected.append(static_cast<int>(table->selectionModel()->selectedRows().size()));
-            window.tabs()->setCurrentIndex(0);
+            window.bringToFront("playersView");
         }
         QCOMPARE(selected, QList<int>({0, all, 0}));
     }
@@ -203,7 +204,7 @@ private slots:
         window.view.show();
         window.connectByForm();
         QVERIFY(window.settle());
-        window.tabs()->setCurrentIndex(3);
+        window.bringToFront("messagesView");
         QVERIFY(QTest::qWaitForWindowActive(&window.view));
         auto *table = control<QTableView>(window.view, "messageRotationTableView");
         table->setFocus();
