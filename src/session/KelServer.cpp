@@ -1,8 +1,8 @@
 #include "KelServer.h"
 
 #include "QuotedStrings.h"
-
 #include "Secrets.h"
+
 #include <utility>
 
 static Reply notConnected()

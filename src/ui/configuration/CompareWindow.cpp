@@ -1,5 +1,6 @@
 #include "CompareWindow.h"
 
+#include "FilterField.h"
 #include "PlaceholderTable.h"
 
 #include <QCheckBox>
@@ -52,7 +53,7 @@ QList<ArrayController<Row>::Column> comparisonColumns()
 } // namespace
 
 CompareWindow::CompareWindow(ConfigurationComparison comparison, const QString &fileName, QWidget *parent)
-    : QDialog(parent, Qt::Sheet), comparisonFilterField(new QLineEdit(this)),
+    : QDialog(parent, Qt::Sheet), comparisonFilterField(new FilterField(tr("Filter variables"), this)),
       showEqualOnes(new QCheckBox(tr("Show equal ones"), this)), comparisonTableView(new PlaceholderTable(this)),
       comparisonController(new ComparisonRows(
           comparisonColumns(), [](const Row &row) { return row.dvar; }, this)),
@@ -75,9 +76,6 @@ CompareWindow::~CompareWindow() = default;
 void CompareWindow::nameControls()
 {
     comparisonFilterField->setObjectName(QStringLiteral("comparisonFilterField"));
-    comparisonFilterField->setAccessibleName(tr("Filter variables"));
-    comparisonFilterField->setPlaceholderText(tr("Filter variables"));
-    comparisonFilterField->setClearButtonEnabled(true);
     showEqualOnes->setObjectName(QStringLiteral("showEqualOnes"));
     comparisonTableView->setObjectName(QStringLiteral("comparisonTableView"));
     comparisonTableView->setAccessibleName(tr("Comparison"));

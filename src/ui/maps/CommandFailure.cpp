@@ -2,12 +2,10 @@
 
 #include <QCoreApplication>
 
-static QString tr(const char *text)
-{
-    return QCoreApplication::translate("CommandFailure", text);
-}
-
 QCoro::Task<int> tellOfFailure(Alerts &alerts, const QString &command, const QString &error)
 {
-    return alerts.run(tr("Remote Command Failure"), tr("'%1' returned an error: %2").arg(command, error));
+    const QString title = QCoreApplication::translate("CommandFailure", "Remote Command Failure");
+    const QString text =
+        QCoreApplication::translate("CommandFailure", "'%1' returned an error: %2").arg(command, error);
+    return alerts.run(title, text);
 }

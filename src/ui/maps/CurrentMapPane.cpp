@@ -9,6 +9,7 @@
 #include "KelServer.h"
 #include "Preferences.h"
 #include "RotationText.h"
+#include "TitleLabel.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -56,13 +57,6 @@ void CurrentMapPane::nameControls()
     autoupdateMapsInterval->setSuffix(tr(" s"));
     autoupdateMapsInterval->setValue(m_preferences.intValue(QStringLiteral("autoupdateMapsInterval"), 1, 86400));
     autoupdateMapsTimer->setObjectName(QStringLiteral("autoupdateMapsTimer"));
-}
-
-static QLabel *titleOf(const QString &text, QWidget *control)
-{
-    auto *label = new QLabel(text, control->parentWidget());
-    label->setBuddy(control);
-    return label;
 }
 
 void CurrentMapPane::layOut()

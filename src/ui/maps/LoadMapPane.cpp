@@ -8,6 +8,7 @@
 #include "KelGametype.h"
 #include "KelMapList.h"
 #include "KelServer.h"
+#include "TitleLabel.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -66,17 +67,13 @@ void LoadMapPane::nameControls()
 
 void LoadMapPane::layOut()
 {
-    auto *gametypeTitle = new QLabel(tr("Gametype"), this);
-    gametypeTitle->setBuddy(gametypePopUpButton);
-    auto *mapsTitle = new QLabel(tr("Maps"), this);
-    mapsTitle->setBuddy(mapListView);
     auto *gametype = new QHBoxLayout;
-    gametype->addWidget(gametypeTitle);
+    gametype->addWidget(titleOf(tr("Gametype"), gametypePopUpButton));
     gametype->addWidget(gametypePopUpButton, 1);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(gametype);
-    layout->addWidget(mapsTitle);
+    layout->addWidget(titleOf(tr("Maps"), mapListView));
     layout->addWidget(mapListView, 1);
     layout->addWidget(loadMapButton);
 }

@@ -24,7 +24,10 @@
 
 #include <optional>
 
-static const QString builderColumnsKey = QStringLiteral("window/rotationBuilder");
+static QString builderColumnsKey()
+{
+    return QStringLiteral("window/rotationBuilder");
+}
 
 // The Tab key goes through the panes in the order in which they are made: top to bottom, left to right.
 MapsView::MapsView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
@@ -109,13 +112,13 @@ void MapsView::willDisconnect()
 void MapsView::restoreLayout(const Preferences &preferences)
 {
     serverRotationPane->restoreLayout(preferences);
-    rotationPane->restoreColumns(preferences, builderColumnsKey);
+    rotationPane->restoreColumns(preferences, builderColumnsKey());
 }
 
 void MapsView::saveLayout(Preferences &preferences) const
 {
     serverRotationPane->saveLayout(preferences);
-    rotationPane->saveColumns(preferences, builderColumnsKey);
+    rotationPane->saveColumns(preferences, builderColumnsKey());
 }
 
 QCoro::Task<> MapsView::updateMapList(int flags)

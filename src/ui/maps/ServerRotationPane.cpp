@@ -7,6 +7,7 @@
 #include "KelMapList.h"
 #include "KelServer.h"
 #include "PlaceholderTable.h"
+#include "TitleLabel.h"
 
 #include <QHBoxLayout>
 #include <QHash>
@@ -19,7 +20,10 @@
 
 #include <utility>
 
-static const QString columnsKey = QStringLiteral("window/serverRotation");
+static QString columnsKey()
+{
+    return QStringLiteral("window/serverRotation");
+}
 
 static QList<ArrayController<RotationRow>::Column> rotationColumns()
 {
@@ -72,10 +76,8 @@ void ServerRotationPane::nameControls()
 
 void ServerRotationPane::layOut()
 {
-    auto *titleLabel = new QLabel(tr("Server rotation"), this);
-    titleLabel->setBuddy(mapServerRotationTableView);
     auto *title = new QHBoxLayout;
-    title->addWidget(titleLabel, 1);
+    title->addWidget(titleOf(tr("Server rotation"), mapServerRotationTableView), 1);
     title->addWidget(copyToBuilderButton);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -91,12 +93,12 @@ void ServerRotationPane::fillMenu(QMenu &menu)
 
 void ServerRotationPane::restoreLayout(const Preferences &preferences)
 {
-    restoreColumns(preferences, columnsKey, *mapServerRotationTableView->horizontalHeader());
+    restoreColumns(preferences, columnsKey(), *mapServerRotationTableView->horizontalHeader());
 }
 
 void ServerRotationPane::saveLayout(Preferences &preferences) const
 {
-    saveColumns(preferences, columnsKey, *mapServerRotationTableView->horizontalHeader());
+    saveColumns(preferences, columnsKey(), *mapServerRotationTableView->horizontalHeader());
 }
 
 void ServerRotationPane::clear()

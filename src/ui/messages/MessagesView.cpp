@@ -20,8 +20,15 @@
 
 #include <chrono>
 
-static const QString columnsKey = QStringLiteral("window/messages");
-static const QString loopKey = QStringLiteral("checkBoxLoopMessages");
+static QString columnsKey()
+{
+    return QStringLiteral("window/messages");
+}
+
+static QString loopKey()
+{
+    return QStringLiteral("checkBoxLoopMessages");
+}
 
 // The Tab key goes through the controls in the order in which they are made.
 MessagesView::MessagesView(KelMessageRotation &messages, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
@@ -55,9 +62,9 @@ void MessagesView::nameControls()
     buttonStartMessageRotation->setObjectName(QStringLiteral("buttonStartMessageRotation"));
     buttonStartMessageRotation->setToolTip(tr("Send the messages one after another, from the first"));
     buttonStopMessageRotation->setObjectName(QStringLiteral("buttonStopMessageRotation"));
-    checkBoxLoopMessages->setObjectName(loopKey);
+    checkBoxLoopMessages->setObjectName(loopKey());
     checkBoxLoopMessages->setToolTip(tr("Begin again after the last message"));
-    checkBoxLoopMessages->setChecked(m_preferences.boolValue(loopKey));
+    checkBoxLoopMessages->setChecked(m_preferences.boolValue(loopKey()));
     onAirLabel->setObjectName(QStringLiteral("onAirLabel"));
     onAirLabel->setTextFormat(Qt::PlainText);
     quickMessageTextField->setAccessibleName(tr("Quick message"));
@@ -102,7 +109,7 @@ void MessagesView::connectControls()
     connect(buttonStartMessageRotation, &QPushButton::clicked, this, &MessagesView::startMessageRotationButtonPressed);
     connect(buttonStopMessageRotation, &QPushButton::clicked, this, &MessagesView::stopMessageRotationButtonPressed);
     connect(checkBoxLoopMessages, &QCheckBox::toggled, this,
-            [this](bool isOn) { m_preferences.setValue(loopKey, isOn); });
+            [this](bool isOn) { m_preferences.setValue(loopKey(), isOn); });
     connect(quickMessageButton, &QPushButton::clicked, this, &MessagesView::quickMessageButtonPressed);
     connect(quickMessageTextField, &QLineEdit::returnPressed, this, &MessagesView::quickMessageButtonPressed);
     connect(quickMessageTextField, &QLineEdit::textChanged, this, &MessagesView::quickMessageDidChange);
@@ -135,12 +142,12 @@ PageDocument *MessagesView::document()
 
 void MessagesView::restoreLayout(const Preferences &preferences)
 {
-    rotationPane->restoreColumns(preferences, columnsKey);
+    rotationPane->restoreColumns(preferences, columnsKey());
 }
 
 void MessagesView::saveLayout(Preferences &preferences) const
 {
-    rotationPane->saveColumns(preferences, columnsKey);
+    rotationPane->saveColumns(preferences, columnsKey());
 }
 
 void MessagesView::addMessageToRotationMenuItemClicked()

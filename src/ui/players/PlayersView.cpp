@@ -4,6 +4,7 @@
 #include "Alerts.h"
 #include "ButtonAction.h"
 #include "ColumnLayout.h"
+#include "FilterField.h"
 #include "KelServer.h"
 #include "PlaceholderTable.h"
 #include "PlayerColumns.h"
@@ -33,7 +34,7 @@ PlayersView::PlayersView(KelServer &server, ActionQueue &actions, Alerts &alerts
       messagePlayerButton(new QPushButton(tr("Message…"), this)), kickAllButton(new QPushButton(tr("Kick All…"), this)),
       savePlayerListButton(new QPushButton(tr("Save List…"), this)),
       autoUpdatePlayers(new QCheckBox(tr("Refresh every"), this)), autoUpdatePlayersTime(new QSpinBox(this)),
-      playerFilterField(new QLineEdit(this)), playersTableView(new PlaceholderTable(this)),
+      playerFilterField(new FilterField(tr("Filter players"), this)), playersTableView(new PlaceholderTable(this)),
       playersController(new ArrayController<PlayerRow>(playerTableColumns(), playerKey, this)),
       playerSendMessagePanel(new PlayerSendMessage(this)), autoupdatePlayerTimer(new QTimer(this)), m_server(server),
       m_actions(actions), m_alerts(alerts), m_preferences(preferences),
@@ -66,9 +67,6 @@ void PlayersView::setUpControls()
     autoUpdatePlayersTime->setValue(m_preferences.intValue(QStringLiteral("autoUpdatePlayersTime"), 1, 86400));
     autoupdatePlayerTimer->setObjectName(QStringLiteral("autoupdatePlayerTimer"));
     playerFilterField->setObjectName(QStringLiteral("playerFilterField"));
-    playerFilterField->setAccessibleName(tr("Filter players"));
-    playerFilterField->setPlaceholderText(tr("Filter players"));
-    playerFilterField->setClearButtonEnabled(true);
     playerFilterField->setMinimumWidth(220);
 }
 

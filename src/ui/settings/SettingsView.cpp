@@ -4,6 +4,7 @@
 #include "DvarSettingList.h"
 #include "DvarSettingOutlineView.h"
 #include "EmptyHint.h"
+#include "FilterField.h"
 #include "KelGametype.h"
 #include "KelServer.h"
 #include "KelSettings.h"
@@ -47,9 +48,9 @@ private:
 
 SettingsView::SettingsView(Mode mode, KelServer &server, ActionQueue &actions, KelSettings &settings,
                            KelGametype &gametypes, QWidget *parent)
-    : TabPage(parent), m_mode(mode), settingsGroupList(new QListWidget(this)), settingsFilterField(new QLineEdit(this)),
-      m_server(server), m_actions(actions), m_settings(settings), m_gametypes(gametypes),
-      m_settingsOutline(new SettingsOutlineModel(server, this))
+    : TabPage(parent), m_mode(mode), settingsGroupList(new QListWidget(this)),
+      settingsFilterField(new FilterField(tr("Filter settings"), this)), m_server(server), m_actions(actions),
+      m_settings(settings), m_gametypes(gametypes), m_settingsOutline(new SettingsOutlineModel(server, this))
 {
     settingsOutlineView = new DvarSettingOutlineView(*m_settingsOutline, this);
     if (m_mode == Mode::Unranked) {
@@ -76,9 +77,6 @@ void SettingsView::layOut()
     settingsGroupList->setObjectName(QStringLiteral("settingsGroupList"));
     settingsGroupList->setAccessibleName(tr("Settings group"));
     settingsFilterField->setObjectName(QStringLiteral("settingsFilterField"));
-    settingsFilterField->setAccessibleName(tr("Filter settings"));
-    settingsFilterField->setPlaceholderText(tr("Filter settings"));
-    settingsFilterField->setClearButtonEnabled(true);
     settingsFilterField->setMinimumWidth(220);
     settingsOutlineView->setObjectName(m_mode == Mode::Ranked ? QStringLiteral("rankedOutlineView")
                                                               : QStringLiteral("unrankedOutlineView"));

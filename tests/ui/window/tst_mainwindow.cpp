@@ -2,6 +2,8 @@
 #include "ServersView.h"
 #include "WindowFixture.h"
 
+#include <QAbstractButton>
+#include <QAccessible>
 #include <QHeaderView>
 #include <QInputDialog>
 #include <QLabel>
@@ -131,6 +133,20 @@ private slots:
                 panes.append(pane);
         }
         QCOMPARE(panes, QStringList({"tabs", "page", "servers"}));
+    }
+
+    void whatCanBePressedHasANameForAScreenReader()
+    {
+        const Window window;
+        QStringList nameless;
+        for (QAbstractButton *button : window.view.findChildren<QAbstractButton *>()) {
+            const QAccessibleInterface *spoken = QAccessible::queryAccessibleInterface(button);
+            const bool isQtsOwn = button->inherits("QTableCornerButton") || button->parent()->inherits("QTabBar") ||
+                                  button->parent()->inherits("QMenuBar");
+            if (!isQtsOwn && (spoken == nullptr || spoken->text(QAccessible::Name).isEmpty()))
+                nameless.append(button->parent()->objectName() + u'/' + button->metaObject()->className());
+        }
+        QCOMPARE(nameless.join(u' '), QString());
     }
 
     void theTabsFollowTheModeAndTheConsoleStaysInFront()
