@@ -109,7 +109,7 @@ private slots:
     void noDragBegins()
     {
         QFETCH(std::function<void(ShownLetters<Letter> &)>, before);
-        ShownLetters<Letter> shown(QStringLiteral("XXXX"));
+        ShownLetters<Letter> shown(QString(4, u'X'));
         before(shown);
         QVERIFY(startDrag(shown, 1) == nullptr);
         shown.rows.choose({1});
