@@ -309,7 +309,7 @@ static void measureExchanges(AppDelegate &delegate, const QTemporaryDir &folder,
 class SilentAlerts final : public Alerts
 {
 public:
-    QCoro::Task<int> run(QString title, QString text, QStringList buttons) override
+    QCoro::Task<int> run(QString title, QString text, QStringList buttons, AlertManner) override
     {
         std::fprintf(stderr, "alert: %s: %s\n", qPrintable(title), qPrintable(text));
         co_return static_cast<int>(buttons.size()) - 1;

@@ -75,7 +75,7 @@ private:
 class FatalAlerts final : public Alerts
 {
 public:
-    QCoro::Task<int> run(QString title, QString text, QStringList) override
+    QCoro::Task<int> run(QString title, QString text, QStringList, AlertManner) override
     {
         qFatal("%s: %s", qPrintable(title), qPrintable(text));
         co_return 0;

@@ -6,7 +6,7 @@
 class QuietAlerts final : public Alerts
 {
 public:
-    QCoro::Task<int> run(QString, QString, QStringList) override
+    QCoro::Task<int> run(QString, QString, QStringList, AlertManner) override
     {
         ++m_count;
         co_return 0;

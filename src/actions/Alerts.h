@@ -4,6 +4,12 @@
 
 #include <QStringList>
 
+/// How an alert meets the user.
+struct AlertManner {
+    int defaultButton = 0;   ///< the button that Return presses
+    bool isGoodNews = false; ///< nothing went wrong: no warning sign
+};
+
 /// Asks or tells the user something and waits for the answer. Main thread only.
 class Alerts
 {
@@ -14,7 +20,7 @@ public:
     Alerts &operator=(const Alerts &) = delete;
 
     /// Shows `title` with `text` below it and resumes when a button was pressed.
-    /// @param buttons  from the default one on; an empty list means one "OK".
+    /// @param buttons  the last one is what Escape presses; an empty list means one "OK".
     /// @return the index of the pressed button; dismissing the alert counts as pressing the last one.
-    virtual QCoro::Task<int> run(QString title, QString text, QStringList buttons = {}) = 0;
+    virtual QCoro::Task<int> run(QString title, QString text, QStringList buttons = {}, AlertManner manner = {}) = 0;
 };

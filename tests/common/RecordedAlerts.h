@@ -23,8 +23,9 @@ public:
         bool operator==(const Shown &) const = default;
     };
 
-    QCoro::Task<int> run(QString title, QString text, QStringList buttons = {}) override
+    QCoro::Task<int> run(QString title, QString text, QStringList buttons = {}, AlertManner manner = {}) override
     {
+        m_manners.append(manner);
         m_shown.append(Shown{title, text, buttons});
         QPromise<int> promise;
         promise.start();
@@ -48,6 +49,8 @@ public:
     }
 
     QList<Shown> shown() const { return m_shown; }
+    /// How the alert of the same place in shown() was meant.
+    QList<AlertManner> manners() const { return m_manners; }
     QStringList titles() const
     {
         QStringList list;
@@ -71,6 +74,7 @@ private:
     }
 
     QList<Shown> m_shown;
+    QList<AlertManner> m_manners;
     std::deque<QPromise<int>> m_open;
     int m_answer = 0;
     bool m_isHeld = false;

@@ -34,7 +34,34 @@ static int widthFor(const QString &text, const QFontMetrics &metrics)
     return std::min(width, metrics.averageCharWidth() * 100);
 }
 
-static QMessageBox *makeBox(const QString &title, const QString &text, const QStringList &buttons, QWidget *window)
+/// The texts of the buttons, each with a letter of its own to press it by.
+static QStringList withMnemonics(const QStringList &texts)
+{
+    QString taken;
+    QStringList marked;
+    for (QString text : texts) {
+        text.replace(QLatin1Char('&'), QLatin1String("&&"));
+        qsizetype place = 0;
+        while (place < text.size() &&
+               (!text.at(place).isLetterOrNumber() || taken.contains(text.at(place), Qt::CaseInsensitive)))
+            ++place;
+        if (place < text.size()) {
+            taken += text.at(place);
+            text.insert(place, QLatin1Char('&'));
+        }
+        marked.append(text);
+    }
+    return marked;
+}
+
+static QMessageBox::Icon iconFor(const QStringList &buttons, const AlertManner &manner)
+{
+    if (buttons.size() > 1)
+        return QMessageBox::Question;
+    return manner.isGoodNews ? QMessageBox::Information : QMessageBox::Warning;
+}
+
+static QMessageBox *makeBox(const QString &title, const QString &text, QMessageBox::Icon icon, QWidget *window)
 {
     auto *box = new QMessageBox(window);
     box->setObjectName(QStringLiteral("alert"));
@@ -42,7 +69,7 @@ static QMessageBox *makeBox(const QString &title, const QString &text, const QSt
     box->setWindowFlag(Qt::Sheet);
     box->setWindowModality(Qt::WindowModal);
     box->setWindowTitle(title);
-    box->setIcon(buttons.size() > 1 ? QMessageBox::Question : QMessageBox::Warning);
+    box->setIcon(icon);
     // The texts quote servers and files: none of it may be taken for markup.
     box->setTextFormat(Qt::PlainText);
     box->setText(title);
@@ -70,17 +97,18 @@ static QWidget *frontOf(QWidget *window)
     return window;
 }
 
-QCoro::Task<int> SheetAlerts::run(QString title, QString text, QStringList buttons)
+QCoro::Task<int> SheetAlerts::run(QString title, QString text, QStringList buttons, AlertManner manner)
 {
     if (buttons.isEmpty())
         buttons.append(QMessageBox::tr("OK"));
-    QMessageBox *box = makeBox(title, text, buttons, frontOf(m_window));
+    QMessageBox *box = makeBox(title, text, iconFor(buttons, manner), frontOf(m_window));
+    const QStringList texts = withMnemonics(buttons);
     const auto pressed = std::make_shared<int>(static_cast<int>(buttons.size()) - 1);
     QAbstractButton *last = nullptr;
     for (int i = 0; i < buttons.size(); ++i) {
-        QPushButton *button = box->addButton(buttons.at(i), i == 0 ? QMessageBox::AcceptRole : QMessageBox::RejectRole);
+        QPushButton *button = box->addButton(texts.at(i), i == 0 ? QMessageBox::AcceptRole : QMessageBox::RejectRole);
         QObject::connect(button, &QPushButton::clicked, box, [pressed, i] { *pressed = i; });
-        if (i == 0)
+        if (i == manner.defaultButton)
             box->setDefaultButton(button);
         last = button;
     }

@@ -12,7 +12,7 @@ public:
     /// The window to which later alerts belong; null while there is none.
     void setWindow(QWidget *window) { m_window = window; }
 
-    QCoro::Task<int> run(QString title, QString text, QStringList buttons = {}) override;
+    QCoro::Task<int> run(QString title, QString text, QStringList buttons = {}, AlertManner manner = {}) override;
 
 private:
     QPointer<QWidget> m_window;

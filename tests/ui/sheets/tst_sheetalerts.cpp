@@ -46,6 +46,40 @@ private slots:
         QTest::keyClick(box, Qt::Key_Escape);
         QCOMPARE(awaited(std::move(asking)), 1); // dismissing is the last button
     }
+
+    void buttonsArePressedByKeys_data()
+    {
+        QTest::addColumn<QStringList>("buttons");
+        QTest::addColumn<int>("defaultButton");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        QTest::addColumn<int>("pressed");
+        const auto row = [](const char *name, const QStringList &buttons, int defaultButton, int key, int pressed,
+                            int modifiers = Qt::NoModifier) {
+            QTest::newRow(name) << buttons << defaultButton << key << modifiers << pressed;
+        };
+        const QStringList three{"Save & Go", "Stay", "Cancel"};
+        row("Return, the first by default", three, 0, Qt::Key_Return, 0);
+        row("Return, another default", three, 1, Qt::Key_Return, 1);
+        row("first letter", three, 0, Qt::Key_C, 2, Qt::AltModifier);
+        row("second letter, as the first is taken", three, 0, Qt::Key_T, 1, Qt::AltModifier);
+    }
+    void buttonsArePressedByKeys()
+    {
+        QFETCH(QStringList, buttons);
+        QFETCH(int, defaultButton);
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        QWidget window;
+        window.show();
+        SheetAlerts alerts;
+        alerts.setWindow(&window);
+        QCoro::Task<int> asking = alerts.run("Title", "text", buttons, AlertManner{defaultButton, false});
+        auto *box = window.findChild<QMessageBox *>("alert");
+        QVERIFY(box != nullptr && QTest::qWaitForWindowActive(box));
+        QTest::keyClick(box, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+        QTEST(awaited(std::move(asking)), "pressed");
+    }
 };
 
 QTEST_MAIN(SheetAlertsTest)
