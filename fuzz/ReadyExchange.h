@@ -12,7 +12,7 @@ class ReadyExchange final : public Exchange
 public:
     explicit ReadyExchange(QStringList replies = {}) : m_replies(std::move(replies)) {}
 
-    QCoro::Task<Reply> send(Request) override
+    QCoro::Task<Reply> send(Request, Arrived) override
     {
         const Reply reply{RConResultSuccess, m_replies.value(m_next++), false};
         co_return reply;

@@ -1,104 +1,98 @@
 #include "Fuzzing.h"
 
 #include "DatagramPacket.h"
-
-#include <sys/socket.h>
-#include <sys/types.h>
+#include "RCon.h"
+#include "TrafficLog.h"
 
 #include <array>
+#include <chrono>
+
+using namespace std::chrono_literals;
 
 namespace
 {
 
-/// A packet whose server is this program: what is sent here, it receives.
-class Loop
+constexpr Endpoint server{0x7f000001, 50960};
+constexpr Endpoint stranger{0xcb007101, 50960};
+
+constexpr std::array commands{"status all", "sv_x", "dvardump", "setadmindvar a \"1\""};
+
+/// What holds at every moment of an exchange, whatever comes.
+class Watched
 {
 public:
-    Loop() : m_packet(DatagramPacket::initWithHost(QStringLiteral("127.0.0.1"), 1))
+    explicit Watched(const RCon::Task &task)
+        : m_log(QStringLiteral("h"), 1, TrafficLog::Kind::Send), m_machine(task, m_log)
     {
-        std::array<int, 2> ends{};
-        require(::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends.data()) == 0, "there are sockets");
-        m_packet->setSocket(ends[0]);
-        m_server = ends[1];
+        take(m_machine.start(m_now));
     }
 
-    void send(const QByteArray &datagram) const
+    void receive(QByteArrayView datagram, bool isFromStranger)
     {
-        const ssize_t sent =
-            ::send(m_server, datagram.constData(), static_cast<std::size_t>(datagram.size()), MSG_DONTWAIT);
-        require(sent == datagram.size(), "a socket takes a few datagrams");
+        const bool wasFinished = m_machine.isFinished();
+        if (wasFinished)
+            static_cast<void>(m_machine.takeLate(datagram, isFromStranger ? stranger : server));
+        take(m_machine.received(datagram, isFromStranger ? stranger : server, m_now));
+        require(!isFromStranger || wasFinished == m_machine.isFinished(), "a stranger ends nothing");
     }
-
-    void drain() const
+    void pass(std::chrono::milliseconds time)
     {
-        char byte = 0;
-        while (::recv(m_packet->socket(), &byte, 1, MSG_DONTWAIT) >= 0) {
-        }
+        m_now += time;
+        take(m_machine.elapsed(m_now));
     }
-
-    DatagramPacket &packet() const { return *m_packet; }
+    void finish()
+    {
+        for (int i = 0; i < 4 && !m_machine.isFinished(); ++i)
+            pass(3s);
+        require(m_machine.isFinished(), "an exchange with a silent server ends");
+        const RCon::Outcome &outcome = m_machine.outcome();
+        require(outcome.sends >= 1 && outcome.sends <= 3, "a request is sent one to three times");
+        if (outcome.result == RConResultSuccess)
+            require(outcome.text == m_streamed, "the reply is what was streamed");
+        else
+            require(outcome.text == RCon::resultStr(outcome.result), "a failure tells its result");
+    }
 
 private:
-    std::unique_ptr<DatagramPacket> m_packet;
-    int m_server = -1;
-};
+    void take(const RCon::Step &step)
+    {
+        require(!m_hasEnded || (step.kind == RCon::Step::Kind::Finished && step.text.isEmpty()),
+                "nothing follows the end");
+        require(step.kind == RCon::Step::Kind::Finished || step.until > m_now, "there is something to wait for");
+        m_hasEnded = m_machine.isFinished();
+        m_streamed += step.text;
+    }
 
-struct Outcome {
-    RConResult result = RConResultNullReply;
-    QString text;
-    quint32 count = 0;
-
-    bool operator==(const Outcome &) const = default;
+    TrafficLog m_log;
+    RCon m_machine;
+    RCon::TimePoint m_now{1000s};
+    QString m_streamed;
+    bool m_hasEnded = false;
 };
 
 } // namespace
 
-static constexpr QLatin1String before("before");
-
-/// What the datagrams come to, one after the other; the last one is empty.
-static Outcome expected(const QList<QByteArray> &datagrams)
-{
-    constexpr qsizetype largest = 1500;
-    Outcome outcome{RConResultNullReply, QStringLiteral("The server replied with an empty packet."), 0};
-    QString gathered;
-    for (const QByteArray &datagram : datagrams) {
-        if (datagram.isEmpty())
-            break;
-        QString text = outcome.count == 0 ? QString(before) : QString();
-        const QByteArray cut = datagram.left(largest);
-        outcome.result = DatagramPacket::getString(&text, cut.constData(), static_cast<std::size_t>(cut.size()));
-        if (outcome.result != RConResultSuccess)
-            return {outcome.result, text, 0};
-        outcome.text = gathered += text;
-        ++outcome.count;
-    }
-    return outcome;
-}
-
-static Outcome received(const Loop &loop, const QList<QByteArray> &datagrams, const std::stop_token &stop)
-{
-    for (const QByteArray &datagram : datagrams)
-        loop.send(datagram);
-    Outcome outcome{RConResultSuccess, before, 0};
-    outcome.result = loop.packet().receiveMulti(&outcome.text, &outcome.count, stop);
-    loop.drain();
-    return outcome;
-}
-
-/// The input is a row of datagrams with the byte 0xfe between them.
+/// The input is a byte for what is asked, then pieces with the byte 0xfe between them. A piece is a byte for who speaks
+/// and how much later, and a datagram; one without a datagram lets time pass.
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    constexpr qsizetype mostDatagrams = 16;
-    static const Loop loop;
-    QList<QByteArray> datagrams = fuzzedBytes(data, size).split('\xfe').mid(0, mostDatagrams);
-    datagrams.append(QByteArray()); // otherwise silence, which takes its time, would end the reply
-    const Outcome outcome = expected(datagrams);
-    require(received(loop, datagrams, {}) == outcome, "a reply is the texts of its datagrams");
-
-    std::stop_source stop;
-    stop.request_stop();
-    const Outcome stopped = received(loop, datagrams.mid(0, 1), stop.get_token());
-    if (outcome.result == RConResultSuccess)
-        require(stopped.result == RConResultError && stopped.count == 0, "a reply that is called off is an error");
+    if (size == 0)
+        return 0;
+    RCon::Task task;
+    task.server = server;
+    task.command = QString::fromLatin1(commands.at(data[0] % commands.size()));
+    task.isSingle = (data[0] & 0x40) != 0;
+    task.isBackground = (data[0] & 0x80) != 0;
+    task.end = ReplyEnd(task.command);
+    Watched watched(task);
+    for (const QByteArray &piece : fuzzedBytes(data + 1, size - 1).split('\xfe').mid(0, 64)) {
+        if (piece.isEmpty())
+            continue;
+        const auto head = static_cast<unsigned char>(piece.front());
+        watched.pass(std::chrono::milliseconds((head & 0x1f) * 37));
+        if (piece.size() > 1)
+            watched.receive(QByteArrayView(piece).sliced(1), (head & 0x80) != 0);
+    }
+    watched.finish();
     return 0;
 }

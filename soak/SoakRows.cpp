@@ -6,8 +6,9 @@
 #include "GameServers.h"
 #include "Hands.h"
 #include "PlayerList.h"
-#include "RCon.h"
+#include "RConExchange.h"
 #include "SettingsOutlineModel.h"
+#include "Wait.h"
 
 #include <QLineEdit>
 #include <QListWidget>
@@ -55,13 +56,17 @@ static QString joined(const PlayerRow &player)
 
 QString Soak::playersFault()
 {
-    QString reply;
-    const RConResult result = RCon::sendTo(QStringLiteral("127.0.0.1"), m_servers.port(serverInUse()),
-                                           GameServers::password(), QStringLiteral("teamstatus"), &reply);
-    if (result != RConResultSuccess)
-        return QStringLiteral("the server does not tell its players: %1").arg(reply);
+    RConExchange exchange;
+    Request request;
+    request.host = QStringLiteral("127.0.0.1");
+    request.port = m_servers.port(serverInUse());
+    request.password = GameServers::password();
+    request.command = QStringLiteral("teamstatus");
+    const Reply reply = awaited(exchange.send(request));
+    if (!reply.isSuccess())
+        return QStringLiteral("the server does not tell its players: %1").arg(reply.text);
     QStringList expected;
-    for (const PlayerRow &player : parsePlayerList(reply))
+    for (const PlayerRow &player : parsePlayerList(reply.text))
         expected.append(joined(player));
     const QWidget &view = m_hand.page("playersView");
     Hands::type(view, "playerFilterField", {});

@@ -6,18 +6,20 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <array>
-#include <chrono>
-#include <condition_variable>
-#include <mutex>
+#include <utility>
 
 using std::chrono::milliseconds;
 
 namespace
 {
 
-/// What each attempt waits between its send and its read: a server that was too busy to answer gets more time.
-constexpr std::array<milliseconds, 3> pauses{milliseconds(0), milliseconds(500), milliseconds(750)};
+constexpr unsigned mostSends = 3;
+/// How long each send is waited for: a server that was too busy to answer gets more time.
+constexpr std::array<milliseconds, mostSends> waits{milliseconds(500), milliseconds(1250), milliseconds(1500)};
+/// The silence that ends a reply, by the send that it answers.
+constexpr std::array<milliseconds, mostSends> silences{milliseconds(500), milliseconds(750), milliseconds(750)};
 
 constexpr std::array<const char *, 6> resultTexts{
     QT_TRANSLATE_NOOP("RCon", "RConResultSuccess"),
@@ -31,91 +33,150 @@ constexpr std::array<const char *, 6> resultTexts{
     QT_TRANSLATE_NOOP("RCon", "RConResultError"),
 };
 
-void pauseUnlessStopped(milliseconds duration, const std::stop_token &stop)
+RConResult textOf(QByteArrayView datagram, QString *text)
 {
-    if (duration == milliseconds::zero())
-        return;
-    std::mutex mutex;
-    std::condition_variable_any stopped;
-    std::unique_lock lock(mutex);
-    static_cast<void>(stopped.wait_for(lock, stop, duration, [] { return false; }));
-}
-
-/// One exchange over an open packet: its attempts, reads and log lines.
-class Attempts
-{
-public:
-    Attempts(DatagramPacket &packet, TrafficLog &log, TrafficLog::Kind kind)
-        : m_packet(packet), m_log(log), m_kind(kind)
-    {
-    }
-
-    RConResult run(const QString &password, const QString &command, QString *reply, const std::stop_token &stop)
-    {
-        Wiped<QString> request(password + u' ' + command);
-        RConResult result = RConResultTimeout;
-        for (unsigned attempt = 1; attempt <= pauses.size() && result == RConResultTimeout; ++attempt) {
-            if (stop.stop_requested())
-                return RConResultError;
-            m_log.writeSend(attempt, command);
-            // A failed send is in the system log, and the read that follows says how the attempt ended.
-            static_cast<void>(m_packet.send(*request));
-            pauseUnlessStopped(pauses[attempt - 1], stop);
-            if (stop.stop_requested())
-                return RConResultError;
-            result = read(reply, stop);
-            if (stop.stop_requested())
-                return RConResultError;
-            m_log.writeResult(attempt, QString::fromLatin1(resultTexts[result]), m_packets);
-        }
-        return result;
-    }
-
-private:
-    RConResult read(QString *reply, const std::stop_token &stop)
-    {
-        if (m_kind == TrafficLog::Kind::SendSingle)
-            return m_packet.receive(reply);
-        return m_packet.receiveMulti(reply, &m_packets, stop);
-    }
-
-    DatagramPacket &m_packet;
-    TrafficLog &m_log;
-    TrafficLog::Kind m_kind;
-    quint32 m_packets = 0;
-};
-
-RConResult exchange(TrafficLog::Kind kind, const QString &host, int port, const QString &password,
-                    const QString &command, QString *reply, const std::stop_token &stop)
-{
-    QString unwanted;
-    QString &text = reply ? *reply : unwanted;
-    text = QStringLiteral("No additional information");
-    TrafficLog log(host, port, kind);
-    DatagramPacketError error;
-    const auto packet = DatagramPacket::initWithHost(host, static_cast<quint16>(port), &error);
-    if (!packet) {
-        text = error.localizedDescription;
-        return RConResultError;
-    }
-    const RConResult result = Attempts(*packet, log, kind).run(password, command, &text, stop);
-    if (result != RConResultSuccess)
-        text = RCon::resultStr(result);
-    return result;
+    return DatagramPacket::getString(text, datagram.data(), static_cast<std::size_t>(datagram.size()));
 }
 
 } // namespace
 
-RConResult RCon::sendTo(const QString &host, int port, const QString &password, const QString &command, QString *reply,
-                        const std::stop_token &stop)
+RCon::RCon(Task task, TrafficLog &log) : m_task(std::move(task)), m_log(log) {}
+
+RCon::~RCon()
 {
-    return exchange(TrafficLog::Kind::Send, host, port, password, command, reply, stop);
+    wipe(m_outcome.text); // a list of all variables has the password among them
 }
 
-RConResult RCon::sendSingleTo(const QString &host, int port, const QString &password, const QString &command,
-                              QString *reply, const std::stop_token &stop)
+RCon::Step RCon::start(TimePoint now)
 {
-    return exchange(TrafficLog::Kind::SendSingle, host, port, password, command, reply, stop);
+    m_firstSend = now;
+    return send(now);
+}
+
+RCon::Step RCon::send(TimePoint now)
+{
+    m_log.writeSend(++m_outcome.sends, m_task.command);
+    m_until = now + std::max(waits.at(m_outcome.sends - 1), m_task.firstWait);
+    return Step{Step::Kind::Send, m_until, {}};
+}
+
+RCon::Step RCon::wait(QString text) const
+{
+    return Step{Step::Kind::Wait, m_until, std::move(text)};
+}
+
+RCon::Step RCon::elapsed(TimePoint now)
+{
+    if (m_isFinished)
+        return Step{};
+    if (now < m_until)
+        return wait();
+    if (m_outcome.datagrams > 0)
+        return finish(RConResultSuccess);
+    const unsigned most = m_task.isBackground ? 1 : mostSends;
+    if (m_outcome.sends == most)
+        return finish(RConResultTimeout);
+    m_log.writeResult(m_outcome.sends, QString::fromLatin1(resultTexts[RConResultTimeout]), 0);
+    return send(now);
+}
+
+RCon::Step RCon::failed()
+{
+    return m_isFinished ? Step{} : finish(RConResultError);
+}
+
+RCon::Step RCon::received(QByteArrayView datagram, const Endpoint &from, TimePoint now)
+{
+    if (m_isFinished)
+        return Step{};
+    // Another port of the same machine is taken: a router on the way may translate it.
+    if (from.address != m_task.server.address) {
+        noteStranger(datagram, from);
+        return wait();
+    }
+    if (datagram.isEmpty())
+        return finish(m_outcome.datagrams == 0 ? RConResultNullReply : RConResultSuccess);
+    if (!m_outcome.firstAnswerAfter)
+        m_outcome.firstAnswerAfter = now - m_firstSend;
+    QString text;
+    const RConResult result = textOf(datagram, &text);
+    if (result != RConResultSuccess)
+        return finish(result);
+    // A server that never falls silent must not fill the memory.
+    if (m_outcome.datagrams == mostDatagrams || m_outcome.text.size() + text.size() > mostCharacters)
+        return finish(RConResultError);
+    noteSeen(datagram);
+    return gather(std::move(text), now);
+}
+
+RCon::Step RCon::gather(QString text, TimePoint now)
+{
+    ++m_outcome.datagrams;
+    appendWithoutTrace(m_outcome.text, text);
+    m_until = now + silences.at(m_outcome.sends - 1);
+    const bool isFirst = m_outcome.datagrams == 1;
+    // What answers a write with nothing has answered with nothing only if that is the first that came.
+    const bool mayEnd = m_task.end.kind() != ReplyEnd::Kind::EmptyWrite || isFirst;
+    m_outcome.isEndKnown = !m_task.isSingle && mayEnd && m_task.end.isWhole(m_outcome.text);
+    if (!m_task.isSingle && !m_outcome.isEndKnown)
+        return wait(std::move(text));
+    Step step = finish(RConResultSuccess);
+    step.text = std::move(text);
+    return step;
+}
+
+RCon::Step RCon::finish(RConResult result)
+{
+    const bool isSuccess = result == RConResultSuccess;
+    m_isFinished = true;
+    m_outcome.result = result;
+    m_log.writeResult(m_outcome.sends, QString::fromLatin1(resultTexts[result]), isSuccess ? m_outcome.datagrams : 0);
+    if (m_outcome.isEndKnown)
+        m_log.writeKnownEnd(m_outcome.sends);
+    if (!isSuccess) {
+        wipe(m_outcome.text);
+        m_outcome.text = resultStr(result);
+    }
+    return Step{};
+}
+
+QString RCon::takeLate(QByteArrayView datagram, const Endpoint &from)
+{
+    QString text;
+    if (from.address != m_task.server.address || textOf(datagram, &text) != RConResultSuccess)
+        return {};
+    const bool isKnown = m_seen.contains(qHash(datagram));
+    noteSeen(datagram);
+    m_log.writeLate(m_outcome.sends, datagram.size(), isKnown);
+    if (!isKnown)
+        return text;
+    wipe(text);
+    return {};
+}
+
+void RCon::noteStranger(QByteArrayView datagram, const Endpoint &from)
+{
+    ++m_outcome.strangers;
+    const RConResult validity =
+        DatagramPacket::validateDataPacket(datagram.data(), static_cast<std::size_t>(datagram.size()));
+    if (validity != RConResultInvalidPacket)
+        m_outcome.plausibleStranger = from;
+}
+
+void RCon::noteSeen(QByteArrayView datagram)
+{
+    const unsigned times = ++m_seen[qHash(datagram)];
+    // A server answers each send: only what comes once more was doubled on the way.
+    if (times > m_outcome.sends)
+        ++m_outcome.doubled;
+    // What came twice must not stand for what is missing.
+    if (times > 1 && m_task.end.kind() == ReplyEnd::Kind::Dump)
+        m_task.end.trustNothing();
+}
+
+QString RCon::takeText()
+{
+    return std::exchange(m_outcome.text, QString());
 }
 
 QString RCon::resultStr(RConResult result)

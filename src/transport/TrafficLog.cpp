@@ -86,3 +86,18 @@ void TrafficLog::writeResult(unsigned attempt, const QString &resultText, quint3
     writeFormat(file(), QStringLiteral("%1 (%2:%3)  Res(%4): %5%6\n"), now(), m_host, m_port, attempt, resultText,
                 tail);
 }
+
+void TrafficLog::writeKnownEnd(unsigned attempt)
+{
+    if (file())
+        writeFormat(file(), QStringLiteral("%1 (%2:%3)  End(%4): known\n"), now(), m_host, m_port, attempt);
+}
+
+void TrafficLog::writeLate(unsigned attempt, qsizetype bytes, bool isKnown)
+{
+    if (!file())
+        return;
+    const QString what = isKnown ? QStringLiteral("seen before") : QStringLiteral("new");
+    writeFormat(file(), QStringLiteral("%1 (%2:%3)  Late(%4): %5 bytes, %6\n"), now(), m_host, m_port, attempt, bytes,
+                what);
+}

@@ -18,6 +18,10 @@ public:
     void writeSend(unsigned attempt, const QString &command);
     /// @param packets  datagrams of the last gathered reply; not written for SendSingle.
     void writeResult(unsigned attempt, const QString &resultText, quint32 packets);
+    /// The reply ended before the silence that would have ended it.
+    void writeKnownEnd(unsigned attempt);
+    /// A datagram came after that. @param isKnown  whether the reply held the same one.
+    void writeLate(unsigned attempt, qsizetype bytes, bool isKnown);
 
 private:
     QIODevice *file() { return m_file.isOpen() ? &m_file : nullptr; }

@@ -56,7 +56,7 @@ public:
     }
     int keptCount() const { return static_cast<int>(m_kept.size()); }
 
-    QCoro::Task<Reply> send(Request request) override
+    QCoro::Task<Reply> send(Request request, Arrived arrived = {}) override
     {
         m_requests.append(request);
         QPromise<bool> promise;
@@ -70,7 +70,10 @@ public:
         if (!isAnswered)
             co_return Reply{RConResultError, QStringLiteral("cancelled"), true};
         const Reply fallback = m_fallback.value_or(failure());
-        co_return m_answers.value(request.command, fallback);
+        const Reply reply = m_answers.value(request.command, fallback);
+        if (arrived && reply.isSuccess() && !reply.text.isEmpty())
+            arrived(reply.text);
+        co_return reply;
     }
 
     void cancel() override

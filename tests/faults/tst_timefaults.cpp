@@ -1,5 +1,4 @@
 #include "Controls.h"
-#include "RCon.h"
 #include "RealConsole.h"
 #include "Wait.h"
 
@@ -10,7 +9,8 @@
 #include <QSpinBox>
 #include <QTest>
 
-#include <future>
+#include <atomic>
+#include <list>
 
 #include <sys/syscall.h>
 #include <sys/time.h>
@@ -35,13 +35,22 @@ int gettimeofday(timeval *now, void *) noexcept
 }
 }
 
-/// @return how long an exchange with nobody takes, in milliseconds.
-static qint64 timeOut()
-{
-    QElapsedTimer timer;
-    timer.start();
-    return RCon::sendTo("127.0.0.1", 1, "demo", "status") == RConResultTimeout ? timer.elapsed() : -1;
-}
+/// How long an exchange with nobody takes, in milliseconds; negative when it does not end as it should.
+struct TimeOut {
+    QCoro::Task<> run()
+    {
+        QElapsedTimer timer;
+        timer.start();
+        const Request request{"127.0.0.1", 1, "demo", "status", false, false};
+        const Reply reply = co_await exchange.send(request);
+        took = reply.result == RConResultTimeout ? timer.elapsed() : -1;
+        isOver = true;
+    }
+
+    RConExchange exchange;
+    qint64 took = 0;
+    bool isOver = false;
+};
 
 class TimeFaults : public QObject
 {
@@ -71,11 +80,13 @@ private slots:
         c.messages.startRotation();
         QTest::addColumn<qint64>("distance");
         QTest::addColumn<qint64>("timeOut");
-        std::vector<std::future<qint64>> timeOuts;
+        std::list<TimeOut> timeOuts;
+        std::list<QCoro::Task<>> running;
         const QList<const char *> events{"a day on", "two days back", "stopped for two seconds", "after that"};
         for (const char *event : events) {
             QVERIFY(QTest::qWaitFor([&] { return sent[Say].size() > qsizetype(timeOuts.size()); }, 20'000));
-            timeOuts.push_back(std::async(std::launch::async, &timeOut));
+            timeOuts.emplace_back();
+            running.push_back(timeOuts.back().run());
             const qint64 before = QDateTime::currentSecsSinceEpoch();
             const qint64 jump = event == events.at(0) ? Day : event == events.at(1) ? -2 * Day : 0;
             jumped += jump;
@@ -87,15 +98,17 @@ private slots:
             }
         }
         QVERIFY(QTest::qWaitFor([&] { return sent[Say].size() > events.size(); }, 20'000));
-        for (auto &took : timeOuts)
-            took.wait();
+        QVERIFY(QTest::qWaitFor([&timeOuts] { return timeOuts.back().isOver; }, 20'000));
         c.messages.stopRotation();
         refreshing->setChecked(false);
         QVERIFY(QTest::qWaitFor([&c] { return c.actions.isIdle(); }));
         QCOMPARE(c.alerts.titles() + QStringList(transcript.count(Say + "console: a\n"), {}),
                  QStringList(sent[Say].size(), {})); // each has its own reply
-        for (qsizetype i = 0; i < events.size(); ++i)
-            QTest::newRow(events.at(i)) << sent[Say].value(i + 1) - sent[Say].at(i) << timeOuts.at(size_t(i)).get();
+        qsizetype row = 0;
+        for (const TimeOut &timeOut : timeOuts) {
+            QTest::newRow(events.at(row)) << sent[Say].value(row + 1) - sent[Say].at(row) << timeOut.took;
+            ++row;
+        }
         const QList<qint64> refreshes = sent["] teamstatus\n"];
         for (qsizetype i = 1; i < refreshes.size(); ++i)
             QVERIFY2(refreshes.at(i) - refreshes.at(i - 1) > 900, QByteArray::number(i)); // no burst

@@ -1,18 +1,12 @@
 #include "DatagramPacket.h"
-#include "ScriptedPeer.h"
+#include "UdpSocket.h"
 
-#include <QElapsedTimer>
 #include <QTest>
 
-#include <sys/socket.h>
-#include <unistd.h>
+#include <poll.h>
 
 #include <array>
 #include <cerrno>
-#include <cstring>
-#include <thread>
-
-using namespace std::chrono_literals;
 
 namespace
 {
@@ -24,20 +18,20 @@ QByteArray bytes(const char *hex)
     return QByteArray::fromHex(hex);
 }
 
-std::unique_ptr<DatagramPacket> packetTo(const ScriptedPeer &peer)
+QByteArray framed(const QByteArray &payload)
 {
-    return DatagramPacket::initWithHost("127.0.0.1", quint16(peer.port()));
+    return "\xff\xff\xff\xff\x01print\n" + payload;
 }
 
-/// A connected socket from which `sent` can be read and then the reset of its peer.
-int socketWithReset(const QByteArray &sent)
+std::unique_ptr<DatagramPacket> packetTo(const UdpSocket &peer)
 {
-    std::array<int, 2> ends{};
-    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()) != 0 || ::write(ends[0], "unread", 6) != 6 ||
-        ::write(ends[1], sent.constData(), size_t(sent.size())) != sent.size())
-        qFatal("no pair of sockets");
-    ::close(ends[1]);
-    return ends[0];
+    return DatagramPacket::initWithHost("127.0.0.1", peer.port());
+}
+
+bool isReadable(int socket)
+{
+    pollfd waited{socket, POLLIN, 0};
+    return ::poll(&waited, 1, 0) == 1;
 }
 
 } // namespace
@@ -55,14 +49,14 @@ private slots:
             QTest::newRow(name) << datagram << result << text;
         };
         const auto good = [&row](const char *name, const QByteArray &payload, const QString &text) {
-            row(name, ScriptedPeer::framed(payload), RConResultSuccess, text);
+            row(name, framed(payload), RConResultSuccess, text);
         };
         const auto bad = [&row](const char *name, const QByteArray &datagram) {
             row(name, datagram, RConResultInvalidPacket, "An invalid packet was returned from the server.");
         };
         row("refusal", bytes("ffffffff0a"), RConResultInvalidPassword, "Invalid password.");
-        row("password refused", ScriptedPeer::framed("Invalid password.\n"), RConResultInvalidPassword, before);
-        row("no password set", ScriptedPeer::framed("The server must set 'rcon_password' for clients to use 'rcon'.\n"),
+        row("password refused", framed("Invalid password.\n"), RConResultInvalidPassword, before);
+        row("no password set", framed("The server must set 'rcon_password' for clients to use 'rcon'.\n"),
             RConResultInvalidPassword, before);
         bad("refusal, byte 0 wrong", bytes("feffffff0a"));
         bad("refusal and one more byte", bytes("ffffffff0a00"));
@@ -105,127 +99,48 @@ private slots:
 
     void requestsAreLatin1()
     {
-        ScriptedPeer peer({});
+        const UdpSocket peer;
         const auto packet = packetTo(peer);
         QVERIFY(packet->send(QString::fromUtf8("Zoë")));
+        QCOMPARE(peer.receive(), bytes("ffffffff005a6feb00"));
         QVERIFY(packet->send(QString::fromUtf8("pw say 5 €")));
-        QCOMPARE(peer.requests(), QList<QByteArray>({bytes("ffffffff005a6feb00"), bytes("ffffffff0000")}));
+        QCOMPARE(peer.receive(), bytes("ffffffff0000"));
     }
 
-    void timeOuts()
+    void takesWhatHasCome()
     {
-        const auto packet = DatagramPacket::initWithHost("127.0.0.1", 1);
-        for (const auto &[attempt, milliseconds] : {std::pair{0u, 250}, std::pair{1u, 500}, std::pair{9u, 750}}) {
-            packet->setSendAttemptNum(attempt);
-            QElapsedTimer timer;
-            timer.start();
-            QString text = before;
-            QCOMPARE(packet->receive(&text), RConResultTimeout);
-            const qint64 elapsed = timer.elapsed();
-            QCOMPARE(text, "Timed out");
-            QVERIFY2(elapsed >= milliseconds - 20 && elapsed < milliseconds + 3000, QByteArray::number(elapsed));
-        }
-    }
-
-    void reset()
-    {
-        const auto packet = DatagramPacket::initWithHost("127.0.0.1", 1);
-        packet->setSocket(socketWithReset({}));
-        QString text = before;
-        QCOMPARE(packet->receive(&text), RConResultError);
-        QCOMPARE(text, "Unable to connect to server");
-
-        packet->setSocket(socketWithReset(ScriptedPeer::framed("part")));
-        quint32 count = 99;
-        QCOMPARE(packet->receiveMulti(&text, &count), RConResultError);
-        QCOMPARE(text, QString::fromLocal8Bit(strerror(ECONNRESET)));
-        QCOMPARE(count, 99u);
+        const UdpSocket peer;
+        const UdpSocket other;
+        const auto packet = packetTo(peer);
+        std::array<char, DatagramPacket::mostBytes> buffer{};
+        QCOMPARE(packet->receive(buffer).kind, ReceivedDatagram::Kind::Nothing);
+        QVERIFY(packet->send("status"));
+        const sockaddr_in client = peer.receivedFrom();
+        peer.send(QByteArray(9000, 'x'), client);
+        other.send("", client);
+        QVERIFY(QTest::qWaitFor([&packet] { return isReadable(packet->socket()); }));
+        const ReceivedDatagram longOne = packet->receive(buffer);
+        QCOMPARE(longOne.kind, ReceivedDatagram::Kind::Datagram);
+        QCOMPARE(longOne.length, buffer.size());
+        QCOMPARE(longOne.from, packet->server());
+        QVERIFY(QTest::qWaitFor([&packet] { return isReadable(packet->socket()); }));
+        const ReceivedDatagram emptyOne = packet->receive(buffer);
+        QCOMPARE(emptyOne.kind, ReceivedDatagram::Kind::Datagram);
+        QCOMPARE(emptyOne.length, std::size_t(0));
+        QCOMPARE(emptyOne.from, (Endpoint{0x7f000001, other.port()}));
+        QCOMPARE(packet->receive(buffer).kind, ReceivedDatagram::Kind::Nothing);
     }
 
     void closedSocket()
     {
         const auto packet = DatagramPacket::initWithHost("127.0.0.1", 1);
         packet->close();
-        QString text = before;
-        QCOMPARE(packet->receive(&text), RConResultError);
-        QCOMPARE(text, QString::fromLocal8Bit(strerror(EBADF)));
-        QCOMPARE(packet->receiveMulti(nullptr), RConResultError);
+        std::array<char, 10> buffer{};
+        const ReceivedDatagram received = packet->receive(buffer);
+        QCOMPARE(received.kind, ReceivedDatagram::Kind::Failure);
+        QCOMPARE(received.errorNumber, EBADF);
         QTest::ignoreMessage(QtWarningMsg, "errno=9 (Bad file descriptor)");
         QVERIFY(!packet->send("status"));
-        QCOMPARE(packet->sendAttemptNum(), 1u);
-    }
-
-    void gathering_data()
-    {
-        QTest::addColumn<ScriptedPeer::Answer>("answer");
-        QTest::addColumn<unsigned>("result");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<unsigned>("count");
-        const auto framed = &ScriptedPeer::framed;
-        using Answer = ScriptedPeer::Answer;
-        QTest::newRow("cut at 1500 bytes") << Answer{{framed(QByteArray(1489, 'x') + QByteArray(9000, 'y'))}}
-                                           << unsigned(RConResultSuccess) << QString(1489, u'x') << 1u;
-        QTest::newRow("three joined, the late fourth not read")
-            << Answer{{framed("a ")}, {framed("b"), 150ms}, {framed("c\n"), 150ms}, {framed("d"), 1500ms}}
-            << unsigned(RConResultSuccess) << "a bc\n"
-            << 3u;
-        QTest::newRow("garbage in it") << Answer{{framed("a")}, {"garbage"}} << unsigned(RConResultInvalidPacket)
-                                       << "An invalid packet was returned from the server." << 99u;
-    }
-    void gathering()
-    {
-        QFETCH(ScriptedPeer::Answer, answer);
-        ScriptedPeer peer({answer});
-        const auto packet = packetTo(peer);
-        QVERIFY(packet->send("status"));
-        QString text = before;
-        quint32 count = 99;
-        QTEST(unsigned(packet->receiveMulti(&text, &count)), "result");
-        QTEST(text, "text");
-        QTEST(count, "count");
-    }
-
-    void longReply_data()
-    {
-        QTest::addColumn<QByteArray>("payload");
-        QTest::addColumn<int>("repetitions");
-        QTest::addColumn<bool>("isAccepted");
-        QTest::newRow("as much text as is accepted") << QByteArray(1024, 'x') << 16'384 << true;
-        QTest::newRow("more text") << QByteArray(1024, 'x') << 16'385 << false;
-        QTest::newRow("as many datagrams as are accepted") << QByteArray() << 65'536 << true;
-        QTest::newRow("one datagram more") << QByteArray() << 65'537 << false;
-    }
-    void longReply()
-    {
-        QFETCH(QByteArray, payload);
-        QFETCH(int, repetitions);
-        QFETCH(bool, isAccepted);
-        // Unlike UDP, a pair of local sockets makes a fast sender wait, so that nothing is lost.
-        std::array<int, 2> ends{};
-        QCOMPARE(::socketpair(AF_UNIX, SOCK_DGRAM, 0, ends.data()), 0);
-        const auto packet = DatagramPacket::initWithHost("127.0.0.1", 1);
-        packet->setSocket(ends[0]);
-        packet->setSendAttemptNum(2);
-        const QByteArray datagram = ScriptedPeer::framed(payload);
-        std::thread writer([&] {
-            for (int i = 0; i < repetitions; ++i) {
-                if (::send(ends[1], datagram.constData(), size_t(datagram.size()), 0) < 0)
-                    return;
-            }
-            static_cast<void>(::send(ends[1], "", 0, 0));
-        });
-        QString text;
-        quint32 count = 0;
-        const RConResult result = packet->receiveMulti(&text, &count);
-        packet->close();
-        writer.join();
-        ::close(ends[1]);
-        QCOMPARE(result, isAccepted ? RConResultSuccess : RConResultError);
-        QCOMPARE(count, isAccepted ? quint32(repetitions) : 0u);
-        if (isAccepted)
-            QCOMPARE(text.size(), payload.size() * repetitions);
-        else
-            QCOMPARE(text, "The server's reply is too long.");
     }
 };
 

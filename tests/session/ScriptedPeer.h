@@ -19,6 +19,7 @@ public:
         QByteArray datagram;
         std::chrono::milliseconds delay{0}; ///< before the datagram
         int repetitions = 1;                ///< of the delay and the datagram
+        const char *from = nullptr;         ///< another address of this machine
     };
     using Answer = QList<Step>;
 
@@ -32,6 +33,8 @@ public:
     /// Waits until `count` requests have come; false when they do not within ten seconds.
     bool waitForRequests(qsizetype count);
 
+    qsizetype requestCount();
+
     /// Ends the peer and returns all requests that were sent to it, in order.
     QList<QByteArray> requests();
 
@@ -40,6 +43,7 @@ public:
 
 private:
     void serve(const std::stop_token &stop);
+    void deliver(const Step &step, const sockaddr_in &client) const;
     void perform(const Answer &answer, const sockaddr_in &client, const std::stop_token &stop);
 
     QList<Answer> m_script;

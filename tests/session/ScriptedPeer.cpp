@@ -34,6 +34,12 @@ bool ScriptedPeer::waitForRequests(qsizetype count)
     return m_changed.wait_for(lock, 10s, [this, count] { return m_requests.size() >= count; });
 }
 
+qsizetype ScriptedPeer::requestCount()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_requests.size();
+}
+
 QList<QByteArray> ScriptedPeer::requests()
 {
     m_thread.request_stop();
@@ -78,8 +84,23 @@ void ScriptedPeer::perform(const Answer &answer, const sockaddr_in &client, cons
             }
             if (stop.stop_requested())
                 return;
-            ::sendto(m_socket, step.datagram.constData(), size_t(step.datagram.size()), 0,
-                     reinterpret_cast<const sockaddr *>(&client), sizeof client);
+            deliver(step, client);
         }
     }
+}
+
+void ScriptedPeer::deliver(const Step &step, const sockaddr_in &client) const
+{
+    int socket = m_socket;
+    if (step.from != nullptr) {
+        sockaddr_in address = m_address;
+        ::inet_pton(AF_INET, step.from, &address.sin_addr);
+        socket = ::socket(AF_INET, SOCK_DGRAM, 0);
+        if (::bind(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0)
+            qFatal("no socket at %s", step.from);
+    }
+    ::sendto(socket, step.datagram.constData(), size_t(step.datagram.size()), 0,
+             reinterpret_cast<const sockaddr *>(&client), sizeof client);
+    if (socket != m_socket)
+        ::close(socket);
 }

@@ -1,0 +1,105 @@
+#include "QuotedStrings.h"
+#include "ReplyEnd.h"
+
+#include <QTest>
+
+class ReplyEndTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void replies_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("reply");
+        QTest::addColumn<bool>("isWhole");
+        const auto row = [](const char *name, const QString &command, const QString &reply, bool isWhole) {
+            QTest::newRow(name) << command << reply << isWhole;
+        };
+        const QString told = "\"sv_x\" is: \"1\" in force: \"1\"\n";
+        row("variable", "sv_x", told, true);
+        row("in other letters", "SV_X", told, true);
+        row("and its domain", "sv_x", told + "  Domain is 0 or 1\n", true);
+        row("empty value", "sv_x", "\"sv_x\" is: \"\" in force: \"\"\n", true);
+        row("quotes in the value", "sv_x", "\"sv_x\" is: \"a \\\"b\\\" c\" in force: \"a \\\"b\\\" c\"\n", true);
+        row("line feed in the value", "sv_x", "\"sv_x\" is: \"a\nb\" in force: \"a\nb\"\n", true);
+        row("no line feed", "sv_x", told.chopped(1), false);
+        row("line feed before the third quote", "sv_x", "\"sv_x\" is: \"1\"\n in force: \"1\"", false);
+        row("another name", "sv_y", told, false);
+        row("two fields", "sv_x", "\"sv_x\" is: \"1\"\n", false);
+        row("four fields", "sv_x", "\"sv_x\" is: \"1\" in force: \"1\" was: \"2\"\n", false);
+        row("a quote behind the third field", "sv_x", told + "\"", false);
+        row("two words", "sv_x 1", told, false);
+        row("two commands", "sv_x;sv_y", told, false);
+        row("a value of 64 Ki", "sv_x", "\"sv_x\" is: \"" + QString(64 * 1024, u'a') + "\" in force: \"1\"\n", false);
+        row("unknown", "sv_x", "Unknown command \"sv_x\"\n", true);
+        row("unknown, cut", "sv_x", "Unknown command \"sv_", false);
+        row("unknown, but more was asked", "sv_x 1", "Unknown command \"sv_x\"\n", false);
+        row("players", "teamstatus", "Unknown command \"teamstatus\"\n", false);
+        row("chat", "say \"sv_x\"", told, false);
+        row("dump", "dvardump", "a \"1\"\nb \"\"\n\n2 total dvars\n", true);
+        row("dump without its last line", "dvardump", "a \"1\"\nb \"\"\n", false);
+        row("dump, cut in its last line", "dvardump", "a \"1\"\nb \"\"\n\n2 total dvars", false);
+        row("dump of too few", "dvardump", "a \"1\"\n2 total dvars\n", false);
+        row("dump of too many", "dvardump", "a \"1\"\nb \"\"\nc \"\"\n2 total dvars\n", false);
+        row("dump with a value that looks like its end", "dvardump", "a \"2 total dvars\"\nb \"\"\n", false);
+        row("write", "setadmindvar a \"1\"", "", true);
+        row("write that is answered", "setadmindvar a \"1\"", "a is not a valid value\n", false);
+    }
+    void replies()
+    {
+        QFETCH(QString, command);
+        QFETCH(QString, reply);
+        QTEST(ReplyEnd(command).isWhole(reply), "isWhole");
+    }
+
+    /// Whatever a value holds and wherever its reply is cut: no part is taken for whole that tells something else.
+    void noPartTellsSomethingElse_data()
+    {
+        QTest::addColumn<QString>("form");
+        QTest::newRow("with colours taken out") << "\"%1\" is: \"%2\" in force: \"%3\"\n";
+        QTest::newRow("with a domain") << "\"%1\" is: \"%2\" default: \"%3\"\n  Domain is any text\n";
+        QTest::newRow("terse") << "\"%1\" \"%2\" \"%3\"\n";
+    }
+    void noPartTellsSomethingElse()
+    {
+        QFETCH(QString, form);
+        const QStringList values{"",      "1",  "a b", "\\\"",    "a\\\"b", "\\\"a\\\"", "\n", "a\nb",
+                                 "a\\\\", " a", "a ",  "a\\\"\n", ";",      "'",         "//", "2 total dvars\n"};
+        int wholeParts = 0;
+        for (const QString &value : values) {
+            for (const QString &inForce : values) {
+                const QString reply = form.arg("sv_x", value, inForce);
+                const QStringList fields = quotedStrings(reply);
+                for (qsizetype cut = 0; cut <= reply.size(); ++cut) {
+                    const QString part = reply.left(cut);
+                    if (!ReplyEnd("sv_x").isWhole(part))
+                        continue;
+                    ++wholeParts;
+                    QCOMPARE(quotedStrings(part), fields);
+                }
+            }
+        }
+        QVERIFY(wholeParts >= values.size()); // else it never saves anything
+    }
+
+    void dumpsArriveInParts()
+    {
+        QString dump;
+        for (int i = 0; i < 300; ++i)
+            dump += QStringLiteral("S  sv_%1 \"%2\"\n").arg(i).arg(i % 7 == 0 ? QString() : QString(i % 90, u'x'));
+        dump += "\n300 total dvars\n";
+        for (const qsizetype step : {1, 7, 1389}) {
+            ReplyEnd end("dvardump");
+            for (qsizetype size = step; size < dump.size(); size += step)
+                QVERIFY(!end.isWhole(dump.left(size)));
+            QVERIFY(end.isWhole(dump));
+        }
+        QVERIFY(!ReplyEnd::isDumpShort(dump));
+        QVERIFY(ReplyEnd::isDumpShort(dump.section('\n', 5)));
+        QVERIFY(ReplyEnd::isDumpShort(dump.section('\n', 5, 30) + '\n' + dump.section('\n', 5))); // doubled, not whole
+        QVERIFY(!ReplyEnd::isDumpShort(dump.section('\n', 0, 200))); // nobody said how many there are
+    }
+};
+
+QTEST_GUILESS_MAIN(ReplyEndTest)
+#include "tst_replyend.moc"
