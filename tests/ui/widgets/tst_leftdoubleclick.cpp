@@ -1,3 +1,4 @@
+#include "DoubleClick.h"
 #include "LeftDoubleClick.h"
 
 #include <QStandardItemModel>
@@ -42,9 +43,7 @@ private slots:
                 [&told](const QModelIndex &index) { told.append(index.row()); });
         for (qsizetype i = 0; i < buttons.size(); ++i) {
             const QPoint place(20, view.rowViewportPosition(0) + view.rowHeight(0) * rows.at(i) + 5);
-            // As it comes from the desktop: a click, and in the place of the second press a double click.
-            QTest::mouseClick(view.viewport(), buttons.at(i), modifiers, place);
-            QTest::mouseDClick(view.viewport(), buttons.at(i), modifiers, place);
+            doubleClick(view, place, buttons.at(i), modifiers);
         }
         QTEST(told, "told");
     }
