@@ -98,7 +98,8 @@ QCoro::Task<Reply> KelServer::writeDvar(QString name, QString value, bool isSing
 {
     if (!m_isConnected)
         co_return notConnected();
-    const QString command = QStringLiteral("setadmindvar %1 \"%2\"").arg(name, withoutOuterQuotes(value));
+    value = withoutOuterQuotes(value);
+    const QString command = QStringLiteral("setadmindvar %1 \"%2\"").arg(name, value);
     addToCommandHistory(command);
     appendConsoleMessage(QStringLiteral("] %1\n").arg(command));
     const Request request{m_host, m_port, rconPassword(), command, isSingle};

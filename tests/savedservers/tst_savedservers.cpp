@@ -168,6 +168,49 @@ private slots:
         QCOMPARE(contentOf(outcome.keptCopy), written);
     }
 
+    void deletedEntriesComeBackByteForByte_data()
+    {
+        QTest::addColumn<QString>("login");
+        QTest::newRow("of this account") << "alice";
+        QTest::newRow("of another account, and undecryptable") << "bob";
+    }
+    void deletedEntriesComeBackByteForByte()
+    {
+        QFETCH(QString, login);
+        const QByteArray unknown =
+            "<key>colour</key><string>red</string><key>seen</key><array><real>0.5</real></array>";
+        put(xmlFile(xmlEntry("a") + "<key>future</key><integer>7</integer>" +
+                    xmlEntry("B &amp; C", xmlPassword(aliceSecret) + unknown)));
+        SavedServers list(m_path, login);
+        QCOMPARE(list.load().error, QString());
+        QCOMPARE(list.setPassword("a", "x").error, QString()); // in our writing from now on
+        const QByteArray before = contentOf(m_path);
+        const QStringList rows = rowsOf(list);
+        const QStringList labels{"B & C", "future", "unknown"};
+        const PropertyList entries = list.entries(labels);
+        QCOMPARE(list.remove(labels).error, QString());
+        QVERIFY(!contentOf(m_path).contains("B &amp; C"));
+        QCOMPARE(list.restore(entries).error, QString());
+        QCOMPARE(contentOf(m_path), before);
+        QCOMPARE(rowsOf(list), rows);
+        QCOMPARE(asides(), QStringList());
+    }
+
+    void whatHasBeenSavedMeanwhileStays()
+    {
+        SavedServers list(m_path, "alice");
+        QCOMPARE(list.save({"a", "old", "1", "x"}).error, QString());
+        QCOMPARE(list.save({"b", "h", "2", "y"}).error, QString());
+        const PropertyList entries = list.entries({"a", "b"});
+        QCOMPARE(list.remove({"a", "b"}).error, QString());
+        QCOMPARE(list.save({"a", "new", "1", "z"}).error, QString());
+        const QString error = list.restore(entries).error;
+        QVERIFY2(error.contains("\"a\"") && !error.contains("\"b\""), qPrintable(error));
+        SavedServers again(m_path, "alice");
+        QCOMPARE(again.load().error, QString());
+        QCOMPARE(rowsOf(again), QStringList({"a|new|1|z", "b|h|2|y"}));
+    }
+
     void damagedFilesAreKeptAside_data()
     {
         QTest::addColumn<QByteArray>("file");

@@ -9,7 +9,9 @@ class PageDocument;
 class Preferences;
 class ServersView;
 
-/// The menu bar: repeats what the window and the pages behind its tabs offer, with the platform's shortcuts.
+/// The menu bar: repeats what the window and the pages behind its tabs offer, with the platform's shortcuts. What is
+/// undone is of the servers' pane while the focus is in there, as it is right after a deletion, else of the page in
+/// front.
 class MainMenuBar : public QMenuBar
 {
     Q_OBJECT
@@ -33,10 +35,13 @@ private:
     void makeAppearanceMenu(QMenu &view);
     void makeHelpMenu();
     PageDocument *currentDocument() const;
+    void focusDidChange(const QWidget *now);
+    void chooseUndoStack();
 
     MainTabs &m_tabs;
     ServersView &m_servers;
     KelServer &m_server;
     Preferences &m_preferences;
     QUndoGroup m_undoGroup;
+    bool m_isFocusInServers = false;
 };

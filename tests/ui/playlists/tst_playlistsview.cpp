@@ -1,5 +1,6 @@
 #include "CataloguesFixture.h"
 #include "Controls.h"
+#include "DoubleClick.h"
 #include "MapGametypePairWindowController.h"
 #include "PlaylistsView.h"
 #include "TestPreferences.h"
@@ -12,19 +13,20 @@
 #include <QPushButton>
 #include <QTableView>
 
-/// A session on a server that plays list 3 and leaves out Ropeway, with the catalogues loaded.
+/// A session on a server that plays list 3, with the catalogues loaded.
 struct Playlists : CataloguesFixture {
-    explicit Playlists(bool isRanked = false)
+    /// @param excluded  the server's maps, gametypes and pairs: Ropeway alone, unless told.
+    explicit Playlists(bool isRanked = false, const QStringList &excluded = {"mp_ropeway", "", ""})
     {
         awaited(maps.loadMapList());
         awaited(gametypes.loadGametypeList());
         awaited(playlists.loadPlaylists());
         const QString dump = "rcon_password \"s\"\nsv_hostname \"h\"\nsv_ranked \"%1\"\nplaylist_enabled \"1\"\n"
-                             "playlist \"3\"\nplaylist_excludeMap \"mp_ropeway\"\nmapexclude_millrace \"1\"\n"
-                             "playlist_excludeGametype \"\"\nplaylist_excludeGametypeMap \"\"\n";
+                             "playlist \"3\"\nmapexclude_millrace \"1\"\n";
         exchange.answer("dvardump", ScriptedExchange::ok(dump.arg(isRanked ? 2 : 1)));
-        for (const char *name : {"playlist_excludeGametype", "playlist_excludeGametypeMap"})
-            exchange.answer(name, ScriptedExchange::ok(R"("name" is: "" default: "")"));
+        const QStringList names{"playlist_excludeMap", "playlist_excludeGametype", "playlist_excludeGametypeMap"};
+        for (qsizetype i = 0; i < names.size(); ++i)
+            exchange.answer(names.at(i), ScriptedExchange::ok("\"name\" is: \"\" in force: \"" + excluded.at(i) + '"'));
         connectToServer();
         playlists.updateControls();
         exchange.answerEverything(ScriptedExchange::ok());
@@ -50,14 +52,13 @@ class PlaylistsViewTest : public QObject
 private slots:
     void startsAPlaylist_data()
     {
-        QTest::addColumn<int>("id"); // 0: none is selected
+        QTest::addColumn<int>("id");
         QTest::addColumn<bool>("isRanked");
         QTest::addColumn<bool>("isFailing");
         QTest::addColumn<QStringList>("alerts");
         const QString queued = "The \"Mixed Teams\" playlist will begin as soon as the current map completes.";
         const QString failed = "'%1' returned an error: lost";
         QTest::newRow("unranked") << 7 << false << false << QStringList();
-        QTest::newRow("none selected") << 0 << false << false << QStringList();
         QTest::newRow("unranked, fails") << 7 << false << true
                                          << QStringList{failed.arg("playlist"), failed.arg("map_rotate")};
         QTest::newRow("ranked, fails") << 7 << true << true << QStringList{failed.arg("playlist"), queued};
@@ -72,8 +73,7 @@ private slots:
         if (isFailing)
             playlists.exchange.answerEverything(ScriptedExchange::failure("lost"));
         playlists.playlists.addExclusion("Millrace", Exclusion::anyGametype());
-        if (id > 0)
-            table->selectRow(id - 1);
+        table->selectRow(id - 1);
         control<QPushButton>(playlists.view, "startPlaylistButton")->click();
         table->selectRow(0); // too late for what was pressed
         QVERIFY(playlists.answerAll());
@@ -83,10 +83,55 @@ private slots:
         QCOMPARE(playlists.exchange.sent(), commands);
         QTEST(playlists.alerts.texts(), "alerts");
         QVERIFY(!isRanked || playlists.alerts.titles().last() == "Playlist Has Been Queued");
-        QCOMPARE(control<QLineEdit>(playlists.view, "currentPlaylistField")->text(), isFailing ? "Hold Your Ground"
-                                                                                     : id == 0 ? ""
-                                                                                               : "Mixed Teams");
+        QCOMPARE(control<QLineEdit>(playlists.view, "currentPlaylistField")->text(),
+                 isFailing ? "Hold Your Ground" : "Mixed Teams");
         QCOMPARE(playlists.playlists.exclusions().size(), 1); // what the server has
+    }
+
+    void startsByDoubleClickOrReturn_data()
+    {
+        QTest::addColumn<int>("selected"); // a row, or -1
+        QTest::addColumn<int>("button");   // of the double click on the fourth row; none presses Return
+        QTest::addColumn<bool>("isConnected");
+        QTest::addColumn<QString>("started");
+        QTest::newRow("another row than the selected one") << 0 << int(Qt::LeftButton) << true << "4";
+        QTest::newRow("the selected row, which Control takes back") << 3 << int(Qt::LeftButton) << true << "4";
+        QTest::newRow("right button") << 0 << int(Qt::RightButton) << true << "";
+        QTest::newRow("not connected") << 3 << int(Qt::LeftButton) << false << "";
+        QTest::newRow("Return") << 1 << int(Qt::NoButton) << true << "2";
+        QTest::newRow("Return on nothing") << -1 << int(Qt::NoButton) << true << "";
+        QTest::newRow("Return, not connected") << 1 << int(Qt::NoButton) << false << "";
+    }
+    void startsByDoubleClickOrReturn()
+    {
+        QFETCH(int, selected);
+        QFETCH(int, button);
+        QFETCH(bool, isConnected);
+        QFETCH(QString, started);
+        Playlists playlists;
+        auto *table = control<QTableView>(playlists.view, "playlistsTableView");
+        const auto *startButton = control<QPushButton>(playlists.view, "startPlaylistButton");
+        playlists.view.resize(700, 700);
+        playlists.view.grab(); // lays out
+        QVERIFY(!startButton->isEnabled());
+        if (selected >= 0)
+            table->selectRow(selected);
+        if (!isConnected)
+            playlists.server.disconnect();
+        QCOMPARE(startButton->isEnabled(), selected >= 0 && isConnected);
+        const QPoint place = table->visualRect(table->model()->index(3, 1)).center();
+        const Qt::KeyboardModifiers keys = selected == 3 ? Qt::ControlModifier : Qt::NoModifier;
+        if (button == Qt::NoButton)
+            QTest::keyClick(table, Qt::Key_Return);
+        else
+            doubleClick(*table, place, Qt::MouseButton(button), keys);
+        if (button == Qt::LeftButton)
+            table->selectRow(0); // too late for what was clicked
+        QVERIFY(playlists.answerAll());
+        QCOMPARE(playlists.exchange.sent(),
+                 started.isEmpty() ? QStringList()
+                                   : QStringList({"setadmindvar playlist \"" + started + '"', "map_rotate"}));
+        QVERIFY(playlists.alerts.shown().isEmpty());
     }
 
     void appliesExclusions_data()
@@ -134,6 +179,56 @@ private slots:
         QVERIFY(unsent->text().isEmpty());
     }
 
+    void whatCameFromTheServerGoesBackByItsOwnName_data()
+    {
+        QTest::addColumn<QStringList>("excluded");
+        QTest::addColumn<QList<int>>("removed"); // rows
+        QTest::addColumn<QString>("added");
+        QTest::addColumn<QStringList>("written");
+        using Rows = QList<int>;
+        const QStringList mixed{"mp_new mp_ropeway mp_newer", "new dm newer", "new mp_new dm mp_ropeway dm mp_new"};
+        QTest::newRow("as it came") << mixed << Rows() << "" << mixed;
+        QTest::newRow("one added") << mixed << Rows() << "Ropeway/Duel,Brickfield/<any gametype>"
+                                   << QStringList{"mp_new mp_ropeway mp_newer mp_brickfield", "new dm newer",
+                                                  "new mp_new dm mp_ropeway dm mp_new duel mp_ropeway"};
+        QTest::newRow("some removed") << mixed << Rows{0, 4, 7} << ""
+                                      << QStringList{"mp_ropeway mp_newer", "new newer", "new mp_new dm mp_new"};
+        QTest::newRow("an unknown one twice")
+            << QStringList{"mp_new mp_new", "", ""} << Rows{0} << "" << QStringList{"mp_new", "", ""};
+        QTest::newRow("out of play") << QStringList{"mp_millrace", "", "dm mp_millrace"} << Rows() << ""
+                                     << QStringList{"mp_millrace", "", "dm mp_millrace"};
+        const QString odd = QString::fromUtf8("mp_\u00e9<b>&; %1,/'\\x");
+        QTest::newRow("odd letters") << QStringList{odd, odd, "DM MP_ROPEWAY"} << Rows() << ""
+                                     << QStringList{odd, odd, "DM MP_ROPEWAY"};
+        QTest::newRow("a pair that breaks off")
+            << QStringList{"", "", "new mp_new dm"} << Rows() << "" << QStringList{"", "", "new mp_new"};
+    }
+    void whatCameFromTheServerGoesBackByItsOwnName()
+    {
+        QFETCH(QStringList, excluded);
+        QFETCH(QList<int>, removed);
+        QFETCH(QString, added);
+        QFETCH(QStringList, written);
+        Playlists playlists(true, excluded); // Millrace is out of play there
+        auto *table = control<QTableView>(playlists.view, "exclusionsTableView");
+        for (const int row : removed)
+            table->selectionModel()->select(table->model()->index(row, 0),
+                                            QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        if (!removed.isEmpty())
+            QTest::keyClick(table, Qt::Key_Delete);
+        for (const QString &pair : added.split(',', Qt::SkipEmptyParts))
+            playlists.playlists.addExclusion(pair.section('/', 0, 0), pair.section('/', 1));
+        for (int time = 0; time < 2; ++time) { // once more of what the session holds after the first
+            playlists.exchange.forgetSent();
+            control<QPushButton>(playlists.view, "applyExclusionsButton")->click();
+            QVERIFY(playlists.answerAll());
+            QCOMPARE(playlists.exchange.sent(),
+                     QStringList({QString("setadmindvar playlist_excludeMap \"") + written.at(0) + '"',
+                                  QString("setadmindvar playlist_excludeGametype \"") + written.at(1) + '"',
+                                  QString("setadmindvar playlist_excludeGametypeMap \"") + written.at(2) + '"'}));
+        }
+    }
+
     void calledOffNothingMoreHappens()
     {
         for (const char *buttonName : {"startPlaylistButton", "applyExclusionsButton"}) {
@@ -142,6 +237,7 @@ private slots:
                 playlists.exchange.answerEverything(ScriptedExchange::failure("lost"));
                 playlists.playlists.addExclusion("Millrace", "Duel");
                 playlists.alerts.hold();
+                control<QTableView>(playlists.view, "playlistsTableView")->selectRow(0);
                 control<QPushButton>(playlists.view, buttonName)->click();
                 for (int i = 0; i < openAlerts; ++i)
                     playlists.exchange.release();

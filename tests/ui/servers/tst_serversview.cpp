@@ -1,11 +1,14 @@
 #include "ActionQueue.h"
 #include "Controls.h"
+#include "DoubleClick.h"
 #include "PlaceholderTable.h"
 #include "RecordedAlerts.h"
 #include "SavedServers.h"
 #include "ServersView.h"
+#include "TestPreferences.h"
 
 #include <QDir>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -149,6 +152,87 @@ private slots:
         QCOMPARE(chosen, QList<SavedServer>({second, second}));
         servers.view.setConnecting(true);
         QVERIFY(!connectButton.isEnabled());
+    }
+
+    void aDoubleClickChoosesTheRowUnderThePointer_data()
+    {
+        QTest::addColumn<int>("button");
+        QTest::addColumn<bool>("isDeselected"); // by the first press
+        QTest::addColumn<bool>("isConnecting");
+        QTest::addColumn<QString>("chosen");
+        QTest::newRow("left button") << int(Qt::LeftButton) << false << false << "b";
+        QTest::newRow("Control takes it out of the selection") << int(Qt::LeftButton) << true << false << "b";
+        QTest::newRow("right button") << int(Qt::RightButton) << false << false << "";
+        QTest::newRow("middle button") << int(Qt::MiddleButton) << false << false << "";
+        QTest::newRow("while connecting") << int(Qt::LeftButton) << false << true << "";
+    }
+    void aDoubleClickChoosesTheRowUnderThePointer()
+    {
+        QFETCH(int, button);
+        QFETCH(bool, isDeselected);
+        QFETCH(bool, isConnecting);
+        ServersFile file;
+        file.store({{"a", "10.0.0.1", "50100", QStringLiteral("one")}, {"b", "10.0.0.2", "50101", "two"}});
+        Servers servers(file);
+        QString chosen;
+        connect(&servers.view, &ServersView::savedServerChosen, this,
+                [&chosen](const SavedServer &server) { chosen += server.label; });
+        servers.view.setConnecting(isConnecting);
+        servers.view.resize(300, 600);
+        servers.view.grab(); // lays out
+        servers.table->selectRow(isDeselected ? 1 : 0);
+        doubleClick(*servers.table, servers.table->visualRect(servers.table->model()->index(1, 0)).center(),
+                    Qt::MouseButton(button), isDeselected ? Qt::ControlModifier : Qt::NoModifier);
+        QTEST(chosen, "chosen");
+    }
+
+    void aDeletionCanBeTakenBack()
+    {
+        ServersFile file;
+        file.store({{"a", "10.0.0.1", "50100", QStringLiteral("one")},
+                    {"b", "10.0.0.2", "50101", "two"},
+                    {"c", "10.0.0.3", "50102", "three"}});
+        const QList<SavedServer> all = file.stored();
+        Servers servers(file);
+        QUndoStack &undo = *servers.view.undoStack();
+        servers.table->selectRow(0);
+        servers.table->selectionModel()->select(servers.table->model()->index(1, 0),
+                                                QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        QTest::keyClick(servers.table, Qt::Key_Delete);
+        QCOMPARE(servers.labels(), QStringList{"c@10.0.0.3"});
+        undo.undo();
+        QCOMPARE(servers.labels(), QStringList({"a@10.0.0.1", "b@10.0.0.2", "c@10.0.0.3"}));
+        QCOMPARE(file.stored(), all);
+        servers.view.storePassword(QStringLiteral("b"), QStringLiteral("new"));
+        undo.redo();
+        QCOMPARE(file.stored(), all.mid(2));
+        undo.undo();
+        QCOMPARE(file.stored().at(1).password.value_or(QString()), QStringLiteral("new"));
+        undo.redo();
+        servers.save(QStringLiteral("a"), QStringLiteral("10.0.0.9"), QStringLiteral("nine"));
+        undo.undo(); // "a" is another one by now
+        QCOMPARE(servers.labels(), QStringList({"a@10.0.0.9", "b@10.0.0.2", "c@10.0.0.3"}));
+        QCOMPARE(servers.alerts.titles(), QStringList{"Saved Servers"});
+        QVERIFY(!undo.canUndo());
+    }
+
+    void theTableKeepsItsColumnsAndSorting()
+    {
+        ServersFile file;
+        file.store({{"a", "10.0.0.2", "50100", std::nullopt}, {"b", "10.0.0.1", "50101", std::nullopt}});
+        TestPreferences preferences(file.folder);
+        {
+            Servers servers(file);
+            servers.view.restoreLayout(preferences); // nothing kept yet
+            QCOMPARE(servers.labels(), QStringList({"a@10.0.0.2", "b@10.0.0.1"}));
+            servers.table->sortByColumn(1, Qt::AscendingOrder);
+            servers.table->setColumnWidth(1, 143);
+            servers.view.saveLayout(preferences);
+        }
+        Servers servers(file);
+        servers.view.restoreLayout(preferences);
+        QCOMPARE(servers.labels(), QStringList({"b@10.0.0.1", "a@10.0.0.2"}));
+        QCOMPARE(servers.table->columnWidth(1), 143);
     }
 
     void savesReplacesAndDeletes()
