@@ -20,6 +20,7 @@ struct Reply {
     RConResult result = RConResultError;
     QString text;
     bool isCancelled = false; ///< ended by cancel(): whoever waited for it ends without an alert
+    bool isRefused = false;   ///< not sent, as the game cannot hold its text: the text tells which characters
 
     bool isSuccess() const { return result == RConResultSuccess; }
 };
