@@ -1,5 +1,6 @@
 #include "ConfigurationComparison.h"
 
+#include "GameText.h"
 #include "QuotedStrings.h"
 #include "Secrets.h"
 
@@ -18,7 +19,9 @@ ConfigurationComparison::ConfigurationComparison(const QList<ConfigurationEntry>
             m_changes.append(entry);
             continue;
         }
-        const bool isSame = withoutOuterQuotes(entry.value) == withoutOuterQuotes(*now);
+        // As it would be sent, or what has just been loaded would go on to differ.
+        const QString sent = holdsPassword(entry.dvar) ? entry.value : GameText::of(entry.value).text();
+        const bool isSame = withoutOuterQuotes(sent) == withoutOuterQuotes(*now);
         add(entry.dvar, *now, entry.value, isSame ? State::Same : State::Differs);
         if (!isSame)
             m_changes.append(entry);

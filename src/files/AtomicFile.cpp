@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -31,6 +32,30 @@ static bool writeAll(QSaveFile &file, const QByteArray &content)
 static bool hasReachedDisk(const QSaveFile &file)
 {
     return ::fsync(file.handle()) == 0 || errno == EINVAL || errno == ENOTSUP; // some file systems have no such thing
+}
+
+/// The rights of a group are meant for that group: a new file belongs to the group of the one who writes it. Where it
+/// may not be given to the group of the file before it, the group gets no more than everybody.
+static bool keepGroup(QSaveFile &file, const QString &path)
+{
+    struct stat before {
+    };
+    struct stat now {
+    };
+    if (::stat(QFile::encodeName(path).constData(), &before) != 0 || ::fstat(file.handle(), &now) != 0 ||
+        before.st_gid == now.st_gid)
+        return true; // or there was none
+    if (::fchown(file.handle(), static_cast<uid_t>(-1), before.st_gid) == 0)
+        return true;
+    QFileDevice::Permissions rights = file.permissions();
+    const auto drop = [&rights](QFileDevice::Permission ofGroup, QFileDevice::Permission ofOthers) {
+        if (!rights.testFlag(ofOthers))
+            rights.setFlag(ofGroup, false);
+    };
+    drop(QFileDevice::ReadGroup, QFileDevice::ReadOther);
+    drop(QFileDevice::WriteGroup, QFileDevice::WriteOther);
+    drop(QFileDevice::ExeGroup, QFileDevice::ExeOther);
+    return file.setPermissions(rights);
 }
 
 bool AtomicFile::write(const QString &path, const QByteArray &content, QString *error,
@@ -83,7 +108,8 @@ bool AtomicFile::replace(const QString &path, const QByteArray &content, const Q
         report(error, file.errorString());
         return false;
     }
-    bool isWritten = (!permissions || file.setPermissions(permissions)) && writeAll(file, content);
+    const bool isGuarded = permissions ? file.setPermissions(permissions) : keepGroup(file, path);
+    bool isWritten = isGuarded && writeAll(file, content);
     if (isWritten && modified.isValid()) {
         // The time is set last, on the new file while it still has its passing name: a later write would change it.
         isWritten = file.setPermissions(file.permissions() | QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&

@@ -16,7 +16,8 @@ public:
 
     AtomicFile() = delete;
 
-    /// Makes `content` the content of `path`. A link is followed, and the rights of a file that was there are kept.
+    /// Makes `content` the content of `path`. A link is followed. The rights of a file that was there are kept, and its
+    /// group; where that is not ours to give, the group's rights shrink to everybody's.
     /// @param error        the reason in the user's language when it fails; may be null.
     /// @param permissions  of the new file, before anything is in it, if there are any.
     [[nodiscard]] static bool write(const QString &path, const QByteArray &content, QString *error = nullptr,

@@ -212,6 +212,6 @@ QCoro::Task<> KelMessageRotation::sendText(QString text)
     if (turn && !reply.isCancelled && !reply.isSuccess())
         co_await tellOfFailure(reply.text);
     forgetQuickMessage(text);
-    if (m_quickMessageText == text) // what was typed in the meantime is the next message
+    if (!reply.isRefused && m_quickMessageText == text) // what was typed in the meantime is the next message
         setQuickMessageText({});
 }

@@ -58,9 +58,6 @@ public:
     /// Appends one row before the first wait; alerts when the table is full.
     QCoro::Task<> addMessageToCurrentRotation(QString message, QString duration);
 
-    /// What the server's alphabet lacks cannot be sent, and then nothing of the message is.
-    static bool isSendable(const QString &message) { return QString::fromLatin1(message.toLatin1()) == message; }
-
     PlayState currentPlayState() const { return m_playState; }
     /// The row of the message that is shown: a number, which stays when rows are moved or removed.
     int currentMessageIndex() const { return m_messageIndex; }
@@ -88,7 +85,8 @@ public:
 
     QString quickMessageText() const { return m_quickMessageText; }
     void setQuickMessageText(const QString &text);
-    /// Sends the quick message as it stands. The text goes when the message was sent, success or not.
+    /// Sends the quick message as it stands. The text goes when the message was sent, success or not; it stays when the
+    /// game cannot hold it.
     void sendQuickMessage();
 
 signals:

@@ -26,6 +26,7 @@ struct Reply {
     RConResult result = RConResultError;
     QString text;
     bool isCancelled = false; ///< ended by cancel(): whoever waited for it ends without an alert
+    bool isRefused = false;   ///< not sent, as the game cannot hold its text: the text tells which characters
     int sends = 1;
     int doubled = 0;                         ///< datagrams that the network brought twice
     bool mayBeIncomplete = false;            ///< its end looks as if something were missing

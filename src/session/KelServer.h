@@ -66,7 +66,10 @@ public:
     TabSet tabSet() const { return m_tabSet; }
     void setupTabsForPlaylistsAndRanked();
 
-    /// Sends a console command; command and reply go into the transcript.
+    // What the game cannot hold is replaced by something plain (GameText), or the reply is a refusal and nothing is
+    // sent. In what writes a password nothing is replaced.
+
+    /// Sends a console command; command and reply go into the transcript, a failure as a line of its own.
     QCoro::Task<Reply> sendCommand(QString command);
     /// Writes a variable. The catalogue follows a successful write if it holds the name; the reply is not examined.
     QCoro::Task<Reply> setDvar(QString name, QString value);
@@ -77,14 +80,14 @@ public:
     QCoro::Task<> updateDvarFromServer(QString name);
 
     /// What Return in the console does with the line: send it, and follow a playlist switch typed by hand.
-    QCoro::Task<> consoleInputDidChange(QString text);
+    QCoro::Task<Reply> consoleInputDidChange(QString text);
 
-    /// Every command sent since the last connect, oldest first.
+    /// Every command sent since the last connect, oldest first, and what was refused: it may be mended.
     QStringList commandHistory() const { return m_commandHistory; }
     int commandHistoryCursor() const { return m_commandHistoryCursor; }
     void addToCommandHistory(const QString &command);
     void clearCommandHistory();
-    void appendConsoleMessage(const QString &text) { emit consoleMessageAppended(text); }
+    void appendConsoleMessage(const QString &text);
 
 signals:
     void isConnectedChanged(bool isConnected);
@@ -104,7 +107,11 @@ signals:
     void connectProgressed(int done, int total);
 
 private:
+    /// The only way to the exchange: what the game cannot hold does not pass.
+    QCoro::Task<Reply> send(Request request);
     QCoro::Task<Reply> ask(QString command, QString password);
+    /// Puts a command into the history, and into the transcript on a line of its own.
+    void echo(const QString &command);
     QCoro::Task<Reply> writeDvar(QString name, QString value, bool isSingle);
     QCoro::Task<> failConnecting(QString title, QString text);
     QCoro::Task<bool> fetchRequiredDvars(QString password);
@@ -131,5 +138,6 @@ private:
     TabSet m_tabSet = TabSet::None;
     QStringList m_commandHistory;
     int m_commandHistoryCursor = 0;
+    bool m_isLineOpen = false; ///< the transcript does not end with a line feed
     SharedInstance<KelServer> m_shared{this};
 };

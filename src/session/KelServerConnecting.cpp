@@ -56,7 +56,7 @@ QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString p
         co_return;
     }
     const Request request{host, *newPort, password, QStringLiteral("dvardump"), false};
-    Reply reply = co_await m_exchange.send(request);
+    Reply reply = co_await send(request);
     if (reply.isCancelled || cancellations != m_cancellations)
         co_return;
     if (!reply.isSuccess()) {

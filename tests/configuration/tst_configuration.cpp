@@ -11,6 +11,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 using State = ConfigurationComparison::State;
 
 class ConfigurationTest : public QObject
@@ -30,6 +33,22 @@ class ConfigurationTest : public QObject
         made->setName(name);
         made->setSettings(settings);
         return made;
+    }
+
+    static constexpr gid_t foreign = 54321; ///< a group that nobody is in
+
+    /// Mode and group.
+    static QString rightsOf(const QString &path)
+    {
+        struct stat now {
+        };
+        const bool isThere = ::stat(QFile::encodeName(path).constData(), &now) == 0;
+        return isThere ? QString("%1 %2").arg(QString::number(now.st_mode & 07777, 8)).arg(now.st_gid) : QString();
+    }
+    static void share(const QString &path, gid_t group)
+    {
+        QVERIFY(::chown(QFile::encodeName(path).constData(), static_cast<uid_t>(-1), group) == 0);
+        QVERIFY(::chmod(QFile::encodeName(path).constData(), 0664) == 0);
     }
 
     ScriptedExchange m_exchange;
@@ -112,19 +131,64 @@ private slots:
 
     void comparesBothSides()
     {
-        const QList<ConfigurationEntry> file{
-            {"g_a", "2"}, {"g_b", "x"}, {"g_new", "5"}, {"rcon_password", "new"}, {"sv_Password\t\"p\"", "p"}};
-        const QHash<QString, QString> dvars{{"g_a", "1"}, {"g_b", "\"x\""}, {"rcon_password", "old"}};
-        const ConfigurationComparison comparison(file, dvars, {{"g_a", "1"}, {"g_c", "3"}, {"g_password", "x"}});
+        const QList<ConfigurationEntry> file{{"g_a", "2"},
+                                             {"g_b", "x"},
+                                             {"g_new", "5"},
+                                             {"rcon_password", "new"},
+                                             {"sv_Password\t\"p\"", "p"},
+                                             {"g_t", u"it\u2019s"_qs},
+                                             {"g_password", u"it\u2019s"_qs}};
+        const QHash<QString, QString> dvars{
+            {"g_a", "1"}, {"g_b", "\"x\""}, {"rcon_password", "old"}, {"g_t", "it's"}, {"g_password", "it's"}};
+        const ConfigurationComparison comparison(file, dvars, {{"g_a", "1"}, {"g_c", "3"}, {"sv_passwords", "x"}});
         const QList<ConfigurationComparison::Row> expected{{"g_a", "1", "2", State::Differs},
                                                            {"g_b", "\"x\"", "x", State::Same},
                                                            {"g_new", "", "5", State::OnlyInFile},
                                                            {"rcon_password", "(hidden)", "(hidden)", State::Differs},
                                                            {"sv_Password\t", "", "(hidden)", State::OnlyInFile},
+                                                           {"g_t", "it's", u"it\u2019s"_qs, State::Same},
+                                                           {"g_password", "(hidden)", "(hidden)", State::Differs},
                                                            {"g_c", "3", "", State::OnlyOnServer},
-                                                           {"g_password", "(hidden)", "", State::OnlyOnServer}};
+                                                           {"sv_passwords", "(hidden)", "", State::OnlyOnServer}};
         QCOMPARE(comparison.rows(), expected);
-        QCOMPARE(comparison.changes(), (QList<ConfigurationEntry>{file.at(0), file.at(2), file.at(3), file.at(4)}));
+        QCOMPARE(comparison.changes(),
+                 (QList<ConfigurationEntry>{file.at(0), file.at(2), file.at(3), file.at(4), file.at(6)}));
+    }
+
+    void keepsTheRightsOfASharedFile()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath("a.cfg");
+        QVERIFY(saveConfiguration({}, path));
+        QCOMPARE(rightsOf(path).section(' ', 0, 0), "600"); // a password may be in it
+        // A group that we may give: as root any, else one more that we are in.
+        QList<gid_t> groups(::getgroups(0, nullptr));
+        QVERIFY(::getgroups(static_cast<int>(groups.size()), groups.data()) >= 0);
+        groups.removeAll(::getegid());
+        const gid_t shared = ::geteuid() == 0 ? foreign : groups.value(0, ::getegid());
+        share(path, shared);
+        const QString before = rightsOf(path);
+        QVERIFY(before.startsWith("664 ") && saveConfiguration({}, path));
+        QCOMPARE(rightsOf(path), before);
+    }
+
+    void givesItsRightsToNoOtherGroup()
+    {
+        if (::geteuid() != 0)
+            QSKIP("Only root can make a file of a group that it is not in.");
+        constexpr uid_t nobody = 65534;
+        const QTemporaryDir folder;
+        const QString path = folder.filePath("a.cfg");
+        QVERIFY(saveConfiguration({}, path));
+        share(path, foreign);
+        for (const QString &each : {path, folder.path()})
+            QVERIFY(::chown(QFile::encodeName(each).constData(), nobody, static_cast<gid_t>(-1)) == 0);
+        const gid_t own = ::getegid();
+        QVERIFY(::seteuid(nobody) == 0);
+        const bool isSaved = saveConfiguration({}, path);
+        QVERIFY(::seteuid(0) == 0);
+        QVERIFY(isSaved);
+        QCOMPARE(rightsOf(path), QString("644 %1").arg(own));
     }
 };
 

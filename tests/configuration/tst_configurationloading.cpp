@@ -124,6 +124,42 @@ private slots:
         QTEST(with.alerts.texts(), "told");
     }
 
+    void writesOnlyWhatTheGameCanHold()
+    {
+        Loading with;
+        with.load(u"a \"1\"\nb \"\u0436\"\nc \"it\u2019s\"\nrcon_password \"\u2019\"\n"_qs.toUtf8());
+        QVERIFY(with.settle());
+        QCOMPARE(with.exchange.sent(), QStringList({"setadmindvar a \"1\"", "setadmindvar c \"it's\""}));
+        QCOMPARE(
+            with.alerts.texts(),
+            QStringList({u"'b' returned an error: The game cannot show these characters: \u0436. Nothing was sent."_qs,
+                         "'rcon_password' returned an error: The game cannot hold a character of this password. "
+                         "Nothing was sent."}));
+    }
+
+    void countsOnlyWhatWasWritten_data()
+    {
+        QTest::addColumn<QByteArray>("second");
+        QTest::newRow("a failure before") << QByteArray("b \"2\"\n");
+        QTest::newRow("a refusal before") << QByteArray("b \"\xd0\xb6\"\n");
+    }
+    void countsOnlyWhatWasWritten()
+    {
+        QFETCH(QByteArray, second);
+        Loading with;
+        with.exchange.answer("setadmindvar b \"2\"", ScriptedExchange::failure("lost"));
+        with.alerts.hold();
+        with.load("a \"1\"\n" + second + "c \"3\"\nd \"4\"\n");
+        QTRY_COMPARE(with.alerts.openCount(), 1);
+        with.progress.cancel();
+        with.alerts.dismiss();
+        QTRY_COMPARE(with.alerts.openCount(), 1);
+        QCOMPARE(with.alerts.texts().last(),
+                 QString("1 of 4 variables were written to the server. The others were left as they are."));
+        with.alerts.dismiss();
+        QVERIFY(with.settle());
+    }
+
     void tellsWhatCannotBeLoaded()
     {
         Loading with;

@@ -106,6 +106,17 @@ private slots:
         }
     }
 
+    void refusesAPasswordThatCannotBeSent()
+    {
+        Session session;
+        for (const QString &password : {u"a\u2019"_qs, u"\u0436"_qs})
+            awaited(session.server.connectToHost("10.0.0.1", "28960", password));
+        const QString text = "The game cannot hold a character of this password. Nothing was sent.";
+        QCOMPARE(session.alerts.texts(), QStringList({text, text}));
+        QCOMPARE(session.alerts.titles(), QStringList({"Command Send Error", "Command Send Error"}));
+        QVERIFY(session.exchange.sent().isEmpty() && !session.server.isConnected());
+    }
+
     void afterEachFailure_data()
     {
         QTest::addColumn<Reply>("dumpReply");

@@ -52,10 +52,107 @@ private slots:
         QCOMPARE(good.text, "map: x\n");
         const Reply bad = awaited(session.server.sendCommand("lost"));
         QCOMPARE(bad.result, RConResultTimeout);
-        QCOMPARE(session.transcript, "] status\nmap: x\n] lost\nno answer");
+        QCOMPARE(session.transcript, "] status\nmap: x\n] lost\nno answer\n");
         QCOMPARE(session.server.commandHistory(), QStringList({"status", "lost"}));
         for (const Request &request : session.exchange.requests())
             QCOMPARE(request.password, "secret"); // the server's, not the typed one
+    }
+
+    void anEchoBeginsALine()
+    {
+        Session session;
+        session.exchange.answerEverything(ScriptedExchange::ok("no line feed"));
+        awaited(session.server.sendCommand("a"));
+        awaited(session.server.sendCommand("b"));
+        session.exchange.answerEverything(ScriptedExchange::ok());
+        awaited(session.server.sendCommand("c"));
+        session.exchange.answerEverything(ScriptedExchange::failure("no answer\n"));
+        awaited(session.server.sendCommand("d"));
+        QCOMPARE(session.transcript, "] a\nno line feed\n] b\nno line feed\n] c\n] d\nno answer\n");
+        session.server.appendConsoleMessage("open");
+        awaited(session.server.connectToHost("10.0.0.1", "28960", "typed")); // empties the transcript
+        session.transcript.clear();
+        awaited(session.server.sendCommand("e"));
+        QVERIFY(session.transcript.startsWith("] e\n"));
+    }
+
+    void sendsWhatTheGameCanHold_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("sent"); // empty: nothing is
+        QTest::addColumn<QString>("told");
+        const QString named = u"The game cannot show these characters: \u0436. Nothing was sent."_qs;
+        const QString unnamed = "The game cannot hold a character of this password. Nothing was sent.";
+        const auto row = [](const char *name, const QString &command, const QString &sent, const QString &told = {}) {
+            QTest::newRow(name) << command << sent << told;
+        };
+        row("replaced", u"say \"\u201cDon\u2019t\u201d \u2013 you\u2026\""_qs, "say \"'Don't' - you...\"");
+        row("what Latin-1 has", u"say \u00e9\u00a0\u00ab"_qs, u"say \u00e9\u00a0\u00ab"_qs);
+        row("refused", u"say \"\u0436\""_qs, {}, named);
+        row("chat about a password", u"say the password \u0436"_qs, {}, named);
+        row("message about a password", u"tell 3 password\u2026"_qs, "tell 3 password...");
+        row("a password by its name", u"rcon_password a\u2019"_qs, {}, unnamed);
+        row("a password by a word that sets it", u"set g_Password \u201cb\u201d"_qs, {}, unnamed);
+        row("a password behind something else", u"say hi; set g_password \u2019"_qs, {}, unnamed);
+        row("a variable whose value speaks of a password", u"set g_motd \"password: \u2026\""_qs,
+            "set g_motd \"password: ...\"");
+    }
+    void sendsWhatTheGameCanHold()
+    {
+        QFETCH(QString, command);
+        QFETCH(QString, sent);
+        QFETCH(QString, told);
+        Session session;
+        session.exchange.answerEverything(ScriptedExchange::ok());
+        const Reply reply = awaited(session.server.sendCommand(command));
+        QCOMPARE(session.exchange.sent(), sent.isEmpty() ? QStringList() : QStringList(sent));
+        QCOMPARE(reply.isSuccess(), told.isEmpty());
+        QCOMPARE(reply.isRefused, !told.isEmpty());
+        QCOMPARE(reply.text, told);
+        const QString echoed = sent.isEmpty() ? command : sent;
+        QCOMPARE(session.transcript, "] " + echoed + '\n' + (told.isEmpty() ? QString() : told + '\n'));
+        QCOMPARE(session.server.commandHistory(), QStringList(echoed)); // a refused one may be mended
+    }
+
+    void writesWhatTheGameCanHold_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("written"); // null: refused
+        QTest::newRow("replaced within the quotes") << "g_motd" << u"\u201cDon\u2019t\u201d"_qs << "'Don't'";
+        QTest::newRow("refused") << "g_motd" << u"\u0436"_qs << QString();
+        QTest::newRow("a password is never changed") << "rcon_password" << u"a\u2019"_qs << QString();
+        QTest::newRow("nor is another one") << "g_Password" << u"a\u2019"_qs << QString();
+        QTest::newRow("a password of Latin-1") << "rcon_password" << u"\u00e9"_qs << u"\u00e9"_qs;
+    }
+    void writesWhatTheGameCanHold()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, value);
+        QFETCH(QString, written);
+        for (const bool isQuick : {false, true}) {
+            Session session("g_motd \"old\"\ng_Password \"old\"\n");
+            const QString before = session.server.dvarList().value(name);
+            session.exchange.answerEverything(ScriptedExchange::ok());
+            const Reply reply = isQuick ? awaited(session.server.quickSetDvar(name, value))
+                                        : awaited(session.server.setDvar(name, value));
+            QCOMPARE(reply.isRefused, written.isNull());
+            QCOMPARE(reply.isSuccess(), !written.isNull());
+            const QStringList sent(QString("setadmindvar %1 \"%2\"").arg(name, written));
+            QCOMPARE(session.exchange.sent(), written.isNull() ? QStringList() : sent);
+            QCOMPARE(session.server.dvarList().value(name), written.isNull() ? before : written);
+            QCOMPARE(session.transcript.contains("Nothing was sent.\n"), written.isNull());
+        }
+    }
+
+    void aTypedLineKeepsTheQuotesAroundItsValues()
+    {
+        Session session;
+        session.exchange.answerEverything(ScriptedExchange::ok());
+        awaited(session.server.consoleInputDidChange(u"set a \u201cb \u2018c\u2019\u201d"_qs));
+        awaited(session.server.consoleInputDidChange(u"say \"b \u201cc\u201d\""_qs));
+        awaited(session.server.consoleInputDidChange(u"set g_password \u201cb\u201d"_qs));
+        QCOMPARE(session.exchange.sent(), QStringList({"set a \"b 'c'\"", "say \"b 'c'\""}));
     }
 
     void writesVariables_data()
@@ -153,11 +250,18 @@ private slots:
         QCOMPARE(session.server.tabSet() == TabSet::UnrankedMaps, !playlistsActive);
     }
 
+    void aRefusedPlaylistSwitchIsNone()
+    {
+        Session session;
+        const Reply reply = awaited(session.server.consoleInputDidChange(u"playlist_enabled 1 \u0436"_qs));
+        QVERIFY(reply.isRefused && session.server.dvarList().value("playlist_enabled") == "0");
+    }
+
     void aCancelledCommandLeavesNoTrace()
     {
         Session session;
         session.exchange.hold();
-        QCoro::Task<> sending = session.server.consoleInputDidChange("playlist_enabled 1");
+        QCoro::Task<Reply> sending = session.server.consoleInputDidChange("playlist_enabled 1");
         session.server.cancelExchange();
         awaited(std::move(sending));
         QVERIFY(!session.server.playlistsActive());

@@ -67,12 +67,13 @@ void ConsoleView::consoleInputDidChange()
 QCoro::Task<> ConsoleView::sendLine(QString line)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn) {
-        if (consoleInput->text().isEmpty()) // called off before it was sent: not lost
-            consoleInput->setText(line);
-        co_return;
+    bool isSent = false;
+    if (turn) {
+        const Reply reply = co_await m_server.consoleInputDidChange(line);
+        isSent = !reply.isRefused;
     }
-    co_await m_server.consoleInputDidChange(line);
+    if (!isSent && consoleInput->text().isEmpty()) // called off or refused: not lost
+        consoleInput->setText(line);
 }
 
 void ConsoleView::consoleHistoryStepperChanged()

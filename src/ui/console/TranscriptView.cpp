@@ -1,9 +1,13 @@
 #include "TranscriptView.h"
 
 #include <QFontDatabase>
+#include <QMimeData>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextDocument>
+
+#include <algorithm>
+#include <memory>
 
 static constexpr int mostLines = 200'000;
 static constexpr int linesForgottenAtOnce = 20'000;
@@ -16,6 +20,8 @@ TranscriptView::TranscriptView(QWidget *parent) : QPlainTextEdit(parent)
     QScrollBar *bar = verticalScrollBar();
     connect(bar, &QScrollBar::valueChanged, this, [this, bar](int value) { m_followsEnd = value == bar->maximum(); });
     connect(bar, &QScrollBar::rangeChanged, this, [this, bar](int, int maximum) {
+        // What can be seen as a whole, because it was emptied or the window grew, shows its end too.
+        m_followsEnd = m_followsEnd || bar->value() >= maximum;
         if (m_followsEnd)
             bar->setValue(maximum);
     });
@@ -24,23 +30,108 @@ TranscriptView::TranscriptView(QWidget *parent) : QPlainTextEdit(parent)
     setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
 }
 
-/// A line of any length would be laid out as a whole at every change; a server may send one of megabytes.
-static QString inBlocks(const QString &text, qsizetype lengthOfLastLine)
+// What stood before a block when it was sent is kept as the block's state; without one it was a line feed.
+static constexpr int nothingBefore = 0;
+static constexpr int carriageReturnAndLineFeedBefore = 0x0d0a;
+
+/// What a document cannot hold within a block.
+static bool beginsBlock(QChar c)
 {
-    constexpr qsizetype longestLine = 2000;
-    QString blocks;
-    blocks.reserve(text.size() + text.size() / longestLine);
-    qsizetype length = lengthOfLastLine;
-    for (const QChar c : text) {
-        if (c == QLatin1Char('\n')) {
-            length = 0;
-        } else if (++length > longestLine) {
-            blocks += QLatin1Char('\n');
-            length = 1;
+    const char16_t code = c.unicode();
+    return code == u'\n' || code == u'\r' || code == QChar::ParagraphSeparator || code == 0xfdd0 || code == 0xfdd1;
+}
+
+namespace
+{
+
+/// A text as a document takes it: blocks, and what stood before those that no line feed began.
+class Blocks
+{
+public:
+    struct Beginning {
+        int block; ///< counted from the one that the text continues
+        int before;
+    };
+
+    Blocks(const QString &text, qsizetype lengthOfLastBlock) : m_length(lengthOfLastBlock)
+    {
+        m_text.reserve(text.size() + text.size() / longestBlock);
+        for (qsizetype i = 0; i < text.size(); ++i) {
+            const QChar c = text.at(i);
+            if (c == u'\r' && i + 1 < text.size() && text.at(i + 1) == u'\n') {
+                begin(carriageReturnAndLineFeedBefore);
+                ++i;
+            } else if (beginsBlock(c)) {
+                begin(c.unicode());
+            } else {
+                append(c);
+            }
         }
-        blocks += c;
     }
-    return blocks;
+
+    const QString &text() const { return m_text; }
+    const QList<Beginning> &beginnings() const { return m_beginnings; }
+
+private:
+    // A block is laid out as a whole at every change, and a server may send a line of megabytes. No line that fits into
+    // a datagram is cut.
+    static constexpr qsizetype longestBlock = 65536;
+
+    void begin(int before)
+    {
+        m_text += u'\n';
+        ++m_block;
+        m_length = 0;
+        if (before != u'\n')
+            m_beginnings.append({m_block, before});
+    }
+    void append(QChar c)
+    {
+        if (m_length >= longestBlock && !c.isLowSurrogate())
+            begin(nothingBefore);
+        ++m_length;
+        m_text += c;
+    }
+
+    QString m_text;
+    QList<Beginning> m_beginnings;
+    int m_block = 0;
+    qsizetype m_length;
+};
+
+} // namespace
+
+static QString textBefore(const QTextBlock &block)
+{
+    switch (block.userState()) {
+    case nothingBefore:
+        return {};
+    case carriageReturnAndLineFeedBefore:
+        return QStringLiteral("\r\n");
+    case -1:
+        return QStringLiteral("\n");
+    default:
+        return QString(QChar(block.userState()));
+    }
+}
+
+QMimeData *TranscriptView::createMimeDataFromSelection() const
+{
+    const QTextCursor selection = textCursor();
+    const int begin = selection.selectionStart();
+    const int end = selection.selectionEnd();
+    QString text;
+    text.reserve(end - begin);
+    QTextBlock block = document()->findBlock(begin);
+    for (; block.isValid() && block.position() <= end; block = block.next()) {
+        if (block.position() > begin)
+            text += textBefore(block);
+        const int first = std::max(0, begin - block.position());
+        text += QStringView(block.text()).mid(first, end - block.position() - first);
+    }
+    auto copied = std::make_unique<QMimeData>();
+    copied->setText(text);
+    return copied.release(); // to Qt
 }
 
 void TranscriptView::appendConsoleMessage(const QString &text)
@@ -55,7 +146,11 @@ void TranscriptView::appendConsoleMessage(const QString &text)
     const bool doesSelectEnd = reader.hasSelection() && reader.selectionEnd() == end.position();
     const int anchor = reader.anchor();
     const int position = reader.position();
-    end.insertText(inBlocks(text, end.block().length() - 1));
+    const Blocks blocks(text, end.block().length() - 1);
+    const int continued = end.blockNumber();
+    end.insertText(blocks.text());
+    for (const Blocks::Beginning &beginning : blocks.beginnings())
+        document()->findBlockByNumber(continued + beginning.block).setUserState(beginning.before);
     if (doesSelectEnd) {
         reader.setPosition(anchor);
         reader.setPosition(position, QTextCursor::KeepAnchor);

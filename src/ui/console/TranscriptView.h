@@ -13,6 +13,10 @@ public:
     /// Appends `text` as it stands, without a line break of its own.
     void appendConsoleMessage(const QString &text);
 
+protected:
+    /// The selected text as it was appended, to the last character.
+    QMimeData *createMimeDataFromSelection() const override;
+
 private:
     int forgetOldLines();
 

@@ -1,7 +1,7 @@
 #include "AddMessageToRotationWindowController.h"
 
-#include "KelMessageRotation.h"
 #include "Number.h"
+#include "UnsendableLabel.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -11,8 +11,7 @@
 
 AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMessage addMessage, QWidget *parent)
     : QDialog(parent, Qt::Sheet), messageTextField(new QLineEdit(this)), durationTextField(new QLineEdit(this)),
-      addButton(new QPushButton(tr("Add"), this)),
-      m_unsendableLabel(new QLabel(tr("The server lacks one of these characters: it would not be sent"), this)),
+      addButton(new QPushButton(tr("Add"), this)), m_unsendableLabel(new UnsendableLabel(this)),
       m_durationHint(new QLabel(this)), m_addMessage(std::move(addMessage))
 {
     setObjectName(QStringLiteral("AddMessageToRotationWindowController"));
@@ -24,7 +23,6 @@ AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMe
     durationTextField->setObjectName(QStringLiteral("durationTextField"));
     durationTextField->setAccessibleName(tr("Duration"));
     durationTextField->setPlaceholderText(tr("seconds"));
-    m_unsendableLabel->setObjectName(QStringLiteral("unsendableLabel"));
     QSizePolicy policy = m_unsendableLabel->sizePolicy();
     policy.setRetainSizeWhenHidden(true); // or the fields would be squeezed when it appears
     m_unsendableLabel->setSizePolicy(policy);
@@ -60,7 +58,7 @@ bool AddMessageToRotationWindowController::addButtonEnabled() const
 void AddMessageToRotationWindowController::controlTextDidChange()
 {
     const QString duration = durationTextField->text();
-    m_unsendableLabel->setVisible(!KelMessageRotation::isSendable(messageTextField->text()));
+    m_unsendableLabel->judge(messageTextField->text());
     addButton->setEnabled(!messageTextField->text().isEmpty() && !duration.isEmpty());
     const bool isStall = !duration.isEmpty() && !parseNumber(duration);
     m_durationHint->setText(isStall ? tr("Playback stays on this message until Stop is pressed")

@@ -7,6 +7,7 @@
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class UnsendableLabel;
 
 /// The sheet that adds messages to the open rotation, one after another, until it is closed.
 class AddMessageToRotationWindowController : public QDialog
@@ -30,7 +31,7 @@ private:
     QLineEdit *messageTextField;
     QLineEdit *durationTextField;
     QPushButton *addButton;
-    QLabel *m_unsendableLabel;
+    UnsendableLabel *m_unsendableLabel;
     QLabel *m_durationHint;
     const AddMessage m_addMessage;
 };

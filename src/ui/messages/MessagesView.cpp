@@ -9,6 +9,7 @@
 #include "Preferences.h"
 #include "QuickMessageField.h"
 #include "RotationPane.h"
+#include "UnsendableLabel.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -40,10 +41,8 @@ MessagesView::MessagesView(KelMessageRotation &messages, ActionQueue &actions, A
       checkBoxLoopMessages(new QCheckBox(tr("Loop"), this)), onAirLabel(new QLabel(this)),
       quickMessageTextField(new QuickMessageField(this)), colorButton(new QPushButton(tr("Colour"), this)),
       quickMessageButton(new QPushButton(tr("Send"), this)), colorPreview(new ColorPreview(this)),
-      unsendableLabel(
-          new QLabel(tr("A character of this message does not exist on the server: it would not be sent."), this)),
-      m_messages(messages), m_actions(actions), m_preferences(preferences), m_onAirDelegate(new OnAirDelegate(this)),
-      m_colorMenu(new QMenu(this))
+      unsendableLabel(new UnsendableLabel(this)), m_messages(messages), m_actions(actions), m_preferences(preferences),
+      m_onAirDelegate(new OnAirDelegate(this)), m_colorMenu(new QMenu(this))
 {
     setFocusProxy(rotationPane);
     nameControls();
@@ -72,8 +71,6 @@ void MessagesView::nameControls()
     colorButton->setObjectName(QStringLiteral("colorButton"));
     colorButton->setToolTip(tr("Insert the code of a colour"));
     quickMessageButton->setObjectName(QStringLiteral("quickMessageButton"));
-    unsendableLabel->setObjectName(QStringLiteral("unsendableLabel"));
-    unsendableLabel->setWordWrap(true);
     quickMessageTextField->addColorCodes(*m_colorMenu);
     m_secondTimer.setInterval(std::chrono::milliseconds(200));
 }
@@ -187,7 +184,7 @@ void MessagesView::quickMessageDidChange()
     const QString text = quickMessageTextField->text();
     m_messages.setQuickMessageText(text);
     colorPreview->showMessage(text);
-    unsendableLabel->setVisible(!KelMessageRotation::isSendable(text));
+    unsendableLabel->judge(text);
 }
 
 void MessagesView::updateTransport()

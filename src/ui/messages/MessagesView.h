@@ -16,6 +16,7 @@ class QLabel;
 class QPushButton;
 class QuickMessageField;
 class RotationPane;
+class UnsendableLabel;
 
 /// The rotation of chat messages with what plays it, and the message that is sent at once.
 class MessagesView : public TabPage
@@ -61,7 +62,7 @@ private:
     QPushButton *colorButton;
     QPushButton *quickMessageButton;
     ColorPreview *colorPreview;
-    QLabel *unsendableLabel;
+    UnsendableLabel *unsendableLabel;
     /// The Add Message sheet while it is open.
     QPointer<AddMessageToRotationWindowController> addMessageToRotationWindowController;
 

@@ -1,5 +1,7 @@
 #include "PlayerSendMessage.h"
 
+#include "UnsendableLabel.h"
+
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
@@ -8,7 +10,7 @@
 
 PlayerSendMessage::PlayerSendMessage(QWidget *parent)
     : QDialog(parent, Qt::Sheet), messageTextField(new QLineEdit(this)), sendButton(new QPushButton(tr("Send"), this)),
-      m_recipients(new QLabel(this))
+      m_recipients(new QLabel(this)), m_unsendableLabel(new UnsendableLabel(this))
 {
     setObjectName(QStringLiteral("playerSendMessagePanel"));
     setWindowTitle(tr("Private Message"));
@@ -28,6 +30,7 @@ PlayerSendMessage::PlayerSendMessage(QWidget *parent)
     auto *layout = new QFormLayout(this);
     layout->addRow(tr("To"), m_recipients);
     layout->addRow(tr("Message"), messageTextField);
+    layout->addRow(QString(), m_unsendableLabel);
     layout->addRow(buttons);
 
     connect(messageTextField, &QLineEdit::textChanged, this, &PlayerSendMessage::controlTextDidChange);
@@ -69,5 +72,6 @@ void PlayerSendMessage::cancelPressed()
 
 void PlayerSendMessage::controlTextDidChange()
 {
-    sendButton->setEnabled(!messageTextField->text().isEmpty());
+    const bool isSendable = m_unsendableLabel->judge(messageTextField->text());
+    sendButton->setEnabled(isSendable && !messageTextField->text().isEmpty()); // sending it would lose it
 }

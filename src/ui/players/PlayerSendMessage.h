@@ -5,6 +5,7 @@
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class UnsendableLabel;
 
 /// The panel in which a private message is written. Closing it any other way than by "Send" leaves no message.
 class PlayerSendMessage : public QDialog
@@ -28,4 +29,5 @@ private:
     QLineEdit *messageTextField;
     QPushButton *sendButton;
     QLabel *m_recipients;
+    UnsendableLabel *m_unsendableLabel;
 };

@@ -23,10 +23,10 @@ void DvarValueDelegate::setEditorData(QWidget *editor, const QModelIndex &index)
 
 void DvarValueDelegate::setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const
 {
-    const auto *field = qobject_cast<QLineEdit *>(editor);
+    const auto *field = qobject_cast<DvarValueEditor *>(editor);
     // A field that was only looked at must not write back a value that has changed on the server meanwhile.
     if (field != nullptr && field->isModified())
-        model->setData(index, field->text(), Qt::EditRole);
+        model->setData(index, field->value(), Qt::EditRole);
 }
 
 void DvarValueDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,

@@ -1,6 +1,7 @@
 #include "DvarValueEditor.h"
 
 #include "DvarSetting.h"
+#include "GameText.h"
 #include "Secrets.h"
 
 #include <QAccessible>
@@ -13,6 +14,11 @@
 namespace
 {
 
+GameText gameText(const DvarSetting &setting, const QString &typed)
+{
+    return holdsPassword(setting.dvar()) ? GameText::asItStands(typed) : GameText::of(typed);
+}
+
 /// Lets everything be typed, but only what the setting accepts be entered.
 class DvarValueValidator : public QValidator
 {
@@ -23,7 +29,8 @@ public:
     }
     State validate(QString &text, int &) const override
     {
-        return m_setting->validateValue(text) ? Acceptable : Intermediate;
+        const GameText judged = gameText(*m_setting, text);
+        return judged.isSendable() && m_setting->validateValue(judged.text()) ? Acceptable : Intermediate;
     }
 
 private:
@@ -43,7 +50,7 @@ DvarValueEditor::DvarValueEditor(const std::shared_ptr<DvarSetting> &setting, QW
     setValidator(new DvarValueValidator(setting, this));
     m_hint->setObjectName(QStringLiteral("dvarValueHint"));
     m_hint->setTextFormat(Qt::PlainText);
-    m_hint->setText(setting->acceptedValues());
+    m_hint->setText(hintText());
     m_hint->setMargin(4);
     m_hint->setFrameShape(QFrame::Box);
     m_hint->setAutoFillBackground(true);
@@ -59,11 +66,27 @@ DvarValueEditor::~DvarValueEditor()
     delete m_hint; // null when the parent went first
 }
 
+QString DvarValueEditor::value() const
+{
+    return gameText(*m_setting, text()).text();
+}
+
+QString DvarValueEditor::hintText() const
+{
+    const GameText judged = gameText(*m_setting, text());
+    if (judged.isSendable())
+        return m_setting->acceptedValues();
+    return holdsPassword(m_setting->dvar()) ? tr("The game cannot hold a character of this password.")
+                                            : judged.complaint();
+}
+
 void DvarValueEditor::showHint()
 {
-    if (m_hint.isNull() || m_hint->isVisible())
+    const QString hint = hintText();
+    if (m_hint.isNull() || (m_hint->isVisible() && m_hint->text() == hint))
         return;
-    setAccessibleDescription(m_hint->text());
+    m_hint->setText(hint);
+    setAccessibleDescription(hint);
     placeHint();
     m_hint->show();
     m_hint->raise();

@@ -19,6 +19,8 @@ public:
     ~DvarValueEditor() override;
 
     void showHint();
+    /// What is typed, as it is to be sent: typographic signs as plain ones, but for a password.
+    QString value() const;
 
 protected:
     void moveEvent(QMoveEvent *event) override;
@@ -26,6 +28,7 @@ protected:
 
 private:
     void updateHint();
+    QString hintText() const;
     void placeHint();
 
     std::shared_ptr<DvarSetting> m_setting;

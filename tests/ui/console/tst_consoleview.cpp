@@ -4,6 +4,8 @@
 #include "SessionFixture.h"
 #include "TranscriptView.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QTextBlock>
@@ -128,18 +130,95 @@ private slots:
         QCOMPARE(bar->value(), bar->maximum());
     }
 
-    void aLineOfAnyLengthIsBroken()
+    void followsItsEndAgainWhenAllIsInView_data()
+    {
+        QTest::addColumn<bool>("isEmptied");
+        QTest::newRow("a connect empties it") << true;
+        QTest::newRow("the window grows") << false;
+    }
+    void followsItsEndAgainWhenAllIsInView()
+    {
+        QFETCH(bool, isEmptied);
+        TranscriptView transcript;
+        transcript.resize(400, 100);
+        transcript.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&transcript));
+        QScrollBar *bar = transcript.verticalScrollBar();
+        transcript.appendConsoleMessage(QString("line\n").repeated(10));
+        bar->setValue(0);
+        if (isEmptied)
+            transcript.clear();
+        else
+            transcript.resize(400, 600);
+        QTRY_COMPARE(bar->maximum(), 0);
+        transcript.appendConsoleMessage(QString("more\n").repeated(100));
+        QVERIFY(bar->maximum() > 0);
+        QCOMPARE(bar->value(), bar->maximum());
+    }
+
+    void copiesWhatWasAppended_data()
+    {
+        QTest::addColumn<QStringList>("appended");
+        const auto row = [](const char *name, const QStringList &appended) {
+            QTest::newRow(name) << appended;
+        };
+        const QString megabytes = QString("0123456789").repeated(300000);
+        row("a line of megabytes, piece by piece", {megabytes, megabytes + '\n', "end"});
+        row("line breaks of every kind", {"a\r\nb\rc\n\n\r\n", "d\u2029e\u2028f\n"});
+        row("blanks that do not break", {u"a\u00a0b\tc  d \n"_qs});
+        row("signs of two surrogates", {QString(u"\U0001f600"_qs).repeated(50000), "x", QString(u"\U0001f600"_qs)});
+        row("control characters", {u"\u0001\u001b\u0085\u009f\u00ad\n"_qs});
+    }
+    void copiesWhatWasAppended()
+    {
+        QFETCH(QStringList, appended);
+        TranscriptView transcript;
+        for (const QString &text : appended)
+            transcript.appendConsoleMessage(text);
+        for (QTextBlock block = transcript.document()->begin(); block.isValid(); block = block.next()) {
+            QVERIFY(block.length() <= 65538); // what is laid out at once
+            QVERIFY(!block.text().startsWith(u"\U0001f600"_qs.at(1)));
+        }
+        transcript.selectAll();
+        QTest::keyClick(&transcript, Qt::Key_C, Qt::ControlModifier);
+        const QString whole = appended.join(QString());
+        QVERIFY(QGuiApplication::clipboard()->text() == whole); // a difference would be shown as megabytes
+
+        QTextCursor part = transcript.textCursor();
+        part.setPosition(1);
+        part.movePosition(QTextCursor::End, QTextCursor::KeepAnchor);
+        part.movePosition(QTextCursor::PreviousCharacter, QTextCursor::KeepAnchor);
+        transcript.setTextCursor(part);
+        transcript.copy();
+        const QString copied = QGuiApplication::clipboard()->text();
+        QVERIFY(!copied.isEmpty() && copied.size() < whole.size() && whole.contains(copied));
+    }
+
+    void noLineOfADatagramIsBroken()
     {
         TranscriptView transcript;
-        transcript.appendConsoleMessage(QString(1500, QLatin1Char('a')));
-        transcript.appendConsoleMessage(QString(1000000, QLatin1Char('b')) + QLatin1Char('\n'));
-        QTextBlock block = transcript.document()->begin();
-        qsizetype length = 0;
-        for (; block.isValid(); block = block.next()) {
-            QVERIFY(block.text().size() <= 2000);
-            length += block.text().size();
-        }
-        QCOMPARE(length, qsizetype(1001500));
+        transcript.appendConsoleMessage(QString(60000, u'x') + '\n');
+        QCOMPARE(transcript.blockCount(), 2);
+        QCOMPARE(transcript.toPlainText(), QString(60000, u'x') + '\n');
+    }
+
+    void aRefusedLineStaysInTheField()
+    {
+        Console console;
+        console.input->setText(u"say \u0436"_qs);
+        QTest::keyClick(console.input, Qt::Key_Return);
+        QVERIFY(console.settle());
+        QVERIFY(console.exchange.sent().isEmpty());
+        QCOMPARE(console.input->text(), u"say \u0436"_qs);
+        QCOMPARE(console.output->toPlainText(),
+                 u"] say \u0436\nThe game cannot show these characters: \u0436. Nothing was sent.\n"_qs);
+        console.input->setText(u"a \u0436"_qs);
+        console.view.consoleInputDidChange();
+        console.input->setText("typed on");
+        QVERIFY(console.settle());
+        QCOMPARE(console.input->text(), "typed on");
+        QTest::keyClick(console.input, Qt::Key_Up);
+        QCOMPARE(console.input->text(), u"a \u0436"_qs); // not lost
     }
 
     void keepsTheReadersSelection()

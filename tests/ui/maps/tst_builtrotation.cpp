@@ -37,6 +37,22 @@ private slots:
         QCOMPARE(maps.rotation().isEmpty(), failing >= 0);
     }
 
+    void tellsOfNamesThatTheGameCannotHold()
+    {
+        Maps maps;
+        maps.write(QStringLiteral("maps"),
+                   QString("<Maps><version>4.0</version><Map><name>New</name><dvarName>mp_ж</dvarName></Map></Maps>")
+                       .toUtf8());
+        awaited(maps.maps.loadMapList());
+        awaited(maps.mapRotations.addEntries({{"New", "Domination"}}));
+        maps.press("setBuiltRotationButton");
+        QVERIFY(maps.settle());
+        QCOMPARE(maps.exchange.sent(), QStringList());
+        QCOMPARE(maps.alerts.texts(), QStringList("'sv_mapRotation' returned an error: The game cannot show these "
+                                                  "characters: \u0436. Nothing was sent."));
+        QCOMPARE(maps.mapRotations.entries().size(), 1);
+    }
+
     void refusesUnknownNames()
     {
         Maps maps;

@@ -82,6 +82,40 @@ private slots:
         QCOMPARE(field.text(), QString());
     }
 
+    void keepsAQuickMessageThatTheGameCannotHold()
+    {
+        Messages messages;
+        messages.exchange.answerEverything(ScriptedExchange::ok());
+        QuickMessageField &field = *control<QuickMessageField>(messages.view, "quickMessageTextField");
+        const QLabel &label = *control<QLabel>(messages.view, "unsendableLabel");
+        field.setText(u"hi \u0436\u20ac"_qs);
+        QCOMPARE(label.text(), u"The game cannot show these characters: \u0436 \u20ac. It would not be sent."_qs);
+        messages.view.quickMessageButtonPressed();
+        QCOMPARE(messages.sent(), QStringList());
+        const QString told =
+            u"'Say' returned an error: The game cannot show these characters: \u0436 \u20ac. Nothing was sent."_qs;
+        QCOMPARE(messages.alerts.texts(), QStringList(told));
+        QCOMPARE(field.text(), u"hi \u0436\u20ac"_qs);
+        field.setText(u"\u201cDon\u2019t\u201d\u2026"_qs);
+        QVERIFY(label.isHidden());
+        messages.view.quickMessageButtonPressed();
+        QCOMPARE(messages.sent(), QStringList("say \"'Don't'...\""));
+        QVERIFY(field.text().isEmpty());
+    }
+
+    void tellsOfARotationsMessageThatTheGameCannotHold()
+    {
+        Messages messages;
+        messages.exchange.answerEverything(ScriptedExchange::ok());
+        awaited(messages.messageRotations.addEntries({{u"\u0436"_qs, "1000"}, {u"\u201chi\u201d"_qs, "1000"}}));
+        messages.button("buttonStartMessageRotation").click();
+        QCOMPARE(messages.sent(), QStringList());
+        QVERIFY(messages.alerts.texts().join('|').contains(u"these characters: \u0436. Nothing"_qs));
+        messages.messageRotations.advanceRotation();
+        QCOMPARE(messages.sent(), QStringList("say \"'hi'\""));
+        QCOMPARE(messages.messageRotations.entries().last()->message, u"\u201chi\u201d"_qs); // the file keeps it
+    }
+
     void messagesAreAddedUntilTheSheetIsClosed()
     {
         QStringList added;

@@ -307,6 +307,23 @@ private slots:
         }
     }
 
+    void thePanelSendsOnlyWhatTheGameCanHold()
+    {
+        Players players;
+        players.select({"Cy"});
+        players.press("messagePlayerButton");
+        auto *panel = control<PlayerSendMessage>(players.view, "playerSendMessagePanel");
+        auto *field = control<QLineEdit>(*panel, "messageTextField");
+        auto *sendButton = control<QPushButton>(*panel, "sendButton");
+        field->setText(u"\u0436"_qs);
+        QVERIFY(!sendButton->isEnabled()); // it would be lost with the panel
+        QVERIFY(control<QLabel>(*panel, "unsendableLabel")->text().contains(u": \u0436. "_qs));
+        field->setText(u"don\u2019t \u201cleave\u201d"_qs);
+        QVERIFY(control<QLabel>(*panel, "unsendableLabel")->isHidden());
+        sendButton->click();
+        QCOMPARE(players.sent(), QStringList{"tell 3 don't 'leave'"});
+    }
+
     void aMessageGoesToThoseItWasWrittenTo()
     {
         Players players;

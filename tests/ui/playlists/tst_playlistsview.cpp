@@ -229,6 +229,21 @@ private slots:
         }
     }
 
+    void tellsOfExclusionsThatTheGameCannotHold()
+    {
+        Playlists playlists;
+        playlists.write(QStringLiteral("maps"), QString("<Maps><version>4.0</version><Map><name>New</name>"
+                                                        "<dvarName>mp_ж</dvarName></Map></Maps>")
+                                                    .toUtf8());
+        awaited(playlists.maps.loadMapList());
+        playlists.playlists.addExclusion("New", "<any gametype>");
+        control<QPushButton>(playlists.view, "applyExclusionsButton")->click();
+        QVERIFY(playlists.answerAll());
+        QCOMPARE(playlists.alerts.texts(), QStringList("'playlist_excludeMap' returned an error: The game cannot show "
+                                                       "these characters: ж. Nothing was sent."));
+        QVERIFY(!playlists.exchange.sent().join(' ').contains("playlist_excludeMap "));
+    }
+
     void calledOffNothingMoreHappens()
     {
         for (const char *buttonName : {"startPlaylistButton", "applyExclusionsButton"}) {

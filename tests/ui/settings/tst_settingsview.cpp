@@ -67,6 +67,37 @@ private slots:
         QVERIFY(shown.exchange.sent().isEmpty());
     }
 
+    void writesOnlyWhatTheGameCanHold()
+    {
+        SettingsFixture shown;
+        shown.type("g_gravity", "5");
+        shown.editor()->home(false);
+        shown.editor()->insert(u"\u2212"_qs); // a minus, which no number has
+        QTest::keyClick(shown.editor(), Qt::Key_Return);
+        QTRY_VERIFY(shown.editor() == nullptr);
+        QCOMPARE(shown.sent(), QStringList{"setadmindvar g_gravity \"-5\""});
+        shown.exchange.forgetSent();
+        shown.settings.setSelectedSettingList("About");
+        shown.type("g_motd", {});
+        shown.editor()->setText({});
+        shown.editor()->insert(u"\u0436"_qs);
+        QTest::keyClicks(shown.editor(), "a");
+        QTest::keyClick(shown.editor(), Qt::Key_Return);
+        QCoreApplication::processEvents();
+        QVERIFY(shown.editor() != nullptr && shown.editor()->isVisible() && shown.isHintShown());
+        QCOMPARE(shown.editor()->text(), u"\u0436a"_qs); // not lost
+        QCOMPARE(shown.tree().findChild<QLabel *>("dvarValueHint")->text(),
+                 u"The game cannot show these characters: \u0436."_qs);
+        QVERIFY(shown.exchange.sent().isEmpty());
+        shown.editor()->setText(u"\u201cb\u201d"_qs);
+        QTest::keyClicks(shown.editor(), "!");
+        QVERIFY(!shown.isHintShown());
+        QTest::keyClick(shown.editor(), Qt::Key_Return);
+        QTRY_VERIFY(shown.editor() == nullptr);
+        QCOMPARE(shown.sent(), QStringList{"setadmindvar g_motd \"'b'!\""});
+        QCOMPARE(shown.shownValue("g_motd"), QString("'b'!"));
+    }
+
     void leavingTheFieldReturnsTheOldValue()
     {
         SettingsFixture shown;
