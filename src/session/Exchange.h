@@ -13,12 +13,13 @@
 
 /// One command for one server.
 struct Request {
-    QString host; ///< dotted IPv4
+    QString host; ///< as typed; dotted IPv4 where no address stands
     int port = 0;
     QString password;
     QString command;
     bool isSingle = false;     ///< one datagram is the whole reply
     bool isBackground = false; ///< nobody waits for it: sent once, never repeated
+    QString address = {};      ///< dotted IPv4 that the host was found to have
 };
 
 /// What became of a request: the server's text, or the text of the result code on failure.

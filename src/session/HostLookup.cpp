@@ -1,7 +1,7 @@
 #include "HostLookup.h"
 
-#include <QCoroFuture>
 #include <QCoreApplication>
+#include <QCoroFuture>
 #include <QPromise>
 #include <QUrl>
 

@@ -1,10 +1,13 @@
 #include "KelServer.h"
 
 #include "GameText.h"
+#include "HostLookup.h"
 #include "QuotedStrings.h"
 #include "Secrets.h"
 
 #include <utility>
+
+using namespace std::chrono_literals;
 
 static Reply notConnected()
 {
@@ -37,14 +40,37 @@ static QString reasonOfRefusal(const Request &request)
     return KelServer::tr("%1 Nothing was sent.").arg(command.complaint());
 }
 
+/// What a reply tells of its way, beside its text.
+static QStringList marksOf(const Reply &reply)
+{
+    QStringList marks;
+    if (reply.sends == 2)
+        marks.append(KelServer::tr("sent twice"));
+    else if (reply.sends > 2)
+        marks.append(KelServer::tr("sent three times"));
+    if (reply.doubled > 0)
+        marks.append(KelServer::tr("a part came twice"));
+    if (reply.mayBeIncomplete)
+        marks.append(KelServer::tr("the end may be missing"));
+    return marks;
+}
+
 KelServer::KelServer(Exchange &exchange, Alerts &alerts, QObject *parent)
-    : QObject(parent), m_exchange(exchange), m_alerts(alerts)
+    : QObject(parent), m_exchange(exchange), m_alerts(alerts), m_link(exchange)
 {
     connect(this, &KelServer::consoleCleared, this, [this] { m_isLineOpen = false; });
+    m_exchange.setCameLate([this](const QString &command, const QString &text) {
+        emit consoleNoteAppended(tr("came late, to “%1”").arg(command));
+        appendConsoleMessage(text);
+    });
+    m_announcing.setSingleShot(true);
+    m_announcing.setInterval(200ms);
+    connect(&m_announcing, &QTimer::timeout, this, &KelServer::dvarListChanged);
 }
 
 KelServer::~KelServer()
 {
+    m_exchange.setCameLate({});
     wipe(m_dvars[QStringLiteral("rcon_password")]);
 }
 
@@ -73,14 +99,24 @@ void KelServer::cancelExchange()
 {
     ++m_cancellations;
     m_exchange.cancel();
+    if (m_hostLookup != nullptr)
+        m_hostLookup->cancel();
 }
 
 void KelServer::setConnected(bool isConnected)
 {
-    if (m_isConnected == isConnected)
-        return;
-    m_isConnected = isConnected;
-    emit isConnectedChanged(isConnected);
+    ++m_connection;
+    if (isConnected)
+        m_link.open();
+    else
+        m_link.close();
+    if (std::exchange(m_isConnected, isConnected) != isConnected)
+        emit isConnectedChanged(isConnected);
+}
+
+QString KelServer::serverKey() const
+{
+    return QStringLiteral("%1:%2").arg(m_host.toLower()).arg(m_port);
 }
 
 QString KelServer::rconPassword() const
@@ -88,34 +124,63 @@ QString KelServer::rconPassword() const
     return m_dvars.value(QStringLiteral("rcon_password"));
 }
 
-QCoro::Task<Reply> KelServer::send(Request request)
+Request KelServer::requestFor(const QString &command, const QString &password) const
+{
+    Request request{m_host, m_port, password, command};
+    request.address = m_address;
+    return request;
+}
+
+QCoro::Task<Reply> KelServer::send(Request request, Arrived arrived)
 {
     const QString refusal = reasonOfRefusal(request);
     if (!refusal.isEmpty())
         co_return Reply{RConResultError, refusal, false, true};
-    co_return co_await m_exchange.send(request);
+    const quint64 connection = m_connection;
+    const auto sentAt = std::chrono::steady_clock::now();
+    if (!request.isBackground && ++m_exchangesUnderWay == 1)
+        emit exchangeUnderWayChanged(true);
+    m_link.noteSent();
+    Reply reply = co_await m_exchange.send(request, arrived);
+    if (!request.isBackground && --m_exchangesUnderWay == 0)
+        emit exchangeUnderWayChanged(false);
+    if (connection == m_connection)
+        m_link.noteReply(request, reply, sentAt);
+    co_return reply;
 }
 
 QCoro::Task<Reply> KelServer::ask(QString command, QString password)
 {
-    const Request request{m_host, m_port, password, command, false};
+    const Request request = requestFor(command, password);
     const Reply reply = co_await send(request);
     co_return reply;
 }
 
-QCoro::Task<Reply> KelServer::sendCommand(QString command)
+QCoro::Task<Reply> KelServer::sendCommand(QString command, Arrived arrived)
 {
     if (!m_isConnected)
         co_return notConnected();
     if (!writesPassword(command))
         command = GameText::of(command).text();
     echo(command);
-    const Reply reply = co_await ask(command, rconPassword());
-    if (reply.isCancelled)
-        co_return reply;
-    const bool isLineMissing = !reply.isSuccess() && !reply.text.endsWith(QLatin1Char('\n'));
-    appendConsoleMessage(isLineMissing ? reply.text + QLatin1Char('\n') : reply.text);
+    const Request request = requestFor(command, rconPassword());
+    const Arrived show = [this, arrived](const QString &text) {
+        appendConsoleMessage(text);
+        if (arrived)
+            arrived(text);
+    };
+    const Reply reply = co_await send(request, show);
+    if (!reply.isCancelled)
+        appendEnd(reply);
     co_return reply;
+}
+
+void KelServer::appendEnd(const Reply &reply)
+{
+    if (!reply.isSuccess()) // the text that came with it has been shown
+        appendConsoleMessage(reply.text.endsWith(QLatin1Char('\n')) ? reply.text : reply.text + QLatin1Char('\n'));
+    for (const QString &mark : marksOf(reply))
+        emit consoleNoteAppended(mark);
 }
 
 QCoro::Task<Reply> KelServer::setDvar(QString name, QString value)
@@ -142,11 +207,19 @@ QCoro::Task<Reply> KelServer::writeDvar(QString name, QString value, bool isSing
         value = GameText::of(value).text();
     const QString command = QStringLiteral("setadmindvar %1 \"%2\"").arg(name, value);
     echo(command);
-    const Request request{m_host, m_port, rconPassword(), command, isSingle};
-    const Reply reply = co_await send(request);
+    Request request = requestFor(command, rconPassword());
+    request.isSingle = isSingle;
+    const Arrived show = [this](const QString &text) {
+        appendConsoleMessage(text);
+    };
+    const Reply reply = co_await send(request, show);
     if (reply.isCancelled)
         co_return reply;
-    appendConsoleMessage(reply.text + QLatin1Char('\n'));
+    if (reply.isSuccess())
+        appendConsoleMessage(QStringLiteral("\n"));
+    appendEnd(reply);
+    if (reply.isSuccess() && !m_dvars.contains(name))
+        emit unknownDvarWritten(name);
     if (!reply.isSuccess() || !m_dvars.contains(name))
         co_return reply;
     m_dvars.insert(name, value);

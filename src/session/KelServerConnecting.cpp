@@ -2,6 +2,8 @@
 
 #include "Alerts.h"
 #include "CatalogueLoader.h"
+#include "DvarReplies.h"
+#include "HostLookup.h"
 #include "Number.h"
 #include "QuotedStrings.h"
 #include "Secrets.h"
@@ -28,26 +30,16 @@ static std::optional<int> parsePort(const QString &text)
     return static_cast<int>(*number);
 }
 
-static constexpr qsizetype fieldsOfReply = 3; // name, value, value in force
-
-/// The quoted fields of a reply to a variable's name. The network may have doubled it, and a server that is slow
-/// answers a repeated request as well: the same fields again are the same reply.
-static QStringList fieldsOfOne(const QString &reply)
-{
-    QStringList fields = quotedStrings(reply);
-    while (fields.size() > fieldsOfReply && fields.last(fieldsOfReply) == fields.first(fieldsOfReply))
-        fields.resize(fields.size() - fieldsOfReply);
-    return fields;
-}
-
 QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString password)
 {
     const quint64 cancellations = m_cancellations;
     forgetPassword();
     m_dvars.clear();
+    m_awaited.clear();
     emit dvarListChanged();
     clearCommandHistory();
     emit consoleCleared();
+    m_exchange.startOver();
 
     const std::optional<int> newPort = parsePort(portText);
     if (!newPort) {
@@ -55,8 +47,22 @@ QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString p
         co_await failConnecting(tr("Invalid Port"), text);
         co_return;
     }
-    const Request request{host, *newPort, password, QStringLiteral("dvardump"), false};
-    Reply reply = co_await send(request);
+    const HostAddresses found = co_await lookUp(host);
+    if (found.isCancelled || cancellations != m_cancellations)
+        co_return;
+    if (found.addresses.isEmpty()) {
+        co_await failConnecting(tr("Command Send Error"), found.error);
+        co_return;
+    }
+    Request request{host, *newPort, password, QStringLiteral("dvardump")};
+    Reply reply;
+    for (const QString &address : found.addresses) { // never at once: the password goes along
+        request.address = address;
+        reply = co_await send(request);
+        const bool isAnswered = reply.result != RConResultTimeout && reply.result != RConResultError;
+        if (reply.isCancelled || isAnswered || cancellations != m_cancellations)
+            break;
+    }
     if (reply.isCancelled || cancellations != m_cancellations)
         co_return;
     if (!reply.isSuccess()) {
@@ -65,11 +71,15 @@ QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString p
     }
     m_host = host;
     m_port = *newPort;
+    m_address = request.address;
     setConnected(true);
     emit connectionBegan();
-    for (const QStringView line : QStringView(reply.text).split(QLatin1Char('\n'), Qt::SkipEmptyParts))
-        addDvarLine(line);
+    takeDump(reply.text);
     wipe(reply.text); // the password is among the variables
+    if (reply.mayBeIncomplete)
+        co_await dumpOnceMore(password);
+    if (cancellations != m_cancellations)
+        co_return;
 
     const bool areAllThere = co_await fetchRequiredDvars(password);
     if (cancellations != m_cancellations)
@@ -83,21 +93,53 @@ QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString p
     emit dvarListChanged();
     setupTabsForPlaylistsAndRanked();
     if (m_catalogueLoader != nullptr)
-        co_await followCatalogues(password);
+        co_await followCatalogues();
     if (cancellations == m_cancellations)
         emit didConnect();
 }
 
-QCoro::Task<> KelServer::followCatalogues(QString password)
+QCoro::Task<HostAddresses> KelServer::lookUp(QString host)
+{
+    HostAddresses found{{host}, {}, false};
+    if (m_hostLookup != nullptr) {
+        emit lookUpBegan(host);
+        found = co_await m_hostLookup->find(host);
+        emit lookUpEnded();
+    }
+    co_return found;
+}
+
+/// A part was lost, or the server counts in a way of its own: it is asked again once, and never for that any more.
+QCoro::Task<> KelServer::dumpOnceMore(QString password)
+{
+    if (m_dumpedTwice.contains(serverKey()))
+        co_return;
+    m_dumpedTwice.insert(serverKey());
+    const quint64 cancellations = m_cancellations;
+    Reply reply = co_await ask(QStringLiteral("dvardump"), password);
+    if (!reply.isCancelled && reply.isSuccess() && cancellations == m_cancellations)
+        takeDump(reply.text);
+    wipe(reply.text);
+}
+
+QCoro::Task<> KelServer::followCatalogues()
 {
     const quint64 cancellations = m_cancellations;
     co_await m_catalogueLoader->loadCatalogues();
     if (cancellations != m_cancellations)
         co_return;
-    co_await fetchCataloguedDvars(password);
-    if (cancellations != m_cancellations)
-        co_return;
     co_await m_catalogueLoader->updateControls();
+}
+
+QStringList KelServer::cataloguedDvars() const
+{
+    if (m_catalogueLoader == nullptr)
+        return {};
+    QStringList names = m_catalogueLoader->settingDvars();
+    if (!m_isRanked)
+        names += m_catalogueLoader->gametypeDvars();
+    names.removeDuplicates();
+    return names;
 }
 
 QCoro::Task<> KelServer::failConnecting(QString title, QString text)
@@ -121,23 +163,6 @@ QCoro::Task<bool> KelServer::fetchRequiredDvars(QString password)
     co_return areAllThere;
 }
 
-QCoro::Task<> KelServer::fetchCataloguedDvars(QString password)
-{
-    const quint64 cancellations = m_cancellations;
-    QStringList names = m_catalogueLoader->settingDvars();
-    if (!m_isRanked)
-        names += m_catalogueLoader->gametypeDvars();
-    const int total = static_cast<int>(names.size());
-    int done = 0;
-    for (const QString &name : std::as_const(names)) {
-        co_await verifyDvar(name, password);
-        if (cancellations != m_cancellations)
-            co_return;
-        emit connectProgressed(++done, total);
-    }
-    emit dvarListChanged();
-}
-
 void KelServer::readMode()
 {
     const auto ranked = m_dvars.constFind(QStringLiteral("sv_ranked"));
@@ -145,26 +170,17 @@ void KelServer::readMode()
     m_playlistsActive = m_dvars.value(QStringLiteral("playlist_enabled")) == QLatin1String("1");
 }
 
+void KelServer::takeDump(const QString &dump)
+{
+    for (const QStringView line : QStringView(dump).split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+        addDvarLine(line);
+}
+
 void KelServer::addDvarLine(QStringView line)
 {
-    const QChar quote = QLatin1Char('"');
-    const qsizetype opening = line.indexOf(quote);
-    const qsizetype closing = opening < 0 ? -1 : line.indexOf(quote, opening + 1);
-    if (closing < 0)
-        return;
-    const QStringView value = line.sliced(opening + 1, closing - opening - 1);
-    qsizetype end = opening;
-    while (end > 0 && line.at(end - 1) == QLatin1Char(' '))
-        --end;
-    qsizetype begin = end;
-    while (begin > 0 && line.at(begin - 1) != QLatin1Char(' '))
-        --begin;
-    // An empty value stays out of the catalogue, so that it can be asked for by name.
-    if (begin == end || value.isEmpty())
-        return;
-    const QString name = line.sliced(begin, end - begin).toString();
-    if (m_dvars.size() < mostDumpedDvars || m_dvars.contains(name))
-        m_dvars.insert(name, value.toString());
+    const auto dvar = dumpedDvar(line);
+    if (dvar && (m_dvars.size() < mostDumpedDvars || m_dvars.contains(dvar->first)))
+        m_dvars.insert(dvar->first, dvar->second);
 }
 
 QCoro::Task<bool> KelServer::verifyDvar(QString name, QString password)
@@ -179,15 +195,114 @@ QCoro::Task<bool> KelServer::verifyDvar(QString name, QString password)
         co_await failConnecting(tr("Command Send Error"), reply.text);
         co_return false;
     }
-    if (startsWithString(reply.text, QStringLiteral("Unknown command"))) {
+    if (isUnknownDvar(reply.text)) {
         const QString text = tr("The dvar '%1' was not recognized by the server").arg(name);
         co_await m_alerts.run(tr("Unknown dvar"), text);
         co_return false;
     }
-    const QStringList fields = fieldsOfOne(reply.text);
-    if (fields.size() != fieldsOfReply)
+    const std::optional<QString> value = toldValue(reply.text);
+    if (!value)
         co_return false;
-    const QString &value = fields.at(2);
-    m_dvars.insert(name, value.mid(1, value.size() - 2));
+    m_dvars.insert(name, *value);
     co_return true;
+}
+
+QCoro::Task<KelServer::Fetched> KelServer::fetchDvar(QString name)
+{
+    const quint64 connection = m_connection;
+    Request request = requestFor(name, rconPassword());
+    request.isBackground = true;
+    const Reply reply = co_await send(request);
+    if (reply.isCancelled || connection != m_connection)
+        co_return Fetched::CalledOff;
+    if (reply.result == RConResultInvalidPassword)
+        co_return Fetched::Refused;
+    if (!reply.isSuccess())
+        co_return Fetched::NoAnswer;
+    const std::optional<QString> value = toldValue(reply.text);
+    setAwaited(name, false);
+    if (!value)
+        co_return Fetched::Unknown;
+    const bool isNew = !m_dvars.contains(name);
+    m_dvars.insert(name, *value);
+    if (isNew)
+        emit dvarFetched(name);
+    announceDvars();
+    co_return Fetched::Known;
+}
+
+void KelServer::setAwaited(const QString &name, bool isAwaited)
+{
+    if (isAwaited)
+        m_awaited.insert(name);
+    else
+        m_awaited.remove(name);
+    announceDvars();
+}
+
+void KelServer::forgetAwaited()
+{
+    m_awaited.clear();
+    announceDvars();
+}
+
+QCoro::Task<> KelServer::probe()
+{
+    Request request = requestFor(QStringLiteral("sv_hostname"), rconPassword());
+    request.isBackground = true;
+    const Reply reply = co_await send(request);
+    Q_UNUSED(reply)
+}
+
+/// Gathered: with each value that comes, every table that shows some looks all of them up.
+void KelServer::announceDvars()
+{
+    if (!m_announcing.isActive())
+        m_announcing.start();
+}
+
+QCoro::Task<std::optional<DvarTable>> KelServer::dumpDvars()
+{
+    const quint64 connection = m_connection;
+    std::optional<DvarTable> dumped;
+    Reply reply = co_await ask(QStringLiteral("dvardump"), rconPassword());
+    if (reply.isCancelled || connection != m_connection || !reply.isSuccess())
+        co_return dumped;
+    dumped.emplace();
+    for (const QStringView line : QStringView(reply.text).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        if (const auto dvar = dumpedDvar(line); dvar && dumped->size() < mostDumpedDvars)
+            dumped->insert(dvar->first, dvar->second);
+    }
+    wipe(reply.text);
+    co_return dumped;
+}
+
+QStringList KelServer::takeDvars(const DvarTable &dumped)
+{
+    const QStringList catalogued = cataloguedDvars();
+    QStringList different;
+    for (auto each = dumped.cbegin(); each != dumped.cend(); ++each) {
+        if (m_dvars.value(each.key()) == *each)
+            continue;
+        if (catalogued.contains(each.key()))
+            different.append(each.key());
+        m_dvars.insert(each.key(), *each);
+    }
+    emit dvarListChanged();
+    return different;
+}
+
+QCoro::Task<> KelServer::followMode()
+{
+    const TabSet before = m_tabSet;
+    readMode();
+    setupTabsForPlaylistsAndRanked();
+    if (m_catalogueLoader != nullptr && before != m_tabSet)
+        co_await followCatalogues();
+}
+
+void KelServer::setPassword(const QString &password)
+{
+    m_dvars.insert(QStringLiteral("rcon_password"), password);
+    emit dvarListChanged();
 }

@@ -20,7 +20,8 @@ RConExchange::~RConExchange()
 QCoro::Task<Reply> RConExchange::send(Request request, Arrived arrived)
 {
     DatagramPacketError error;
-    auto packet = DatagramPacket::initWithHost(request.host, static_cast<quint16>(request.port), &error);
+    const QString address = request.address.isEmpty() ? request.host : request.address;
+    auto packet = DatagramPacket::initWithHost(address, static_cast<quint16>(request.port), &error);
     if (!packet)
         co_return Reply{RConResultError, error.localizedDescription, false};
     talkTo(packet->server());

@@ -42,6 +42,8 @@ public:
     }
 
     void answer(const QString &command, const Reply &reply) { m_answers[command] = reply; }
+    /// Whatever is asked of this address gets this answer.
+    void answerFrom(const QString &address, const Reply &reply) { m_answersFrom[address] = reply; }
     void forget(const QString &command) { m_answers.remove(command); }
     /// Whatever has no answer of its own gets this one.
     void answerEverything(const Reply &reply) { m_fallback = reply; }
@@ -70,7 +72,8 @@ public:
         if (!isAnswered)
             co_return Reply{RConResultError, QStringLiteral("cancelled"), true};
         const Reply fallback = m_fallback.value_or(failure());
-        const Reply reply = m_answers.value(request.command, fallback);
+        const Reply byCommand = m_answers.value(request.command, fallback);
+        const Reply reply = m_answersFrom.value(request.address, byCommand);
         if (arrived && reply.isSuccess() && !reply.text.isEmpty())
             arrived(reply.text);
         co_return reply;
@@ -83,6 +86,10 @@ public:
         for (QPromise<bool> &promise : kept)
             finish(promise, false);
     }
+
+    /// What link() tells from now on.
+    void setLink(const LinkState &link) { m_link = link; }
+    LinkState link() const override { return m_link; }
 
     QList<Request> requests() const { return m_requests; }
     QStringList sent() const
@@ -102,7 +109,9 @@ private:
     }
 
     QHash<QString, Reply> m_answers;
+    QHash<QString, Reply> m_answersFrom;
     std::optional<Reply> m_fallback;
+    LinkState m_link;
     QList<Request> m_requests;
     std::deque<QPromise<bool>> m_kept;
     bool m_isHeld = false;

@@ -31,6 +31,20 @@ public:
     QStringList calls;
 };
 
+/// Knows what every name stands for.
+class KnownHosts final : public HostLookup
+{
+public:
+    QCoro::Task<HostAddresses> find(QString) override
+    {
+        const QString error = addresses.isEmpty() ? QStringLiteral("No such host is known.") : QString();
+        co_return HostAddresses{addresses, error, false};
+    }
+    void cancel() override {}
+
+    QStringList addresses;
+};
+
 /// A session that knows no server yet.
 struct Session {
     explicit Session(const Reply &dumpReply = ScriptedExchange::dump()) : exchange({{"dvardump", dumpReply}}) {}
@@ -184,29 +198,74 @@ private slots:
         QVERIFY(arranged.isEmpty()); // already right
     }
 
-    void asksForWhatTheDumpLacks()
+    void asksForRequiredOnesThatTheDumpLacks()
     {
         Session session(dump("playlist_enabled \"0\"\n"));
-        for (const auto &[name, reply] : {std::pair("sv_ranked", "\"sv_ranked\" is: \"0\" default: \"0\""),
-                                          {"g_gravity", "\"g_gravity\" is: \"800\" latched: \"\""},
-                                          {"g_speed", "Unknown command \"g_speed\""},
-                                          {"scr_dm_scorelimit", "\"scr_dm_scorelimit\" is: \"30\" now: \"40\""}})
-            session.exchange.answer(name, ScriptedExchange::ok(QString(reply).repeated(2))); // doubled on its way
+        session.exchange.answer(
+            "sv_ranked",
+            ScriptedExchange::ok(QString("\"sv_ranked\" is: \"0\" now: \"4\"").repeated(2))); // doubled on its way
         Catalogues catalogues;
         session.server.setCatalogueLoader(&catalogues);
-        QSignalSpy progress(&session.server, &KelServer::connectProgressed);
+        QSignalSpy connected(&session.server, &KelServer::didConnect);
         session.connect();
-        QCOMPARE(session.exchange.sent(),
-                 QStringList({"dvardump", "sv_ranked", "g_gravity", "g_speed", "scr_dm_scorelimit"}));
+        QCOMPARE(session.exchange.sent(), QStringList({"dvardump", "sv_ranked"})); // catalogued ones can wait
         for (const Request &request : session.exchange.requests())
             QCOMPARE(request.password, "typed");
-        QCOMPARE(session.alerts.texts(), QStringList{"The dvar 'g_speed' was not recognized by the server"});
-        const QHash<QString, QString> dvars = session.server.dvarList();
-        QVERIFY(dvars.contains("g_gravity")); // a single query stores an empty value
-        QCOMPARE(dvars.value("g_gravity"), "");
-        QCOMPARE(dvars.value("scr_dm_scorelimit"), "40");
+        QVERIFY(session.alerts.shown().isEmpty());
+        QVERIFY(session.server.isRanked());
+        QCOMPARE(session.server.cataloguedDvars(), QStringList({"g_gravity", "g_speed"}));
         QCOMPARE(catalogues.calls, QStringList({"load", "update"}));
-        QCOMPARE(progress.last(), QVariantList({3, 3}));
+        QCOMPARE(connected.size(), 1);
+    }
+
+    void asksOnceMoreForADumpThatLacksAPart()
+    {
+        Reply part = dump("playlist_enabled \"0\"\nsv_ranked \"0\"\n");
+        part.mayBeIncomplete = true;
+        Session session(part);
+        session.connect();
+        QCOMPARE(session.exchange.sent(), QStringList({"dvardump", "dvardump"}));
+        session.exchange.forgetSent();
+        session.connect();
+        QCOMPARE(session.exchange.sent(), QStringList{"dvardump"}); // it counts in a way of its own
+        QVERIFY(session.server.isConnected());
+    }
+
+    void triesAddressesOneAfterTheOther_data()
+    {
+        QTest::addColumn<QStringList>("addresses");
+        QTest::addColumn<QStringList>("asked");
+        QTest::addColumn<QStringList>("alerts");
+        const QStringList three{"192.0.2.1", "192.0.2.2", "192.0.2.3"};
+        QTest::newRow("the second answers") << three << three.mid(0, 2) << QStringList();
+        QTest::newRow("the first refuses")
+            << QStringList{"192.0.2.4", "192.0.2.2"} << QStringList{"192.0.2.4"} << QStringList{"Invalid Password."};
+        QTest::newRow("none answers") << QStringList{"192.0.2.1", "192.0.2.3"} << QStringList{"192.0.2.1", "192.0.2.3"}
+                                      << QStringList{"no answer"};
+        QTest::newRow("there is none") << QStringList() << QStringList() << QStringList{"No such host is known."};
+    }
+    void triesAddressesOneAfterTheOther()
+    {
+        QFETCH(QStringList, addresses);
+        QFETCH(QStringList, asked);
+        Session session;
+        session.exchange.answerFrom("192.0.2.1", ScriptedExchange::failure());
+        session.exchange.answerFrom("192.0.2.3", ScriptedExchange::failure());
+        session.exchange.answerFrom("192.0.2.4",
+                                    ScriptedExchange::failure("Invalid Password.", RConResultInvalidPassword));
+        KnownHosts lookup;
+        lookup.addresses = addresses;
+        session.server.setHostLookup(&lookup);
+        session.connect("Play.example.org");
+        QStringList tried;
+        for (const Request &request : session.exchange.requests()) {
+            QCOMPARE(request.host, "Play.example.org");
+            tried.append(request.address);
+        }
+        QCOMPARE(tried, asked);
+        QTEST(session.alerts.texts(), "alerts");
+        QCOMPARE(session.server.isConnected(), session.alerts.shown().isEmpty());
+        QCOMPARE(session.server.serverKey(), session.server.isConnected() ? "play.example.org:28960" : ":0");
     }
 
     void connectingAnewForgetsTheOldServer()
@@ -226,7 +285,6 @@ private slots:
         QTest::addColumn<int>("answered");
         QTest::newRow("during the dump") << 0;
         QTest::newRow("during a required one") << 1;
-        QTest::newRow("during a catalogued one") << 2;
     }
     void canBeCalledOffAtEveryStep()
     {

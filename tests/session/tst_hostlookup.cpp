@@ -18,7 +18,8 @@ private slots:
         QTest::newRow("address") << "192.0.2.7" << QByteArray() << QStringList{"192.0.2.7"};
         QTest::newRow("name") << "play.example.org" << QByteArray("play.example.org") << QStringList{"203.0.113.5"};
         QTest::newRow("name with other letters")
-            << QString::fromUtf8("spiél.example.org") << QByteArray("xn--spil-dpa.example.org") << QStringList{"203.0.113.5"};
+            << QString::fromUtf8("spiél.example.org") << QByteArray("xn--spil-dpa.example.org")
+            << QStringList{"203.0.113.5"};
         QTest::newRow("cut address") << "192.0.2" << QByteArray() << QStringList();
         QTest::newRow("number") << "127" << QByteArray() << QStringList();
         QTest::newRow("empty") << "" << QByteArray() << QStringList();

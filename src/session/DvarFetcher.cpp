@@ -1,0 +1,181 @@
+#include "DvarFetcher.h"
+
+#include "ActionQueue.h"
+#include "UnknownDvars.h"
+
+#include <QCoroFuture>
+
+#include <algorithm>
+#include <utility>
+
+DvarFetcher::DvarFetcher(KelServer &server, ActionQueue &actions, UnknownDvars &unknown, QObject *parent)
+    : QObject(parent), m_server(server), m_actions(actions), m_unknown(unknown)
+{
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, this, &DvarFetcher::step);
+    connect(&server, &KelServer::didConnect, this, &DvarFetcher::start);
+    connect(&server, &KelServer::connectionBegan, this, &DvarFetcher::stop);
+    connect(&server, &KelServer::isConnectedChanged, this, [this](bool isConnected) {
+        if (!isConnected)
+            stop();
+    });
+    connect(&server, &KelServer::unknownDvarWritten, this, [this](const QString &name) {
+        if (!m_catalogued.contains(name))
+            return;
+        askFor({name});
+        prefer({name});
+    });
+    connect(&server.link(), &Link::kindChanged, this, &DvarFetcher::schedule);
+}
+
+DvarFetcher::~DvarFetcher()
+{
+    wakeWaiting();
+}
+
+void DvarFetcher::start()
+{
+    stop();
+    m_catalogued = m_server.cataloguedDvars();
+    const DvarTable known = m_server.dvarList();
+    QStringList names;
+    for (const QString &name : std::as_const(m_catalogued)) {
+        if (!known.contains(name))
+            names.append(name);
+    }
+    const QStringList unknownLast = m_unknown.of(m_server.serverKey(), QDateTime::currentDateTime());
+    std::stable_partition(names.begin(), names.end(),
+                          [&unknownLast](const QString &name) { return !unknownLast.contains(name); });
+    askFor(names);
+    if (names.isEmpty() && !m_catalogued.isEmpty())
+        emit finished(0, static_cast<int>(m_catalogued.size()));
+}
+
+void DvarFetcher::askFor(const QStringList &names)
+{
+    m_queue.add(names);
+    for (const QString &name : names) {
+        m_notOnServer.removeAll(name);
+        m_server.setAwaited(name, true);
+    }
+    tellProgress();
+    schedule();
+}
+
+void DvarFetcher::prefer(const QStringList &names)
+{
+    m_queue.prefer(names);
+    m_isLookedAt = m_isLookedAt || !missing(names).isEmpty();
+    schedule();
+}
+
+void DvarFetcher::askAgain()
+{
+    m_unknown.forget(m_server.serverKey());
+    askFor(std::exchange(m_notOnServer, {}));
+}
+
+void DvarFetcher::stop()
+{
+    m_timer.stop();
+    m_server.forgetAwaited();
+    m_queue.clear();
+    m_catalogued.clear();
+    m_notOnServer.clear();
+    m_isLookedAt = false;
+    wakeWaiting();
+}
+
+QStringList DvarFetcher::missing(const QStringList &names) const
+{
+    QStringList rest;
+    for (const QString &name : names) {
+        if (m_queue.contains(name))
+            rest.append(name);
+    }
+    return rest;
+}
+
+void DvarFetcher::schedule()
+{
+    if (m_queue.isEmpty() || m_isStepUnderWay || !m_server.link().mayAskByItself())
+        return;
+    const LinkState line = m_server.link().figures();
+    if (!line.backgroundDelay && !m_isLookedAt)
+        return; // what is left is asked for when somebody looks at it
+    m_timer.start(line.backgroundDelay.value_or(line.gap));
+}
+
+void DvarFetcher::step()
+{
+    if (m_queue.isEmpty() || m_isStepUnderWay || !m_server.link().mayAskByItself())
+        return;
+    m_isStepUnderWay = true;
+    m_actions.start(fetchNext(m_server.connection()));
+}
+
+QCoro::Task<> DvarFetcher::fetchNext(quint64 connection)
+{
+    const ActionQueue::Turn turn = co_await m_actions.turn();
+    const bool isOfConnection = turn && connection == m_server.connection() && m_server.link().mayAskByItself();
+    if (isOfConnection && !m_queue.isEmpty()) {
+        const QString name = m_queue.first();
+        const KelServer::Fetched fetched = co_await m_server.fetchDvar(name);
+        if (turn && connection == m_server.connection())
+            settle(name, fetched);
+    }
+    m_isStepUnderWay = false;
+    schedule();
+}
+
+void DvarFetcher::settle(const QString &name, KelServer::Fetched fetched)
+{
+    if (fetched == KelServer::Fetched::Refused || fetched == KelServer::Fetched::CalledOff)
+        return; // whoever ends the connection, or finds the right password, decides
+    if (fetched == KelServer::Fetched::NoAnswer) {
+        if (m_queue.postpone(name))
+            return;
+        m_server.setAwaited(name, false); // asked for often enough
+    }
+    if (fetched == KelServer::Fetched::Unknown && m_catalogued.contains(name))
+        m_notOnServer.append(name);
+    m_queue.remove(name);
+    tellProgress();
+    if (m_queue.isEmpty())
+        finish();
+    wakeWaiting();
+}
+
+void DvarFetcher::finish()
+{
+    m_isLookedAt = false;
+    m_unknown.remember(m_server.serverKey(), m_notOnServer, QDateTime::currentDateTime());
+    emit finished(static_cast<int>(m_notOnServer.size()), static_cast<int>(m_catalogued.size()));
+}
+
+QCoro::Task<> DvarFetcher::nextSettled()
+{
+    if (m_queue.isEmpty())
+        co_return;
+    QPromise<void> promise;
+    promise.start();
+    const QFuture<void> pending = promise.future();
+    m_waiting.push_back(std::move(promise));
+    co_await pending;
+}
+
+void DvarFetcher::wakeWaiting()
+{
+    std::vector<QPromise<void>> waiting;
+    waiting.swap(m_waiting);
+    for (QPromise<void> &promise : waiting)
+        promise.finish();
+}
+
+void DvarFetcher::tellProgress()
+{
+    const auto left = std::count_if(m_catalogued.begin(), m_catalogued.end(),
+                                    [this](const QString &name) { return m_queue.contains(name); });
+    emit progressed(static_cast<int>(m_catalogued.size() - left), static_cast<int>(m_catalogued.size()));
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "FetchQueue.h"
+#include "KelServer.h"
+
+#include <QCoroTask>
+
+#include <QObject>
+#include <QPromise>
+#include <QStringList>
+#include <QTimer>
+
+#include <vector>
+
+class ActionQueue;
+class UnknownDvars;
+
+/// Asks in the background for the variables that the catalogues name and the server's dump lacks. Each takes a turn of
+/// its own, so that any action gets in between, and keeps the distance that the server wants. It ends by itself with
+/// the connection, when the password is refused, and rests while the server is silent. Main thread only.
+class DvarFetcher : public QObject
+{
+    Q_OBJECT
+public:
+    /// Everything handed in outlives this, and this outlives the actions that it starts.
+    DvarFetcher(KelServer &server, ActionQueue &actions, UnknownDvars &unknown, QObject *parent = nullptr);
+    ~DvarFetcher() override;
+
+    /// Asks for what the catalogues name and the session does not hold; those that the server did not know when it was
+    /// asked last come last.
+    void start();
+    /// Asks for these as well, known or not.
+    void askFor(const QStringList &names);
+    /// These are looked at: they come next.
+    void prefer(const QStringList &names);
+    /// Asks anew for everything that the server did not know.
+    void askAgain();
+    void stop();
+
+    /// Those of `names` that are still to come.
+    QStringList missing(const QStringList &names) const;
+    /// Resumes when one more variable has been settled, or nothing is asked any more.
+    QCoro::Task<> nextSettled();
+    bool isAsking() const { return !m_queue.isEmpty(); }
+
+signals:
+    /// `done` of `total` catalogued variables are settled.
+    void progressed(int done, int total);
+    /// Everything has been asked for: `unknown` of `total` catalogued variables are not on this server.
+    void finished(int unknown, int total);
+
+private:
+    void schedule();
+    void step();
+    QCoro::Task<> fetchNext(quint64 connection);
+    void settle(const QString &name, KelServer::Fetched fetched);
+    void finish();
+    void wakeWaiting();
+    void tellProgress();
+
+    KelServer &m_server;
+    ActionQueue &m_actions;
+    UnknownDvars &m_unknown;
+    FetchQueue m_queue;
+    QStringList m_catalogued;
+    QStringList m_notOnServer;
+    QTimer m_timer; ///< until the next may be asked for, outside of any turn
+    std::vector<QPromise<void>> m_waiting;
+    bool m_isStepUnderWay = false;
+    bool m_isLookedAt = false; ///< somebody waits, also where the server wants to be left alone
+};

@@ -1,0 +1,164 @@
+#include "ActionQueue.h"
+#include "DvarFetcher.h"
+#include "FewCatalogues.h"
+#include "Preferences.h"
+#include "Reconnecting.h"
+#include "RecordedAlerts.h"
+#include "ScriptedExchange.h"
+#include "UnknownDvars.h"
+#include "Wait.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace
+{
+
+struct Session {
+    Session()
+    {
+        exchange.answer("dvardump", ScriptedExchange::dump("sv_ranked \"0\"\nplaylist_enabled \"0\"\n"
+                                                           "g_a \"1\"\ng_b \"1\"\ng_c \"1\"\nscr_a \"1\"\n"));
+        server.setCatalogueLoader(&catalogues);
+        awaited(server.connectToHost("192.0.2.1", "50960", "typed"));
+        server.addToCommandHistory("before");
+    }
+    ~Session()
+    {
+        server.cancelExchange();
+        server.disconnect();
+        if (!QTest::qWaitFor([this] { return actions.isIdle(); }))
+            qFatal("an action does not end");
+    }
+    void fallSilent()
+    {
+        exchange.forget("dvardump");
+        awaited(server.sendCommand("status"));
+        exchange.forgetSent();
+    }
+    bool isIdle()
+    {
+        return QTest::qWaitFor([this] { return actions.isIdle(); });
+    }
+
+    QTemporaryDir folder;
+    Preferences preferences{folder.filePath("preferences.ini")};
+    UnknownDvars unknownDvars{preferences};
+    FewCatalogues catalogues;
+    ScriptedExchange exchange;
+    RecordedAlerts alerts;
+    KelServer server{exchange, alerts};
+    ActionQueue actions;
+    DvarFetcher fetcher{server, actions, unknownDvars};
+    Reconnecting reconnecting{server, actions, alerts, fetcher};
+};
+
+} // namespace
+
+class ReconnectingTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void looksUntilTheServerIsBack()
+    {
+        Session session;
+        QSignalSpy back(&session.reconnecting, &Reconnecting::cameBack);
+        QSignalSpy tabs(&session.server, &KelServer::tabSetChanged);
+        session.fallSilent();
+        QCOMPARE(session.server.link().kind(), Link::Kind::Silent);
+        QVERIFY(session.server.link().silentSince().isValid() && !session.server.link().mayAskByItself());
+        QTRY_COMPARE(session.exchange.sent(), QStringList{"sv_hostname"}); // after a second
+        QVERIFY(session.exchange.requests().first().isBackground);
+        QVERIFY(session.isIdle());
+        session.exchange.answer("sv_hostname", ScriptedExchange::ok("\"sv_hostname\" is: \"h\" in force: \"h\"\n"));
+        session.exchange.answer("dvardump", ScriptedExchange::dump("sv_ranked \"0\"\nplaylist_enabled \"1\"\n"
+                                                                   "g_a \"2\"\ng_b \"1\"\nscr_a \"3\"\nother \"9\"\n"));
+        session.exchange.answer("g_c", ScriptedExchange::ok("\"g_c\" is: \"1\" in force: \"1\"\n"));
+        session.exchange.forgetSent();
+        session.reconnecting.tryNow();
+        QVERIFY(back.wait());
+        QCOMPARE(back.first().at(1).toInt(), 2);
+        QTRY_VERIFY(!session.fetcher.isAsking() && session.actions.isIdle());
+        QCOMPARE(session.exchange.sent(), QStringList({"sv_hostname", "dvardump", "g_c"})); // what the dump lacks now
+        QCOMPARE(session.server.dvarList().value("g_a"), "2");
+        QCOMPARE(session.server.tabSet(), TabSet::UnrankedPlaylists);
+        QCOMPARE(tabs.size(), 1);
+        QCOMPARE(session.catalogues.loads, 2);
+        QVERIFY(session.server.link().mayAskByItself());
+        QCOMPARE(session.server.commandHistory(), QStringList({"before", "status"}));
+        QVERIFY(session.alerts.shown().isEmpty() && session.server.isConnected());
+    }
+
+    void whatAPersonDoesFindsOutAsWell()
+    {
+        Session session;
+        QSignalSpy back(&session.reconnecting, &Reconnecting::cameBack);
+        session.fallSilent();
+        session.exchange.answer("dvardump", ScriptedExchange::dump());
+        session.exchange.answer("status", ScriptedExchange::ok("fine\n"));
+        QVERIFY(awaited(session.server.sendCommand("status")).isSuccess());
+        QTRY_COMPARE(back.size(), 1);
+    }
+
+    void anotherServerInItsPlace_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::newRow("go on") << 0;
+        QTest::newRow("disconnect") << 1;
+    }
+    void anotherServerInItsPlace()
+    {
+        QFETCH(int, answer);
+        Session session;
+        session.alerts.answerWith(answer);
+        QSignalSpy back(&session.reconnecting, &Reconnecting::cameBack);
+        QSignalSpy unwanted(&session.reconnecting, &Reconnecting::disconnectWanted);
+        session.fallSilent();
+        Reply other = ScriptedExchange::dump();
+        other.text.replace("sv_hostname \"h\"", "sv_hostname \"Another\"");
+        session.exchange.answer("dvardump", other);
+        session.exchange.answer("sv_hostname",
+                                ScriptedExchange::ok("\"sv_hostname\" is: \"Another\" now: \"Another\"\n"));
+        session.reconnecting.tryNow();
+        QTRY_COMPARE(back.size() + unwanted.size(), 1);
+        QCOMPARE(unwanted.size(), answer);
+        QCOMPARE(session.alerts.titles(), QStringList{"Another Server Answers"});
+        QCOMPARE(session.server.dvarList().value("sv_hostname"), answer == 0 ? "Another" : "h");
+        QVERIFY(session.isIdle());
+    }
+
+    void aRefusedPasswordIsNotTriedAgain()
+    {
+        Session session;
+        session.fallSilent();
+        session.exchange.answer("sv_hostname",
+                                ScriptedExchange::failure("Invalid Password.", RConResultInvalidPassword));
+        session.reconnecting.tryNow();
+        QTRY_COMPARE(session.server.link().kind(), Link::Kind::Refused);
+        QVERIFY(session.isIdle());
+        QVERIFY(!QTest::qWaitFor([&session] { return session.exchange.sent().size() > 1; }, 2500));
+        session.reconnecting.tryNow(); // that is for silence
+        QVERIFY(session.actions.isIdle());
+        session.reconnecting.tryPassword("wrong");
+        QTRY_COMPARE(session.server.link().kind(), Link::Kind::Refused);
+        QCOMPARE(session.exchange.requests().last().password, "wrong");
+        session.exchange.answer("sv_hostname", ScriptedExchange::ok("\"sv_hostname\" is: \"h\" in force: \"h\"\n"));
+        session.exchange.answer("dvardump", ScriptedExchange::dump());
+        QSignalSpy back(&session.reconnecting, &Reconnecting::cameBack);
+        session.reconnecting.tryPassword("secret");
+        QTRY_COMPARE(back.size(), 1);
+    }
+
+    void disconnectingEndsIt()
+    {
+        Session session;
+        session.fallSilent();
+        session.server.disconnect();
+        QCOMPARE(session.server.link().kind(), Link::Kind::Closed);
+        QVERIFY(!QTest::qWaitFor([&session] { return !session.exchange.sent().isEmpty(); }, 1500));
+    }
+};
+
+QTEST_GUILESS_MAIN(ReconnectingTest)
+#include "tst_reconnecting.moc"
