@@ -60,7 +60,7 @@ KelServer::KelServer(Exchange &exchange, Alerts &alerts, QObject *parent)
 {
     connect(this, &KelServer::consoleCleared, this, [this] { m_isLineOpen = false; });
     m_exchange.setCameLate([this](const QString &command, const QString &text) {
-        emit consoleNoteAppended(tr("came late, to “%1”").arg(command));
+        appendConsoleNote(tr("came late, to “%1”").arg(command));
         appendConsoleMessage(text);
     });
     m_announcing.setSingleShot(true);
@@ -180,7 +180,7 @@ void KelServer::appendEnd(const Reply &reply)
     if (!reply.isSuccess()) // the text that came with it has been shown
         appendConsoleMessage(reply.text.endsWith(QLatin1Char('\n')) ? reply.text : reply.text + QLatin1Char('\n'));
     for (const QString &mark : marksOf(reply))
-        emit consoleNoteAppended(mark);
+        appendConsoleNote(mark);
 }
 
 QCoro::Task<Reply> KelServer::setDvar(QString name, QString value)
@@ -267,6 +267,12 @@ void KelServer::appendConsoleMessage(const QString &text)
     if (!text.isEmpty())
         m_isLineOpen = !text.endsWith(QLatin1Char('\n'));
     emit consoleMessageAppended(text);
+}
+
+void KelServer::appendConsoleNote(const QString &note)
+{
+    m_isLineOpen = false;
+    emit consoleNoteAppended(note);
 }
 
 void KelServer::addToCommandHistory(const QString &command)

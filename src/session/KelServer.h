@@ -133,6 +133,8 @@ public:
     void addToCommandHistory(const QString &command);
     void clearCommandHistory();
     void appendConsoleMessage(const QString &text);
+    /// A line about what stands before it.
+    void appendConsoleNote(const QString &note);
 
 signals:
     void isConnectedChanged(bool isConnected);

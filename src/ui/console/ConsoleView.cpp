@@ -40,6 +40,7 @@ ConsoleView::ConsoleView(KelServer &server, ActionQueue &actions, QWidget *paren
     connect(consoleInput, &QLineEdit::returnPressed, this, &ConsoleView::consoleInputDidChange);
     connect(numericUpDownCommandCursor, &QSpinBox::valueChanged, this, &ConsoleView::consoleHistoryStepperChanged);
     connect(&m_server, &KelServer::consoleMessageAppended, consoleOutput, &TranscriptView::appendConsoleMessage);
+    connect(&m_server, &KelServer::consoleNoteAppended, consoleOutput, &TranscriptView::appendNote);
     connect(&m_server, &KelServer::consoleCleared, consoleOutput, &QPlainTextEdit::clear);
     connect(&m_server, &KelServer::isConnectedChanged, this, &ConsoleView::connectionDidChange);
     connect(&m_server, &KelServer::commandHistoryChanged, this,

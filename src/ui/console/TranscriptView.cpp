@@ -136,6 +136,40 @@ QMimeData *TranscriptView::createMimeDataFromSelection() const
 
 void TranscriptView::appendConsoleMessage(const QString &text)
 {
+    append(text, QTextCharFormat());
+}
+
+void TranscriptView::appendNote(const QString &note)
+{
+    const bool isLineOpen = document()->lastBlock().length() > 1;
+    const QString lineBreak = isLineOpen ? QStringLiteral("\n") : QString();
+    append(lineBreak + QStringLiteral("— ") + note, noteFormat());
+    append(QStringLiteral("\n"), QTextCharFormat());
+}
+
+QTextCharFormat TranscriptView::noteFormat() const
+{
+    QTextCharFormat format;
+    format.setForeground(palette().placeholderText());
+    return format;
+}
+
+void TranscriptView::changeEvent(QEvent *event)
+{
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange)
+        return;
+    const QTextCharFormat format = noteFormat();
+    for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
+        QTextCursor cursor(block);
+        cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+        if (cursor.hasSelection() && cursor.charFormat().hasProperty(QTextFormat::ForegroundBrush))
+            cursor.setCharFormat(format);
+    }
+}
+
+void TranscriptView::append(const QString &text, const QTextCharFormat &format)
+{
     QScrollBar *bar = verticalScrollBar();
     const bool followsEnd = m_followsEnd;
     const int readersPlace = bar->value();
@@ -148,7 +182,7 @@ void TranscriptView::appendConsoleMessage(const QString &text)
     const int position = reader.position();
     const Blocks blocks(text, end.block().length() - 1);
     const int continued = end.blockNumber();
-    end.insertText(blocks.text());
+    end.insertText(blocks.text(), format);
     for (const Blocks::Beginning &beginning : blocks.beginnings())
         document()->findBlockByNumber(continued + beginning.block).setUserState(beginning.before);
     if (doesSelectEnd) {

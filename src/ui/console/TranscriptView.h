@@ -12,12 +12,17 @@ public:
 
     /// Appends `text` as it stands, without a line break of its own.
     void appendConsoleMessage(const QString &text);
+    /// Appends a dim line about what stands before it.
+    void appendNote(const QString &note);
 
 protected:
     /// The selected text as it was appended, to the last character.
     QMimeData *createMimeDataFromSelection() const override;
+    void changeEvent(QEvent *event) override;
 
 private:
+    QTextCharFormat noteFormat() const;
+    void append(const QString &text, const QTextCharFormat &format);
     int forgetOldLines();
 
     bool m_followsEnd = true;
