@@ -39,6 +39,24 @@ QList<QCommandLineOption> knownOptions()
          tr("N")},
         {QStringLiteral("other-port"), tr("Answer from another port than the one that was asked.")},
         {QStringLiteral("refusal-text"), tr("Refuse a wrong password with a text.")},
+        {QStringLiteral("gap"), tr("Let this many milliseconds pass between the parts of a reply, 0 to 60000."),
+         tr("MS")},
+        {QStringLiteral("stranger"), tr("Let 127.0.0.2 send a false reply before each true one.")},
+        {QStringLiteral("throttle"),
+         tr("Ignore what comes sooner than this many milliseconds after the last command that was answered, 0 to "
+            "60000."),
+         tr("MS")},
+        {QStringLiteral("lockout"),
+         tr("Ignore for 180 seconds who sends more than this many requests within 30 seconds, up to 1000. Default 0: "
+            "nobody."),
+         tr("N")},
+        {QStringLiteral("restart-after"),
+         tr("Go away this many seconds after the start, up to 86400, and come back 3 seconds later with a new game. "
+            "Default 0: never."),
+         tr("S")},
+        {QStringLiteral("restart-mode"), tr("Come back as unranked, playlists or ranked."), tr("MODE")},
+        {QStringLiteral("sparse"), tr("Know next to none of the variables of settings, gametypes and maps.")},
+        {QStringLiteral("no-count"), tr("List all variables without their number at the end.")},
     };
 }
 
@@ -76,6 +94,32 @@ public:
         return 0;
     }
 
+    std::chrono::milliseconds milliseconds(const QString &name)
+    {
+        return std::chrono::milliseconds(static_cast<qint64>(wholeNumber(name, 0, 60'000)));
+    }
+
+    std::optional<DemoMode> mode(const QString &name)
+    {
+        if (!m_parser.isSet(name))
+            return std::nullopt;
+        const QString text = m_parser.value(name);
+        if (text == u"unranked")
+            return DemoMode::Unranked;
+        if (text == u"playlists")
+            return DemoMode::Playlists;
+        if (text != u"ranked")
+            refuse(tr("--%1 takes unranked, playlists or ranked, not \"%2\".").arg(name, text));
+        return DemoMode::Ranked;
+    }
+
+    /// Refuses an option that does nothing without another.
+    void demand(const QString &name, const QString &other)
+    {
+        if (m_parser.isSet(name) && !m_parser.isSet(other))
+            refuse(tr("--%1 needs --%2.").arg(name, other));
+    }
+
     QString password(const QString &environmentPassword)
     {
         const QString name = QStringLiteral("password");
@@ -101,6 +145,24 @@ private:
     QString m_error;
 };
 
+DemoFaults readFaults(const QCommandLineParser &parser, OptionReader &reader)
+{
+    DemoFaults faults;
+    faults.loss = reader.probability(QStringLiteral("loss"));
+    faults.duplication = reader.probability(QStringLiteral("duplicate"));
+    faults.garbage = reader.probability(QStringLiteral("garbage"));
+    faults.reorder = parser.isSet(QStringLiteral("reorder"));
+    faults.silent = parser.isSet(QStringLiteral("silent"));
+    faults.silentAfter = static_cast<int>(reader.wholeNumber(QStringLiteral("silent-after"), 0, 1000));
+    faults.otherPort = parser.isSet(QStringLiteral("other-port"));
+    faults.stranger = parser.isSet(QStringLiteral("stranger"));
+    faults.delay = reader.milliseconds(QStringLiteral("delay"));
+    faults.gap = reader.milliseconds(QStringLiteral("gap"));
+    faults.throttle = reader.milliseconds(QStringLiteral("throttle"));
+    faults.lockout = static_cast<int>(reader.wholeNumber(QStringLiteral("lockout"), 0, 1000));
+    return faults;
+}
+
 DemoOptions readOptions(const QCommandLineParser &parser, OptionReader &reader, const QString &environmentPassword)
 {
     DemoOptions options;
@@ -113,15 +175,13 @@ DemoOptions readOptions(const QCommandLineParser &parser, OptionReader &reader, 
     options.seed = reader.wholeNumber(QStringLiteral("seed"), options.seed, std::numeric_limits<quint64>::max());
     options.frozen = parser.isSet(QStringLiteral("frozen"));
     options.refusalText = parser.isSet(QStringLiteral("refusal-text"));
-    options.faults.loss = reader.probability(QStringLiteral("loss"));
-    options.faults.duplication = reader.probability(QStringLiteral("duplicate"));
-    options.faults.garbage = reader.probability(QStringLiteral("garbage"));
-    options.faults.reorder = parser.isSet(QStringLiteral("reorder"));
-    options.faults.silent = parser.isSet(QStringLiteral("silent"));
-    options.faults.silentAfter = static_cast<int>(reader.wholeNumber(QStringLiteral("silent-after"), 0, 1000));
-    options.faults.otherPort = parser.isSet(QStringLiteral("other-port"));
-    options.faults.delay =
-        std::chrono::milliseconds(static_cast<qint64>(reader.wholeNumber(QStringLiteral("delay"), 0, 60'000)));
+    options.sparse = parser.isSet(QStringLiteral("sparse"));
+    options.dumpCount = !parser.isSet(QStringLiteral("no-count"));
+    options.restartAfter =
+        std::chrono::seconds(static_cast<qint64>(reader.wholeNumber(QStringLiteral("restart-after"), 0, 86'400)));
+    options.restartMode = reader.mode(QStringLiteral("restart-mode"));
+    reader.demand(QStringLiteral("restart-mode"), QStringLiteral("restart-after"));
+    options.faults = readFaults(parser, reader);
     return options;
 }
 } // namespace

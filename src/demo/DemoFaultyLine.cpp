@@ -1,8 +1,10 @@
 #include "DemoFaultyLine.h"
 
+#include "DemoWire.h"
+
 #include <algorithm>
 
-QList<QByteArray> DemoFaultyLine::carry(QList<QByteArray> datagrams)
+QList<DemoDatagram> DemoFaultyLine::carry(QList<QByteArray> datagrams)
 {
     if (m_faults.silent)
         return {};
@@ -12,13 +14,20 @@ QList<QByteArray> DemoFaultyLine::carry(QList<QByteArray> datagrams)
         shuffle(datagrams);
     if (m_faults.silentAfter > 0)
         datagrams.resize(std::min<qsizetype>(datagrams.size(), m_faults.silentAfter));
-    QList<QByteArray> arriving;
+    QList<DemoDatagram> arriving;
+    if (m_faults.stranger) {
+        for (const QByteArray &datagram : demoReplyDatagrams(QStringLiteral("A stranger speaks for the server.\n")))
+            arriving.append({datagram, DemoDatagram::Sender::Stranger, m_faults.delay});
+    }
+    const auto sender = m_faults.otherPort ? DemoDatagram::Sender::OtherPort : DemoDatagram::Sender::Server;
+    std::chrono::milliseconds after = m_faults.delay;
     for (const QByteArray &datagram : std::as_const(datagrams)) {
-        if (m_random.happens(m_faults.loss))
-            continue;
-        arriving.append(datagram);
-        if (m_random.happens(m_faults.duplication))
-            arriving.append(datagram);
+        if (!m_random.happens(m_faults.loss)) {
+            arriving.append({datagram, sender, after});
+            if (m_random.happens(m_faults.duplication))
+                arriving.append({datagram, sender, after});
+        }
+        after += m_faults.gap; // one that is lost was sent all the same
     }
     return arriving;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DemoDatagram.h"
 #include "DemoFaults.h"
 #include "DemoRandom.h"
 
@@ -16,8 +17,8 @@ public:
     const DemoFaults &faults() const { return m_faults; }
 
     bool losesRequest() { return m_random.happens(m_faults.loss); }
-    /// @return what is left of a reply, in the order in which it arrives.
-    QList<QByteArray> carry(QList<QByteArray> datagrams);
+    /// @return what is left of a reply and what comes before it, in the order in which it arrives.
+    QList<DemoDatagram> carry(QList<QByteArray> datagrams);
 
 private:
     QByteArray malformedDatagram();

@@ -16,12 +16,15 @@ DemoVariables setUp(const DemoOptions &options, int capacity)
         variables.assign(QStringLiteral("playlist_enabled"), QStringLiteral("1"));
         variables.assign(QStringLiteral("playlist"), QStringLiteral("7"));
     }
+    if (options.sparse)
+        variables.hideAllButFew();
     return variables;
 }
 } // namespace
 
 DemoGame::DemoGame(const DemoOptions &options)
-    : m_random(options.seed), m_players(std::clamp(options.players, 0, DemoOptions::MaximumPlayers), m_random)
+    : m_random(options.seed), m_players(std::clamp(options.players, 0, DemoOptions::MaximumPlayers), m_random),
+      m_hasDumpCount(options.dumpCount)
 {
     m_variables = setUp(options, m_players.capacity());
     // Nobody sees what the console prints before the first client comes.

@@ -29,7 +29,10 @@ public:
 
     QString password() const { return m_variables.value(QStringLiteral("rcon_password")); }
     /// The value as last written; empty for an unknown name.
-    QString variable(const QString &name) const { return m_variables.value(name); }
+    QString variable(const QString &name) const
+    {
+        return m_variables.contains(name) ? m_variables.value(name) : QString();
+    }
     /// Without the recording client.
     int playerCount() const { return m_players.count(); }
 
@@ -72,4 +75,5 @@ private:
     qint64 m_now = 0;                         ///< milliseconds of game time
     qint64 m_roundBegan = 0;
     qint64 m_rest = 0; ///< milliseconds that make no whole step yet
+    bool m_hasDumpCount;
 };

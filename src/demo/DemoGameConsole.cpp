@@ -75,7 +75,7 @@ QString DemoGame::listCommands(const QStringList &)
 
 QString DemoGame::dumpVariables(const QStringList &)
 {
-    return m_variables.dump();
+    return m_variables.dump(m_hasDumpCount);
 }
 
 QString DemoGame::setVariable(const QStringList &words)

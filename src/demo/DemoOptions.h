@@ -4,6 +4,12 @@
 
 #include <QString>
 
+#include <chrono>
+#include <optional>
+
+/// What decides over what is played.
+enum class DemoMode { Unranked, Playlists, Ranked };
+
 /// How a simulated server is set up. Equal options give equal games.
 struct DemoOptions {
     static constexpr int MaximumPlayers = 1000;
@@ -16,5 +22,12 @@ struct DemoOptions {
     quint64 seed = 1;
     bool frozen = false;      ///< time stands still: nobody comes, goes or scores
     bool refusalText = false; ///< a wrong password is refused with a text, not with the short datagram
+    bool sparse = false;      ///< of the variables of gametypes, maps and settings next to none is known
+    bool dumpCount = true;    ///< the list of all variables ends with their number
+
+    std::chrono::milliseconds restartAfter{0}; ///< after the start, and only once; 0 never
+    std::chrono::milliseconds awayFor{3'000};  ///< how long the port is closed then
+    std::optional<DemoMode> restartMode{};     ///< comes back with it; nothing keeps the one from before
+
     DemoFaults faults{};
 };

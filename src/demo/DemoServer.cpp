@@ -24,16 +24,32 @@ constexpr std::size_t MaximumOutgoing = 8192; // datagrams that wait for their d
 constexpr int RequestsAtOnce = 64;            // between two looks at whether to stop
 constexpr int StepsAtOnce = 40;               // after a sleep of the machine the game goes on, it does not catch up
 constexpr qsizetype LargestDatagram = 65'536;
+constexpr auto PortRetry = 250ms;                // when somebody took the port of a server that is away
 constexpr quint64 LineSeed = 0x9e3779b97f4a7c15; // faults must not follow the chance of the game
 
 bool setNonBlocking(int descriptor)
 {
     return ::fcntl(descriptor, F_SETFL, O_NONBLOCK) == 0 && ::fcntl(descriptor, F_SETFD, FD_CLOEXEC) == 0;
 }
+
+QString reasonOf(int errorNumber)
+{
+    return QString::fromStdString(std::generic_category().message(errorNumber));
+}
+
+DemoOptions optionsAfterRestart(DemoOptions options)
+{
+    if (options.restartMode) {
+        options.ranked = options.restartMode == DemoMode::Ranked;
+        options.playlists = options.restartMode == DemoMode::Playlists;
+    }
+    return options;
+}
 } // namespace
 
 DemoServer::DemoServer(DemoOptions options)
     : m_options(std::move(options)), m_takenPort(m_options.port), m_game(m_options), m_line(m_options.seed ^ LineSeed),
+      m_restart(m_options.restartAfter > 0ms ? Restart::Pending : Restart::Done),
       m_buffer(LargestDatagram, Qt::Uninitialized)
 {
     m_line.setFaults(m_options.faults);
@@ -51,16 +67,15 @@ bool DemoServer::start(QString *error)
             *error = QCoreApplication::translate("DemoServer", "The demo server runs already.");
         return false;
     }
-    if (!openWakePipe() || !openSocket()) {
-        const int reason = errno;
-        m_socket.reset();
-        if (error)
-            *error = QCoreApplication::translate("DemoServer", "The demo server cannot use port %1: %2")
-                         .arg(m_takenPort)
-                         .arg(QString::fromStdString(std::generic_category().message(reason)));
+    if (!openSockets(error)) {
+        m_sockets.close();
         return false;
     }
-    m_nextStep = Clock::now() + Step;
+    const Clock::time_point now = Clock::now();
+    if (m_restart == Restart::Away) // stopped meanwhile
+        beginAnew();
+    m_restartDue = now + m_options.restartAfter;
+    m_nextStep = now + Step;
     m_isStopping = false;
     m_thread = std::thread(&DemoServer::run, this);
     return true;
@@ -74,8 +89,7 @@ void DemoServer::stop()
     wake();
     m_thread.join();
     m_outgoing.clear();
-    m_socket.reset();
-    m_otherSocket.reset();
+    m_sockets.close();
     m_port = 0;
 }
 
@@ -89,22 +103,26 @@ bool DemoServer::openWakePipe()
     return setNonBlocking(ends[0]) && setNonBlocking(ends[1]);
 }
 
-bool DemoServer::openSocket()
+bool DemoServer::openSockets(QString *error)
 {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(m_takenPort);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    m_socket = DemoDescriptor(::socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP));
-    m_otherSocket = DemoDescriptor(::socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP));
-    auto *const generic = reinterpret_cast<sockaddr *>(&address);
-    const bool isBound = m_socket.isOpen() && setNonBlocking(m_socket.get()) && m_otherSocket.isOpen() &&
-                         setNonBlocking(m_otherSocket.get()) && ::bind(m_socket.get(), generic, length) == 0 &&
-                         ::getsockname(m_socket.get(), generic, &length) == 0;
-    if (isBound)
-        m_port = m_takenPort = ntohs(address.sin_port);
-    return isBound;
+    const quint16 port = openWakePipe() ? m_sockets.open(m_takenPort) : quint16(0);
+    const int reason = errno;
+    if (port == 0) {
+        if (error)
+            *error = QCoreApplication::translate("DemoServer", "The demo server cannot use port %1: %2")
+                         .arg(m_takenPort)
+                         .arg(reasonOf(reason));
+        return false;
+    }
+    if (!m_sockets.openStranger() && m_options.faults.stranger) {
+        const int strangersReason = errno;
+        if (error)
+            *error = QCoreApplication::translate("DemoServer", "The demo server cannot use the address 127.0.0.2: %1")
+                         .arg(reasonOf(strangersReason));
+        return false;
+    }
+    m_port = m_takenPort = port;
+    return true;
 }
 
 void DemoServer::wake()
@@ -146,23 +164,57 @@ int DemoServer::playerCount() const
 
 void DemoServer::run()
 {
-    std::array<pollfd, 2> waitedFor{pollfd{m_socket.get(), POLLIN, 0}, pollfd{m_wakeEnd.get(), POLLIN, 0}};
     while (!m_isStopping) {
+        // The socket of a server that is away is -1, which poll() passes over.
+        std::array<pollfd, 2> waitedFor{pollfd{m_sockets.descriptor(), POLLIN, 0}, pollfd{m_wakeEnd.get(), POLLIN, 0}};
         const int ready = ::poll(waitedFor.data(), waitedFor.size(), waitingTime());
         if (ready > 0 && waitedFor[0].revents != 0)
             receive();
         advanceGame();
         sendDue();
+        restartWhenDue();
     }
+}
+
+void DemoServer::restartWhenDue()
+{
+    const Clock::time_point now = Clock::now();
+    if (m_restart == Restart::Done || now < m_restartDue)
+        return;
+    if (m_restart == Restart::Pending) {
+        m_outgoing.clear();
+        m_sockets.close();
+        m_restart = Restart::Away;
+        m_restartDue = now + m_options.awayFor;
+        return;
+    }
+    if (m_sockets.open(m_takenPort) == 0) {
+        m_restartDue = now + PortRetry;
+        return;
+    }
+    // Where there is no stranger, start() has told so, or nobody wants one.
+    [[maybe_unused]] const bool hasStranger = m_sockets.openStranger();
+    beginAnew();
+    m_nextStep = now + Step;
+}
+
+void DemoServer::beginAnew()
+{
+    const std::lock_guard lock(m_mutex);
+    m_game = DemoGame(optionsAfterRestart(m_options));
+    m_limit.clear();
+    m_restart = Restart::Done;
 }
 
 int DemoServer::waitingTime() const
 {
-    if (m_options.frozen && m_outgoing.empty())
+    if (m_options.frozen && m_outgoing.empty() && m_restart == Restart::Done)
         return -1;
     Clock::time_point next = Clock::time_point::max();
+    if (m_restart != Restart::Done)
+        next = m_restartDue;
     if (!m_options.frozen)
-        next = m_nextStep;
+        next = std::min(next, m_nextStep);
     if (!m_outgoing.empty())
         next = std::min(next, m_outgoing.begin()->first);
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now()).count();
@@ -174,8 +226,9 @@ void DemoServer::receive()
     for (int i = 0; i < RequestsAtOnce; ++i) {
         sockaddr_in from{};
         socklen_t length = sizeof from;
-        const ssize_t size = ::recvfrom(m_socket.get(), m_buffer.data(), static_cast<std::size_t>(m_buffer.size()), 0,
-                                        reinterpret_cast<sockaddr *>(&from), &length);
+        const ssize_t size =
+            ::recvfrom(m_sockets.descriptor(), m_buffer.data(), static_cast<std::size_t>(m_buffer.size()), 0,
+                       reinterpret_cast<sockaddr *>(&from), &length);
         if (size < 0)
             return;
         answer(QByteArrayView(m_buffer.constData(), static_cast<qsizetype>(size)), from);
@@ -187,18 +240,20 @@ void DemoServer::answer(QByteArrayView request, const sockaddr_in &from)
     const std::optional<QString> text = demoRequestText(request);
     if (!text)
         return;
+    const Clock::time_point now = Clock::now();
     const std::lock_guard lock(m_mutex);
-    if (m_line.losesRequest())
+    if (m_line.losesRequest() || m_limit.locksOut(from.sin_addr.s_addr, m_line.faults().lockout, now))
         return;
-    const QList<QByteArray> datagrams = m_line.carry(reply(*text));
-    const Clock::time_point due = Clock::now() + m_line.faults().delay;
-    for (const QByteArray &datagram : datagrams) {
+    const QList<QByteArray> parts = reply(*text, from, now);
+    if (parts.isEmpty())
+        return;
+    for (const DemoDatagram &datagram : m_line.carry(parts)) {
         if (m_outgoing.size() < MaximumOutgoing)
-            m_outgoing.emplace(due, Outgoing{from, datagram, m_line.faults().otherPort});
+            m_outgoing.emplace(now + datagram.after, Outgoing{from, datagram});
     }
 }
 
-QList<QByteArray> DemoServer::reply(const QString &request)
+QList<QByteArray> DemoServer::reply(const QString &request, const sockaddr_in &from, Clock::time_point now)
 {
     const QString password = m_game.password();
     if (password.isEmpty())
@@ -208,9 +263,12 @@ QList<QByteArray> DemoServer::reply(const QString &request)
     if (!isRight)
         return m_options.refusalText ? demoReplyDatagrams(QStringLiteral("Invalid password.\n"))
                                      : QList<QByteArray>{demoRefusalDatagram()};
+    const bool isSilent = m_line.faults().silent;
+    if (!isSilent && m_limit.throttles(from.sin_addr.s_addr, m_line.faults().throttle, now))
+        return {};
     const QString command = request.mid(password.size() + 1);
     m_commands.append(command);
-    if (m_line.faults().silent)
+    if (isSilent)
         return {};
     return demoReplyDatagrams(m_game.execute(command));
 }
@@ -235,11 +293,7 @@ void DemoServer::sendDue()
     const Clock::time_point now = Clock::now();
     while (!m_outgoing.empty() && m_outgoing.begin()->first <= now) {
         const Outgoing &next = m_outgoing.begin()->second;
-        // A datagram that the system cannot take is lost, as on any line.
-        [[maybe_unused]] const ssize_t sent =
-            ::sendto(next.fromOtherPort ? m_otherSocket.get() : m_socket.get(), next.bytes.constData(),
-                     static_cast<std::size_t>(next.bytes.size()), 0, reinterpret_cast<const sockaddr *>(&next.to),
-                     sizeof next.to);
+        m_sockets.send(next.datagram, next.to);
         m_outgoing.erase(m_outgoing.begin());
     }
 }

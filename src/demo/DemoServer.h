@@ -5,10 +5,10 @@
 #include "DemoFaultyLine.h"
 #include "DemoGame.h"
 #include "DemoOptions.h"
+#include "DemoRateLimit.h"
+#include "DemoSockets.h"
 
 #include <QStringList>
-
-#include <netinet/in.h>
 
 #include <atomic>
 #include <chrono>
@@ -17,7 +17,8 @@
 #include <thread>
 
 /// The simulated game server on a UDP port of 127.0.0.1. It runs on a thread of its own; every function may be called
-/// from any thread, but start() and stop() not from two at once.
+/// from any thread, but start() and stop() not from two at once. It restarts by itself where its options say so: the
+/// port is then closed for a while, and the game that comes after is a new one.
 class DemoServer
 {
 public:
@@ -39,7 +40,7 @@ public:
     QString password() const;
     void setFaults(DemoFaults faults);
     /// The commands that came with the right password, oldest first, at most 100,000; those that a silent server did
-    /// not carry out are among them.
+    /// not carry out are among them, those that were ignored for their haste are not.
     QStringList commandsSeen() const;
     /// The value of a server variable; empty for an unknown name.
     QString variable(const QString &name) const;
@@ -49,37 +50,41 @@ private:
     using Clock = std::chrono::steady_clock;
     struct Outgoing {
         sockaddr_in to;
-        QByteArray bytes;
-        bool fromOtherPort;
+        DemoDatagram datagram;
     };
+    enum class Restart { Pending, Away, Done };
 
     bool openWakePipe();
-    bool openSocket();
+    bool openSockets(QString *error);
     void wake();
     void run();
+    void restartWhenDue();
+    void beginAnew();
     int waitingTime() const;
     void receive();
     void answer(QByteArrayView request, const sockaddr_in &from);
-    QList<QByteArray> reply(const QString &request);
+    QList<QByteArray> reply(const QString &request, const sockaddr_in &from, Clock::time_point now);
     void advanceGame();
     void sendDue();
 
     const DemoOptions m_options;
-    DemoDescriptor m_socket;
-    DemoDescriptor m_otherSocket; ///< for replies from another port
-    DemoDescriptor m_wakeEnd;     ///< read by the server's thread
-    DemoDescriptor m_wakeStart;   ///< written by the others
+    DemoSockets m_sockets;
+    DemoDescriptor m_wakeEnd;   ///< read by the server's thread
+    DemoDescriptor m_wakeStart; ///< written by the others
     std::atomic<quint16> m_port = 0;
     quint16 m_takenPort; ///< the wanted one, or the one that was free at the first start
 
-    mutable std::mutex m_mutex; ///< guards the next three
+    mutable std::mutex m_mutex; ///< guards the next four
     DemoGame m_game;
     DemoFaultyLine m_line;
+    DemoRateLimit m_limit;
     DemoCommandLog m_commands;
 
-    // Used by the server's thread only.
+    // Used by the server's thread only while there is one.
     std::multimap<Clock::time_point, Outgoing> m_outgoing;
     Clock::time_point m_nextStep;
+    Clock::time_point m_restartDue; ///< when to go away, or to be back
+    Restart m_restart;
     QByteArray m_buffer;
 
     std::atomic<bool> m_isStopping = false;

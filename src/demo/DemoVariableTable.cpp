@@ -27,11 +27,13 @@ constexpr auto Table = std::to_array<Row>({
     {"g_speed", "190", Row::Integer, 0, 1000},
     {"g_teamName_allies", "Lamplighters"},
     {"g_teamName_axis", "Night Watch"},
+    {"g_tideLevel", "0", Row::Decimal, -2, 2},
     {"g_voteDelay", "60", Row::Integer, 0, 3600},
     {"g_voteKick", "1", Row::Switch},
     {"g_voteMap", "1", Row::Switch},
     {"g_votePercent", "51", Row::Integer, 1, 100},
     {"g_voteTime", "30", Row::Integer, 5, 120},
+    {"g_weatherCycle", "0", Row::Switch},
     {"gamename", "Kelvard Ferrow", Row::Text, 0, 0, Row::ReadOnly},
     {"mapname", "", Row::Text, 0, 0, Row::ReadOnly},
     {"net_ip", "127.0.0.1", Row::Text, 0, 0, Row::ReadOnly},
@@ -75,6 +77,7 @@ constexpr auto Table = std::to_array<Row>({
     {"scr_ladder_stepdown", "1", Row::Switch},
     {"scr_ladder_steps", "20", Row::Integer, 1, 30},
     {"scr_lms_closingcircle", "1", Row::Switch},
+    {"scr_lobbyMusic", "1", Row::Switch},
     {"scr_player_healthRegenTime", "5", Row::Decimal, 0, 60},
     {"scr_player_maxHealth", "100", Row::Integer, 1, 2000},
     {"scr_player_respawnDelay", "0", Row::Decimal, -1, 60},
@@ -93,6 +96,7 @@ constexpr auto Table = std::to_array<Row>({
     {"scr_teamBalance", "1", Row::Switch},
     {"sv_allowAnonymous", "0", Row::Switch},
     {"sv_allowDownload", "1", Row::Switch},
+    {"sv_autoRecord", "0", Row::Switch},
     {"sv_connectTimeout", "200", Row::Integer, 0, 1800},
     {"sv_contact", ""},
     {"sv_floodProtect", "4", Row::Integer, 0, 10},
@@ -126,9 +130,37 @@ constexpr auto Table = std::to_array<Row>({
     {"weap_damageScale", "1", Row::Decimal, 0, 10},
     {"weap_headshotsOnly", "0", Row::Switch},
 });
+
+constexpr auto SparseNames = std::to_array<const char *>({
+    // what a console cannot do without
+    "playlist_enabled",
+    "playlist_excludeGametype",
+    "playlist_excludeGametypeMap",
+    "playlist_excludeMap",
+    "rcon_password",
+    "sv_hostname",
+    "sv_ranked",
+    // what the game itself writes or plays by
+    "g_gametype",
+    "mapname",
+    "playlist",
+    "sv_mapRotation",
+    "sv_mapRotationCurrent",
+    "sv_maxclients",
+    // what tells the game and its place
+    "gamename",
+    "net_ip",
+    "protocol",
+    "version",
+});
 } // namespace
 
 std::span<const DemoVariableRow> demoVariableTable()
 {
     return Table;
+}
+
+std::span<const char *const> demoSparseNames()
+{
+    return SparseNames;
 }

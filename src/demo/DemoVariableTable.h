@@ -17,3 +17,6 @@ struct DemoVariableRow {
 
 /// The variables that do not follow from the lists of maps and gametypes.
 std::span<const DemoVariableRow> demoVariableTable();
+
+/// The names of those that a sparse server knows.
+std::span<const char *const> demoSparseNames();

@@ -36,9 +36,26 @@ DemoVariables::DemoVariables()
     }
 }
 
+void DemoVariables::hideAllButFew()
+{
+    for (Variable &variable : m_variables)
+        variable.isHidden = true;
+    for (const char *name : demoSparseNames()) {
+        const auto found = m_variables.find(QString::fromLatin1(name).toLower());
+        Q_ASSERT(found != m_variables.end());
+        found->isHidden = false;
+    }
+}
+
+bool DemoVariables::contains(const QString &name) const
+{
+    const auto found = m_variables.constFind(name.toLower());
+    return found != m_variables.constEnd() && !found->isHidden;
+}
+
 void DemoVariables::add(const QString &name, const QString &value, const DemoVariableRow &kind)
 {
-    m_variables.insert(name.toLower(), {name, value, value, kind.domain, kind.lowest, kind.highest, kind.trait});
+    m_variables.insert(name.toLower(), {name, value, value, kind.domain, kind.lowest, kind.highest, kind.trait, false});
 }
 
 bool DemoVariables::isValid(const Variable &variable, const QString &value)
@@ -66,7 +83,7 @@ bool DemoVariables::isValid(const Variable &variable, const QString &value)
 DemoVariables::Outcome DemoVariables::write(const QString &name, QString value)
 {
     const auto found = m_variables.find(name.toLower());
-    if (found == m_variables.end())
+    if (found == m_variables.end() || found->isHidden)
         return Outcome::Unknown;
     if (found->trait == DemoVariableRow::ReadOnly)
         return Outcome::ReadOnly;
@@ -127,14 +144,18 @@ QString DemoVariables::domain(const QString &name) const
     return QStringLiteral("  Domain is one of:") + names + u'\n';
 }
 
-QString DemoVariables::dump() const
+QString DemoVariables::dump(bool withCount) const
 {
     QString text;
+    int count = 0;
     for (const Variable &variable : m_variables) {
+        if (variable.isHidden)
+            continue;
+        ++count;
         const QChar readOnly = variable.trait == DemoVariableRow::ReadOnly ? u'R' : u' ';
         const QChar latched = variable.trait == DemoVariableRow::Latched ? u'L' : u' ';
         text += QStringLiteral("S%1%2    ").arg(readOnly).arg(latched);
         text += variable.name + QStringLiteral(" \"") + variable.value + QStringLiteral("\"\n");
     }
-    return text + QStringLiteral("\n%1 total dvars\n").arg(m_variables.size());
+    return withCount ? text + QStringLiteral("\n%1 total dvars\n").arg(count) : text;
 }

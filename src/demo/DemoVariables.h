@@ -16,8 +16,11 @@ public:
 
     DemoVariables();
 
-    bool contains(const QString &name) const { return m_variables.contains(name.toLower()); }
-    /// The value as last written; empty for an unknown name.
+    /// From now on the console knows a few names only. The game goes on by the values that all the others had.
+    void hideAllButFew();
+
+    bool contains(const QString &name) const;
+    /// The value as last written, also of a hidden variable; empty for an unknown name.
     QString value(const QString &name) const { return m_variables.value(name.toLower()).value; }
     /// The value that the running map goes by: that of a latched variable changes with the map only.
     QString inForce(const QString &name) const { return m_variables.value(name.toLower()).inForce; }
@@ -33,8 +36,9 @@ public:
     QString description(const QString &name) const;
     /// What values the variable takes, as a sentence; empty for one that takes any text.
     QString domain(const QString &name) const;
-    /// All variables, one a line, and a last line with their number.
-    QString dump() const;
+    /// All variables, one a line.
+    /// @param withCount  a last line tells their number.
+    QString dump(bool withCount) const;
 
 private:
     struct Variable {
@@ -45,6 +49,7 @@ private:
         int lowest = 0;
         int highest = 0;
         DemoVariableRow::Trait trait = DemoVariableRow::None;
+        bool isHidden = false;
     };
 
     void add(const QString &name, const QString &value, const DemoVariableRow &kind);

@@ -1,6 +1,7 @@
 #include "DemoCommandLog.h"
 #include "DemoFaultyLine.h"
 #include "DemoGame.h"
+#include "DemoRateLimit.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -200,41 +201,159 @@ private slots:
         QVERIFY2(qAbs(arrived - 7'500) < 400, qPrintable(QString::number(arrived)));
     }
 
-    // A newcomer can change what the shipped catalogues offer; a few are lacking, so that connecting shows what becomes
-    // of a variable that a server does not know.
-    void knowsTheShippedCatalogues_data()
+    void partsOfAReplyComeApart()
+    {
+        DemoFaultyLine line(5);
+        line.setFaults({.duplication = 1, .delay = 100ms, .gap = 30ms});
+        QList<std::chrono::milliseconds> times;
+        for (const DemoDatagram &datagram : line.carry({"a", "b", "c"}))
+            times.append(datagram.after);
+        QCOMPARE(times, (QList<std::chrono::milliseconds>{100ms, 100ms, 130ms, 130ms, 160ms, 160ms}));
+    }
+
+    void aStrangerIsFasterOnce()
+    {
+        DemoFaultyLine line(5);
+        line.setFaults({.otherPort = true, .stranger = true, .delay = 100ms});
+        const QList<DemoDatagram> arrived = line.carry({"a", "b"});
+        QCOMPARE(arrived.size(), 3);
+        QVERIFY(arrived.at(0).sender == DemoDatagram::Sender::Stranger && arrived.at(0).after == 100ms);
+        QVERIFY(arrived.at(0).bytes.startsWith("\xff\xff\xff\xff\x01print\n"));
+        QVERIFY(arrived.at(1).sender == DemoDatagram::Sender::OtherPort && arrived.at(1).bytes == "a");
+        line.setFaults({.silent = true, .stranger = true});
+        QVERIFY(line.carry({"a"}).isEmpty());
+    }
+
+    void hasteIsIgnored_data()
+    {
+        QTest::addColumn<QList<int>>("at"); // milliseconds of each request
+        QTest::addColumn<QString>("outcome");
+        QTest::newRow("at the very distance") << QList<int>{0, 250, 500} << "+++";
+        QTest::newRow("just sooner") << QList<int>{0, 249, 250} << "+-+";
+        QTest::newRow("those that are ignored do not count") << QList<int>{0, 100, 200, 300, 400} << "+--+-";
+        QTest::newRow("a burst") << QList<int>{7, 7, 7, 7} << "+---";
+    }
+    void hasteIsIgnored()
+    {
+        QFETCH(QList<int>, at);
+        DemoRateLimit limit;
+        QString outcome;
+        for (const int time : at) {
+            const DemoRateLimit::TimePoint now{std::chrono::milliseconds(time)};
+            outcome += limit.throttles(1, 250ms, now) ? u'-' : u'+';
+        }
+        QTEST(outcome, "outcome");
+        const DemoRateLimit::TimePoint now{std::chrono::milliseconds(at.last())};
+        QVERIFY(!limit.throttles(2, 250ms, now)); // somebody else
+        QVERIFY(!limit.throttles(1, 0ms, now));
+    }
+
+    void manyRequestsLockOut_data()
+    {
+        QTest::addColumn<QList<int>>("at"); // milliseconds of each request
+        QTest::addColumn<QString>("outcome");
+        QTest::newRow("as many as may be") << QList<int>{0, 1, 29'999} << "+++";
+        QTest::newRow("one more") << QList<int>{0, 1, 2, 29'999} << "+++-";
+        QTest::newRow("the first is forgotten") << QList<int>{0, 1, 2, 30'000} << "++++";
+        QTest::newRow("until its end") << QList<int>{0, 0, 0, 0, 179'999, 180'000, 180'000, 180'000, 180'000}
+                                       << "+++--+++-";
+    }
+    void manyRequestsLockOut()
+    {
+        QFETCH(QList<int>, at);
+        DemoRateLimit limit;
+        QString outcome;
+        for (const int time : at) {
+            const DemoRateLimit::TimePoint now{std::chrono::milliseconds(time)};
+            outcome += limit.locksOut(1, 3, now) ? u'-' : u'+';
+        }
+        QTEST(outcome, "outcome");
+        const DemoRateLimit::TimePoint now{std::chrono::milliseconds(at.last())};
+        QVERIFY(!limit.locksOut(2, 3, now)); // somebody else
+        QVERIFY(!limit.locksOut(1, 0, now));
+    }
+
+    void clientsToRememberAreBounded()
+    {
+        DemoRateLimit limit;
+        const DemoRateLimit::TimePoint begin{};
+        QVERIFY(!limit.throttles(0, 1h, begin));
+        for (quint32 client = 1; client <= 2 * DemoRateLimit::MaximumClients; ++client)
+            QVERIFY(!limit.throttles(client, 1h, begin + std::chrono::seconds(client)));
+        QCOMPARE(limit.clientCount(), DemoRateLimit::MaximumClients);
+        QVERIFY(limit.throttles(2 * DemoRateLimit::MaximumClients, 1h, begin + 30min)); // the latest is remembered
+    }
+
+    void shippedCatalogues_data()
     {
         QTest::addColumn<QString>("extension");
         QTest::addColumn<QString>("element");
-        QTest::addColumn<QStringList>("lacking");
-        const auto row = [](const char *extension, const char *element, const QStringList &lacking) {
-            QTest::newRow(extension) << QString(extension) << QString(element) << lacking;
+        QTest::addColumn<QStringList>("known"); // to a sparse server
+        const auto row = [](const char *extension, const char *element, const QStringList &known) {
+            QTest::newRow(extension) << QString(extension) << QString(element) << known;
         };
         row("gametypes", "dvar", {});
         row("maps", "excludeDvar", {});
-        row("gameSettingsRanked", "dvar", {"scr_lobbyMusic", "sv_autoRecord"});
-        row("gameSettingsUnranked", "dvar", {"g_tideLevel", "g_weatherCycle", "scr_lobbyMusic", "sv_autoRecord"});
+        row("gameSettingsRanked", "dvar", {"sv_hostname", "rcon_password"});
+        row("gameSettingsUnranked", "dvar", {"sv_hostname", "rcon_password"});
     }
-    void knowsTheShippedCatalogues()
+    // A newcomer can change whatever the shipped catalogues offer.
+    void shippedCatalogues()
     {
         QFETCH(QString, extension);
         QFETCH(QString, element);
-        QFile file(QStringLiteral(FERROW_RESOURCES "/FerrowRcon.default.") + extension);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QString text = QString::fromUtf8(file.readAll());
-        DemoGame game({});
-        QStringList lacking;
-        int count = 0;
-        const QRegularExpression tag(QStringLiteral("<%1>\\s*(\\w+)\\s*</%1>").arg(element));
-        for (auto found = tag.globalMatch(text); found.hasNext(); ++count) {
-            const QString name = found.next().captured(1);
-            const QStringList shown = game.execute(name).split(u'"');
-            if (shown.size() != 7 || shown.at(1) != name)
-                lacking.append(name);
+        QFETCH(QStringList, known);
+        const QStringList names = catalogued(extension, element);
+        QVERIFY(names.size() >= 16);
+        for (const DemoOptions &options :
+             {DemoOptions{}, DemoOptions{.playlists = true}, DemoOptions{.ranked = true}}) {
+            DemoGame game(options);
+            DemoOptions sparse = options;
+            sparse.sparse = true;
+            DemoGame sparseGame(sparse);
+            for (const QString &name : names) {
+                const QString shown = game.execute(name);
+                QVERIFY2(shown.startsWith(u'"' + name + "\" is: \""), qPrintable(shown));
+                const QString unknown = "Unknown command \"" + name + "\"\n";
+                QCOMPARE(sparseGame.execute(name), known.contains(name) ? shown : unknown);
+            }
         }
-        QVERIFY(count >= 16);
-        lacking.sort();
-        QTEST(lacking, "lacking");
+    }
+    static QStringList catalogued(const QString &extension, const QString &element)
+    {
+        QFile file(QStringLiteral(FERROW_RESOURCES "/FerrowRcon.default.") + extension);
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        const QString text = QString::fromUtf8(file.readAll());
+        QStringList names;
+        const QRegularExpression tag(QStringLiteral("<%1>([^<]*)</%1>").arg(element));
+        for (auto found = tag.globalMatch(text); found.hasNext();)
+            names.append(found.next().captured(1).trimmed());
+        return names;
+    }
+
+    void sparseServerKnowsWhatAConsoleNeeds()
+    {
+        DemoGame game({.sparse = true});
+        for (const char *name : {"rcon_password", "sv_hostname", "sv_ranked", "playlist_enabled", "playlist_excludeMap",
+                                 "playlist_excludeGametype", "playlist_excludeGametypeMap", "g_gametype", "mapname",
+                                 "sv_mapRotation", "sv_mapRotationCurrent"}) {
+            QVERIFY2(game.execute(name).startsWith(u'"' + QString(name) + u'"'), name);
+        }
+        QVERIFY(!game.execute("dvardump").contains("g_motd"));
+        QVERIFY(game.execute("dvardump").endsWith("\n17 total dvars\n"));
+        QCOMPARE(game.execute("setadmindvar g_motd \"x\""), "dvar 'g_motd' does not exist\n");
+        QCOMPARE(game.variable("g_motd"), "");
+        game.advance(30min);
+        QVERIFY(game.variable("mapname") != "mp_harbourlights"); // rounds have their limits all the same
+    }
+
+    void dumpWithoutCount()
+    {
+        const QString whole = DemoGame({}).execute("dvardump");
+        const QString text = DemoGame({.dumpCount = false}).execute("dvardump");
+        QVERIFY(text.endsWith("\"\n") && text.contains("weap_headshotsOnly"));
+        QVERIFY(whole.startsWith(text + u'\n') && whole.endsWith(" total dvars\n"));
     }
 };
 

@@ -27,31 +27,45 @@ QByteArray request(const QByteArray &text)
     return QByteArray(4, '\xff').append('\0').append(text).append('\0');
 }
 
-/// A bare socket that talks to a server on loopback.
+sockaddr_in loopback(in_addr_t host, quint16 port)
+{
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(host);
+    return address;
+}
+
+/// A bare socket that talks to a server on loopback, and hears whoever speaks to it.
 struct Client {
-    explicit Client(quint16 port) : socket(::socket(AF_INET, SOCK_DGRAM, 0))
+    explicit Client(quint16 port, in_addr_t ownHost = INADDR_LOOPBACK)
+        : socket(::socket(AF_INET, SOCK_DGRAM, 0)), server(loopback(INADDR_LOOPBACK, port))
     {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(port);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        if (::connect(socket.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0)
+        const sockaddr_in own = loopback(ownHost, 0);
+        if (::bind(socket.get(), reinterpret_cast<const sockaddr *>(&own), sizeof own) != 0)
             qFatal("no socket");
     }
 
     void send(const QByteArray &datagram) const
     {
-        if (::send(socket.get(), datagram.constData(), static_cast<std::size_t>(datagram.size()), 0) < 0)
+        if (::sendto(socket.get(), datagram.constData(), static_cast<std::size_t>(datagram.size()), 0,
+                     reinterpret_cast<const sockaddr *>(&server), sizeof server) < 0)
             qWarning("not sent");
     }
 
-    QByteArray receive() const
+    QByteArray receive(in_addr_t *from = nullptr) const
     {
         pollfd waitedFor{socket.get(), POLLIN, 0};
         if (::poll(&waitedFor, 1, 5000) != 1)
             return "nothing came";
         QByteArray bytes(65'536, Qt::Uninitialized);
-        return bytes.first(::recv(socket.get(), bytes.data(), static_cast<std::size_t>(bytes.size()), 0));
+        sockaddr_in address{};
+        socklen_t length = sizeof address;
+        const ssize_t size = ::recvfrom(socket.get(), bytes.data(), static_cast<std::size_t>(bytes.size()), 0,
+                                        reinterpret_cast<sockaddr *>(&address), &length);
+        if (from)
+            *from = ntohl(address.sin_addr.s_addr);
+        return bytes.first(std::max<ssize_t>(size, 0));
     }
 
     QByteArray ask(const QByteArray &text) const
@@ -61,6 +75,7 @@ struct Client {
     }
 
     DemoDescriptor socket;
+    sockaddr_in server;
 };
 
 /// A server whose time stands still, and a client of it.
@@ -148,6 +163,117 @@ private slots:
         std::sort(parts.begin(), parts.end());
         std::sort(mixed.begin(), mixed.end());
         QCOMPARE(mixed, parts);
+    }
+
+    void hasteIsIgnored()
+    {
+        Line line({.faults = {.throttle = 60s}});
+        QCOMPARE(line.client.ask("demo say one"), reply("console: one\n"));
+        line.client.send(request("demo kick all"));
+        QCOMPARE(Client(line.server.port()).ask("wrong say two"), Refusal); // whatever the distance
+        QCOMPARE(line.server.playerCount(), 12);
+        QCOMPARE(line.server.commandsSeen(), QStringList{"say one"});
+        line.server.setFaults({});
+        QCOMPARE(line.client.ask("demo say three"), reply("console: three\n"));
+    }
+
+    void manyRequestsLockOut()
+    {
+        Line line({.faults = {.lockout = 3}});
+        for (int i = 0; i < 3; ++i)
+            QCOMPARE(line.client.ask("wrong"), Refusal);
+        Client(line.server.port()).send(request("demo kick all")); // another port is no other client
+        line.client.send(request("wrong"));
+        // Not locked out, so that it tells when the server is through with those before.
+        QCOMPARE(Client(line.server.port(), INADDR_LOOPBACK + 2).ask("demo say hi"), reply("console: hi\n"));
+        QCOMPARE(line.server.commandsSeen(), QStringList{"say hi"});
+        line.server.setFaults({});
+        QCOMPARE(line.client.ask("demo say hi"), reply("console: hi\n")); // and nothing was waiting before it
+    }
+
+    void aStrangerSpeaksFirst()
+    {
+        Line line({.faults = {.stranger = true}});
+        line.client.send(request("demo say hi"));
+        in_addr_t from = 0;
+        const QByteArray lie = line.client.receive(&from);
+        QVERIFY(lie.startsWith(reply("").chopped(1)) && !lie.contains("console: hi"));
+        QCOMPARE(from, DemoSockets::StrangerAddress);
+        QCOMPARE(line.client.receive(&from), reply("console: hi\n"));
+        QCOMPARE(from, in_addr_t(INADDR_LOOPBACK));
+    }
+
+    void partsComeApart()
+    {
+        Line line({.faults = {.gap = 60s}});
+        const QByteArray first = line.client.ask("demo dvardump");
+        QVERIFY(first.size() > 1000);
+        QCOMPARE(line.client.ask("demo say hi"), reply("console: hi\n")); // before the second part
+    }
+
+    void restartsWithAnotherMode_data()
+    {
+        QTest::addColumn<DemoMode>("mode");
+        QTest::addColumn<QString>("ranked");
+        QTest::addColumn<QString>("playlists");
+        QTest::newRow("unranked") << DemoMode::Unranked << "0"
+                                  << "0";
+        QTest::newRow("playlists") << DemoMode::Playlists << "0"
+                                   << "1";
+        QTest::newRow("ranked") << DemoMode::Ranked << "2"
+                                << "0";
+    }
+    void restartsWithAnotherMode()
+    {
+        QFETCH(DemoMode, mode);
+        const bool isRankedBefore = mode != DemoMode::Ranked;
+        Line line({.ranked = isRankedBefore, .restartAfter = 1ms, .awayFor = 1ms, .restartMode = mode});
+        QTRY_COMPARE(line.server.variable("sv_ranked") == "0", isRankedBefore);
+        QTEST(line.server.variable("sv_ranked"), "ranked");
+        QTEST(line.server.variable("playlist_enabled"), "playlists");
+    }
+
+    void comesBackOnceWithANewGame()
+    {
+        Line line({.ranked = true, .restartAfter = 500ms, .awayFor = 1ms});
+        const quint16 port = line.server.port();
+        const QString motd = line.server.variable("g_motd");
+        QCOMPARE(line.client.ask("demo setadmindvar g_motd old"), reply(""));
+        line.server.setFaults({.throttle = 1h}); // remembered no longer than the game
+        QCOMPARE(line.client.ask("demo say before"), reply("console: before\n"));
+        QTRY_COMPARE(line.server.variable("g_motd"), motd);
+        QCOMPARE(line.server.variable("sv_ranked"), "2");
+        QCOMPARE(line.client.ask("demo say back"), reply("console: back\n"));
+        QCOMPARE(line.server.port(), port);
+        line.server.setFaults({});
+        QCOMPARE(line.client.ask("demo setadmindvar g_motd old"), reply(""));
+        line.server.stop();
+        QVERIFY(line.server.start());
+        QCOMPARE(line.client.ask("demo say hi"), reply("console: hi\n"));
+        QCOMPARE(line.server.variable("g_motd"), "old");
+    }
+
+    void portIsFreeWhileTheServerIsAway()
+    {
+        Line line({.ranked = true, .restartAfter = 1ms, .awayFor = 1s, .restartMode = DemoMode::Unranked});
+        DemoServer other({.port = line.server.port(), .password = "other", .frozen = true});
+        QTRY_VERIFY(other.port() != 0 || other.start());
+        QCOMPARE(line.client.ask("other say hi"), reply("console: hi\n"));
+        other.stop();
+        QTRY_COMPARE(line.server.variable("sv_ranked"), "0"); // it tries until the port is free
+        QCOMPARE(line.client.ask("demo say back"), reply("console: back\n"));
+    }
+
+    void stoppedWhileAwayItBeginsAnew()
+    {
+        Line line({.ranked = true, .restartAfter = 1ms, .awayFor = 1h, .restartMode = DemoMode::Unranked});
+        DemoServer other({.port = line.server.port(), .frozen = true});
+        QTRY_VERIFY(other.port() != 0 || other.start());
+        other.stop();
+        line.server.stop();
+        QVERIFY(line.server.start());
+        QCOMPARE(line.client.ask("demo say back"), reply("console: back\n"));
+        QCOMPARE(line.server.variable("sv_ranked"), "0");
     }
 
     void stopIsPrompt()
