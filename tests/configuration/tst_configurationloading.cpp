@@ -158,6 +158,29 @@ private slots:
                  QString("1 of 4 variables were written to the server. The others were left as they are."));
         with.alerts.dismiss();
         QVERIFY(with.settle());
+        with.exchange.forgetSent();
+        with.load("e \"5\"\nf \"6\"\n"); // what ended one loading does not end the next
+        QVERIFY(with.settle());
+        QCOMPARE(with.exchange.sent().size(), 2);
+        with.server.disconnect();
+        awaited(with.server.connectToHost("10.0.0.1", "28960", "typed"));
+        with.exchange.forgetSent();
+        with.load("e \"5\"\nf \"6\"\n");
+        QVERIFY(with.settle());
+        QCOMPARE(with.exchange.sent().size(), 2);
+    }
+
+    void cancelledAtTheLastNothingIsLeft()
+    {
+        Loading with;
+        with.exchange.hold();
+        with.load("a \"1\"\nb \"2\"\n");
+        QTRY_COMPARE(with.exchange.keptCount(), 1);
+        with.exchange.release();
+        QTRY_COMPARE(with.exchange.keptCount(), 1);
+        with.progress.cancel();
+        with.exchange.release();
+        QVERIFY(with.settle() && with.alerts.shown().isEmpty());
     }
 
     void tellsWhatCannotBeLoaded()

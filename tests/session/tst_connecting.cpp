@@ -150,7 +150,7 @@ private slots:
         QTEST(session.server.isConnected(), "isConnected");
         QTEST(session.alerts.titles(), "titles");
         QTEST(session.alerts.texts(), "texts");
-        QVERIFY(session.server.commandHistory().isEmpty());
+        QVERIFY(session.server.commandHistory().isEmpty() && session.server.commandHistoryCursor() == 0);
         QVERIFY(session.server.tabSet() == TabSet::None);
     }
 

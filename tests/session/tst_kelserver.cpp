@@ -54,6 +54,7 @@ private slots:
         QCOMPARE(bad.result, RConResultTimeout);
         QCOMPARE(session.transcript, "] status\nmap: x\n] lost\nno answer\n");
         QCOMPARE(session.server.commandHistory(), QStringList({"status", "lost"}));
+        QCOMPARE(session.server.commandHistoryCursor(), 2);
         for (const Request &request : session.exchange.requests())
             QCOMPARE(request.password, "secret"); // the server's, not the typed one
     }
