@@ -19,6 +19,7 @@ class TextHelpersTest : public QObject
 private slots:
     void quotedStrings_data();
     void quotedStrings();
+    void outerMarks();
     void colorCodes();
     void prefix();
     void keysInOrder();
@@ -47,6 +48,13 @@ void TextHelpersTest::quotedStrings()
 {
     QFETCH(QString, text);
     QTEST(::quotedStrings(text), "fields");
+}
+
+void TextHelpersTest::outerMarks()
+{
+    QCOMPARE(withoutOuter(u"??a?b??", u'?'), "a?b");
+    QCOMPARE(withoutOuterQuotes(u"\"\"\""), "");
+    QCOMPARE(withoutOuterQuotes(u" \"a\" "), " \"a\" ");
 }
 
 void TextHelpersTest::colorCodes()

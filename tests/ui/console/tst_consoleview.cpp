@@ -57,6 +57,10 @@ private slots:
         QTest::keyClick(input, Qt::Key_Down);
         QVERIFY(input->text().isEmpty());
         QCOMPARE(console.exchange.sent().size(), 3); // stepping sends nothing
+        QTest::keyClick(input, Qt::Key_Up);
+        QTest::keyClick(input, Qt::Key_Up);
+        QTest::keyClick(input, Qt::Key_Return);
+        QCOMPARE(stepper->text(), "New"); // and the newest is one step away again
     }
 
     void theFocusOfThePageGoesToTheCommandLine()
