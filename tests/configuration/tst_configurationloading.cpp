@@ -115,6 +115,7 @@ private slots:
             emit with.server.connectionBegan();
         else
             with.actions.close();
+        QCOMPARE(with.progress.isShown(), how == "cancel" || how == "close"); // until the write in flight has ended
         if (how == "close")
             with.server.cancelExchange();
         else
