@@ -25,6 +25,8 @@ signals:
     void quitRequested();
 
 private:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void makeFileMenu();
     void makeEditMenu();
     void makeServerMenu();
@@ -38,5 +40,6 @@ private:
     ServersView &m_servers;
     KelServer &m_server;
     Preferences &m_preferences;
+    QAction *m_disconnectAction = nullptr;
     QUndoGroup m_undoGroup;
 };
