@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HeldKey.h"
+
 #include <QMenuBar>
 #include <QUndoGroup>
 
@@ -42,4 +44,5 @@ private:
     Preferences &m_preferences;
     QAction *m_disconnectAction = nullptr;
     QUndoGroup m_undoGroup;
+    HeldKey m_heldKey;
 };
