@@ -70,11 +70,42 @@ private slots:
         QFETCH(QString, reply);
         QFETCH(QStringList, rows);
         QStringList found;
-        for (const PlayerRow &row : parsePlayerList(reply))
+        const PlayerList list = parsePlayerList(reply);
+        for (const PlayerRow &row : list.players)
             found.append(
                 QStringList{row.identifier, row.name, row.guid, row.ipaddress, row.team, row.score, row.ping}.join(
                     QLatin1Char('|')));
         QCOMPARE(found, rows);
+    }
+
+    void aPieceOfARowIsDamage_data()
+    {
+        QTest::addColumn<QString>("lines");
+        QTest::addColumn<bool>("isDamaged");
+        const QString title = QStringLiteral("num score ping guid name team lastmsg address qport rate\n");
+        const QString dashes = QStringLiteral("--- ----- ---- ---- ---- ---- ------- ------- ----- ----\n");
+        const QString tom = QStringLiteral("3 10 45 900 Tom allies 0 10.0.0.7:3074 77 25000\n");
+        QTest::newRow("whole") << title + dashes + tom << false;
+        QTest::newRow("nobody") << title + dashes << false;
+        QTest::newRow("recording client") << title + "0 0 0 0 democlient free 0 bot 0 0\n" << false;
+        QTest::newRow("the map before the title") << "map: mp_saltworks\n" + title + tom << false;
+        QTest::newRow("a player without a name")
+            << title + "4 0 48 abc allies 0 10.0.0.8:3074 77 25000\n" + tom << false;
+        QTest::newRow("twice") << title + tom + title + tom << false;
+        QTest::newRow("cut off in the number") << title + tom + "1" << true;
+        QTest::newRow("cut off in the name") << title + tom + "4 0 48 abc Big Bad Wolf Man Jr 2" << true;
+        QTest::newRow("cut off after the address") << title + tom + "4 0 48 abc allies 0 10.0.0.8:3074" << true;
+        QTest::newRow("its end alone") << title + "Bad Wolf 2 0 1.2.3.4:5 77 900\n" + tom << true;
+        QTest::newRow("joined to the title") << title + "4 0 48 abc Wo" + title + tom << true;
+        QTest::newRow("before the title") << tom + title << true;
+        QTest::newRow("without a title nothing is certain") << tom + "1" << false;
+    }
+    void aPieceOfARowIsDamage()
+    {
+        QFETCH(QString, lines);
+        const PlayerList list = parsePlayerList(lines);
+        QTEST(list.isDamaged, "isDamaged");
+        QCOMPARE(list.isTitled, lines.contains("qport"));
     }
 
     void listsNoMorePlayersThanThereCanBe()
@@ -82,7 +113,7 @@ private slots:
         QString reply;
         for (int number = 0; number <= mostPlayers; ++number)
             reply += QString::number(number) + QStringLiteral(" 0 48 g n 2 0 1.2.3.4:5 77 900\n");
-        QCOMPARE(parsePlayerList(reply).size(), mostPlayers);
+        QCOMPARE(parsePlayerList(reply).players.size(), mostPlayers);
     }
 
     void aColumnShowsItsValueAndSortsByWhatItMeans_data()

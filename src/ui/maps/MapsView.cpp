@@ -97,6 +97,11 @@ PageDocument *MapsView::document()
     return rotationPane;
 }
 
+void MapsView::setInFront(bool isInFront)
+{
+    currentMapPane->setInFront(isInFront);
+}
+
 QCoro::Task<> MapsView::didConnect()
 {
     co_await updateMapList(AllFlags);

@@ -37,6 +37,7 @@ public:
 
     void fillMenu(QMenu &menu) override;
     PageDocument *document() override;
+    void setInFront(bool isInFront) override;
     QCoro::Task<> didConnect() override;
     void willDisconnect() override;
     void restoreLayout(const Preferences &preferences) override;

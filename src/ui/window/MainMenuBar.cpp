@@ -8,10 +8,15 @@
 #include "ServersView.h"
 #include "TabPage.h"
 
+#include <QAbstractSpinBox>
 #include <QAction>
 #include <QActionGroup>
-#include <QCoreApplication>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QMenu>
+#include <QPlainTextEdit>
+#include <QTextEdit>
 #include <QUndoStack>
 
 #include <utility>
@@ -26,6 +31,44 @@ MainMenuBar::MainMenuBar(MainTabs &tabs, ServersView &servers, KelServer &server
     makeMenusOfTabs();
     makeViewMenu();
     makeHelpMenu();
+    if (parent != nullptr)
+        parent->installEventFilter(this); // the keys that nobody inside claims come to it last
+}
+
+static bool isTextTyped()
+{
+    const QWidget *focus = QApplication::focusWidget();
+    if (const auto *field = qobject_cast<const QLineEdit *>(focus))
+        return !field->isReadOnly();
+    if (const auto *field = qobject_cast<const QAbstractSpinBox *>(focus))
+        return !field->isReadOnly();
+    if (const auto *field = qobject_cast<const QPlainTextEdit *>(focus))
+        return !field->isReadOnly();
+    const auto *field = qobject_cast<const QTextEdit *>(focus);
+    return field != nullptr && !field->isReadOnly();
+}
+
+bool MainMenuBar::eventFilter(QObject *watched, QEvent *event)
+{
+    // In a text field the key that disconnects deletes the next letter, or does nothing where the platform has no such
+    // key; who types does not expect it to leave the server.
+    if (event->type() == QEvent::ShortcutOverride && isTextTyped() &&
+        m_disconnectAction->shortcut() == QKeySequence(static_cast<QKeyEvent *>(event)->keyCombination())) {
+        event->accept();
+        return true;
+    }
+    return QMenuBar::eventFilter(watched, event);
+}
+
+bool MainMenuBar::event(QEvent *event)
+{
+    // While the keyboard is in the menus, Qt gives it the shortcuts of any part of the window.
+    if (event->type() == QEvent::ShortcutOverride && hasFocus() &&
+        static_cast<QKeyEvent *>(event)->modifiers().testFlag(Qt::ControlModifier)) {
+        event->accept();
+        return true;
+    }
+    return QMenuBar::event(event);
 }
 
 PageDocument *MainMenuBar::currentDocument() const
@@ -43,6 +86,7 @@ void MainMenuBar::makeFileMenu()
             if (PageDocument *document = currentDocument())
                 (document->*operation)();
         }));
+        documentActions.last()->setAutoRepeat(false);
     };
     add(tr("&New Rotation…"), QKeySequence::New, &PageDocument::newDocument);
     add(tr("&Open Rotation…"), QKeySequence::Open, &PageDocument::openDocument);
@@ -61,6 +105,7 @@ void MainMenuBar::makeFileMenu()
         page->fillFileMenu(*file);
     file->addSeparator();
     QAction *quit = file->addAction(tr("&Quit"), QKeySequence(tr("Ctrl+Q")), this, &MainMenuBar::quitRequested);
+    quit->setAutoRepeat(false);
     quit->setMenuRole(QAction::QuitRole);
 }
 
@@ -87,7 +132,13 @@ void MainMenuBar::makeServerMenu()
     QMenu *menu = addMenu(tr("&Server"));
     QAction *connectAction =
         menu->addAction(tr("&Connect"), QKeySequence(tr("Ctrl+Return")), this, [this] { m_servers.pressConnect(); });
-    menu->addAction(tr("&Disconnect"), QKeySequence(tr("Ctrl+D")), this, &MainMenuBar::disconnectRequested);
+    connectAction->setAutoRepeat(false);
+    // Elsewhere it sends what is typed; there it would leave the server.
+    connectAction->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    m_servers.addAction(connectAction);
+    m_disconnectAction =
+        menu->addAction(tr("&Disconnect"), QKeySequence(tr("Ctrl+D")), this, &MainMenuBar::disconnectRequested);
+    m_disconnectAction->setAutoRepeat(false);
     connect(menu, &QMenu::aboutToShow, connectAction,
             [this, connectAction] { connectAction->setEnabled(m_servers.canConnect()); });
     connect(menu, &QMenu::aboutToHide, connectAction, [connectAction] { connectAction->setEnabled(true); });
@@ -117,6 +168,7 @@ void MainMenuBar::makeViewMenu()
                 m_tabs.setCurrentIndex(place);
                 m_tabs.currentWidget()->setFocus();
             });
+        action->setAutoRepeat(false);
         const auto rename = [this, action, place] {
             action->setVisible(place < m_tabs.count());
             action->setText(m_tabs.tabText(place));

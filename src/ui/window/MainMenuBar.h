@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HeldKey.h"
+
 #include <QMenuBar>
 #include <QUndoGroup>
 
@@ -25,6 +27,8 @@ signals:
     void quitRequested();
 
 private:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void makeFileMenu();
     void makeEditMenu();
     void makeServerMenu();
@@ -38,5 +42,7 @@ private:
     ServersView &m_servers;
     KelServer &m_server;
     Preferences &m_preferences;
+    QAction *m_disconnectAction = nullptr;
     QUndoGroup m_undoGroup;
+    HeldKey m_heldKey;
 };

@@ -77,7 +77,6 @@ private slots:
         QFETCH(bool, isCancelled);
         Maps maps;
         awaited(maps.view.updateMapList(7));
-        const QStringList shown = maps.current();
         maps.exchange.forgetSent();
         maps.exchange.hold();
         const QCoro::Task<> task = maps.view.updateMapList(7);
@@ -94,7 +93,7 @@ private slots:
             maps.exchange.release();
         QTRY_VERIFY(task.isReady());
         QCOMPARE(maps.exchange.sent().size(), answered + 1);
-        QCOMPARE(maps.current(), shown);
+        QCOMPARE(maps.current(), QStringList({"", ""}));
         QCOMPARE(maps.rotation(), tdmRotation);
         QCOMPARE(maps.alerts.shown().size(), 0);
     }
@@ -112,14 +111,50 @@ private slots:
             QCOMPARE(maps.alerts.shown().size(), 0);
             maps.exchange.answer(command, ScriptedExchange::failure("lost %1"));
             pressed->click();
-            QVERIFY(maps.settle());
-            maps.server.disconnect();
-            pressed->click();
             QCOMPARE(maps.sent().size(), 2);
-            const QString text = QString("'%1' returned an error: ").arg(command);
-            QCOMPARE(maps.alerts.titles(), QStringList({"Remote Command Failure", "Remote Command Failure"}));
-            QCOMPARE(maps.alerts.texts(), QStringList({text + "lost %1", text + "Not connected to a game server."}));
+            QCOMPARE(maps.alerts.titles(), QStringList{"Remote Command Failure"});
+            QCOMPARE(maps.alerts.texts(), QStringList{QString("'%1' returned an error: lost %2").arg(command, "%1")});
         }
+    }
+
+    void nothingCanBePressedWithoutAConnection()
+    {
+        Maps maps;
+        QMenu menu;
+        maps.view.fillMenu(menu);
+        maps.choose("Domination", "Ropeway");
+        const auto enabled = [&maps, &menu] {
+            QStringList names;
+            for (const char *name : {"refreshCurrentMapButton", "restartMapButton", "fastRestartMapButton",
+                                     "startNextMapButton", "loadMapButton"}) {
+                if (maps.button(name).isEnabled())
+                    names.append(name);
+            }
+            for (const QAction *action : menu.actions().first(5)) {
+                if (action->isEnabled())
+                    names.append(action->text());
+            }
+            return names;
+        };
+        awaited(maps.view.updateMapList(MapsView::AllFlags));
+        QCOMPARE(enabled().size(), 10);
+        QCOMPARE(maps.current(), QStringList({"Team Match", "Saltworks"}));
+        maps.server.disconnect();
+        QCOMPARE(enabled(), QStringList());
+        QCOMPARE(maps.current(), QStringList({"", ""}));
+        maps.connectToServer();
+        QCOMPARE(enabled().size(), 10);
+    }
+
+    void aRefreshThatIsTickedStartsWithTheConnect()
+    {
+        Maps maps;
+        maps.preferences.setValue("autoupdateMaps", true);
+        const auto *timer = control<QTimer>(maps.view, "autoupdateMapsTimer");
+        QVERIFY(!timer->isActive());
+        awaited(maps.view.didConnect());
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 30000);
     }
 
     void aCommandCalledOffRaisesNoAlert()
