@@ -41,6 +41,13 @@ void KelServer::forgetPassword()
     wipe(password);
 }
 
+void KelServer::forgetVariables()
+{
+    forgetPassword();
+    m_dvars.clear();
+    emit dvarListChanged();
+}
+
 void KelServer::cancelExchange()
 {
     ++m_cancellations;
@@ -60,10 +67,20 @@ QString KelServer::rconPassword() const
     return m_dvars.value(QStringLiteral("rcon_password"));
 }
 
+QCoro::Task<Reply> KelServer::send(Request request)
+{
+    if (++m_exchangesUnderWay == 1)
+        emit exchangeUnderWayChanged(true);
+    Reply reply = co_await m_exchange.send(request);
+    if (--m_exchangesUnderWay == 0)
+        emit exchangeUnderWayChanged(false);
+    co_return reply;
+}
+
 QCoro::Task<Reply> KelServer::ask(QString command, QString password)
 {
     const Request request{m_host, m_port, password, command, false};
-    const Reply reply = co_await m_exchange.send(request);
+    const Reply reply = co_await send(request);
     co_return reply;
 }
 
@@ -102,7 +119,7 @@ QCoro::Task<Reply> KelServer::writeDvar(QString name, QString value, bool isSing
     addToCommandHistory(command);
     appendConsoleMessage(QStringLiteral("] %1\n").arg(command));
     const Request request{m_host, m_port, rconPassword(), command, isSingle};
-    const Reply reply = co_await m_exchange.send(request);
+    const Reply reply = co_await send(request);
     if (reply.isCancelled)
         co_return reply;
     appendConsoleMessage(reply.text + QLatin1Char('\n'));

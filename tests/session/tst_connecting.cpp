@@ -143,6 +143,63 @@ private slots:
         QVERIFY(session.server.tabSet() == TabSet::None);
     }
 
+    void everyMissingVariableCounts_data()
+    {
+        QTest::addColumn<QString>("known");
+        QTest::newRow("the first is unknown") << "playlist_enabled";
+        QTest::newRow("the last is unknown") << "sv_ranked";
+    }
+    void everyMissingVariableCounts()
+    {
+        QFETCH(QString, known);
+        Session session(dump({}));
+        session.exchange.answerEverything(ScriptedExchange::ok("Unknown command \"x\""));
+        session.exchange.answer(known, ScriptedExchange::ok("\"" + known + "\" is: \"0\" default: \"0\""));
+        session.connect();
+        QCOMPARE(session.alerts.titles(), QStringList({"Unknown dvar", "Server Communication Error"}));
+    }
+
+    void tellsOfARefusedPasswordBeforeItsAlert_data()
+    {
+        QTest::addColumn<RConResult>("result");
+        QTest::addColumn<int>("told");
+        QTest::newRow("refused") << RConResultInvalidPassword << 1;
+        QTest::newRow("silent") << RConResultTimeout << 0;
+    }
+    void tellsOfARefusedPasswordBeforeItsAlert()
+    {
+        QFETCH(RConResult, result);
+        Session session(ScriptedExchange::failure("no", result));
+        session.alerts.hold();
+        QSignalSpy refused(&session.server, &KelServer::passwordRefused);
+        QCoro::Task<> connecting = session.startConnecting();
+        QTRY_COMPARE(session.alerts.openCount(), 1);
+        QTEST(static_cast<int>(refused.size()), "told");
+        session.alerts.dismiss();
+        awaited(std::move(connecting));
+    }
+
+    void isUnderWayOnlyWhileTheServerIsAsked()
+    {
+        Session session(dump("playlist_enabled \"0\"\n"));
+        session.exchange.answerEverything(ScriptedExchange::ok("Unknown command \"x\""));
+        session.exchange.hold();
+        session.alerts.hold();
+        QSignalSpy underWay(&session.server, &KelServer::exchangeUnderWayChanged);
+        QCoro::Task<> connecting = session.startConnecting();
+        QCOMPARE(underWay.takeLast().first().toBool(), true);
+        session.exchange.release();
+        QTRY_COMPARE(session.exchange.keptCount(), 1);
+        QCOMPARE(underWay.takeLast().first().toBool(), true);
+        session.exchange.release();
+        QTRY_COMPARE(session.alerts.openCount(), 1); // of an unknown variable
+        QCOMPARE(underWay.takeLast().first().toBool(), false);
+        session.alerts.dismiss();
+        QTRY_COMPARE(session.alerts.openCount(), 1);
+        session.alerts.dismiss();
+        awaited(std::move(connecting));
+    }
+
     void decidesTheMode_data()
     {
         QTest::addColumn<QString>("ranked");

@@ -86,6 +86,7 @@ void CurrentMapPane::layOut()
 void CurrentMapPane::connectControls()
 {
     connect(&m_server, &KelServer::connectionBegan, this, &CurrentMapPane::forgetServer);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &CurrentMapPane::forgetServer);
     connect(refreshCurrentMapButton, &QPushButton::clicked, this, &CurrentMapPane::refreshCurrentMapButtonPressed);
     connect(restartMapButton, &QPushButton::clicked, this, &CurrentMapPane::restartMapButtonPressed);
     connect(fastRestartMapButton, &QPushButton::clicked, this, &CurrentMapPane::fastRestartMapButtonPressed);
