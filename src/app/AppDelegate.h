@@ -29,6 +29,7 @@ public:
         QString preferencesFile;
         QString resources;
         QString applicationSupport;
+        QString guide;
     };
 
     explicit AppDelegate(const Places &places = {});
@@ -46,7 +47,9 @@ public:
 
 private:
     void registerDefaults();
+    void openHostingGuide();
 
+    QString m_guide;
     Preferences m_preferences;
     SheetAlerts m_alerts;
     RConExchange m_exchange;

@@ -87,10 +87,16 @@ void MainMenuBar::makeServerMenu()
     QMenu *menu = addMenu(tr("&Server"));
     QAction *connectAction =
         menu->addAction(tr("&Connect"), QKeySequence(tr("Ctrl+Return")), this, [this] { m_servers.pressConnect(); });
-    menu->addAction(tr("&Disconnect"), QKeySequence(tr("Ctrl+D")), this, &MainMenuBar::disconnectRequested);
-    connect(menu, &QMenu::aboutToShow, connectAction,
-            [this, connectAction] { connectAction->setEnabled(m_servers.canConnect()); });
-    connect(menu, &QMenu::aboutToHide, connectAction, [connectAction] { connectAction->setEnabled(true); });
+    QAction *disconnectAction =
+        menu->addAction(tr("&Disconnect"), QKeySequence(tr("Ctrl+D")), this, [this] { m_servers.pressDisconnect(); });
+    connect(menu, &QMenu::aboutToShow, this, [this, connectAction, disconnectAction] {
+        connectAction->setEnabled(m_servers.canConnect());
+        disconnectAction->setEnabled(m_servers.canDisconnect());
+    });
+    connect(menu, &QMenu::aboutToHide, this, [connectAction, disconnectAction] {
+        connectAction->setEnabled(true);
+        disconnectAction->setEnabled(true);
+    });
 }
 
 void MainMenuBar::makeMenusOfTabs()
@@ -151,7 +157,7 @@ void MainMenuBar::makeHelpMenu()
 {
     QMenu *help = addMenu(tr("&Help"));
     help->addAction(tr("Try the &Demo Server"), this, &MainMenuBar::demoServerRequested);
-    help->addAction(tr("Server &Hosting"), this, [this] { m_servers.hostwellButtonPressed(); });
+    help->addAction(tr("Server &Hosting"), this, &MainMenuBar::hostingGuideRequested);
     QAction *about = help->addAction(tr("&About"), this, &MainMenuBar::aboutRequested);
     about->setMenuRole(QAction::AboutRole);
 }

@@ -19,8 +19,8 @@ public:
                 QWidget *parent = nullptr);
 
 signals:
-    void disconnectRequested();
     void demoServerRequested();
+    void hostingGuideRequested();
     void aboutRequested();
     void quitRequested();
 

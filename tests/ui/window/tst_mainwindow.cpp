@@ -4,7 +4,6 @@
 
 #include <QAbstractButton>
 #include <QAccessible>
-#include <QHeaderView>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -201,7 +200,7 @@ private slots:
     {
         Window window;
         window.view.show();
-        window.view.quickConnect("10.0.0.1", "28960", {});
+        window.view.connectByCommandLine("10.0.0.1:28960", {});
         auto *dialog = window.view.findChild<QInputDialog *>("passwordPanel");
         QVERIFY(dialog != nullptr);
         QCOMPARE(dialog->textEchoMode(), QLineEdit::Password);
@@ -272,18 +271,6 @@ private slots:
         }
         QVERIFY(!window.exchange.sent().contains("clientkick 1"));
         QCOMPARE(window.server.host(), "10.0.0.2");
-    }
-
-    void theLayoutSurvivesARestart()
-    {
-        Window window;
-        window.view.resize(1100, 777);
-        window.view.show();
-        control<QTableView>(window.view, "playersTableView")->sortByColumn(6, Qt::DescendingOrder);
-        window.view.close();
-        const FormMainView again(window.workplace(), window.savedServers);
-        QCOMPARE(again.size(), QSize(1100, 777));
-        QCOMPARE(control<QTableView>(again, "playersTableView")->horizontalHeader()->sortIndicatorSection(), 6);
     }
 
     void connectsToTheLastSelectedAndFollowsItsPassword()
