@@ -25,8 +25,8 @@ static CatalogueFolders catalogueFolders(const AppDelegate::Places &places)
     return folders;
 }
 
-AppDelegate::AppDelegate(const Places &places)
-    : m_guide(places.guide.isEmpty() ? guideFile() : places.guide), m_preferences(places.preferencesFile),
+AppDelegate::AppDelegate(const Places &places, const QString &guide)
+    : m_guide(guide.isEmpty() ? guideFile() : guide), m_preferences(places.preferencesFile),
       m_server(m_exchange, m_alerts), m_reader(catalogueFolders(places), m_alerts, [this] { m_window->close(); }),
       m_gametypes(CatalogueContext{m_server, m_alerts}, m_reader),
       m_settings(CatalogueContext{m_server, m_alerts}, m_reader), m_maps(m_server, m_reader),

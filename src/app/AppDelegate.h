@@ -29,10 +29,10 @@ public:
         QString preferencesFile;
         QString resources;
         QString applicationSupport;
-        QString guide;
     };
 
-    explicit AppDelegate(const Places &places = {});
+    /// @param guide  the file of the user's guide; empty means the usual place.
+    explicit AppDelegate(const Places &places = {}, const QString &guide = {});
     ~AppDelegate() override;
 
     /// The folder for the user's work. Made at the first call, readable by its owner only; the same on every call.

@@ -40,7 +40,7 @@ private slots:
         const QTemporaryDir folder;
         const QString guide = isThere ? guideFile() : folder.filePath("guide.md");
         Desktop desktop;
-        AppDelegate delegate({folder.filePath("preferences.ini"), resourceFolder(), folder.path(), guide});
+        AppDelegate delegate({folder.filePath("preferences.ini"), resourceFolder(), folder.path()}, guide);
         delegate.window().show();
         control<QPushButton>(delegate.window(), "hostwellButton")->click();
         auto *alert = delegate.window().findChild<QMessageBox *>("alert");

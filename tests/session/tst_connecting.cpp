@@ -35,11 +35,11 @@ public:
 struct Session {
     explicit Session(const Reply &dumpReply = ScriptedExchange::dump()) : exchange({{"dvardump", dumpReply}}) {}
 
-    QCoro::Task<> startConnecting(const QString &host = "10.0.0.1", const QString &port = "28960")
+    QCoro::Task<> startConnecting(const QString &host = "192.0.2.1", const QString &port = "50960")
     {
         return server.connectToHost(host, port, "typed");
     }
-    void connect(const QString &host = "10.0.0.1", const QString &port = "28960")
+    void connect(const QString &host = "192.0.2.1", const QString &port = "50960")
     {
         awaited(startConnecting(host, port));
     }
@@ -260,11 +260,11 @@ private slots:
         Session session;
         session.connect();
         QSignalSpy cleared(&session.server, &KelServer::consoleCleared);
-        session.connect("10.0.0.2", "no port");
+        session.connect("192.0.2.2", "no port");
         QVERIFY(session.server.dvarList().isEmpty());
         QCOMPARE(cleared.size(), 1);
         QVERIFY(session.server.isConnected()); // only disconnect() ends a connection
-        QCOMPARE(session.server.host(), "10.0.0.1");
+        QCOMPARE(session.server.host(), "192.0.2.1");
     }
 
     void canBeCalledOffAtEveryStep_data()

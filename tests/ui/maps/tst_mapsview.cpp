@@ -77,7 +77,6 @@ private slots:
         QFETCH(bool, isCancelled);
         Maps maps;
         awaited(maps.view.updateMapList(7));
-        const QStringList shown = maps.current();
         maps.exchange.forgetSent();
         maps.exchange.hold();
         const QCoro::Task<> task = maps.view.updateMapList(7);
@@ -85,8 +84,6 @@ private slots:
             maps.exchange.release();
             QTRY_COMPARE(maps.exchange.sent().size(), i + 2);
         }
-        maps.exchange.forget("g_gametype");
-        maps.exchange.forget("mapname");
         if (isCancelled)
             maps.exchange.cancel();
         maps.server.disconnect();
@@ -94,7 +91,7 @@ private slots:
             maps.exchange.release();
         QTRY_VERIFY(task.isReady());
         QCOMPARE(maps.exchange.sent().size(), answered + 1);
-        QCOMPARE(maps.current(), shown);
+        QCOMPARE(maps.current(), QStringList({"", ""})); // what comes late is the former server's
         QCOMPARE(maps.rotation(), tdmRotation);
         QCOMPARE(maps.alerts.shown().size(), 0);
     }

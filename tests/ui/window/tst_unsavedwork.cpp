@@ -35,7 +35,7 @@ private slots:
             window.edit();
             window.view.close();
         } else {
-            window.view.connectTo(ConnectTarget{"L", "10.0.0.1", "28960", "p", nullptr});
+            window.view.connectTo(ConnectTarget{"L", "192.0.2.1", "50960", "p", nullptr});
             window.edit(); // while a worker reads the catalogue
         }
         QTRY_COMPARE(window.alerts.openCount(), 1);
