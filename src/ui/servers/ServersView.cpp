@@ -129,6 +129,8 @@ void ServersView::layOut()
     boxLayout->addLayout(form);
     boxLayout->addLayout(buttons);
     auto *layout = new QVBoxLayout(this);
+    // The splitter's handle is distance enough. Magnified by half, 1280 pixels are not more than the window needs.
+    layout->setContentsMargins(layout->contentsMargins() - QMargins(0, 0, 6, 0));
     layout->addWidget(savedServerTableView, 1);
     layout->addLayout(savedForm);
     layout->addLayout(savedButtons);

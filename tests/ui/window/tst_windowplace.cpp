@@ -55,9 +55,6 @@ private slots:
         window.view.show();
         const QSize room(1280 * 2 / 3, 800 * 2 / 3); // scaled by 1.5
         const QSize least = window.view.minimumSizeHint();
-        for (const QWidget *page : window.view.findChildren<QWidget *>())
-            if (page->objectName().endsWith("View") || page->objectName().endsWith("Pane"))
-                qDebug() << page->objectName() << page->minimumSizeHint();
         QVERIFY2(least.width() <= room.width() - 4 && least.height() <= room.height() - 40,
                  qPrintable(QStringLiteral("%1x%2").arg(least.width()).arg(least.height())));
     }
