@@ -95,9 +95,12 @@ private slots:
         QVERIFY(!window.text("currentMapField").isEmpty() && window.shownSettings() > 0);
         window.exchange.answer("dvardump", dump);
         window.exchange.hold();
+        control<QPushButton>(window.view, "restartMapButton")->click(); // has its turn
         window.pressConnect("192.0.2.2", port, "second");
-        // What was meant for the former server does not reach it, nor another.
+        // What waits behind the connect was meant for the former server: it does not reach it, nor another.
         control<QPushButton>(window.view, "fastRestartMapButton")->click();
+        window.exchange.forgetSent();
+        window.exchange.release();
         if (isCalledOff) {
             QTRY_COMPARE(window.exchange.keptCount(), 1);
             window.pressDisconnect();
@@ -119,6 +122,21 @@ private slots:
         QCOMPARE(window.shownSettings(), 0);
         QVERIFY(!control<QPushButton>(window.view, "saveConfigButton")->isEnabled());
         QVERIFY(!control<QPushButton>(window.view, "disconnectButton")->isEnabled());
+    }
+
+    void theFormerConnectionHasEndedWhenTheNewServerIsAsked()
+    {
+        BusyWindow window;
+        window.exchange.hold();
+        window.pressConnect("192.0.2.2", "50961", "second");
+        QTRY_COMPARE(window.exchange.keptCount(), 1);
+        QVERIFY(!window.server.isConnected());
+        QVERIFY(!window.isPlaying() && !window.isRefreshingMaps() && !window.isPasswordKnown());
+        QCOMPARE(window.text("currentMapField"), QString());
+        QCOMPARE(window.status(), "Connecting to QuickConnect...");
+        QVERIFY(control<QPushButton>(window.view, "disconnectButton")->isEnabled()); // calls the new one off
+        window.pressDisconnect();
+        QVERIFY(window.settle());
     }
 
     void disconnectLeavesNothingOfTheServer()
