@@ -69,6 +69,13 @@ void KelServer::forgetPassword()
     wipe(password);
 }
 
+void KelServer::forgetVariables()
+{
+    forgetPassword();
+    m_dvars.clear();
+    emit dvarListChanged();
+}
+
 void KelServer::cancelExchange()
 {
     ++m_cancellations;
@@ -93,7 +100,12 @@ QCoro::Task<Reply> KelServer::send(Request request)
     const QString refusal = reasonOfRefusal(request);
     if (!refusal.isEmpty())
         co_return Reply{RConResultError, refusal, false, true};
-    co_return co_await m_exchange.send(request);
+    if (++m_exchangesUnderWay == 1)
+        emit exchangeUnderWayChanged(true);
+    Reply reply = co_await m_exchange.send(request);
+    if (--m_exchangesUnderWay == 0)
+        emit exchangeUnderWayChanged(false);
+    co_return reply;
 }
 
 QCoro::Task<Reply> KelServer::ask(QString command, QString password)

@@ -50,6 +50,8 @@ public:
     /// Ends the running exchange within one receive time-out; its action ends without an alert.
     void cancelExchange();
     void setConnectFailed() { clearCommandHistory(); }
+    /// Forgets what the server has told of its variables, the password among them.
+    void forgetVariables();
 
     /// Variable name to value, as the server last told it. Cheap: the copy shares its data.
     QHash<QString, QString> dvarList() const { return m_dvars; }
@@ -97,6 +99,10 @@ signals:
     void connectionBegan();
     /// A connect has come to its end with everything asked for.
     void didConnect();
+    /// A connect was refused for its password; its alert comes next.
+    void passwordRefused();
+    /// Whether a request is on its way, or its reply.
+    void exchangeUnderWayChanged(bool isUnderWay);
     void tabSetChanged();
     /// The last tab is to come to the front: the console stays there when the tabs are arranged anew.
     void lastTabRequested();
@@ -132,6 +138,7 @@ private:
     bool m_isConnected = false;
     bool m_isRanked = false;
     bool m_playlistsActive = false;
+    int m_exchangesUnderWay = 0;
     /// Counts cancellations, so that a connect under way sees after a wait that it was called off.
     quint64 m_cancellations = 0;
     QHash<QString, QString> m_dvars;

@@ -43,9 +43,7 @@ static QStringList fieldsOfOne(const QString &reply)
 QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString password)
 {
     const quint64 cancellations = m_cancellations;
-    forgetPassword();
-    m_dvars.clear();
-    emit dvarListChanged();
+    forgetVariables();
     clearCommandHistory();
     emit consoleCleared();
 
@@ -59,6 +57,8 @@ QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString p
     Reply reply = co_await send(request);
     if (reply.isCancelled || cancellations != m_cancellations)
         co_return;
+    if (reply.result == RConResultInvalidPassword)
+        emit passwordRefused();
     if (!reply.isSuccess()) {
         co_await failConnecting(tr("Command Send Error"), reply.text);
         co_return;

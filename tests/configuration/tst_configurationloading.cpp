@@ -15,7 +15,7 @@ struct Loading {
     Loading()
     {
         exchange.answer("dvardump", ScriptedExchange::dump());
-        awaited(server.connectToHost("10.0.0.1", "28960", "typed"));
+        awaited(server.connectToHost("192.0.2.1", "50960", "typed"));
         exchange.forgetSent();
         exchange.answerEverything(ScriptedExchange::ok());
     }

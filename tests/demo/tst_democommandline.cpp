@@ -16,7 +16,7 @@ private slots:
         QTest::newRow("loss above one") << QStringList{"--loss", "1.01"} << "--loss takes a number from 0 to 1";
         QTest::newRow("loss not a number") << QStringList{"--loss", "nan"} << "\"nan\"";
         QTest::newRow("unknown option") << QStringList{"--fast"} << "fast";
-        QTest::newRow("stray word") << QStringList{"--ranked", "28960"} << "\"28960\"";
+        QTest::newRow("stray word") << QStringList{"--ranked", "50960"} << "\"50960\"";
         QTest::newRow("password beyond Latin-1") << QStringList{"--password", u"\u0416"_qs} << "password";
     }
     void refused()
@@ -30,12 +30,12 @@ private slots:
 
     void accepted()
     {
-        const QString typed = "demo --port 28960 --players 30 --ranked --frozen --loss 0.25 --delay 150 --duplicate 1 "
+        const QString typed = "demo --port 50960 --players 30 --ranked --frozen --loss 0.25 --delay 150 --duplicate 1 "
                               "--silent-after 2";
         const DemoCommandLine line = DemoCommandLine::parse(typed.split(u' '), {});
         QCOMPARE(line.task, DemoCommandLine::Task::Serve);
         const DemoOptions &options = line.options;
-        QCOMPARE(options.port, 28960);
+        QCOMPARE(options.port, 50960);
         QCOMPARE(options.players, 30);
         QVERIFY(options.ranked && options.frozen && !options.playlists && !options.faults.silent);
         QCOMPARE(options.faults.loss, 0.25);

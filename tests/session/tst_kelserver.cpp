@@ -11,7 +11,7 @@ struct Session {
     explicit Session(const QString &extraDump = {})
     {
         exchange.answer("dvardump", ScriptedExchange::dump("sv_ranked \"0\"\nplaylist_enabled \"0\"\n" + extraDump));
-        awaited(server.connectToHost("10.0.0.1", "28960", "typed"));
+        awaited(server.connectToHost("192.0.2.1", "50960", "typed"));
         exchange.forgetSent();
         QObject::connect(&server, &KelServer::consoleMessageAppended, &server,
                          [this](const QString &text) { transcript += text; });

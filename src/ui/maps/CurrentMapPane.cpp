@@ -47,6 +47,8 @@ void CurrentMapPane::nameControls()
     currentGameTypeField->setAccessibleName(tr("Current gametype"));
     currentMapField->setObjectName(QStringLiteral("currentMapField"));
     currentMapField->setAccessibleName(tr("Current map"));
+    for (ElidingField *field : {currentGameTypeField, currentMapField})
+        field->setPlaceholderText(tr("Unknown"));
     refreshCurrentMapButton->setObjectName(QStringLiteral("refreshCurrentMapButton"));
     restartMapButton->setObjectName(QStringLiteral("restartMapButton"));
     fastRestartMapButton->setObjectName(QStringLiteral("fastRestartMapButton"));

@@ -137,11 +137,16 @@ void MainMenuBar::makeServerMenu()
     connectAction->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     m_servers.addAction(connectAction);
     m_disconnectAction =
-        menu->addAction(tr("&Disconnect"), QKeySequence(tr("Ctrl+D")), this, &MainMenuBar::disconnectRequested);
+        menu->addAction(tr("&Disconnect"), QKeySequence(tr("Ctrl+D")), this, [this] { m_servers.pressDisconnect(); });
     m_disconnectAction->setAutoRepeat(false);
-    connect(menu, &QMenu::aboutToShow, connectAction,
-            [this, connectAction] { connectAction->setEnabled(m_servers.canConnect()); });
-    connect(menu, &QMenu::aboutToHide, connectAction, [connectAction] { connectAction->setEnabled(true); });
+    connect(menu, &QMenu::aboutToShow, this, [this, connectAction] {
+        connectAction->setEnabled(m_servers.canConnect());
+        m_disconnectAction->setEnabled(m_servers.canDisconnect());
+    });
+    connect(menu, &QMenu::aboutToHide, this, [this, connectAction] {
+        connectAction->setEnabled(true);
+        m_disconnectAction->setEnabled(true);
+    });
 }
 
 void MainMenuBar::makeMenusOfTabs()
@@ -203,7 +208,7 @@ void MainMenuBar::makeHelpMenu()
 {
     QMenu *help = addMenu(tr("&Help"));
     help->addAction(tr("Try the &Demo Server"), this, &MainMenuBar::demoServerRequested);
-    help->addAction(tr("Server &Hosting"), this, [this] { m_servers.hostwellButtonPressed(); });
+    help->addAction(tr("Server &Hosting"), this, &MainMenuBar::hostingGuideRequested);
     QAction *about = help->addAction(tr("&About"), this, &MainMenuBar::aboutRequested);
     about->setMenuRole(QAction::AboutRole);
 }

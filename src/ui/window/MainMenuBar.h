@@ -21,8 +21,8 @@ public:
                 QWidget *parent = nullptr);
 
 signals:
-    void disconnectRequested();
     void demoServerRequested();
+    void hostingGuideRequested();
     void aboutRequested();
     void quitRequested();
 

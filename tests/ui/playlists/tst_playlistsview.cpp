@@ -83,6 +83,7 @@ private slots:
         QCOMPARE(playlists.exchange.sent(), commands);
         QTEST(playlists.alerts.texts(), "alerts");
         QVERIFY(!isRanked || playlists.alerts.titles().last() == "Playlist Has Been Queued");
+        QVERIFY(!isRanked || playlists.alerts.manners().last().isGoodNews);
         QCOMPARE(control<QLineEdit>(playlists.view, "currentPlaylistField")->text(), isFailing ? "Hold Your Ground"
                                                                                      : id == 0 ? ""
                                                                                                : "Mixed Teams");

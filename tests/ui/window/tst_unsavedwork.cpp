@@ -35,7 +35,7 @@ private slots:
             window.edit();
             window.view.close();
         } else {
-            window.view.connectTo(ConnectTarget{"L", "10.0.0.1", "28960", "p", nullptr});
+            window.view.connectTo(ConnectTarget{"L", "192.0.2.1", "50960", "p", nullptr});
             window.edit(); // while a worker reads the catalogue
         }
         QTRY_COMPARE(window.alerts.openCount(), 1);
@@ -53,6 +53,60 @@ private slots:
         while (window.alerts.openCount() > 0)
             window.alerts.dismiss(1);
         QVERIFY(window.settle());
+    }
+
+    void aWindowThatStaysGoesOnSending()
+    {
+        UnsavedWindow window;
+        window.view.show();
+        window.connectToServer();
+        window.exchange.answerEverything(ScriptedExchange::ok());
+        window.exchange.hold();
+        control<QPushButton>(window.view, "refreshCurrentMapButton")->click();
+        window.view.close(); // comes back when the exchange has ended
+        window.edit();
+        QTRY_COMPARE(window.alerts.openCount(), 1);
+        window.alerts.dismiss(2);
+        QVERIFY(window.settle());
+        QVERIFY(window.view.isVisible());
+        window.exchange.forgetSent();
+        control<QPushButton>(window.view, "fastRestartMapButton")->click();
+        QTRY_COMPARE(window.exchange.keptCount(), 1);
+        window.exchange.release();
+        QCOMPARE(window.sent(), QStringList{"fast_restart"});
+        QCOMPARE(window.alerts.shown().size(), 1);
+    }
+
+    void closingTwiceAsksOnce_data()
+    {
+        QTest::addColumn<bool>("isDuringAnExchange");
+        QTest::newRow("while the question is open") << false;
+        QTest::newRow("during an exchange, and the work is edited then") << true;
+    }
+    void closingTwiceAsksOnce()
+    {
+        QFETCH(bool, isDuringAnExchange);
+        UnsavedWindow window;
+        window.view.show();
+        window.connectToServer();
+        window.exchange.hold();
+        if (isDuringAnExchange)
+            control<QPushButton>(window.view, "refreshCurrentMapButton")->click();
+        else
+            window.edit();
+        window.view.close();
+        if (isDuringAnExchange)
+            window.edit();
+        window.view.close();
+        QTRY_COMPARE(window.alerts.openCount(), 1);
+        QTest::qWait(1);
+        QCOMPARE(window.alerts.openCount(), 1);
+        window.alerts.dismiss(2);
+        QVERIFY(window.settle());
+        QCoreApplication::processEvents();
+        QVERIFY(window.settle());
+        QCOMPARE(window.alerts.shown().size(), 1);
+        QVERIFY(window.view.isVisible());
     }
 };
 
