@@ -50,6 +50,17 @@ private slots:
         QCOMPARE(shown.shownValue("g_time"), QString("30"));
     }
 
+    void quotesTypedAroundAValueAreNoPartOfIt()
+    {
+        SettingsFixture shown;
+        shown.type("g_time", "\"25\"");
+        QVERIFY(!shown.isHintShown());
+        QTest::keyClick(shown.editor(), Qt::Key_Return);
+        QTRY_VERIFY(shown.editor() == nullptr);
+        QCOMPARE(shown.sent(), QStringList{"setadmindvar g_time \"25\""});
+        QCOMPARE(shown.server.dvarList().value("g_time"), QString("25"));
+    }
+
     void aRejectedValueStaysInTheField()
     {
         SettingsFixture shown;
