@@ -104,6 +104,9 @@ private slots:
         const QString odland = QString::fromUtf8("Ödland|10.0.0.7|28960|");
         QTest::newRow("binary") << binaryFile << "alice" << QStringList{"beta|b|1|(none)", odland + "secret"};
         QTest::newRow("other account") << binaryFile << "bob" << QStringList{"beta|b|1|(none)", odland + "(none)"};
+        QTest::newRow("a port written by hand as a number")
+            << xmlFile("<key>a</key><dict><key>port</key><integer>50100</integer></dict>") << "alice"
+            << QStringList{"a||50100|(none)"};
         QTest::newRow("XML, in order without case")
             << xmlFile(xmlEntry("b") + xmlEntry("C") + xmlEntry("A &amp; B", xmlPassword(aliceSecret))) << "alice"
             << QStringList{"A & B|h|1|secret", "b|h|1|(none)", "C|h|1|(none)"};

@@ -109,6 +109,46 @@ private slots:
         QCOMPARE(QStringList({form.host, form.port, form.password}), QStringList({"10.0.0.1", "28960", "pw"}));
     }
 
+    void returnInTheFormConnects()
+    {
+        const ServersFile file;
+        Servers servers(file);
+        const QSignalSpy presses(&servers.view, &ServersView::connectButtonPressed);
+        servers.view.fillForm(QStringLiteral("10.0.0.1"), QStringLiteral("50100"));
+        QTest::keyClick(&servers.field("hostField"), Qt::Key_Return); // the password is missing
+        servers.view.setFormPassword(QStringLiteral("pw"));
+        for (const char *name : {"labelField", "hostField", "portField", "passwordField"})
+            QTest::keyClick(&servers.field(name), Qt::Key_Return);
+        QCOMPARE(presses.size(), 4);
+    }
+
+    void passwordsCannotBeReadOnTheScreen()
+    {
+        ServersFile file;
+        file.store({{"a", "10.0.0.1", "50100", QStringLiteral("secret")}});
+        Servers servers(file);
+        servers.table->selectRow(0);
+        servers.view.setFormPassword(QStringLiteral("secret"));
+        for (const char *name : {"savedPasswordField", "passwordField"}) {
+            QCOMPARE(servers.field(name).text(), QString("secret"));
+            QVERIFY2(!servers.field(name).displayText().contains('s'), name);
+        }
+    }
+
+    void aPasswordThatCannotBeDecryptedIsToldFromNone()
+    {
+        const ServersFile file;
+        SavedServers ofAnother(file.path(), QStringLiteral("another"));
+        QVERIFY(ofAnother.save({"a", "10.0.0.1", "50100", QStringLiteral("one")}).error.isEmpty());
+        Servers servers(file);
+        const QLineEdit &password = servers.field("savedPasswordField");
+        QVERIFY(password.placeholderText().isEmpty());
+        servers.table->selectRow(0);
+        QVERIFY(password.text().isEmpty() && !password.placeholderText().isEmpty());
+        servers.view.storePassword(QStringLiteral("a"), QString());
+        QVERIFY(password.placeholderText().isEmpty());
+    }
+
     void theFormBeginsWithTheHost()
     {
         const ServersFile file;
@@ -150,6 +190,10 @@ private slots:
         QTest::keyClick(servers.table, Qt::Key_Return);
         const SavedServer second{"b", "10.0.0.2", "28961", QStringLiteral("two")};
         QCOMPARE(chosen, QList<SavedServer>({second, second}));
+        servers.table->selectAll(); // the last of them counts, and its password is shown
+        QCOMPARE(servers.field("savedPasswordField").text(), QString("two"));
+        connectButton.click();
+        QCOMPARE(chosen.last(), second);
         servers.view.setConnecting(true);
         QVERIFY(!connectButton.isEnabled());
     }
@@ -198,7 +242,7 @@ private slots:
         servers.table->selectRow(0);
         servers.table->selectionModel()->select(servers.table->model()->index(1, 0),
                                                 QItemSelectionModel::Select | QItemSelectionModel::Rows);
-        QTest::keyClick(servers.table, Qt::Key_Delete);
+        QTest::keyClick(servers.table, Qt::Key_Backspace);
         QCOMPARE(servers.labels(), QStringList{"c@10.0.0.3"});
         undo.undo();
         QCOMPARE(servers.labels(), QStringList({"a@10.0.0.1", "b@10.0.0.2", "c@10.0.0.3"}));
@@ -219,11 +263,13 @@ private slots:
     void theTableKeepsItsColumnsAndSorting()
     {
         ServersFile file;
-        file.store({{"a", "10.0.0.2", "50100", std::nullopt}, {"b", "10.0.0.1", "50101", std::nullopt}});
+        file.store({{"a", "10.0.0.2", "9999", std::nullopt}, {"b", "10.0.0.1", "50101", std::nullopt}});
         TestPreferences preferences(file.folder);
         {
             Servers servers(file);
             servers.view.restoreLayout(preferences); // nothing kept yet
+            QCOMPARE(servers.labels(), QStringList({"a@10.0.0.2", "b@10.0.0.1"}));
+            servers.table->sortByColumn(2, Qt::AscendingOrder); // as numbers
             QCOMPARE(servers.labels(), QStringList({"a@10.0.0.2", "b@10.0.0.1"}));
             servers.table->sortByColumn(1, Qt::AscendingOrder);
             servers.table->setColumnWidth(1, 143);
