@@ -11,6 +11,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTableView>
 
@@ -302,6 +303,12 @@ private slots:
         auto *rotation = control<QTableView>(window.view, "messageRotationTableView");
         awaited(window.messageRotations.addMessageToCurrentRotation("Hello", "3"));
         QCoreApplication::processEvents(); // a step is made when the turn ends
+        const QAction &undo = *window.view.menuBar()->actions().at(1)->menu()->actions().first();
+        window.tabs()->tabBar()->setFocus(); // where it stays when another tab comes to the front
+        window.bringToFront("playersView");
+        QVERIFY(!undo.isEnabled());
+        window.bringToFront("messagesView");
+        QVERIFY(undo.isEnabled());
         servers->setFocus();
         servers->selectRow(0);
         QTest::keyClick(servers, Qt::Key_Delete);
