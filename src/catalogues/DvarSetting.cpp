@@ -3,6 +3,7 @@
 #include "Alerts.h"
 #include "KelServer.h"
 #include "Number.h"
+#include "QuotedStrings.h"
 #include "XmlDocument.h"
 
 #include <QRegularExpression>
@@ -71,8 +72,9 @@ QCoro::Task<> DvarSetting::setDvarBoolValue(bool value)
     co_await setDvarValue(text);
 }
 
-bool DvarSetting::validateValue(const QString &value) const
+bool DvarSetting::validateValue(const QString &typed) const
 {
+    const QString value = withoutOuterQuotes(typed);
     static const QRegularExpression wholeNumber(QStringLiteral("\\A[0-9]+\\z"));
     static const QRegularExpression decimalNumber(QStringLiteral("\\A[-+]?[0-9]*\\.?[0-9]+\\z"));
     if (m_type == QLatin1String("string"))

@@ -51,8 +51,9 @@ public:
     QCoro::Task<> setDvarValue(QString value);
     QCoro::Task<> setDvarBoolValue(bool value);
 
-    /// Whether the type allows a value that a user has typed.
-    bool validateValue(const QString &value) const;
+    /// Whether the type allows a value that a user has typed. The quotes around it do not count, as a write leaves them
+    /// out.
+    bool validateValue(const QString &typed) const;
     /// What the type allows, as a short hint for users.
     QString acceptedValues() const;
 

@@ -2,6 +2,11 @@
 
 #include <QStringList>
 
+static QString serverName(const QString &own, const QString &shown, const QHash<QString, QString> &dvarNames)
+{
+    return own.isEmpty() ? dvarNames.value(shown) : own;
+}
+
 ExclusionText exclusionText(const QList<Exclusion> &exclusions, const QHash<QString, QString> &mapDvarNames,
                             const QHash<QString, QString> &gametypeDvarNames)
 {
@@ -11,8 +16,8 @@ ExclusionText exclusionText(const QList<Exclusion> &exclusions, const QHash<QStr
     for (const Exclusion &exclusion : exclusions) {
         const bool isAnyMap = exclusion.map_dvar == Exclusion::anyMap();
         const bool isAnyGametype = exclusion.gametype == Exclusion::anyGametype();
-        const QString map = mapDvarNames.value(exclusion.map_dvar);
-        const QString gametype = gametypeDvarNames.value(exclusion.gametype);
+        const QString map = serverName(exclusion.serverMap, exclusion.map_dvar, mapDvarNames);
+        const QString gametype = serverName(exclusion.serverGametype, exclusion.gametype, gametypeDvarNames);
         const bool isFound = (isAnyMap || !map.isEmpty()) && (isAnyGametype || !gametype.isEmpty());
         if (!isFound || (isAnyMap && isAnyGametype))
             continue;

@@ -15,8 +15,9 @@ struct ExclusionText {
     bool operator==(const ExclusionText &) const = default;
 };
 
-/// Turns exclusions, in their order, into what is written to the server. One of any map and any gametype says nothing,
-/// and one with a name that cannot be found is left out. Any thread.
-/// @param mapDvarNames, gametypeDvarNames  display name to the server's name.
+/// Turns exclusions, in their order, into what is written to the server. What has come from the server goes back as it
+/// came. One of any map and any gametype says nothing, and one with a name that cannot be found is left out. Any
+/// thread.
+/// @param mapDvarNames, gametypeDvarNames  display name to the server's name, for what was added here.
 ExclusionText exclusionText(const QList<Exclusion> &exclusions, const QHash<QString, QString> &mapDvarNames,
                             const QHash<QString, QString> &gametypeDvarNames);

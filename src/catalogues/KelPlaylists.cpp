@@ -153,18 +153,22 @@ QList<Exclusion> KelPlaylists::serverExclusions() const
                             [this](const QString &word) { return m_gametypes.findGametypeByDvar(word); });
     };
     QList<Exclusion> exclusions;
-    for (const QString &map : mapNames(wordsOf("playlist_excludeMap")))
-        exclusions.append(Exclusion{map, Exclusion::anyGametype()});
-    for (const QString &gametype : gametypeNames(wordsOf("playlist_excludeGametype")))
-        exclusions.append(Exclusion{Exclusion::anyMap(), gametype});
-    QStringList gametypes;
-    QStringList maps;
+    const QStringList maps = wordsOf("playlist_excludeMap");
+    const QStringList shownMaps = mapNames(maps);
+    for (qsizetype i = 0; i < maps.size(); ++i)
+        exclusions.append({shownMaps.at(i), Exclusion::anyGametype(), 0, maps.at(i), {}});
+    const QStringList gametypes = wordsOf("playlist_excludeGametype");
+    const QStringList shownGametypes = gametypeNames(gametypes);
+    for (qsizetype i = 0; i < gametypes.size(); ++i)
+        exclusions.append({Exclusion::anyMap(), shownGametypes.at(i), 0, {}, gametypes.at(i)});
+    QStringList firsts; // of the pairs: their gametypes
+    QStringList seconds;
     for (const QString &word : wordsOf("playlist_excludeGametypeMap"))
-        (gametypes.size() == maps.size() ? gametypes : maps).append(word);
-    gametypes = gametypeNames(gametypes);
-    maps = mapNames(maps);
-    for (qsizetype i = 0; i < maps.size(); ++i) // a gametype without a map after it is left out
-        exclusions.append(Exclusion{maps.at(i), gametypes.at(i)});
+        (firsts.size() == seconds.size() ? firsts : seconds).append(word);
+    const QStringList shownFirsts = gametypeNames(firsts);
+    const QStringList shownSeconds = mapNames(seconds);
+    for (qsizetype i = 0; i < seconds.size(); ++i) // a gametype without a map after it is left out
+        exclusions.append({shownSeconds.at(i), shownFirsts.at(i), 0, seconds.at(i), firsts.at(i)});
     return exclusions;
 }
 

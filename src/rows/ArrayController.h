@@ -50,6 +50,9 @@ public:
         return rows;
     }
 
+    /// The row behind `index` of arranged(), which is valid.
+    const Row &objectAt(const QModelIndex &index) const { return m_rows.at(m_arranged.mapToSource(index).row()); }
+
     /// The selected rows in the order of the table; those that the filter hides are among them.
     QList<Row> selectedObjects() const
     {
@@ -64,7 +67,7 @@ public:
         QModelIndexList chosen = m_selection.selectedRows();
         std::sort(chosen.begin(), chosen.end());
         for (const QModelIndex &index : std::as_const(chosen))
-            rows.append(m_rows.at(m_arranged.mapToSource(index).row()));
+            rows.append(objectAt(index));
         return rows;
     }
 

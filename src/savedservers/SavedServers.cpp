@@ -9,6 +9,7 @@
 #include <plist/plist.h>
 
 #include <cstdlib>
+#include <functional>
 
 static constexpr qint64 largestFile = 2 << 20;
 static constexpr qsizetype longestText = 10'000;
@@ -36,6 +37,22 @@ static std::optional<QString> passwordOf(plist_t entry, const QString &loginName
     uint64_t length = 0;
     const char *bytes = plist_get_data_ptr(node, &length);
     return AES256DecryptWithPassword(QByteArray(bytes, static_cast<qsizetype>(length)), encryptionPassword, loginName);
+}
+
+static void forEachItem(plist_t dictionary, const std::function<void(const char *key, plist_t item)> &visit)
+{
+    plist_dict_iter place = nullptr;
+    plist_dict_new_iter(dictionary, &place);
+    const std::unique_ptr<void, decltype(&std::free)> placeOwner(place, &std::free);
+    for (;;) {
+        char *key = nullptr;
+        plist_t item = nullptr;
+        plist_dict_next_item(dictionary, place, &key, &item);
+        const Text keyOwner(key, &std::free);
+        if (item == nullptr)
+            return;
+        visit(key, item);
+    }
 }
 
 static bool isStorable(const QString &text)
@@ -83,21 +100,15 @@ bool SavedServers::takeContent(const QByteArray &content)
 
 void SavedServers::readEntries()
 {
-    plist_dict_iter place = nullptr;
-    plist_dict_new_iter(m_document.get(), &place);
-    const std::unique_ptr<void, decltype(&std::free)> placeOwner(place, &std::free);
-    for (;;) {
-        char *key = nullptr;
-        plist_t entry = nullptr;
-        plist_dict_next_item(m_document.get(), place, &key, &entry);
-        const Text keyOwner(key, &std::free);
-        if (entry == nullptr)
-            return;
-        if (plist_get_node_type(entry) != PLIST_DICT)
-            continue;
-        const QString label = QString::fromUtf8(key);
-        m_servers.insert(label, {label, textOf(entry, "host"), textOf(entry, "port"), std::nullopt});
-    }
+    forEachItem(m_document.get(), [this](const char *key, plist_t entry) {
+        if (plist_get_node_type(entry) == PLIST_DICT)
+            readEntry(QString::fromUtf8(key), entry);
+    });
+}
+
+void SavedServers::readEntry(const QString &label, void *entry)
+{
+    m_servers.insert(label, {label, textOf(entry, "host"), textOf(entry, "port"), std::nullopt});
 }
 
 QList<SavedServer> SavedServers::servers() const
@@ -188,6 +199,40 @@ SavedServersOutcome SavedServers::remove(const QStringList &labels)
         isChanged = true;
     }
     return isChanged ? write() : SavedServersOutcome();
+}
+
+PropertyList SavedServers::entries(const QStringList &labels) const
+{
+    PropertyList copies(plist_new_dict());
+    for (const QString &label : labels) {
+        const QByteArray key = label.toUtf8();
+        if (m_servers.contains(label))
+            plist_dict_set_item(copies.get(), key.constData(),
+                                plist_copy(plist_dict_get_item(m_document.get(), key.constData())));
+    }
+    return copies;
+}
+
+SavedServersOutcome SavedServers::restore(const PropertyList &entries)
+{
+    bool isChanged = false;
+    QStringList taken;
+    forEachItem(entries.get(), [&](const char *key, plist_t entry) {
+        const QString label = QString::fromUtf8(key);
+        if (plist_dict_get_item(m_document.get(), key) != nullptr) {
+            taken.append(label);
+            return;
+        }
+        plist_dict_set_item(m_document.get(), key, plist_copy(entry));
+        readEntry(label, entry);
+        isChanged = true;
+    });
+    SavedServersOutcome outcome = isChanged ? write() : SavedServersOutcome();
+    if (!taken.isEmpty() && outcome.error.isEmpty())
+        outcome.error = tr("Another server has been saved as \"%1\" meanwhile. It stays, and the deleted one was not "
+                           "brought back.")
+                            .arg(taken.join(QLatin1String("\", \"")));
+    return outcome;
 }
 
 SavedServersOutcome SavedServers::write()

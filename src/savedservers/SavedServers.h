@@ -62,11 +62,20 @@ public:
     /// Removes all of `labels` and writes once; does nothing if none of them is known.
     [[nodiscard]] SavedServersOutcome remove(const QStringList &labels);
 
+    /// Copies of whole entries, with the passwords encrypted as they are and with what this version does not know;
+    /// labels that are not in the list are left out.
+    PropertyList entries(const QStringList &labels) const;
+
+    /// Puts such copies back and writes once. A server that has been saved under one of their labels meanwhile stays,
+    /// and the error names it.
+    [[nodiscard]] SavedServersOutcome restore(const PropertyList &entries);
+
     /// Replaces the password of a saved server; an error if there is none of that label.
     [[nodiscard]] SavedServersOutcome setPassword(const QString &label, const QString &password);
 
 private:
     void readEntries();
+    void readEntry(const QString &label, void *entry);
     SavedServersOutcome write();
 
     GuardedFile m_file;

@@ -149,9 +149,10 @@ QCoro::Task<Reply> KelServer::writeDvar(QString name, QString value, bool isSing
 {
     if (!m_isConnected)
         co_return notConnected();
+    value = withoutOuterQuotes(value);
     if (!holdsPassword(name))
         value = GameText::of(value).text();
-    const QString command = QStringLiteral("setadmindvar %1 \"%2\"").arg(name, withoutOuterQuotes(value));
+    const QString command = QStringLiteral("setadmindvar %1 \"%2\"").arg(name, value);
     echo(command);
     const Request request{m_host, m_port, rconPassword(), command, isSingle};
     const Reply reply = co_await send(request);

@@ -90,10 +90,10 @@ private slots:
         QTest::addColumn<QString>("type");
         QTest::addColumn<QStringList>("accepted");
         QTest::addColumn<QStringList>("rejected");
-        QTest::newRow("bool") << "bool" << QStringList{"0", "1"} << QStringList{"2", "", "true"};
-        QTest::newRow("int") << "int" << QStringList{"0", "007", "99999999999999999999999"}
-                             << QStringList{"-1", "1.0", "", "1\n", QString::fromUtf8("\u0663")};
-        QTest::newRow("float") << "float" << QStringList{"-.5", "+3", "10", "0.25"}
+        QTest::newRow("bool") << "bool" << QStringList{"0", "1", "\"1\""} << QStringList{"2", "", "true", "\"2\""};
+        QTest::newRow("int") << "int" << QStringList{"0", "007", "99999999999999999999999", "\"25\"", "\"25"}
+                             << QStringList{"-1", "1.0", "", "1\n", QString::fromUtf8("\u0663"), "\"\"", "2\"5"};
+        QTest::newRow("float") << "float" << QStringList{"-.5", "+3", "10", "0.25", "\"0.25\""}
                                << QStringList{"1.", "1e5", "", "1.2.3", "0.5\n"};
         QTest::newRow("string") << "string" << QStringList{"", "anything \" at all"} << QStringList();
         QTest::newRow("unknown type") << "integer" << QStringList() << QStringList{"1", ""};

@@ -104,6 +104,9 @@ private slots:
         const QString odland = QString::fromUtf8("Ödland|10.0.0.7|28960|");
         QTest::newRow("binary") << binaryFile << "alice" << QStringList{"beta|b|1|(none)", odland + "secret"};
         QTest::newRow("other account") << binaryFile << "bob" << QStringList{"beta|b|1|(none)", odland + "(none)"};
+        QTest::newRow("a port written by hand as a number")
+            << xmlFile("<key>a</key><dict><key>port</key><integer>50100</integer></dict>") << "alice"
+            << QStringList{"a||50100|(none)"};
         QTest::newRow("XML, in order without case")
             << xmlFile(xmlEntry("b") + xmlEntry("C") + xmlEntry("A &amp; B", xmlPassword(aliceSecret))) << "alice"
             << QStringList{"A & B|h|1|secret", "b|h|1|(none)", "C|h|1|(none)"};
@@ -166,6 +169,49 @@ private slots:
         const SavedServersOutcome outcome = list.save({"future", "h", "1", "p"});
         QCOMPARE(outcome.error, QString());
         QCOMPARE(contentOf(outcome.keptCopy), written);
+    }
+
+    void deletedEntriesComeBackByteForByte_data()
+    {
+        QTest::addColumn<QString>("login");
+        QTest::newRow("of this account") << "alice";
+        QTest::newRow("of another account, and undecryptable") << "bob";
+    }
+    void deletedEntriesComeBackByteForByte()
+    {
+        QFETCH(QString, login);
+        const QByteArray unknown =
+            "<key>colour</key><string>red</string><key>seen</key><array><real>0.5</real></array>";
+        put(xmlFile(xmlEntry("a") + "<key>future</key><integer>7</integer>" +
+                    xmlEntry("B &amp; C", xmlPassword(aliceSecret) + unknown)));
+        SavedServers list(m_path, login);
+        QCOMPARE(list.load().error, QString());
+        QCOMPARE(list.setPassword("a", "x").error, QString()); // in our writing from now on
+        const QByteArray before = contentOf(m_path);
+        const QStringList rows = rowsOf(list);
+        const QStringList labels{"B & C", "future", "unknown"};
+        const PropertyList entries = list.entries(labels);
+        QCOMPARE(list.remove(labels).error, QString());
+        QVERIFY(!contentOf(m_path).contains("B &amp; C"));
+        QCOMPARE(list.restore(entries).error, QString());
+        QCOMPARE(contentOf(m_path), before);
+        QCOMPARE(rowsOf(list), rows);
+        QCOMPARE(asides(), QStringList());
+    }
+
+    void whatHasBeenSavedMeanwhileStays()
+    {
+        SavedServers list(m_path, "alice");
+        QCOMPARE(list.save({"a", "old", "1", "x"}).error, QString());
+        QCOMPARE(list.save({"b", "h", "2", "y"}).error, QString());
+        const PropertyList entries = list.entries({"a", "b"});
+        QCOMPARE(list.remove({"a", "b"}).error, QString());
+        QCOMPARE(list.save({"a", "new", "1", "z"}).error, QString());
+        const QString error = list.restore(entries).error;
+        QVERIFY2(error.contains("\"a\"") && !error.contains("\"b\""), qPrintable(error));
+        SavedServers again(m_path, "alice");
+        QCOMPARE(again.load().error, QString());
+        QCOMPARE(rowsOf(again), QStringList({"a|new|1|z", "b|h|2|y"}));
     }
 
     void damagedFilesAreKeptAside_data()

@@ -8,6 +8,7 @@
 #include "KelPlaylists.h"
 #include "KelServer.h"
 #include "KeyHandlingTableView.h"
+#include "LeftDoubleClick.h"
 #include "MapGametypePairWindowController.h"
 #include "PlaceholderTable.h"
 #include "PlaylistDelegate.h"
@@ -40,6 +41,7 @@ PlaylistsView::PlaylistsView(KelServer &server, ActionQueue &actions, Alerts &al
     layOut();
     connectControls();
     currentPlaylistDidChange();
+    updateStartButton();
     exclusionSelectionDidChange();
     showUnsentExclusions(m_playlists.hasUnsentExclusions());
     updatePlaceholders();
@@ -123,7 +125,8 @@ void PlaylistsView::layOut()
 void PlaylistsView::connectControls()
 {
     connect(startPlaylistButton, &QPushButton::clicked, this, &PlaylistsView::startPlaylistButtonPressed);
-    connect(playlistsTableView, &QTableView::doubleClicked, this, &PlaylistsView::startPlaylistButtonPressed);
+    connect(new LeftDoubleClick(playlistsTableView), &LeftDoubleClick::doubleClicked, this,
+            &PlaylistsView::playlistDoubleClicked);
     connect(addExclusionButton, &QPushButton::clicked, this, &PlaylistsView::addPlaylistExclusion);
     connect(removeExclusionButton, &QPushButton::clicked, this, &PlaylistsView::removeExclusionPressed);
     connect(applyExclusionsButton, &QPushButton::clicked, this, &PlaylistsView::applyPlaylistChangesButtonPressed);
@@ -133,13 +136,22 @@ void PlaylistsView::connectControls()
     connect(&m_playlists, &KelPlaylists::hasUnsentExclusionsChanged, this, &PlaylistsView::showUnsentExclusions);
     connect(m_playlists.exclusionListController.selection(), &QItemSelectionModel::selectionChanged, this,
             &PlaylistsView::exclusionSelectionDidChange);
+    connect(m_playlists.playlistList.selection(), &QItemSelectionModel::selectionChanged, this,
+            &PlaylistsView::updateStartButton);
     connect(&m_server, &KelServer::isConnectedChanged, this, &PlaylistsView::updatePlaceholders);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &PlaylistsView::updateStartButton);
 }
 
 void PlaylistsView::startPlaylistButtonPressed()
 {
-    // Nothing selected means playlist 0.
-    m_actions.start(startPlaylist(m_playlists.selectedPlaylist().value_or(PlaylistInst())));
+    if (const std::optional<PlaylistInst> chosen = m_playlists.selectedPlaylist())
+        m_actions.start(startPlaylist(*chosen));
+}
+
+void PlaylistsView::playlistDoubleClicked(const QModelIndex &index)
+{
+    if (m_server.isConnected())
+        m_actions.start(startPlaylist(m_playlists.playlistList.objectAt(index)));
 }
 
 QCoro::Task<> PlaylistsView::startPlaylist(PlaylistInst playlist)
@@ -233,7 +245,7 @@ bool PlaylistsView::eventFilter(QObject *object, QEvent *event)
     const bool isReturn = press->key() == Qt::Key_Return || press->key() == Qt::Key_Enter;
     if (object == playlistsTableView && isReturn && playlistsTableView->selectionModel()->hasSelection()) {
         if (!press->isAutoRepeat())
-            startPlaylistButtonPressed();
+            startPlaylistButton->click();
         return true;
     }
     return TabPage::eventFilter(object, event);
@@ -244,6 +256,14 @@ void PlaylistsView::currentPlaylistDidChange()
     const std::optional<PlaylistInst> current = m_playlists.currentPlaylist();
     currentPlaylistField->showText(current ? current->name : QString());
     playlistsTableView->viewport()->update(); // the mark moves
+}
+
+void PlaylistsView::updateStartButton()
+{
+    const bool canStart = m_server.isConnected() && m_playlists.playlistList.selection()->hasSelection();
+    if (!canStart && startPlaylistButton->hasFocus())
+        playlistsTableView->setFocus(); // else it would go on to the next button
+    startPlaylistButton->setEnabled(canStart);
 }
 
 void PlaylistsView::exclusionSelectionDidChange()

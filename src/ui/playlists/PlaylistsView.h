@@ -48,6 +48,8 @@ private:
     void setUpTables();
     void layOut();
     void connectControls();
+    void playlistDoubleClicked(const QModelIndex &index);
+    void updateStartButton();
     void currentPlaylistDidChange();
     void exclusionSelectionDidChange();
     void showUnsentExclusions(bool hasUnsent);

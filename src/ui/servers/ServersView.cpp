@@ -2,7 +2,9 @@
 
 #include "ActionQueue.h"
 #include "Alerts.h"
+#include "ColumnLayout.h"
 #include "HostAndPort.h"
+#include "LeftDoubleClick.h"
 #include "PlaceholderTable.h"
 #include "Secrets.h"
 #include "SortKeys.h"
@@ -33,6 +35,27 @@ static QString labelOf(const SavedServer &server)
 {
     return server.label;
 }
+
+/// Removes saved servers, and brings them back as they were.
+class ServersView::Deletion : public QUndoCommand
+{
+public:
+    Deletion(ServersView &view, const QStringList &labels) : m_view(view), m_labels(labels)
+    {
+        setText(labels.size() == 1 ? tr("Delete Server") : tr("Delete Servers"));
+    }
+    void redo() override
+    {
+        m_entries = m_view.m_savedServers.entries(m_labels); // they may have been edited since they came back
+        m_view.showWritten(m_view.m_savedServers.remove(m_labels));
+    }
+    void undo() override { m_view.showWritten(m_view.m_savedServers.restore(m_entries)); }
+
+private:
+    ServersView &m_view;
+    QStringList m_labels;
+    PropertyList m_entries;
+};
 
 ServersView::ServersView(SavedServers &savedServers, ActionQueue &actions, Alerts &alerts, QWidget *parent)
     : QWidget(parent), savedServerTableView(new PlaceholderTable(this)),
@@ -164,7 +187,8 @@ void ServersView::connectControls()
     connect(disconnectButton, &QPushButton::clicked, this, &ServersView::disconnectButtonPressed);
     connect(saveToServerListButton, &QPushButton::clicked, this, &ServersView::saveToServerListButtonPressed);
     connect(connectToSavedServerButton, &QPushButton::clicked, this, &ServersView::connectToSavedServerButtonPressed);
-    connect(savedServerTableView, &QTableView::doubleClicked, this, &ServersView::connectToSavedServerButtonPressed);
+    connect(new LeftDoubleClick(savedServerTableView), &LeftDoubleClick::doubleClicked, this,
+            &ServersView::savedServerDoubleClicked);
     connect(savedServersController->selection(), &QItemSelectionModel::selectionChanged, this,
             &ServersView::selectionDidChange);
     connect(savedPasswordField, &QLineEdit::editingFinished, this, &ServersView::savedPasswordDidChange);
@@ -309,17 +333,28 @@ void ServersView::deleteSelectionFromTableView()
     for (const SavedServer &server : savedServersController->selectedObjects())
         labels.append(server.label);
     if (!labels.isEmpty())
-        showWritten(m_savedServers.remove(labels));
+        m_undoStack.push(new Deletion(*this, labels));
 }
 
 void ServersView::connectToSavedServerButtonPressed()
 {
     const QList<SavedServer> chosen = savedServersController->selectedObjects();
-    if (chosen.isEmpty() || m_isConnecting)
+    if (!chosen.isEmpty())
+        choose(chosen.last());
+}
+
+void ServersView::savedServerDoubleClicked(const QModelIndex &index)
+{
+    choose(savedServersController->objectAt(index));
+}
+
+void ServersView::choose(const SavedServer &server)
+{
+    if (m_isConnecting)
         return;
-    SavedServer server = chosen.last();
-    server.password = m_savedServers.password(server.label);
-    emit savedServerChosen(server);
+    SavedServer chosen = server;
+    chosen.password = m_savedServers.password(server.label);
+    emit savedServerChosen(chosen);
 }
 
 std::optional<SavedServer> ServersView::savedServerOf(const QString &text) const
@@ -385,4 +420,19 @@ bool ServersView::eventFilter(QObject *watched, QEvent *event)
         }
     }
     return QWidget::eventFilter(watched, event);
+}
+
+static QString columnsKey()
+{
+    return QStringLiteral("window/savedServers");
+}
+
+void ServersView::restoreLayout(const Preferences &preferences)
+{
+    restoreColumns(preferences, columnsKey(), *savedServerTableView->horizontalHeader());
+}
+
+void ServersView::saveLayout(Preferences &preferences) const
+{
+    saveColumns(preferences, columnsKey(), *savedServerTableView->horizontalHeader());
 }

@@ -5,11 +5,13 @@
 
 #include <QCoroTask>
 
+#include <QUndoStack>
 #include <QWidget>
 
 class ActionQueue;
 class Alerts;
 class PlaceholderTable;
+class Preferences;
 class QLineEdit;
 class QPushButton;
 
@@ -32,6 +34,13 @@ public:
     void loadSavedServersList();
     /// Stores the password of a saved server, and shows it if that server is selected.
     void storePassword(const QString &label, const QString &password);
+
+    /// Deletions of saved servers. A step keeps the entries as the file holds them, the passwords encrypted.
+    QUndoStack *undoStack() { return &m_undoStack; }
+
+    /// Widths, order and sorting of the table's columns; where nothing has been saved, they stay.
+    void restoreLayout(const Preferences &preferences);
+    void saveLayout(Preferences &preferences) const;
 
     /// While a connect is under way no second one can be asked for.
     void setConnecting(bool isConnecting);
@@ -74,6 +83,8 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    class Deletion;
+
     void nameControls();
     void setUpControls();
     void setUpTable();
@@ -85,6 +96,8 @@ private:
     void showWritten(const SavedServersOutcome &outcome);
     void selectionDidChange();
     void savedPasswordDidChange();
+    void savedServerDoubleClicked(const QModelIndex &index);
+    void choose(const SavedServer &server);
     void report(const SavedServersOutcome &outcome);
     QCoro::Task<> tell(QString text);
 
@@ -105,6 +118,7 @@ private:
     QString m_readError; ///< until something has been written in the place of what could not be read
     ActionQueue &m_actions;
     Alerts &m_alerts;
+    QUndoStack m_undoStack;
     bool m_isConnecting = false;
     bool m_isConnected = false;
 };

@@ -130,6 +130,7 @@ void FormMainView::restoreLayout()
     fitIntoScreen();
     m_splitter->setSizes({270, 910});
     m_splitter->restoreState(preferences.value(QStringLiteral("window/splitter")).toByteArray());
+    serversView->restoreLayout(preferences);
     for (TabPage *page : tabControlMain->pages())
         page->restoreLayout(preferences);
 }
@@ -160,6 +161,7 @@ void FormMainView::saveLayout()
     Preferences &preferences = m_workplace.preferences;
     preferences.setValue(QStringLiteral("window/geometry"), saveGeometry());
     preferences.setValue(QStringLiteral("window/splitter"), m_splitter->saveState());
+    serversView->saveLayout(preferences);
     for (const TabPage *page : tabControlMain->pages())
         page->saveLayout(preferences);
 }

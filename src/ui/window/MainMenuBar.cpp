@@ -12,6 +12,7 @@
 #include <QAction>
 #include <QActionGroup>
 #include <QApplication>
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
@@ -121,10 +122,26 @@ void MainMenuBar::makeEditMenu()
         if (PageDocument *document = page->document())
             m_undoGroup.addStack(document->undoStack());
     }
-    connect(&m_tabs, &MainTabs::currentPageChanged, this, [this] {
-        PageDocument *document = currentDocument();
-        m_undoGroup.setActiveStack(document == nullptr ? nullptr : document->undoStack());
-    });
+    m_undoGroup.addStack(m_servers.undoStack());
+    connect(&m_tabs, &MainTabs::currentPageChanged, this, &MainMenuBar::chooseUndoStack);
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](const QWidget *, const QWidget *now) { focusDidChange(now); });
+}
+
+void MainMenuBar::focusDidChange(const QWidget *now)
+{
+    // Menus, sheets and other windows borrow the focus.
+    if (now == nullptr || now == this || now->window() != window())
+        return;
+    m_isFocusInServers = m_servers.isAncestorOf(now);
+    chooseUndoStack();
+}
+
+void MainMenuBar::chooseUndoStack()
+{
+    PageDocument *document = currentDocument();
+    QUndoStack *ofPage = document == nullptr ? nullptr : document->undoStack();
+    m_undoGroup.setActiveStack(m_isFocusInServers ? m_servers.undoStack() : ofPage);
 }
 
 void MainMenuBar::makeServerMenu()

@@ -11,7 +11,9 @@ class PageDocument;
 class Preferences;
 class ServersView;
 
-/// The menu bar: repeats what the window and the pages behind its tabs offer, with the platform's shortcuts.
+/// The menu bar: repeats what the window and the pages behind its tabs offer, with the platform's shortcuts. What is
+/// undone is of the servers' pane while the focus is in there, as it is right after a deletion, else of the page in
+/// front.
 class MainMenuBar : public QMenuBar
 {
     Q_OBJECT
@@ -37,6 +39,8 @@ private:
     void makeAppearanceMenu(QMenu &view);
     void makeHelpMenu();
     PageDocument *currentDocument() const;
+    void focusDidChange(const QWidget *now);
+    void chooseUndoStack();
 
     MainTabs &m_tabs;
     ServersView &m_servers;
@@ -44,5 +48,6 @@ private:
     Preferences &m_preferences;
     QAction *m_disconnectAction = nullptr;
     QUndoGroup m_undoGroup;
+    bool m_isFocusInServers = false;
     HeldKey m_heldKey;
 };

@@ -1,30 +1,35 @@
 #include "CataloguesFixture.h"
 #include "Controls.h"
+#include "DoubleClick.h"
 #include "MapGametypePairWindowController.h"
+#include "PlaceholderTable.h"
 #include "PlaylistsView.h"
 #include "TestPreferences.h"
 
 #include <QComboBox>
 #include <QDataStream>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
+#include <QToolTip>
 
-/// A session on a server that plays list 3 and leaves out Ropeway, with the catalogues loaded.
+/// A session on a server that plays list 3, with the catalogues loaded.
 struct Playlists : CataloguesFixture {
-    explicit Playlists(bool isRanked = false)
+    /// @param excluded  the server's maps, gametypes and pairs: Ropeway alone, unless told.
+    explicit Playlists(bool isRanked = false, const QStringList &excluded = {"mp_ropeway", "", ""})
     {
         awaited(maps.loadMapList());
         awaited(gametypes.loadGametypeList());
         awaited(playlists.loadPlaylists());
         const QString dump = "rcon_password \"s\"\nsv_hostname \"h\"\nsv_ranked \"%1\"\nplaylist_enabled \"1\"\n"
-                             "playlist \"3\"\nplaylist_excludeMap \"mp_ropeway\"\nmapexclude_millrace \"1\"\n"
-                             "playlist_excludeGametype \"\"\nplaylist_excludeGametypeMap \"\"\n";
+                             "playlist \"3\"\nmapexclude_millrace \"1\"\n";
         exchange.answer("dvardump", ScriptedExchange::ok(dump.arg(isRanked ? 2 : 1)));
-        for (const char *name : {"playlist_excludeGametype", "playlist_excludeGametypeMap"})
-            exchange.answer(name, ScriptedExchange::ok(R"("name" is: "" default: "")"));
+        const QStringList names{"playlist_excludeMap", "playlist_excludeGametype", "playlist_excludeGametypeMap"};
+        for (qsizetype i = 0; i < names.size(); ++i)
+            exchange.answer(names.at(i), ScriptedExchange::ok("\"name\" is: \"\" in force: \"" + excluded.at(i) + '"'));
         connectToServer();
         playlists.updateControls();
         exchange.answerEverything(ScriptedExchange::ok());
@@ -50,14 +55,13 @@ class PlaylistsViewTest : public QObject
 private slots:
     void startsAPlaylist_data()
     {
-        QTest::addColumn<int>("id"); // 0: none is selected
+        QTest::addColumn<int>("id");
         QTest::addColumn<bool>("isRanked");
         QTest::addColumn<bool>("isFailing");
         QTest::addColumn<QStringList>("alerts");
         const QString queued = "The \"Mixed Teams\" playlist will begin as soon as the current map completes.";
         const QString failed = "'%1' returned an error: lost";
         QTest::newRow("unranked") << 7 << false << false << QStringList();
-        QTest::newRow("none selected") << 0 << false << false << QStringList();
         QTest::newRow("unranked, fails") << 7 << false << true
                                          << QStringList{failed.arg("playlist"), failed.arg("map_rotate")};
         QTest::newRow("ranked, fails") << 7 << true << true << QStringList{failed.arg("playlist"), queued};
@@ -72,8 +76,7 @@ private slots:
         if (isFailing)
             playlists.exchange.answerEverything(ScriptedExchange::failure("lost"));
         playlists.playlists.addExclusion("Millrace", Exclusion::anyGametype());
-        if (id > 0)
-            table->selectRow(id - 1);
+        table->selectRow(id - 1);
         control<QPushButton>(playlists.view, "startPlaylistButton")->click();
         table->selectRow(0); // too late for what was pressed
         QVERIFY(playlists.answerAll());
@@ -84,10 +87,109 @@ private slots:
         QTEST(playlists.alerts.texts(), "alerts");
         QVERIFY(!isRanked || playlists.alerts.titles().last() == "Playlist Has Been Queued");
         QVERIFY(!isRanked || playlists.alerts.manners().last().isGoodNews);
-        QCOMPARE(control<QLineEdit>(playlists.view, "currentPlaylistField")->text(), isFailing ? "Hold Your Ground"
-                                                                                     : id == 0 ? ""
-                                                                                               : "Mixed Teams");
+        QCOMPARE(control<QLineEdit>(playlists.view, "currentPlaylistField")->text(),
+                 isFailing ? "Hold Your Ground" : "Mixed Teams");
         QCOMPARE(playlists.playlists.exclusions().size(), 1); // what the server has
+    }
+
+    void startsByDoubleClickOrReturn_data()
+    {
+        QTest::addColumn<int>("selected"); // a row, or -1
+        QTest::addColumn<int>("button");   // of the double click on the fourth row; none presses Return
+        QTest::addColumn<bool>("isConnected");
+        QTest::addColumn<QString>("started");
+        QTest::newRow("another row than the selected one") << 0 << int(Qt::LeftButton) << true << "4";
+        QTest::newRow("the selected row, which Control takes back") << 3 << int(Qt::LeftButton) << true << "4";
+        QTest::newRow("right button") << 0 << int(Qt::RightButton) << true << "";
+        QTest::newRow("not connected") << 3 << int(Qt::LeftButton) << false << "";
+        QTest::newRow("Return") << 1 << int(Qt::NoButton) << true << "2";
+        QTest::newRow("Return on nothing") << -1 << int(Qt::NoButton) << true << "";
+        QTest::newRow("Return, not connected") << 1 << int(Qt::NoButton) << false << "";
+    }
+    void startsByDoubleClickOrReturn()
+    {
+        QFETCH(int, selected);
+        QFETCH(int, button);
+        QFETCH(bool, isConnected);
+        QFETCH(QString, started);
+        Playlists playlists;
+        auto *table = control<QTableView>(playlists.view, "playlistsTableView");
+        const auto *startButton = control<QPushButton>(playlists.view, "startPlaylistButton");
+        playlists.view.resize(700, 700);
+        playlists.view.grab(); // lays out
+        QVERIFY(!startButton->isEnabled());
+        if (selected >= 0)
+            table->selectRow(selected);
+        if (!isConnected)
+            playlists.server.disconnect();
+        QCOMPARE(startButton->isEnabled(), selected >= 0 && isConnected);
+        const QPoint place = table->visualRect(table->model()->index(3, 1)).center();
+        const Qt::KeyboardModifiers keys = selected == 3 ? Qt::ControlModifier : Qt::NoModifier;
+        if (button == Qt::NoButton)
+            QTest::keyClick(table, Qt::Key_Return);
+        else
+            doubleClick(*table, place, Qt::MouseButton(button), keys);
+        if (button == Qt::LeftButton)
+            table->selectRow(0); // too late for what was clicked
+        QVERIFY(playlists.answerAll());
+        QCOMPARE(playlists.exchange.sent(),
+                 started.isEmpty() ? QStringList()
+                                   : QStringList({"setadmindvar playlist \"" + started + '"', "map_rotate"}));
+        QVERIFY(playlists.alerts.shown().isEmpty());
+    }
+
+    void anEmptyTableSaysWhyItIsEmpty()
+    {
+        Playlists playlists(false, {"", "", ""});
+        const auto *table = control<PlaceholderTable>(playlists.view, "exclusionsTableView");
+        QVERIFY(table->placeholder().startsWith("Nothing is excluded"));
+        playlists.server.disconnect();
+        QVERIFY(table->placeholder().startsWith("Not connected"));
+    }
+
+    void heldDownReturnStartsOnce()
+    {
+        Playlists playlists;
+        auto *table = control<QTableView>(playlists.view, "playlistsTableView");
+        table->selectRow(1);
+        for (const bool isRepeat : {false, true, true}) {
+            QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QString(), isRepeat);
+            QCoreApplication::sendEvent(table, &press);
+        }
+        QVERIFY(playlists.answerAll());
+        QCOMPARE(playlists.exchange.sent(), QStringList({"setadmindvar playlist \"2\"", "map_rotate"}));
+    }
+
+    void aWordMarksTheCurrentPlaylist()
+    {
+        Playlists playlists;
+        const auto *table = control<QTableView>(playlists.view, "playlistsTableView");
+        QFont bold = table->font();
+        bold.setBold(true);
+        for (int row = 0; row < table->model()->rowCount(); ++row) {
+            const QModelIndex name = table->model()->index(row, 1);
+            const QString marked = name.data().toString() + " (current)";
+            const int width = QFontMetrics(row == 2 ? bold : table->font()).horizontalAdvance(marked);
+            QCOMPARE(table->sizeHintForIndex(name).width() >= width, row == 2);
+        }
+    }
+
+    void aCutTextIsToldInFullAndAsItIs()
+    {
+        Playlists playlists;
+        playlists.playlists.playlistList.addObject({30, "<i>&amp;</i>" + QString(100, 'n'), "short"});
+        auto *table = control<QTableView>(playlists.view, "playlistsTableView");
+        playlists.view.resize(700, 700);
+        playlists.view.show();
+        const auto told = [table](int column) {
+            const QModelIndex cell = table->model()->index(table->model()->rowCount() - 1, column);
+            const QPoint place = table->visualRect(cell).center();
+            QHelpEvent event(QEvent::ToolTip, place, table->viewport()->mapToGlobal(place));
+            QCoreApplication::sendEvent(table->viewport(), &event);
+            return QToolTip::text();
+        };
+        QCOMPARE(told(1), "<span>&lt;i&gt;&amp;amp;&lt;/i&gt;" + QString(100, 'n') + "</span>");
+        QTRY_COMPARE(told(2), QString()); // it goes after a moment
     }
 
     void appliesExclusions_data()
@@ -150,6 +252,87 @@ private slots:
         QVERIFY(!playlists.exchange.sent().join(' ').contains("playlist_excludeMap "));
     }
 
+    void whatCameFromTheServerGoesBackByItsOwnName_data()
+    {
+        QTest::addColumn<QStringList>("excluded");
+        QTest::addColumn<QList<int>>("removed"); // rows
+        QTest::addColumn<QString>("added");
+        QTest::addColumn<QStringList>("written");
+        using Rows = QList<int>;
+        const QStringList mixed{"mp_new mp_ropeway mp_newer", "new dm newer", "new mp_new dm mp_ropeway dm mp_new"};
+        QTest::newRow("as it came") << mixed << Rows() << "" << mixed;
+        QTest::newRow("one added") << mixed << Rows() << "Ropeway/Duel,Brickfield/<any gametype>"
+                                   << QStringList{"mp_new mp_ropeway mp_newer mp_brickfield", "new dm newer",
+                                                  "new mp_new dm mp_ropeway dm mp_new duel mp_ropeway"};
+        QTest::newRow("some removed") << mixed << Rows{0, 4, 7} << ""
+                                      << QStringList{"mp_ropeway mp_newer", "new newer", "new mp_new dm mp_new"};
+        QTest::newRow("an unknown one twice")
+            << QStringList{"mp_new mp_new", "", ""} << Rows{0} << "" << QStringList{"mp_new", "", ""};
+        QTest::newRow("out of play") << QStringList{"mp_millrace", "", "dm mp_millrace"} << Rows() << ""
+                                     << QStringList{"mp_millrace", "", "dm mp_millrace"};
+        const QString odd = QString::fromUtf8("mp_\u00e9<b>&; %1,/'\\x");
+        QTest::newRow("odd letters") << QStringList{odd, odd, "DM MP_ROPEWAY"} << Rows() << ""
+                                     << QStringList{odd, odd, "DM MP_ROPEWAY"};
+        QTest::newRow("a pair that breaks off")
+            << QStringList{"", "", "new mp_new dm"} << Rows() << "" << QStringList{"", "", "new mp_new"};
+    }
+    void whatCameFromTheServerGoesBackByItsOwnName()
+    {
+        QFETCH(QStringList, excluded);
+        QFETCH(QList<int>, removed);
+        QFETCH(QString, added);
+        QFETCH(QStringList, written);
+        Playlists playlists(true, excluded); // Millrace is out of play there
+        auto *table = control<QTableView>(playlists.view, "exclusionsTableView");
+        for (const int row : removed)
+            table->selectionModel()->select(table->model()->index(row, 0),
+                                            QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        if (!removed.isEmpty())
+            QTest::keyClick(table, Qt::Key_Delete);
+        for (const QString &pair : added.split(',', Qt::SkipEmptyParts))
+            playlists.playlists.addExclusion(pair.section('/', 0, 0), pair.section('/', 1));
+        for (int time = 0; time < 2; ++time) { // once more of what the session holds after the first
+            playlists.exchange.forgetSent();
+            control<QPushButton>(playlists.view, "applyExclusionsButton")->click();
+            QVERIFY(playlists.answerAll());
+            QCOMPARE(playlists.exchange.sent(),
+                     QStringList({QString("setadmindvar playlist_excludeMap \"") + written.at(0) + '"',
+                                  QString("setadmindvar playlist_excludeGametype \"") + written.at(1) + '"',
+                                  QString("setadmindvar playlist_excludeGametypeMap \"") + written.at(2) + '"'}));
+        }
+    }
+
+    void whatIsAddedAgainIsNoEdit()
+    {
+        Playlists playlists(false, {"mp_ropeway mp_millrace", "", ""});
+        auto *table = control<QTableView>(playlists.view, "exclusionsTableView");
+        auto *removeButton = control<QPushButton>(playlists.view, "removeExclusionButton");
+        playlists.view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&playlists.view));
+        table->selectRow(0);
+        removeButton->setFocus();
+        QTest::keyClick(removeButton, Qt::Key_Space);
+        QCOMPARE(playlists.view.focusWidget(), table); // not the next button
+        const auto *unsent = control<QLabel>(playlists.view, "unsentExclusionsLabel");
+        QVERIFY(!unsent->text().isEmpty());
+        playlists.playlists.addExclusion("Ropeway", Exclusion::anyGametype());
+        QVERIFY(unsent->text().isEmpty());
+    }
+
+    void aThirdClickOnATitleReturnsToTheServersOrder()
+    {
+        Playlists playlists(false, {"mp_ropeway mp_millrace", "", ""});
+        auto *table = control<QTableView>(playlists.view, "exclusionsTableView");
+        playlists.view.show();
+        const QHeaderView *titles = table->horizontalHeader();
+        QStringList orders;
+        for (int click = 0; click < 4; ++click) {
+            orders.append(shownTexts(*table).join(' '));
+            QTest::mouseClick(titles->viewport(), Qt::LeftButton, {}, {20, titles->height() / 2});
+        }
+        QCOMPARE(orders, QStringList({"Ropeway Millrace", "Millrace Ropeway", "Ropeway Millrace", "Ropeway Millrace"}));
+    }
+
     void calledOffNothingMoreHappens()
     {
         for (const char *buttonName : {"startPlaylistButton", "applyExclusionsButton"}) {
@@ -158,6 +341,7 @@ private slots:
                 playlists.exchange.answerEverything(ScriptedExchange::failure("lost"));
                 playlists.playlists.addExclusion("Millrace", "Duel");
                 playlists.alerts.hold();
+                control<QTableView>(playlists.view, "playlistsTableView")->selectRow(0);
                 control<QPushButton>(playlists.view, buttonName)->click();
                 for (int i = 0; i < openAlerts; ++i)
                     playlists.exchange.release();

@@ -1,11 +1,14 @@
 #include "ActionQueue.h"
 #include "Controls.h"
+#include "DoubleClick.h"
 #include "PlaceholderTable.h"
 #include "RecordedAlerts.h"
 #include "SavedServers.h"
 #include "ServersView.h"
+#include "TestPreferences.h"
 
 #include <QDir>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -102,8 +105,49 @@ private slots:
         servers.view.setConnecting(false);
         servers.view.pressConnect();
         QCOMPARE(presses.size(), 1);
-        const ServerForm form = servers.view.form();
-        QCOMPARE(QStringList({form.host, form.port, form.password}), QStringList({"10.0.0.1", "28960", "pw"}));
+    }
+
+    void returnInTheFormConnects()
+    {
+        const ServersFile file;
+        Servers servers(file);
+        const QSignalSpy presses(&servers.view, &ServersView::connectButtonPressed);
+        servers.view.fillForm(QStringLiteral("10.0.0.1"), QStringLiteral("50100"));
+        QTest::keyClick(&servers.field("hostField"), Qt::Key_Return); // the password is missing
+        servers.view.setFormPassword(QStringLiteral("pw"));
+        for (const char *name : {"labelField", "hostField", "portField", "passwordField"})
+            QTest::keyClick(&servers.field(name), Qt::Key_Return);
+        QCOMPARE(presses.size(), 4);
+    }
+
+    void passwordsCannotBeReadOnTheScreen()
+    {
+        ServersFile file;
+        file.store({{"a", "10.0.0.1", "50100", QStringLiteral("secret")}});
+        Servers servers(file);
+        servers.table->selectRow(0);
+        servers.view.setFormPassword(QStringLiteral("secret"));
+        for (const char *name : {"savedPasswordField", "passwordField"}) {
+            QCOMPARE(servers.field(name).text(), QString("secret"));
+            QVERIFY2(!servers.field(name).displayText().contains('s'), name);
+        }
+    }
+
+    void aPasswordThatCannotBeDecryptedIsToldFromNone()
+    {
+        const ServersFile file;
+        SavedServers ofAnother(file.path(), QStringLiteral("another"));
+        QVERIFY(ofAnother.save({"a", "10.0.0.1", "50100", QStringLiteral("one")}).error.isEmpty());
+        Servers servers(file);
+        QLineEdit &password = servers.field("savedPasswordField");
+        QVERIFY(password.placeholderText().isEmpty());
+        servers.table->selectRow(0);
+        QVERIFY(password.text().isEmpty() && !password.placeholderText().isEmpty());
+        QTest::keyClick(&password, Qt::Key_Return); // as it is, the other account's stays
+        QVERIFY(ofAnother.load().error.isEmpty());
+        QCOMPARE(ofAnother.password(QStringLiteral("a")).value_or(QString()), QString("one"));
+        servers.view.storePassword(QStringLiteral("a"), QString());
+        QVERIFY(password.placeholderText().isEmpty());
     }
 
     void theFormBeginsWithTheHost()
@@ -147,8 +191,95 @@ private slots:
         QTest::keyClick(servers.table, Qt::Key_Return);
         const SavedServer second{"b", "10.0.0.2", "28961", QStringLiteral("two")};
         QCOMPARE(chosen, QList<SavedServer>({second, second}));
+        servers.table->selectAll(); // the last of them counts, and its password is shown
+        QCOMPARE(servers.field("savedPasswordField").text(), QString("two"));
+        connectButton.click();
+        QCOMPARE(chosen.last(), second);
         servers.view.setConnecting(true);
         QVERIFY(!connectButton.isEnabled());
+    }
+
+    void aDoubleClickChoosesTheRowUnderThePointer_data()
+    {
+        QTest::addColumn<int>("button");
+        QTest::addColumn<bool>("isDeselected"); // by the first press
+        QTest::addColumn<bool>("isConnecting");
+        QTest::addColumn<QString>("chosen");
+        QTest::newRow("left button") << int(Qt::LeftButton) << false << false << "b";
+        QTest::newRow("Control takes it out of the selection") << int(Qt::LeftButton) << true << false << "b";
+        QTest::newRow("right button") << int(Qt::RightButton) << false << false << "";
+        QTest::newRow("middle button") << int(Qt::MiddleButton) << false << false << "";
+        QTest::newRow("while connecting") << int(Qt::LeftButton) << false << true << "";
+    }
+    void aDoubleClickChoosesTheRowUnderThePointer()
+    {
+        QFETCH(int, button);
+        QFETCH(bool, isDeselected);
+        QFETCH(bool, isConnecting);
+        ServersFile file;
+        file.store({{"a", "10.0.0.1", "50100", QStringLiteral("one")}, {"b", "10.0.0.2", "50101", "two"}});
+        Servers servers(file);
+        QString chosen;
+        connect(&servers.view, &ServersView::savedServerChosen, this,
+                [&chosen](const SavedServer &server) { chosen += server.label; });
+        servers.view.setConnecting(isConnecting);
+        servers.view.resize(300, 600);
+        servers.view.grab(); // lays out
+        servers.table->selectRow(isDeselected ? 1 : 0);
+        doubleClick(*servers.table, servers.table->visualRect(servers.table->model()->index(1, 0)).center(),
+                    Qt::MouseButton(button), isDeselected ? Qt::ControlModifier : Qt::NoModifier);
+        QTEST(chosen, "chosen");
+    }
+
+    void aDeletionCanBeTakenBack()
+    {
+        ServersFile file;
+        file.store({{"a", "10.0.0.1", "50100", QStringLiteral("one")},
+                    {"b", "10.0.0.2", "50101", "two"},
+                    {"c", "10.0.0.3", "50102", "three"}});
+        const QList<SavedServer> all = file.stored();
+        Servers servers(file);
+        QUndoStack &undo = *servers.view.undoStack();
+        servers.table->selectRow(0);
+        servers.table->selectionModel()->select(servers.table->model()->index(1, 0),
+                                                QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        QTest::keyClick(servers.table, Qt::Key_Backspace);
+        QCOMPARE(servers.labels(), QStringList{"c@10.0.0.3"});
+        undo.undo();
+        QCOMPARE(servers.labels(), QStringList({"a@10.0.0.1", "b@10.0.0.2", "c@10.0.0.3"}));
+        QCOMPARE(file.stored(), all);
+        servers.view.storePassword(QStringLiteral("b"), QStringLiteral("new"));
+        undo.redo();
+        QCOMPARE(file.stored(), all.mid(2));
+        undo.undo();
+        QCOMPARE(file.stored().at(1).password.value_or(QString()), QStringLiteral("new"));
+        undo.redo();
+        servers.save(QStringLiteral("a"), QStringLiteral("10.0.0.9"), QStringLiteral("nine"));
+        undo.undo(); // "a" is another one by now
+        QCOMPARE(servers.labels(), QStringList({"a@10.0.0.9", "b@10.0.0.2", "c@10.0.0.3"}));
+        QCOMPARE(servers.alerts.titles(), QStringList{"Saved Servers"});
+        QVERIFY(!undo.canUndo());
+    }
+
+    void theTableKeepsItsColumnsAndSorting()
+    {
+        ServersFile file;
+        file.store({{"a", "10.0.0.2", "9999", std::nullopt}, {"b", "10.0.0.1", "50101", std::nullopt}});
+        TestPreferences preferences(file.folder);
+        {
+            Servers servers(file);
+            servers.view.restoreLayout(preferences); // nothing kept yet
+            QCOMPARE(servers.labels(), QStringList({"a@10.0.0.2", "b@10.0.0.1"}));
+            servers.table->sortByColumn(2, Qt::AscendingOrder); // as numbers
+            QCOMPARE(servers.labels(), QStringList({"a@10.0.0.2", "b@10.0.0.1"}));
+            servers.table->sortByColumn(1, Qt::AscendingOrder);
+            servers.table->setColumnWidth(1, 143);
+            servers.view.saveLayout(preferences);
+        }
+        Servers servers(file);
+        servers.view.restoreLayout(preferences);
+        QCOMPARE(servers.labels(), QStringList({"b@10.0.0.1", "a@10.0.0.2"}));
+        QCOMPARE(servers.table->columnWidth(1), 143);
     }
 
     void savesReplacesAndDeletes()

@@ -7,7 +7,10 @@
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTableView>
 
@@ -271,6 +274,52 @@ private slots:
         }
         QVERIFY(!window.exchange.sent().contains("clientkick 1"));
         QCOMPARE(window.server.host(), "192.0.2.2");
+    }
+
+    void whatIsUndoneIsOfWhatHasTheFocus()
+    {
+        ConnectedWindow window;
+        QVERIFY(window.savedServers.save({"Home", "10.0.0.9", "50161", QStringLiteral("pw")}).error.isEmpty());
+        control<ServersView>(window.view, "serversView")->loadSavedServersList();
+        window.view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window.view));
+        auto *servers = control<QTableView>(window.view, "savedServerTableView");
+        window.bringToFront("messagesView");
+        auto *rotation = control<QTableView>(window.view, "messageRotationTableView");
+        awaited(window.messageRotations.addMessageToCurrentRotation("Hello", "3"));
+        QCoreApplication::processEvents(); // a step is made when the turn ends
+        const QAction &undo = *window.view.menuBar()->actions().at(1)->menu()->actions().first();
+        window.tabs()->tabBar()->setFocus(); // where it stays when another tab comes to the front
+        window.bringToFront("playersView");
+        QVERIFY(!undo.isEnabled());
+        window.bringToFront("messagesView");
+        QVERIFY(undo.isEnabled());
+        servers->setFocus();
+        servers->selectRow(0);
+        QTest::keyClick(servers, Qt::Key_Delete);
+        const auto counts = [&] {
+            return QList<int>{servers->model()->rowCount(), rotation->model()->rowCount()};
+        };
+        QCOMPARE(counts(), QList<int>({0, 1}));
+        rotation->setFocus();
+        QTest::keyClick(rotation, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(counts(), QList<int>({0, 0}));
+        auto *host = control<QLineEdit>(window.view, "hostField");
+        host->clear();
+        host->setFocus();
+        QTest::keyClicks(host, "x");
+        QTest::keyClick(host, Qt::Key_Z, Qt::ControlModifier); // the field's own
+        QCOMPARE(host->text() + QString::number(servers->model()->rowCount()), "0");
+        window.view.menuBar()->setFocus(); // as Alt and a letter do
+        const auto choose = [&window](const QString &text) {
+            for (QAction *action : window.view.menuBar()->actions().at(1)->menu()->actions())
+                if (action->text() == text && action->isEnabled())
+                    return action->trigger();
+        };
+        choose("&Undo Delete Server");
+        QCOMPARE(counts(), QList<int>({1, 0}));
+        choose("&Redo Delete Server");
+        QCOMPARE(counts(), QList<int>({0, 0}));
     }
 
     void connectsToTheLastSelectedAndFollowsItsPassword()

@@ -65,10 +65,12 @@ private slots:
         window.view.setGeometry(1200, 100, 1100, 777);
         window.view.show();
         control<QTableView>(window.view, "playersTableView")->sortByColumn(6, Qt::DescendingOrder);
+        control<QTableView>(window.view, "savedServerTableView")->sortByColumn(2, Qt::DescendingOrder);
         window.view.close();
         const FormMainView again(window.workplace(), window.savedServers);
         QCOMPARE(again.geometry(), QRect(1200, 100, 1100, 777));
         QCOMPARE(control<QTableView>(again, "playersTableView")->horizontalHeader()->sortIndicatorSection(), 6);
+        QCOMPARE(control<QTableView>(again, "savedServerTableView")->horizontalHeader()->sortIndicatorSection(), 2);
     }
 };
 
