@@ -53,6 +53,9 @@ public:
         return rows;
     }
 
+    /// The row behind `index` of arranged(), which is valid.
+    const Row &objectAt(const QModelIndex &index) const { return m_rows.at(m_arranged.mapToSource(index).row()); }
+
     /// The selected rows that can be seen, from the top of the table to its bottom.
     QList<Row> selectedObjects() const
     {
@@ -60,7 +63,7 @@ public:
         std::sort(chosen.begin(), chosen.end());
         QList<Row> rows;
         for (const QModelIndex &index : std::as_const(chosen))
-            rows.append(m_rows.at(m_arranged.mapToSource(index).row()));
+            rows.append(objectAt(index));
         return rows;
     }
 
