@@ -184,7 +184,7 @@ protected:
     RotationStoreOf(Preferences &preferences, Alerts &alerts, const QString &folder, Columns columns,
                     std::optional<Dictionary> rotations, QObject *parent)
         : RotationStore(parent), m_preferences(preferences), m_alerts(alerts),
-          m_file(QDir(folder).filePath(QLatin1String(Kind::fileName)), Kind::rootElement),
+          m_file(QDir(folder).filePath(QLatin1String(Kind::fileName))),
           m_rotations(std::move(rotations)), m_table(std::move(columns))
     {
         connect(&m_table, &QAbstractItemModel::rowsRemoved, this, [this] { noteChange(); });
@@ -201,7 +201,6 @@ protected:
     /// Reads the file anew and opens the rotation that was open; keeps everything when there is no file to read.
     QCoro::Task<> load()
     {
-        m_file.removeStaleTemporaries();
         if (!m_file.exists())
             co_return;
         QString error;
