@@ -75,11 +75,47 @@ private slots:
         messages.view.quickMessageButtonPressed();
         messages.view.quickMessageButtonPressed(); // twice by mistake
         QTRY_COMPARE(messages.exchange.keptCount(), 1);
+        QCOMPARE(field.text(), QString());
+        QTest::keyClicks(&field, "next");
         messages.exchange.release(); // nothing answers: it goes all the same
         QVERIFY(messages.settle());
         QCOMPARE(messages.exchange.sent(), QStringList("say \"a \"b\" ^1c\""));
         QCOMPARE(messages.alerts.texts(), QStringList("'Say' returned an error: no answer"));
+        QCOMPARE(field.text(), QString("next"));
+        QTest::keyClick(&field, Qt::Key_Return);
+        QTRY_COMPARE(messages.exchange.keptCount(), 1);
+        messages.exchange.release();
+        QCOMPARE(messages.sent().last(), QString("say \"next\""));
+    }
+
+    void aMessageThatWasNotSentComesBack()
+    {
+        Messages messages;
+        QuickMessageField &field = *control<QuickMessageField>(messages.view, "quickMessageTextField");
+        messages.exchange.hold();
+        field.setText("first");
+        QTest::keyClick(&field, Qt::Key_Return);
+        QTRY_COMPARE(messages.exchange.keptCount(), 1);
+        field.setText("second");
+        QTest::keyClick(&field, Qt::Key_Return); // waits
         QCOMPARE(field.text(), QString());
+        messages.actions.refuseWaiting();
+        QTRY_COMPARE(field.text(), QString("second"));
+        QVERIFY(messages.preview().contains("second"));
+        messages.exchange.release();
+        QCOMPARE(messages.sent(), QStringList("say \"first\""));
+    }
+
+    void nothingStartsWithoutAConnection()
+    {
+        Messages messages;
+        awaited(messages.messageRotations.addEntries({{"a", "60"}}));
+        QVERIFY(messages.button("buttonStartMessageRotation").isEnabled());
+        messages.server.disconnect();
+        QVERIFY(!messages.button("buttonStartMessageRotation").isEnabled());
+        QCOMPARE(messages.onAir(), QString("Stopped"));
+        messages.connectToServer();
+        QVERIFY(messages.button("buttonStartMessageRotation").isEnabled());
     }
 
     void messagesAreAddedUntilTheSheetIsClosed()
