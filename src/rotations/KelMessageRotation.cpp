@@ -212,13 +212,15 @@ void KelMessageRotation::sendQuickMessage()
 QCoro::Task<> KelMessageRotation::sendText(QString text)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
+    bool wasSent = false;
     if (turn) {
         const QString line = sayCommand(text);
         const Reply reply = co_await m_server.sendCommand(line);
+        wasSent = true;
         if (turn && !reply.isCancelled && !reply.isSuccess())
             co_await tellOfFailure(reply.text);
-    } else if (m_quickMessageText.isEmpty()) { // never sent; what was typed in the meantime is the next message
-        setQuickMessageText(text);
     }
+    if (!wasSent && m_quickMessageText.isEmpty()) // what was typed in the meantime is the next message
+        setQuickMessageText(text);
     --m_quickMessagesOnTheirWay;
 }

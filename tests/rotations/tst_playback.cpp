@@ -119,6 +119,9 @@ private slots:
         QCOMPARE(f.server.commandHistory().last(), "say \"a \"b\"\"");
         QCOMPARE(f.messages.quickMessageText(), QString());
         QCOMPARE(f.alerts.shown(), QList({alert, alert}));
+        f.messages.sendQuickMessage(); // an empty one on its own is sent
+        QCOMPARE(f.take({}), " 100 1");
+        QCOMPARE(f.server.commandHistory().last(), "say \"\"");
     }
 
     void aQuickMessageIsHandedOverAtOnce_data()

@@ -129,6 +129,19 @@ private slots:
             store.openRotationNamed("x");
             QVERIFY(awaited(store.saveUIChanges("x")));
         }) << "a:1 x:";
+        QTest::newRow("refused, with a new one beside it") << Act([](KelMessageRotation &store) {
+            QVERIFY(awaited(store.saveUnsavedChanges()));
+            awaited(store.newRotationNamed("c"));
+            store.openRotationNamed("a");
+            QVERIFY(store.tableModel()->setData(store.tableModel()->index(0, 0), "2"));
+            {
+                const FileSizeLimit disk(0);
+                QVERIFY(!awaited(store.saveUIChanges("a")));
+            }
+            QVERIFY(awaited(store.saveUnsavedChanges()));
+            store.openRotationNamed("x");
+            QVERIFY(awaited(store.saveUIChanges("x")));
+        }) << "a:1 c: x:";
         QTest::newRow("refused after a deletion that failed") << Act([](KelMessageRotation &store) {
             QVERIFY(awaited(store.saveUIChanges("b")));
             {
@@ -160,6 +173,26 @@ private slots:
             read.append(text);
         }
         QTEST(read.join(' '), "outcome");
+    }
+
+    void whatWasReadComesBackAfterASaveThatFailed()
+    {
+        RotationFixture f;
+        awaited(f.maps.addToRotation("saved", "g"));
+        QVERIFY(awaited(f.maps.saveUIChanges("n")));
+        KelMapRotation again(f.preferences, f.alerts, f.folder.path());
+        awaited(again.loadMapRotation());
+        awaited(again.addToRotation("refused", "g"));
+        {
+            const FileSizeLimit disk(0);
+            QVERIFY(!awaited(again.saveUIChanges("n")));
+        }
+        f.alerts.answerWith(1);
+        QVERIFY(awaited(again.saveUnsavedChanges()));
+        QCOMPARE(again.rowCount(), 2); // nothing has taken its place
+        again.openRotationNamed("n");
+        QCOMPARE(again.mapRotationList().value("n").description(), "name=n rotation=(map=saved gametype=g)");
+        QCOMPARE(again.rowCount(), 1);
     }
 
     void whatIsOnAirStaysSoWhenItsRotationIsOpenedAnew()

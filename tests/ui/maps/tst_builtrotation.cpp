@@ -115,7 +115,13 @@ private slots:
     {
         Maps maps;
         awaited(maps.view.updateMapList(255));
-        awaited(maps.mapRotations.saveUIChanges("mine"));
+        awaited(maps.mapRotations.addToRotation("Saltworks", "Domination"));
+        maps.alerts.answerWith(2); // "Cancel"
+        maps.press("copyToBuilderButton");
+        QVERIFY(maps.settle());
+        QCOMPARE(maps.alerts.titles(), QStringList("Unsaved Changes to Map Rotation"));
+        QCOMPARE(maps.mapRotations.rowCount(), 1);
+        QVERIFY(awaited(maps.mapRotations.saveUIChanges("mine")));
         maps.press("copyToBuilderButton");
         QVERIFY(maps.settle());
         QStringList copied;

@@ -7,6 +7,7 @@
 #include "SessionFixture.h"
 #include "TestPreferences.h"
 
+#include <QCheckBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -86,6 +87,43 @@ private slots:
         QTRY_COMPARE(messages.exchange.keptCount(), 1);
         messages.exchange.release();
         QCOMPARE(messages.sent().last(), QString("say \"next\""));
+    }
+
+    void aColourGoesToWhereIsTyped()
+    {
+        Messages messages;
+        QuickMessageField &field = *control<QuickMessageField>(messages.view, "quickMessageTextField");
+        field.setText("ab");
+        field.setCursorPosition(1);
+        field.insertColorCode(2);
+        field.insert("x");
+        QCOMPARE(field.text(), QString("a^2xb"));
+    }
+
+    void theLoopBoxIsKept()
+    {
+        Messages messages;
+        auto *box = control<QCheckBox>(messages.view, "checkBoxLoopMessages");
+        for (const bool isOn : {true, false}) {
+            box->setChecked(isOn);
+            QCOMPARE(messages.preferences.boolValue("checkBoxLoopMessages"), isOn);
+            const MessagesView later(messages.messageRotations, messages.actions, messages.alerts,
+                                     messages.preferences);
+            QCOMPARE(control<QCheckBox>(later, "checkBoxLoopMessages")->isChecked(), isOn);
+        }
+    }
+
+    void anEditIsMarkedAsUnsaved()
+    {
+        Messages messages;
+        const auto *mark = control<QLabel>(messages.view, "labelUnsavedChanges");
+        awaited(messages.messageRotations.addEntries({{"a", "60"}}));
+        QTRY_VERIFY(!mark->isHidden());
+        QVERIFY(awaited(messages.messageRotations.saveUIChanges("n")));
+        QTRY_VERIFY(mark->isHidden());
+        QAbstractItemModel &model = *messages.messageRotations.tableModel();
+        QVERIFY(model.setData(model.index(0, 1), "61"));
+        QTRY_VERIFY(!mark->isHidden());
     }
 
     void aMessageThatWasNotSentComesBack()

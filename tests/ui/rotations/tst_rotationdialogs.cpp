@@ -183,6 +183,23 @@ private slots:
         QVERIFY(p.alerts.shown().isEmpty());
     }
 
+    void asksBeforeTheTableIsReplaced_data()
+    {
+        QTest::addColumn<QString>("button");
+        for (const char *button : {"newButton", "openButton", "deleteButton"})
+            QTest::newRow(button) << QString(button);
+    }
+    void asksBeforeTheTableIsReplaced()
+    {
+        QFETCH(QString, button);
+        Pane p;
+        p.store.isGoingOn = false; // "Cancel"
+        p.button(button.toLatin1()).click();
+        QVERIFY(p.settle());
+        QCOMPARE(p.store.asked, QStringList{"ask"});
+        QVERIFY(p.pane.findChild<QDialog *>() == nullptr);
+    }
+
     void returnOpensTheCurrentRotationOrTheFirst_data()
     {
         QTest::addColumn<QString>("opened");
@@ -267,7 +284,8 @@ private slots:
         QCOMPARE(p.store.asked, QStringList());
         p.alerts.dismiss(pressed);
         if (pressed == 1) {
-            QVERIFY(sheet->isVisible());
+            QTRY_VERIFY((QTest::keyClick(table, Qt::Key_Delete), p.alerts.openCount() == 1)); // once more
+            p.alerts.dismiss(pressed);
             p.press(sheet, "closeButton");
         }
         QVERIFY(p.settle());

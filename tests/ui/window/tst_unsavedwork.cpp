@@ -119,6 +119,19 @@ private slots:
         QTRY_VERIFY(!window.view.isVisible());
     }
 
+    void cancelAsksNothingMore()
+    {
+        UnsavedWindow window;
+        window.view.show();
+        awaited(window.mapRotations.addToRotation("Ropeway", "Domination"));
+        window.edit();
+        window.view.close();
+        window.alerts.dismiss(2);
+        QVERIFY(window.settle());
+        QCOMPARE(window.alerts.shown().size(), 1);
+        QVERIFY(window.view.isVisible());
+    }
+
     void whatComesAfterTheAnswerCountsAgain()
     {
         UnsavedWindow window;
