@@ -203,6 +203,8 @@ QCoro::Task<> FormMainView::closeAfterQuestion()
 {
     const bool goesOn = co_await m_unsavedWork->settle();
     m_isAskingToClose = false;
-    if (goesOn)
-        close();
+    if (!goesOn)
+        co_return;
+    m_unsavedWork->giveUp();
+    close();
 }

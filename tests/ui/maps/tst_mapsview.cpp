@@ -92,8 +92,49 @@ private slots:
         QTRY_VERIFY(task.isReady());
         QCOMPARE(maps.exchange.sent().size(), answered + 1);
         QCOMPARE(maps.current(), QStringList({"", ""})); // what comes late is the former server's
-        QCOMPARE(maps.rotation(), tdmRotation);
+        QCOMPARE(maps.rotation(), QList<RotationRow>());
         QCOMPARE(maps.alerts.shown().size(), 0);
+    }
+
+    void theFormerServersRotationGoes_data()
+    {
+        QTest::addColumn<bool>("isEnded"); // before the next connect
+        QTest::newRow("with the connection") << true;
+        QTest::newRow("with the next one, which tells none") << false;
+    }
+    void theFormerServersRotationGoes()
+    {
+        QFETCH(bool, isEnded);
+        Maps maps;
+        QMenu menu;
+        maps.view.fillMenu(menu);
+        const auto isOffered = [&menu](const QString &text) {
+            emit menu.aboutToShow();
+            for (const QAction *action : menu.actions()) {
+                if (action->text() == text)
+                    return action->isEnabled();
+            }
+            return false;
+        };
+        const auto *table = control<PlaceholderTable>(maps.view, "mapServerRotationTableView");
+        awaited(maps.view.updateMapList(7));
+        QVERIFY(isOffered("&Copy Server's Rotation to Builder") && isOffered("Set Rotation &on Server"));
+        maps.exchange.forget("sv_mapRotation");
+        if (isEnded)
+            maps.server.disconnect();
+        else
+            maps.connectToServer();
+        QCOMPARE(maps.rotation(), QList<RotationRow>());
+        QCOMPARE(table->placeholder().startsWith("Not connected."), isEnded);
+        awaited(maps.view.didConnect());
+        QCOMPARE(maps.rotation(), QList<RotationRow>());
+        QVERIFY(!maps.button("copyToBuilderButton").isEnabled());
+        QVERIFY(!isOffered("&Copy Server's Rotation to Builder"));
+        QCOMPARE(maps.button("setBuiltRotationButton").isEnabled(), !isEnded);
+        QCOMPARE(isOffered("Set Rotation &on Server"), !isEnded);
+        const MapsView later(maps.server, maps.actions, maps.alerts, maps.preferences, maps.catalogues(),
+                             maps.mapRotations);
+        QCOMPARE(control<QPushButton>(later, "setBuiltRotationButton")->isEnabled(), !isEnded);
     }
 
     void sendsItsCommands()
