@@ -61,7 +61,7 @@ QString Soak::playersFault()
     if (result != RConResultSuccess)
         return QStringLiteral("the server does not tell its players: %1").arg(reply);
     QStringList expected;
-    for (const PlayerRow &player : parsePlayerList(reply))
+    for (const PlayerRow &player : parsePlayerList(reply).players)
         expected.append(joined(player));
     const QWidget &view = m_hand.page("playersView");
     Hands::type(view, "playerFilterField", {});

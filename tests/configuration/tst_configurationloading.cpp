@@ -164,7 +164,7 @@ private slots:
         QVERIFY(with.settle());
         QCOMPARE(with.exchange.sent().size(), 2);
         with.server.disconnect();
-        awaited(with.server.connectToHost("10.0.0.1", "28960", "typed"));
+        awaited(with.server.connectToHost("192.0.2.1", "50960", "typed"));
         with.exchange.forgetSent();
         with.load("e \"5\"\nf \"6\"\n");
         QVERIFY(with.settle());

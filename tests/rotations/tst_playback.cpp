@@ -13,7 +13,7 @@ struct Player : RotationFixture {
             ScriptedExchange::ok("rcon_password \"0\"\nsv_hostname \"0\"\nsv_ranked \"0\"\nplaylist_enabled \"0\"\n"
                                  "playlist_excludeMap \"0\"\nplaylist_excludeGametype \"0\"\n"
                                  "playlist_excludeGametypeMap \"0\"\n"));
-        awaited(server.connectToHost("10.0.0.1", "28960", "x"));
+        awaited(server.connectToHost("192.0.2.1", "50960", "x"));
     }
     /// @return what was sent, the state, the index, the row on air, and the seconds that are waited.
     QString take(const QString &step)
@@ -194,7 +194,7 @@ private slots:
         QCOMPARE(f.take("timer"), " 00-1 -");
         QVERIFY(!f.messages.startEnabled() && !f.messages.stopEnabled());
         QCOMPARE(buttons.last(), QList<QVariant>({false, false}));
-        awaited(f.server.connectToHost("10.0.0.1", "28960", "x"));
+        awaited(f.server.connectToHost("192.0.2.1", "50960", "x"));
         QCOMPARE(buttons.last(), QList<QVariant>({true, false}));
         QVERIFY(f.alerts.shown().isEmpty());
     }

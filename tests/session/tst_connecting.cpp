@@ -110,7 +110,7 @@ private slots:
     {
         Session session;
         for (const QString &password : {u"a\u2019"_qs, u"\u0436"_qs})
-            awaited(session.server.connectToHost("10.0.0.1", "28960", password));
+            awaited(session.server.connectToHost("192.0.2.1", "50960", password));
         const QString text = "The game cannot hold a character of this password. Nothing was sent.";
         QCOMPARE(session.alerts.texts(), QStringList({text, text}));
         QCOMPARE(session.alerts.titles(), QStringList({"Command Send Error", "Command Send Error"}));

@@ -71,7 +71,7 @@ private slots:
         awaited(session.server.sendCommand("d"));
         QCOMPARE(session.transcript, "] a\nno line feed\n] b\nno line feed\n] c\n] d\nno answer\n");
         session.server.appendConsoleMessage("open");
-        awaited(session.server.connectToHost("10.0.0.1", "28960", "typed")); // empties the transcript
+        awaited(session.server.connectToHost("192.0.2.1", "50960", "typed")); // empties the transcript
         session.transcript.clear();
         awaited(session.server.sendCommand("e"));
         QVERIFY(session.transcript.startsWith("] e\n"));

@@ -25,7 +25,7 @@ using namespace std::chrono_literals;
 /// A player whose address ends in `host`.
 static QString lineOf(int number, const QString &name, int host, int score = 0)
 {
-    return QStringLiteral("%1 %4 48 g%3 %2 allies 0 10.0.0.%3:3074 77 25000\n")
+    return QStringLiteral("%1 %4 48 g%3 %2 allies 0 192.0.2.%3:50074 77 25000\n")
         .arg(number)
         .arg(name)
         .arg(host)
@@ -139,7 +139,7 @@ private slots:
                 if (players.count() == 0)
                     players.view.setInFront(true);
             });
-        awaited(players.server.connectToHost("10.0.0.1", "28960", "typed"));
+        awaited(players.server.connectToHost("192.0.2.1", "50960", "typed"));
         awaited(players.view.didConnect());
         if (isInFrontAfterwards) {
             QCOMPARE(players.sent().count("teamstatus"), 0);
@@ -680,7 +680,7 @@ private slots:
         players.select({"Ann", "Cy"});
         players.press("messagePlayerButton");
         // Ann leaves, a newcomer gets her number, and Cy comes back under another one.
-        players.list(line(1, "New") + "7 0 48 g3 Cy allies 0 10.0.0.3:3074 77 25000\n");
+        players.list(line(1, "New") + "7 0 48 g3 Cy allies 0 192.0.2.3:50074 77 25000\n");
         players.view.refreshPlayersButtonPressed();
         QVERIFY(players.settle());
         players.exchange.forgetSent();
@@ -741,9 +741,9 @@ private slots:
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray text = file.readAll();
-        QVERIFY(text.endsWith("2,Bob,g2,10.0.0.2:3074,allies,10,48\n"
-                              "1,Ann,g1,10.0.0.1:3074,allies,9,48\n"
-                              "3,Cy,g3,10.0.0.3:3074,allies,8,48\n"));
+        QVERIFY(text.endsWith("2,Bob,g2,192.0.2.2:50074,allies,10,48\n"
+                              "1,Ann,g1,192.0.2.1:50074,allies,9,48\n"
+                              "3,Cy,g3,192.0.2.3:50074,allies,8,48\n"));
     }
 
     void savingAsksBeforeItReplacesAndTellsOfFailures()

@@ -279,7 +279,7 @@ private slots:
     void whatIsUndoneIsOfWhatHasTheFocus()
     {
         ConnectedWindow window;
-        QVERIFY(window.savedServers.save({"Home", "10.0.0.9", "50161", QStringLiteral("pw")}).error.isEmpty());
+        QVERIFY(window.savedServers.save({"Home", "192.0.2.9", "50161", QStringLiteral("pw")}).error.isEmpty());
         control<ServersView>(window.view, "serversView")->loadSavedServersList();
         window.view.show();
         QVERIFY(QTest::qWaitForWindowActive(&window.view));
