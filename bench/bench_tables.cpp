@@ -62,7 +62,7 @@ static void refreshPlayers(benchmark::State &state)
     table.selectRow(0);
     int round = 0;
     for (auto run : state) {
-        players.mergeContent(parsePlayerList(replies.at(round++ % replies.size())));
+        players.mergeContent(parsePlayerList(replies.at(round++ % replies.size())).players);
         table.grab();
     }
 }
@@ -74,7 +74,7 @@ static void firstPlayers(benchmark::State &state)
     for (auto run : state) {
         ArrayController<PlayerRow> players(playerTableColumns(), playerKey);
         players.arranged()->sort(5, Qt::DescendingOrder);
-        players.mergeContent(parsePlayerList(reply));
+        players.mergeContent(parsePlayerList(reply).players);
         benchmark::DoNotOptimize(players.arranged()->rowCount());
     }
 }

@@ -43,7 +43,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     bool isConnected = false;
     QObject::connect(&server, &KelServer::didConnect, &server, [&isConnected] { isConnected = true; });
     const QCoro::Task<> connecting =
-        server.connectToHost(QStringLiteral("127.0.0.1"), QStringLiteral("28960"), QStringLiteral("secret"));
+        server.connectToHost(QStringLiteral("127.0.0.1"), QStringLiteral("50960"), QStringLiteral("secret"));
     require(connecting.isReady(), "connecting ends when everything is answered");
     require(alerts.count() <= requiredDvars + 1, "a variable is complained of once");
     require(isConnected || alerts.count() > 0, "a connect that fails says so");

@@ -66,7 +66,7 @@ QString Soak::playersFault()
     if (!reply.isSuccess())
         return QStringLiteral("the server does not tell its players: %1").arg(reply.text);
     QStringList expected;
-    for (const PlayerRow &player : parsePlayerList(reply.text))
+    for (const PlayerRow &player : parsePlayerList(reply.text).players)
         expected.append(joined(player));
     const QWidget &view = m_hand.page("playersView");
     Hands::type(view, "playerFilterField", {});

@@ -17,8 +17,7 @@ ActionQueue::~ActionQueue()
 
 void ActionQueue::start(QCoro::Task<> action)
 {
-    if (++m_running == 1)
-        emit busyChanged(true);
+    ++m_running;
     const QCoro::Task<> detached = supervise(std::move(action));
 }
 
@@ -36,10 +35,8 @@ QCoro::Task<> ActionQueue::supervise(QCoro::Task<> action)
     }
     if (isFaulty)
         emit faulted(fault);
-    if (--m_running == 0) {
-        emit busyChanged(false);
+    if (--m_running == 0)
         emit idle();
-    }
 }
 
 QCoro::Task<ActionQueue::Turn> ActionQueue::turn()

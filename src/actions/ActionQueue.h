@@ -49,15 +49,16 @@ public:
     /// Refuses every turn that is not yet given, and leaves the running action alone.
     void refuseWaiting();
 
-    /// Calls off everything, now and later: no turn is given any more.
+    /// Calls off everything, now and later: no turn is given any more, until reopen().
     void close();
+    /// Gives turns again to who asks from now on; who was called off stays so.
+    void reopen() { m_isClosed = false; }
     bool isClosed() const { return m_isClosed; }
 
     /// True when no started action is left.
     bool isIdle() const { return m_running == 0; }
 
 signals:
-    void busyChanged(bool isBusy);
     /// The last action has ended; its frame may still be on the stack, so delete things from a queued slot.
     void idle();
     void faulted(const QString &what);

@@ -9,7 +9,11 @@
 #include "ResourceFolder.h"
 
 #include <QApplication>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileInfo>
 #include <QStandardPaths>
+#include <QUrl>
 
 static CatalogueFolders catalogueFolders(const AppDelegate::Places &places)
 {
@@ -21,9 +25,9 @@ static CatalogueFolders catalogueFolders(const AppDelegate::Places &places)
     return folders;
 }
 
-AppDelegate::AppDelegate(const Places &places)
-    : m_preferences(places.preferencesFile), m_server(m_exchange, m_alerts),
-      m_reader(catalogueFolders(places), m_alerts, [this] { m_window->close(); }),
+AppDelegate::AppDelegate(const Places &places, const QString &guide)
+    : m_guide(guide.isEmpty() ? guideFile() : guide), m_preferences(places.preferencesFile),
+      m_server(m_exchange, m_alerts), m_reader(catalogueFolders(places), m_alerts, [this] { m_window->close(); }),
       m_gametypes(CatalogueContext{m_server, m_alerts}, m_reader),
       m_settings(CatalogueContext{m_server, m_alerts}, m_reader), m_maps(m_server, m_reader),
       m_playlists(m_server, m_gametypes, m_maps, m_alerts, m_reader.folders().resources),
@@ -45,6 +49,7 @@ AppDelegate::AppDelegate(const Places &places)
     m_window = std::make_unique<FormMainView>(workplace, m_savedServers);
     m_alerts.setWindow(m_window.get());
     connect(m_window.get(), &FormMainView::demoServerRequested, this, &AppDelegate::tryDemoServer);
+    connect(m_window.get(), &FormMainView::hostingGuideRequested, this, &AppDelegate::openHostingGuide);
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -67,6 +72,19 @@ QString AppDelegate::applicationSupportDirectory()
         return folder;
     }();
     return path;
+}
+
+void AppDelegate::openHostingGuide()
+{
+    QUrl section = QUrl::fromLocalFile(m_guide);
+    section.setFragment(QStringLiteral("hosting"));
+    if (QFileInfo::exists(m_guide) && QDesktopServices::openUrl(section))
+        return;
+    const QString usual = QStringLiteral("/usr/share/doc/ferrow-rcon/guide.md");
+    m_window->reportFailure(tr("Guide Not Opened"),
+                            tr("The section \"Hosting\" of the user's guide could not be opened. It stands in the file "
+                               "\"%1\".")
+                                .arg(m_guide.isEmpty() ? usual : QDir::toNativeSeparators(m_guide)));
 }
 
 void AppDelegate::tryDemoServer()

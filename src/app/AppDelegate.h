@@ -31,7 +31,8 @@ public:
         QString applicationSupport;
     };
 
-    explicit AppDelegate(const Places &places = {});
+    /// @param guide  the file of the user's guide; empty means the usual place.
+    explicit AppDelegate(const Places &places = {}, const QString &guide = {});
     ~AppDelegate() override;
 
     /// The folder for the user's work. Made at the first call, readable by its owner only; the same on every call.
@@ -46,7 +47,9 @@ public:
 
 private:
     void registerDefaults();
+    void openHostingGuide();
 
+    QString m_guide;
     Preferences m_preferences;
     SheetAlerts m_alerts;
     RConExchange m_exchange;

@@ -9,7 +9,8 @@ struct Options {
     {
         parser.setApplicationDescription(QStringLiteral(
             "Remote administration of a game server.\n\n"
-            "With --connect the password is taken from the environment variable FERROW_RCON_PASSWORD, or asked for."));
+            "With --connect the password is taken from the environment variable FERROW_RCON_PASSWORD, else from the "
+            "saved server, or asked for."));
         // "-reverse" and its like are Qt's own, and not the letters "-v" and others.
         parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
         parser.addOptions({help, version, target, demo});
@@ -17,8 +18,10 @@ struct Options {
 
     QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Shows this text.")};
     QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Shows the version.")};
-    QCommandLineOption target{QStringLiteral("connect"), QStringLiteral("Opens connected to the server at HOST:PORT."),
-                              QStringLiteral("HOST:PORT")};
+    QCommandLineOption target{
+        QStringLiteral("connect"),
+        QStringLiteral("Opens connected to the server at HOST:PORT, or to the saved server of this label."),
+        QStringLiteral("HOST:PORT")};
     QCommandLineOption demo{QStringLiteral("demo"), QStringLiteral("Opens connected to the built-in demo server.")};
     QCommandLineParser parser;
 };
@@ -63,10 +66,9 @@ CommandLine CommandLine::parse(const QStringList &arguments)
         return line;
     if (line.isDemo)
         return faulty(QStringLiteral("--connect and --demo exclude each other."));
-    const QString text = options.parser.value(options.target);
-    line.connectHost = text.section(QLatin1Char(':'), 0, -2);
-    line.connectPort = text.section(QLatin1Char(':'), -1);
-    if (line.connectHost.isEmpty() || line.connectPort.isEmpty())
-        return faulty(QStringLiteral("--connect takes HOST:PORT, for example 192.0.2.10:28960."));
+    line.target = options.parser.value(options.target).trimmed();
+    if (line.target.isEmpty() || line.target.startsWith(QLatin1Char(':')) || line.target.endsWith(QLatin1Char(':')))
+        return faulty(
+            QStringLiteral("--connect takes HOST:PORT, for example 192.0.2.10:50960, or the label of a saved server."));
     return line;
 }

@@ -6,8 +6,7 @@
 /// What the program was asked for on its command line. Never a password: the list of processes shows the line to
 /// everybody.
 struct CommandLine {
-    QString connectHost; ///< dotted IPv4 as given; empty when no connect was asked for
-    QString connectPort;
+    QString target; ///< HOST:PORT or the label of a saved server; empty when no connect was asked for
     bool isDemo = false;
     QString error; ///< what is wrong with the line; empty when it is good
 

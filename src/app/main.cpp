@@ -43,10 +43,10 @@ int main(int argc, char **argv)
     delegate.window().show();
     if (line.isDemo)
         QTimer::singleShot(0, &delegate, &AppDelegate::tryDemoServer);
-    else if (!line.connectHost.isEmpty())
+    else if (!line.target.isEmpty())
         QTimer::singleShot(0, &delegate, [&] {
-            delegate.window().quickConnect(line.connectHost, line.connectPort, password);
-            password.clear(); // from now on the form's field has it
+            delegate.window().connectByCommandLine(line.target, password);
+            password.clear(); // from now on the window has it
         });
     return QApplication::exec();
 }

@@ -78,6 +78,7 @@ KelPlaylists::KelPlaylists(KelServer &server, KelGametype &gametypes, KelMapList
       m_server(server), m_gametypes(gametypes), m_maps(maps), m_alerts(alerts), m_resources(resources)
 {
     connect(&m_server, &KelServer::connectionBegan, this, &KelPlaylists::forgetServer);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &KelPlaylists::forgetServer);
 }
 
 KelPlaylists *KelPlaylists::sharedKelPlaylists()

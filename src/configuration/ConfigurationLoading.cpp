@@ -185,5 +185,7 @@ QCoro::Task<> ConfigurationLoading::tellOfCancel(qsizetype written, qsizetype to
 {
     const QString text = tr("%1 of %2 variables were written to the server. The others were left as they are.")
                              .arg(QString::number(written), QString::number(total));
-    co_await m_alerts.run(tr("Loading Cancelled"), text);
+    const QStringList justOk;
+    const AlertManner goodNews{.isGoodNews = true}; // it is what was asked for
+    co_await m_alerts.run(tr("Loading Cancelled"), text, justOk, goodNews);
 }

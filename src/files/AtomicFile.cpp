@@ -1,13 +1,17 @@
 #include "AtomicFile.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
+#include <QRandomGenerator>
+#include <QRegularExpression>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <optional>
 
 static void report(QString *error, const QString &reason)
 {
@@ -15,8 +19,40 @@ static void report(QString *error, const QString &reason)
         *error = reason;
 }
 
+static QString unfinishedEnding()
+{
+    return QStringLiteral(".ferrow-part");
+}
+
+static constexpr QLatin1String passingLetters("abcdefghijklmnopqrstuvwxyz0123456789");
+static constexpr int passingLength = 6;
+
+/// Beside `path`, since only within a folder one file takes the place of another in one step.
+static QString unusedNameBeside(const QString &path)
+{
+    for (;;) {
+        QString name = path + QLatin1Char('.');
+        for (int i = 0; i < passingLength; ++i)
+            name += passingLetters.at(QRandomGenerator::system()->bounded(static_cast<int>(passingLetters.size())));
+        name += unfinishedEnding();
+        const QFileInfo found(name);
+        if (!found.exists() && !found.isSymLink())
+            return name;
+    }
+}
+
+/// Where a link leads to, also when nothing is there yet.
+static QString targetOf(const QString &path)
+{
+    constexpr int mostLinks = 128;
+    QFileInfo found(path);
+    for (int links = 0; links < mostLinks && found.isSymLink(); ++links)
+        found.setFile(found.symLinkTarget());
+    return found.filePath();
+}
+
 /// A full disk takes a part first and tells its reason only when it is asked for more.
-static bool writeAll(QSaveFile &file, const QByteArray &content)
+static bool writeAll(QFile &file, const QByteArray &content)
 {
     qint64 done = 0;
     while (done < content.size()) {
@@ -28,15 +64,15 @@ static bool writeAll(QSaveFile &file, const QByteArray &content)
     return true;
 }
 
-/// A network's disk, or one with quotas, may tell only here that it is full or broken, and QSaveFile does not listen.
-static bool hasReachedDisk(const QSaveFile &file)
+/// A network's disk, or one with quotas, may tell only here that it is full or broken, and closing does not ask.
+static bool hasReachedDisk(const QFile &file)
 {
     return ::fsync(file.handle()) == 0 || errno == EINVAL || errno == ENOTSUP; // some file systems have no such thing
 }
 
 /// The rights of a group are meant for that group: a new file belongs to the group of the one who writes it. Where it
 /// may not be given to the group of the file before it, the group gets no more than everybody.
-static bool keepGroup(QSaveFile &file, const QString &path)
+static bool keepGroup(QFile &file, const QString &path)
 {
     struct stat before {
     };
@@ -102,14 +138,46 @@ bool AtomicFile::replace(const QString &path, const QByteArray &content, const Q
         report(error, tr("There is something in its place that is no file"));
         return false;
     }
-    QSaveFile file(path);
-    // A buffer would forget the reason of a failure that it meets when it is emptied.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-        report(error, file.errorString());
+    const QFileInfo former(path);
+    if (former.exists() && !former.isWritable()) {
+        report(error, tr("The file may not be written"));
         return false;
     }
-    const bool isGuarded = permissions ? file.setPermissions(permissions) : keepGroup(file, path);
-    bool isWritten = isGuarded && writeAll(file, content);
+    const QString target = targetOf(path);
+    QFile file(unusedNameBeside(target));
+    if (!open(file, permissions, former, error) || !fill(file, content, modified, error)) {
+        if (file.isOpen()) // else nothing of it is ours
+            static_cast<void>(file.remove());
+        return false;
+    }
+    file.close();
+    if (std::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(target).constData()) != 0) {
+        report(error, qt_error_string(errno));
+        static_cast<void>(file.remove());
+        return false;
+    }
+    return true;
+}
+
+bool AtomicFile::open(QFile &file, QFileDevice::Permissions permissions, const QFileInfo &former, QString *error)
+{
+    std::optional<QFileDevice::Permissions> rights;
+    if (permissions)
+        rights = permissions;
+    else if (former.exists())
+        rights = former.permissions();
+    // A buffer would forget the reason of a failure that it meets when it is emptied.
+    const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered;
+    const bool isOpen = rights ? file.open(mode, ownerOnly) && file.setPermissions(*rights) : file.open(mode);
+    if (isOpen && (permissions || keepGroup(file, former.filePath())))
+        return true;
+    report(error, file.errorString());
+    return false;
+}
+
+bool AtomicFile::fill(QFile &file, const QByteArray &content, const QDateTime &modified, QString *error)
+{
+    bool isWritten = writeAll(file, content);
     if (isWritten && modified.isValid()) {
         // The time is set last, on the new file while it still has its passing name: a later write would change it.
         isWritten = file.setPermissions(file.permissions() | QFileDevice::ReadOwner | QFileDevice::WriteOwner) &&
@@ -117,17 +185,27 @@ bool AtomicFile::replace(const QString &path, const QByteArray &content, const Q
     }
     if (!isWritten) {
         report(error, file.errorString());
-        file.cancelWriting();
         return false;
     }
     if (!hasReachedDisk(file)) {
         report(error, qt_error_string(errno));
-        file.cancelWriting();
-        return false;
-    }
-    if (!file.commit()) {
-        report(error, file.errorString());
         return false;
     }
     return true;
+}
+
+void AtomicFile::removeUnfinished(const QString &path)
+{
+    const QFileInfo file(targetOf(path));
+    const QDir folder = file.absoluteDir();
+    const QRegularExpression ours(QRegularExpression::anchoredPattern(QRegularExpression::escape(file.fileName()) +
+                                                                      QStringLiteral("\\.[a-z0-9]{6}") +
+                                                                      QRegularExpression::escape(unfinishedEnding())));
+    const QDateTime newest = QDateTime::currentDateTime().addSecs(-60);
+    const QFileInfoList found =
+        folder.entryInfoList({QLatin1Char('*') + unfinishedEnding()}, QDir::Files | QDir::Hidden | QDir::NoSymLinks);
+    for (const QFileInfo &each : found) {
+        if (each.lastModified() < newest && ours.match(each.fileName()).hasMatch())
+            static_cast<void>(QFile::remove(each.filePath()));
+    }
 }

@@ -6,8 +6,12 @@
 #include <QFileDevice>
 #include <QString>
 
+class QFile;
+class QFileInfo;
+
 /// Files that are replaced as a whole: whoever looks finds the old content or the new one, never a part, and a failure
-/// leaves the old one in place. Any thread.
+/// leaves the old one in place. Until it is whole, the new one is called "NAME.xxxxxx.ferrow-part", with six small
+/// letters or digits. Any thread.
 class AtomicFile
 {
     Q_DECLARE_TR_FUNCTIONS(AtomicFile)
@@ -28,7 +32,13 @@ public:
     /// it: it never looks older.
     [[nodiscard]] static bool copy(const QString &source, const QString &target, QString *error = nullptr);
 
+    /// Removes what a killed program has left of its writing of `path`: files with exactly such a name that are older
+    /// than a minute. Younger ones may be another program's, which is still at it.
+    static void removeUnfinished(const QString &path);
+
 private:
+    static bool open(QFile &file, QFileDevice::Permissions permissions, const QFileInfo &former, QString *error);
+    static bool fill(QFile &file, const QByteArray &content, const QDateTime &modified, QString *error);
     static bool replace(const QString &path, const QByteArray &content, const QDateTime &modified,
                         QFileDevice::Permissions permissions, QString *error);
 };

@@ -26,6 +26,7 @@ bool GuardedFile::exists() const
 
 std::optional<QByteArray> GuardedFile::read(QString *error)
 {
+    AtomicFile::removeUnfinished(m_path);
     std::optional<QByteArray> bytes = BoundedFile::read(m_path, m_largestSize, error);
     m_knownDigest = bytes ? digestOf(*bytes) : QByteArray();
     m_isDamaged = !bytes;

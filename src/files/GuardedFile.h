@@ -26,6 +26,7 @@ public:
 
     QString path() const { return m_path; }
     bool exists() const;
+    /// Clears away what a killed program left of its last writing as well, and nothing else.
     /// @param error  why it cannot be read, in the user's language; must not be null.
     std::optional<QByteArray> read(QString *error);
     /// The caller has not made sense of all that was read: the next writing would lose some of it.

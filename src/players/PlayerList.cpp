@@ -40,15 +40,36 @@ public:
     {
     }
 
+    bool isTitled() const { return m_isTitled; }
+
     /// Every row ends in the numbers that the title names, and none stands before it.
     bool isDamaged(const QStringList &tokens, qsizetype line) const
     {
         if (line == 0 && m_isBeginningLost)
             return true;
-        return m_isTitled && (!parseNumber(tokens.last()) || !parseNumber(tokens.at(tokens.size() - 2)));
+        return m_isTitled && !endsLikeRow(tokens);
+    }
+
+    /// Whether a line that is no row begins or ends as rows do. A whole row of a player without a name is no piece, or
+    /// he could make every list look damaged.
+    bool isPieceOfRow(const QStringList &tokens) const
+    {
+        constexpr qsizetype tokensWithoutName = 9;
+        constexpr qsizetype addressWithoutName = 6;
+        if (!m_isTitled || tokens.isEmpty())
+            return false;
+        const bool beginsLikeRow = parseNumber(tokens.first()).has_value();
+        const bool isNameless = tokens.size() == tokensWithoutName && beginsLikeRow && endsLikeRow(tokens) &&
+                                tokens.at(addressWithoutName).contains(QLatin1Char(':'));
+        return (beginsLikeRow || endsLikeRow(tokens)) && !isNameless;
     }
 
 private:
+    static bool endsLikeRow(const QStringList &tokens)
+    {
+        return tokens.size() > 1 && parseNumber(tokens.last()) && parseNumber(tokens.at(tokens.size() - 2));
+    }
+
     /// Most lines are told by their last letters; only then are all the words of one looked at.
     static bool endsLikeTitle(QStringView line)
     {
@@ -64,7 +85,7 @@ private:
 
 } // namespace
 
-QList<PlayerRow> parsePlayerList(const QString &reply)
+PlayerList parsePlayerList(const QString &reply)
 {
     // num score ping guid name… team lastmsg address qport rate
     constexpr qsizetype fewestTokens = 10;
@@ -73,15 +94,17 @@ QList<PlayerRow> parsePlayerList(const QString &reply)
     const QList<QStringView> lines = QStringView(reply).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     const Titled titled(lines);
     QHash<QString, qsizetype> places;
-    QList<PlayerRow> players;
+    PlayerList list;
+    list.isTitled = titled.isTitled();
+    QList<PlayerRow> &players = list.players;
     for (qsizetype line = 0; line < lines.size() && players.size() < mostPlayers; ++line) {
         const QStringList tokens = tokensOf(lines.at(line));
         const qsizetype count = tokens.size();
-        if (count < fewestTokens || titled.isDamaged(tokens, line))
+        const std::optional<qint64> number = parseNumber(tokens.value(0));
+        if (count < fewestTokens || !number || titled.isDamaged(tokens, line)) {
+            list.isDamaged = list.isDamaged || titled.isPieceOfRow(tokens);
             continue;
-        const std::optional<qint64> number = parseNumber(tokens.at(0));
-        if (!number)
-            continue;
+        }
         const QString name = tokens.mid(nameBegin, count - tokensAfterName - nameBegin).join(QLatin1Char(' '));
         if (name == QLatin1String("democlient"))
             continue;
@@ -96,5 +119,5 @@ QList<PlayerRow> parsePlayerList(const QString &reply)
         places.insert(key, players.size());
         players.append(player);
     }
-    return players;
+    return list;
 }

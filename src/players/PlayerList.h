@@ -22,6 +22,13 @@ QString playerKey(const PlayerRow &player);
 /// A game server has some dozens at most; what lists more is none.
 inline constexpr qsizetype mostPlayers = 10'000;
 
+/// What a teamstatus reply tells.
+struct PlayerList {
+    QList<PlayerRow> players;
+    bool isTitled = false;  ///< a line names the columns; a server that sends it once sends it always
+    bool isDamaged = false; ///< a piece of a row was left out: somebody may be missing
+};
+
 /// Reads a teamstatus reply. Whatever is no player line is skipped, and so is the server's recording client, and what
 /// comes after mostPlayers.
-QList<PlayerRow> parsePlayerList(const QString &reply);
+PlayerList parsePlayerList(const QString &reply);

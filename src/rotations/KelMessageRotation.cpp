@@ -65,6 +65,7 @@ KelMessageRotation::KelMessageRotation(Surroundings surroundings, const QString 
 {
     connect(tableModel(), &QAbstractItemModel::rowsInserted, this, &KelMessageRotation::updateTransportButtons);
     connect(tableModel(), &QAbstractItemModel::rowsRemoved, this, &KelMessageRotation::updateTransportButtons);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &KelMessageRotation::connectionDidChange);
 }
 
 QCoro::Task<> KelMessageRotation::addMessageToCurrentRotation(QString message, QString duration)
@@ -78,6 +79,19 @@ void KelMessageRotation::setCurrentMessageIndex(int index)
     const int stored = std::clamp(index, 0, std::max(0, rowCount() - 1));
     if (std::exchange(m_messageIndex, stored) != stored)
         emit currentMessageIndexChanged(stored);
+}
+
+void KelMessageRotation::connectionDidChange(bool isConnected)
+{
+    if (!isConnected)
+        stopRotation();
+    else
+        updateTransportButtons();
+}
+
+bool KelMessageRotation::startEnabled() const
+{
+    return m_playState != Playing && rowCount() > 0 && m_server.isConnected();
 }
 
 void KelMessageRotation::startRotation()
@@ -187,31 +201,26 @@ void KelMessageRotation::setQuickMessageText(const QString &text)
 
 void KelMessageRotation::sendQuickMessage()
 {
-    // Return pressed twice means one message: the first one is on its way until the field is emptied.
-    if (m_quickMessageOnItsWay == m_quickMessageText)
+    if (m_quickMessageText.isEmpty() && m_quickMessagesOnTheirWay > 0) // Return pressed twice means one message
         return;
-    m_quickMessageOnItsWay = m_quickMessageText;
-    m_actions.start(sendText(m_quickMessageText));
-}
-
-void KelMessageRotation::forgetQuickMessage(const QString &text)
-{
-    if (m_quickMessageOnItsWay == text) // else a later one has taken its place
-        m_quickMessageOnItsWay.reset();
+    ++m_quickMessagesOnTheirWay;
+    const QString text = m_quickMessageText;
+    setQuickMessageText({});
+    m_actions.start(sendText(text));
 }
 
 QCoro::Task<> KelMessageRotation::sendText(QString text)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn) {
-        forgetQuickMessage(text);
-        co_return;
+    bool wasSent = false;
+    if (turn) {
+        const QString line = sayCommand(text);
+        const Reply reply = co_await m_server.sendCommand(line);
+        wasSent = !reply.isRefused;
+        if (turn && !reply.isCancelled && !reply.isSuccess())
+            co_await tellOfFailure(reply.text);
     }
-    const QString line = sayCommand(text);
-    const Reply reply = co_await m_server.sendCommand(line);
-    if (turn && !reply.isCancelled && !reply.isSuccess())
-        co_await tellOfFailure(reply.text);
-    forgetQuickMessage(text);
-    if (!reply.isRefused && m_quickMessageText == text) // what was typed in the meantime is the next message
-        setQuickMessageText({});
+    if (!wasSent && m_quickMessageText.isEmpty()) // what was typed in the meantime is the next message
+        setQuickMessageText(text);
+    --m_quickMessagesOnTheirWay;
 }

@@ -74,19 +74,22 @@ public:
 
     /// Plays from the first row. Without rows it only gives up what was due next.
     void startRotation();
-    /// Stops; a message that waits for its turn is not sent any more. Disconnecting and closing call it.
+    /// Stops; a message that waits for its turn is not sent any more. Happens by itself when the connection ends;
+    /// closing calls it.
     void stopRotation();
     /// Goes on to the next row, and past the last one to the first row or to a stop, as the preference has it.
     void advanceRotation();
 
-    bool startEnabled() const { return m_playState != Playing && rowCount() > 0; }
+    /// Without a connection every message would only raise an alert.
+    bool startEnabled() const;
     bool stopEnabled() const { return m_playState == Playing; }
     void updateTransportButtons() { emit transportButtonsChanged(startEnabled(), stopEnabled()); }
 
     QString quickMessageText() const { return m_quickMessageText; }
     void setQuickMessageText(const QString &text);
-    /// Sends the quick message as it stands. The text goes when the message was sent, success or not; it stays when the
-    /// game cannot hold it.
+    /// Hands the quick message over as it stands, and its text goes at once: what is typed from now on is the next one.
+    /// It comes back when the turn to send it was refused, or the game cannot hold it, and nothing else has been typed.
+    /// After a failure it does not: a server that did not answer may have said it.
     void sendQuickMessage();
 
 signals:
@@ -98,11 +101,11 @@ signals:
     void quickMessageTextChanged(const QString &text);
 
 private:
+    void connectionDidChange(bool isConnected);
     void displayCurrentMessage();
     void setEntryOnAir(std::shared_ptr<const MessageRotationInst> entry);
     void setPlayState(PlayState state);
     QCoro::Task<> showMessage(std::shared_ptr<const MessageRotationInst> entry, QString line, quint64 showing);
-    void forgetQuickMessage(const QString &text);
     QCoro::Task<> sendText(QString text);
     QCoro::Task<> tellOfFailure(QString error);
     void waitFor(const QString &duration, qint64 shortest);
@@ -118,6 +121,6 @@ private:
     quint64 m_showing = 0; // tells a message that was called off from the one that is due
     std::shared_ptr<const MessageRotationInst> m_entryOnAir;
     QString m_quickMessageText;
-    std::optional<QString> m_quickMessageOnItsWay; ///< the latest, until its action has ended
+    int m_quickMessagesOnTheirWay = 0; ///< actions that have not ended
     SharedInstance<KelMessageRotation> m_shared{this};
 };

@@ -3,7 +3,6 @@
 #include "GuardedFile.h"
 #include "XmlDocument.h"
 
-#include <QByteArray>
 #include <QString>
 
 #include <optional>
@@ -12,16 +11,8 @@
 class RotationFile : public GuardedFile
 {
 public:
-    /// @param rootElement  begins every file of this kind.
-    RotationFile(const QString &path, QByteArray rootElement);
+    explicit RotationFile(const QString &path);
 
     /// @param error  why it cannot be read, in the user's language; must not be null.
     std::optional<XmlDocument> readDocument(QString *error);
-    /// Removes what a save has left behind that was killed more than a minute ago.
-    void removeStaleTemporaries() const;
-
-private:
-    bool isOwnTemporary(const QString &path) const;
-
-    QByteArray m_rootElement;
 };

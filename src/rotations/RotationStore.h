@@ -12,7 +12,7 @@
 class ReorderableRows;
 
 /// The named rotations of one kind, their file, and the table in which one of them is edited: what maps and messages
-/// share. Entries are shared between the table and the rotation that is open. Main thread only.
+/// share. The table's rows are its own: the named rotations hold what was saved last. Main thread only.
 class RotationStore : public QObject
 {
     Q_OBJECT
@@ -30,9 +30,10 @@ public:
     virtual QItemSelectionModel *tableSelection() = 0;
     virtual ReorderableRows &rows() = 0;
 
-    /// Rows were added, removed or edited since the last save; dragging them does not count.
-    bool unsavedChanges() const { return m_hasUnsavedChanges; }
-    /// There is something in the table that no file holds: unsaved changes, a new order, or a save that failed.
+    /// Rows were added, removed or edited since the last save or opening, and the table is not what it was again;
+    /// dragging them does not count.
+    virtual bool unsavedChanges() const = 0;
+    /// There is something that no file holds: unsaved changes, a new order, or a save that failed.
     virtual bool hasUnsavedWork() const = 0;
 
     /// Fills the table from the named rotation and makes it current; an unknown name empties the table.
@@ -44,12 +45,11 @@ public:
     /// Stores the table under the name, writes the file and makes the name current.
     /// @return whether the file could be written; the failure has been shown. The table stays as it is.
     virtual QCoro::Task<bool> saveUIChanges(QString name) = 0;
-    /// Asks "Yes" or "No" when there are unsaved changes. "Yes" saves, through the Save As panel where no name is open.
-    /// @return whether to go on: false when the panel was cancelled or the file could not be written, and then the
-    /// changes still count as unsaved.
+    /// Asks "Yes", "No" or "Cancel" when there is unsaved work, before the table is replaced or lost. "Yes" saves,
+    /// through the Save As panel where no name is open. "No" gives up what only the program holds of a save that
+    /// failed, and leaves the table as it is: it counts as unsaved until it is replaced.
+    /// @return whether to go on: false when the question or the panel was cancelled, or the file could not be written.
     virtual QCoro::Task<bool> saveUnsavedChanges() = 0;
-    /// Asks "Yes", "No" or "Cancel" when there is unsaved work, before the table is lost. @return as above.
-    virtual QCoro::Task<bool> saveUnsavedWork() = 0;
 
     virtual void deleteSelectedItems() = 0;
     virtual void deleteAllItems() = 0;
@@ -63,19 +63,9 @@ signals:
     void currentRotationChanged(const QString &name);
     /// The table holds another rotation now: there is nothing to undo.
     void rotationOpened();
-    void unsavedChangesChanged(bool hasUnsavedChanges);
+    /// hasUnsavedWork() may say something else than before.
+    void unsavedWorkTouched();
 
 protected:
-    void setUnsavedChanges(bool hasUnsavedChanges)
-    {
-        if (m_hasUnsavedChanges == hasUnsavedChanges)
-            return;
-        m_hasUnsavedChanges = hasUnsavedChanges;
-        emit unsavedChangesChanged(hasUnsavedChanges);
-    }
-
     std::function<QCoro::Task<QString>()> m_saveAsPanel;
-
-private:
-    bool m_hasUnsavedChanges = false;
 };

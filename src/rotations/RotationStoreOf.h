@@ -57,16 +57,17 @@ public:
     QAbstractItemModel *tableModel() override { return m_table.arranged(); }
     QItemSelectionModel *tableSelection() override { return m_table.selection(); }
     ReorderableRows &rows() override { return m_table; }
-    bool hasUnsavedWork() const override { return unsavedChanges() || m_isReordered || m_hasWriteFailed; }
+    bool unsavedChanges() const override { return m_isEdited && !isTableSaved(currentRotation()); }
+    bool hasUnsavedWork() const override { return m_hasWriteFailed || hasTableChanged(); }
 
     void openRotationNamed(const QString &name) override
     {
-        m_isOpening = true;
-        m_table.removeAll();
-        m_table.addObjects(dictionary().value(name).rotationList);
-        m_isOpening = false;
-        m_isReordered = false;
+        if (!isTableSaved(name)) { // else what is on air, or selected, stays so
+            m_table.removeAll();
+            m_table.addObjects(copiesOf(dictionary().value(name).rotationList));
+        }
         setCurrentRotation(name);
+        takeTableAsSaved();
         emit rotationOpened();
     }
 
@@ -82,8 +83,9 @@ public:
             Rotation rotation;
             rotation.name = name;
             store(rotation);
+            if (m_keptRotations)
+                m_keptRotations->insert(name, rotation);
         }
-        setUnsavedChanges(false);
         openRotationNamed(name);
     }
 
@@ -115,28 +117,16 @@ public:
     {
         Rotation rotation = dictionary().value(name);
         rotation.name = name;
-        rotation.rotationList = entries();
+        rotation.rotationList = copiesOf(entries());
         store(rotation);
         const RotationFile::Outcome outcome = writeFile();
-        m_isReordered = false;
         setCurrentRotation(name);
+        takeTableAsSaved();
         co_await tell(outcome);
         co_return outcome.isSuccess();
     }
 
     QCoro::Task<bool> saveUnsavedChanges() override
-    {
-        if (!unsavedChanges())
-            co_return true;
-        const QString title = saveQuestionTitle();
-        const QString text = Kind::words().saveQuestion;
-        const QStringList buttons{RotationStore::tr("Yes"), RotationStore::tr("No")};
-        const int pressed = co_await m_alerts.run(title, text, buttons);
-        const bool isDone = co_await followAnswer(pressed);
-        co_return isDone;
-    }
-
-    QCoro::Task<bool> saveUnsavedWork() override
     {
         if (!hasUnsavedWork())
             co_return true;
@@ -144,8 +134,12 @@ public:
         const QString text = Kind::words().saveQuestion;
         const QStringList buttons{RotationStore::tr("Yes"), RotationStore::tr("No"), RotationStore::tr("Cancel")};
         const int pressed = co_await m_alerts.run(title, text, buttons);
-        const bool isDone = co_await followAnswer(pressed);
-        co_return isDone;
+        if (pressed == 1)
+            giveUpFailedWrites();
+        if (pressed != 0)
+            co_return pressed == 1;
+        const bool isSaved = co_await saveTable();
+        co_return isSaved;
     }
 
     /// Appends rows in one step, before the first wait; alerts when the table would get too many, and adds none then.
@@ -161,8 +155,6 @@ public:
         for (const Entry &entry : added)
             newRows.append(std::make_shared<Entry>(entry));
         m_table.addObjects(newRows);
-        if (!newRows.isEmpty())
-            setUnsavedChanges(true);
     }
 
     /// Makes these the rows of the table, in one step, before the first wait; alerts when they are too many, and
@@ -184,8 +176,8 @@ protected:
     RotationStoreOf(Preferences &preferences, Alerts &alerts, const QString &folder, Columns columns,
                     std::optional<Dictionary> rotations, QObject *parent)
         : RotationStore(parent), m_preferences(preferences), m_alerts(alerts),
-          m_file(QDir(folder).filePath(QLatin1String(Kind::fileName)), Kind::rootElement),
-          m_rotations(std::move(rotations)), m_table(std::move(columns))
+          m_file(QDir(folder).filePath(QLatin1String(Kind::fileName))), m_rotations(std::move(rotations)),
+          m_keptRotations(m_rotations), m_table(std::move(columns))
     {
         connect(&m_table, &QAbstractItemModel::rowsRemoved, this, [this] { noteChange(); });
         connect(&m_table, &QAbstractItemModel::dataChanged, this, [this] { noteChange(); });
@@ -201,7 +193,6 @@ protected:
     /// Reads the file anew and opens the rotation that was open; keeps everything when there is no file to read.
     QCoro::Task<> load()
     {
-        m_file.removeStaleTemporaries();
         if (!m_file.exists())
             co_return;
         QString error;
@@ -219,6 +210,7 @@ protected:
         if (!version.isNull())
             m_version = version;
         m_rotations = RotationDocument<Kind>::rotationsIn(*document);
+        m_keptRotations = m_rotations;
         m_hasWriteFailed = false; // what could not be written is no longer in the store
         openRotationNamed(currentRotation());
     }
@@ -234,13 +226,44 @@ private:
         m_rotations = changed;
     }
 
-    void noteChange()
+    static typename Rotation::Entries copiesOf(const typename Rotation::Entries &entries)
     {
-        if (!m_isOpening)
-            setUnsavedChanges(true);
+        typename Rotation::Entries copies;
+        copies.reserve(entries.size());
+        for (const std::shared_ptr<Entry> &entry : entries)
+            copies.append(std::make_shared<Entry>(*entry));
+        return copies;
     }
 
-    void noteOrder() { m_isReordered = !m_isOpening; }
+    void noteChange()
+    {
+        m_isEdited = true;
+        emit unsavedWorkTouched();
+    }
+
+    void noteOrder()
+    {
+        m_isReordered = true;
+        emit unsavedWorkTouched();
+    }
+
+    /// The table holds what is stored under the name; nothing for a name that is not known.
+    bool isTableSaved(const QString &name) const
+    {
+        Rotation table = dictionary().value(name);
+        const Rotation stored = table;
+        table.rotationList = entries();
+        return table == stored;
+    }
+
+    bool hasTableChanged() const { return (m_isEdited || m_isReordered) && !isTableSaved(currentRotation()); }
+
+    void takeTableAsSaved()
+    {
+        m_isEdited = false;
+        m_isReordered = false;
+        emit unsavedWorkTouched();
+    }
 
     RotationFile::Outcome writeFile()
     {
@@ -251,10 +274,12 @@ private:
             const QByteArray bytes = RotationDocument<Kind>::checkedBytes(dictionary(), &outcome.error);
             if (outcome.isSuccess())
                 outcome = m_file.write(bytes);
-            setUnsavedChanges(false);
         }
         m_hasWriteFailed = !outcome.isSuccess();
+        if (!m_hasWriteFailed)
+            m_keptRotations = m_rotations;
         m_failedWrites += m_hasWriteFailed ? 1 : 0;
+        emit unsavedWorkTouched();
         return outcome;
     }
 
@@ -278,31 +303,24 @@ private:
         co_await m_alerts.run(title, text);
     }
 
-    /// @param pressed  0 saves, 1 forgets that there is something to save, and anything else does not go on.
-    QCoro::Task<bool> followAnswer(int pressed)
+    /// What could not be written is not wanted any more: the next save, of whatever rotation, must not write it.
+    void giveUpFailedWrites()
     {
-        if (pressed == 1) {
-            setUnsavedChanges(false);
-            m_isReordered = false;
-            m_hasWriteFailed = false;
-        }
-        if (pressed != 0)
-            co_return pressed == 1;
-        const bool hasTableChanged = unsavedChanges() || m_isReordered;
-        const bool isSaved = co_await saveTable(hasTableChanged);
-        if (!isSaved)
-            setUnsavedChanges(hasTableChanged);
-        co_return isSaved;
+        if (!std::exchange(m_hasWriteFailed, false))
+            return;
+        m_rotations = m_keptRotations;
+        m_isEdited = true; // unless the table is what comes back
+        setCurrentRotation(currentRotation());
+        emit unsavedWorkTouched();
     }
 
-    /// @param hasTableChanged  otherwise the named rotations are what the file lacks.
-    QCoro::Task<bool> saveTable(bool hasTableChanged)
+    QCoro::Task<bool> saveTable()
     {
-        QString name = currentRotation();
-        if (!hasTableChanged) {
+        if (!hasTableChanged()) { // the named rotations are what the file lacks
             const bool isSaved = co_await saveMessageRotation();
             co_return isSaved;
         }
+        QString name = currentRotation();
         if (name.isEmpty() && m_saveAsPanel) {
             const int failedWrites = m_failedWrites;
             name = co_await m_saveAsPanel();
@@ -319,9 +337,10 @@ private:
     Alerts &m_alerts;
     RotationFile m_file;
     std::optional<Dictionary> m_rotations;
+    std::optional<Dictionary> m_keptRotations; ///< without what could not be written
     QString m_version;
     RSRTVArrayController<Entry> m_table;
-    bool m_isOpening = false;
+    bool m_isEdited = false; ///< since the table was opened or saved
     bool m_isReordered = false;
     bool m_hasWriteFailed = false;
     int m_failedWrites = 0;

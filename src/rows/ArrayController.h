@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <functional>
 #include <numeric>
+#include <utility>
 
 /// The rows of one table, as a model, together with the order they are shown in and the selection.
 /// A view shows arranged() with selection(). Rows are values; equal keys tell that two rows mean the same thing.
@@ -32,10 +33,6 @@ public:
         : QAbstractTableModel(parent), m_columns(std::move(columns)), m_keyOf(std::move(keyOf))
     {
         m_arranged.setSourceModel(this);
-        connect(&m_selection, &QItemSelectionModel::selectionChanged, this, [this] {
-            if (!m_isUpdating)
-                m_hiddenSelection.clear(); // a new choice of the user's replaces what the filter hides
-        });
     }
 
     ArrangedRows *arranged() { return &m_arranged; }
@@ -56,15 +53,32 @@ public:
     /// The row behind `index` of arranged(), which is valid.
     const Row &objectAt(const QModelIndex &index) const { return m_rows.at(m_arranged.mapToSource(index).row()); }
 
-    /// The selected rows that can be seen, from the top of the table to its bottom.
+    /// The selected rows in the order of the table; those that the filter hides are among them.
     QList<Row> selectedObjects() const
     {
+        QList<Row> rows;
+        if (!m_hiddenSelection.isEmpty()) {
+            for (const int row : m_arranged.sourceRowsInOrder()) {
+                if (m_selection.isRowSelected(shownRow(row)) || isHiddenSelected(row))
+                    rows.append(m_rows.at(row));
+            }
+            return rows;
+        }
         QModelIndexList chosen = m_selection.selectedRows();
         std::sort(chosen.begin(), chosen.end());
-        QList<Row> rows;
         for (const QModelIndex &index : std::as_const(chosen))
             rows.append(objectAt(index));
         return rows;
+    }
+
+    /// How many of the selected rows the filter hides. It may change without the selection that is seen, which then
+    /// tells of a change nevertheless.
+    int hiddenSelectedCount() const
+    {
+        int count = 0;
+        for (int row = 0; row < m_rows.size() && !m_hiddenSelection.isEmpty(); ++row)
+            count += isHiddenSelected(row) ? 1 : 0;
+        return count;
     }
 
     void addObject(Row row) { insertObjects(static_cast<int>(m_rows.size()), {std::move(row)}); }
@@ -104,8 +118,7 @@ public:
         selectKeys(chosen);
     }
 
-    /// Narrows what is shown. Hidden rows leave the visible selection and return to it with the filter,
-    /// unless the user has chosen anew.
+    /// Narrows what is shown. Rows stay selected while they are hidden, unless the user chooses anew.
     void setFilterText(const QString &text)
     {
         const QSet<QString> chosen = selectedKeys();
@@ -183,9 +196,44 @@ protected:
     }
 
 private:
+    /// A choice that replaces the one before replaces also what the filter hides of it; one that adds to it does not.
+    class Selection final : public QItemSelectionModel
+    {
+    public:
+        explicit Selection(ArrayController &rows) : QItemSelectionModel(&rows.m_arranged), m_rows(rows) {}
+
+        using QItemSelectionModel::select;
+        void select(const QItemSelection &chosen, SelectionFlags command) override
+        {
+            const bool isReplaced = command.testFlag(Clear) && !m_rows.m_isUpdating && forgetHidden();
+            QItemSelectionModel::select(chosen, command);
+            if (isReplaced)
+                emit selectionChanged({}, {}); // what is seen may be the same
+        }
+        void clear() override
+        {
+            const bool isReplaced = forgetHidden();
+            QItemSelectionModel::clear();
+            if (isReplaced)
+                emit selectionChanged({}, {});
+        }
+
+    private:
+        bool forgetHidden() { return !std::exchange(m_rows.m_hiddenSelection, {}).isEmpty(); }
+
+        ArrayController &m_rows;
+    };
+
+    int shownRow(int row) const { return m_arranged.mapFromSource(index(row, 0)).row(); }
+
+    bool isHiddenSelected(int row) const
+    {
+        return m_hiddenSelection.contains(m_keyOf(m_rows.at(row))) && shownRow(row) < 0;
+    }
+
     QSet<QString> selectedKeys() const
     {
-        QSet<QString> keys = m_hiddenSelection;
+        QSet<QString> keys;
         for (const Row &row : selectedObjects())
             keys.insert(m_keyOf(row));
         return keys;
@@ -302,6 +350,6 @@ private:
     KeyOf m_keyOf;
     QSet<QString> m_hiddenSelection;
     ArrangedRows m_arranged;
-    QItemSelectionModel m_selection{&m_arranged};
+    Selection m_selection{*this};
     bool m_isUpdating = false;
 };

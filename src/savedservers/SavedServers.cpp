@@ -1,5 +1,6 @@
 #include "SavedServers.h"
 
+#include "HostAndPort.h"
 #include "PasswordEncryption.h"
 #include "SortedKeys.h"
 
@@ -113,6 +114,29 @@ void SavedServers::readEntry(const QString &label, void *entry)
 QList<SavedServer> SavedServers::servers() const
 {
     return valuesSortedByKey(m_servers);
+}
+
+std::optional<SavedServer> SavedServers::find(const QString &text) const
+{
+    const auto exact = m_servers.constFind(text);
+    if (exact != m_servers.constEnd())
+        return *exact;
+    const QList<SavedServer> all = servers();
+    for (const SavedServer &server : all) {
+        if (server.label.compare(text, Qt::CaseInsensitive) == 0)
+            return server;
+    }
+    const HostAndPort wanted = splitHostAndPort(text);
+    std::optional<SavedServer> found;
+    for (const SavedServer &server : all) {
+        if (wanted.port.isEmpty() || server.host.trimmed() != wanted.host || server.port.trimmed() != wanted.port)
+            continue;
+        if (password(server.label))
+            return server;
+        if (!found)
+            found = server;
+    }
+    return found;
 }
 
 std::optional<QString> SavedServers::password(const QString &label) const

@@ -48,6 +48,10 @@ public:
     /// Sorted by label without regard to case.
     QList<SavedServer> servers() const;
 
+    /// The entry that `text` means, without its password: that of this label, else of this label without regard to
+    /// case, else at this HOST:PORT; of several at one address, the first whose password can be told.
+    std::optional<SavedServer> find(const QString &text) const;
+
     /// Decrypted at every call, so that only the password in use stands readable in memory. Nothing if there is none or
     /// if it cannot be decrypted.
     std::optional<QString> password(const QString &label) const;

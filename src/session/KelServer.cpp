@@ -95,6 +95,14 @@ void KelServer::forgetPassword()
     wipe(password);
 }
 
+void KelServer::forgetVariables()
+{
+    forgetPassword();
+    m_dvars.clear();
+    m_awaited.clear();
+    emit dvarListChanged();
+}
+
 void KelServer::cancelExchange()
 {
     ++m_cancellations;

@@ -66,6 +66,8 @@ public:
     /// Ends what is under way at once; its action ends without an alert.
     void cancelExchange();
     void setConnectFailed() { clearCommandHistory(); }
+    /// Forgets what the server has told of its variables, the password among them.
+    void forgetVariables();
 
     /// Variable name to value, as the server last told it. Cheap: the copy shares its data.
     QHash<QString, QString> dvarList() const { return m_dvars; }
@@ -144,6 +146,8 @@ signals:
     void connectionBegan();
     /// A connect has come to its end with everything asked for.
     void didConnect();
+    /// A connect was refused for its password; its alert comes next.
+    void passwordRefused();
     void tabSetChanged();
     /// The last tab is to come to the front: the console stays there when the tabs are arranged anew.
     void lastTabRequested();

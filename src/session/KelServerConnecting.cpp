@@ -33,10 +33,7 @@ static std::optional<int> parsePort(const QString &text)
 QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString password)
 {
     const quint64 cancellations = m_cancellations;
-    forgetPassword();
-    m_dvars.clear();
-    m_awaited.clear();
-    emit dvarListChanged();
+    forgetVariables();
     clearCommandHistory();
     emit consoleCleared();
     m_exchange.startOver();
@@ -65,6 +62,8 @@ QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString p
     }
     if (reply.isCancelled || cancellations != m_cancellations)
         co_return;
+    if (reply.result == RConResultInvalidPassword)
+        emit passwordRefused();
     if (!reply.isSuccess()) {
         co_await failConnecting(tr("Command Send Error"), reply.text);
         co_return;

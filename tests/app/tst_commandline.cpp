@@ -14,16 +14,18 @@ private slots:
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("target"); // host and port, or "demo"
         QTest::addColumn<bool>("isGood");
-        QTest::newRow("nothing") << QStringList{} << ":" << true;
-        QTest::newRow("connect") << QStringList{"--connect", "10.0.0.1:28960"} << "10.0.0.1:28960" << true;
+        QTest::newRow("nothing") << QStringList{} << "" << true;
+        QTest::newRow("connect") << QStringList{"--connect", "192.0.2.1:50960"} << "192.0.2.1:50960" << true;
         QTest::newRow("a host name is judged by the session")
             << QStringList{"--connect=game.example:x"} << "game.example:x" << true;
-        QTest::newRow("no port") << QStringList{"--connect", "10.0.0.1"} << "" << false;
-        QTest::newRow("no host") << QStringList{"--connect", ":28960"} << "" << false;
+        QTest::newRow("a label, perhaps") << QStringList{"--connect", " Home server "} << "Home server" << true;
+        QTest::newRow("no port") << QStringList{"--connect", "192.0.2.1:"} << "" << false;
+        QTest::newRow("nothing to connect to") << QStringList{"--connect", " "} << "" << false;
+        QTest::newRow("no host") << QStringList{"--connect", ":50960"} << "" << false;
         QTest::newRow("no password on the line") << QStringList{"--password", "secret"} << "" << false;
-        QTest::newRow("a word of its own") << QStringList{"10.0.0.1:28960"} << "" << false;
+        QTest::newRow("a word of its own") << QStringList{"192.0.2.1:50960"} << "" << false;
         QTest::newRow("demo") << QStringList{"--demo"} << "demo" << true;
-        QTest::newRow("both") << QStringList{"--demo", "--connect", "10.0.0.1:1"} << "" << false;
+        QTest::newRow("both") << QStringList{"--demo", "--connect", "192.0.2.1:1"} << "" << false;
     }
     void parses()
     {
@@ -32,7 +34,7 @@ private slots:
         const CommandLine line = CommandLine::parse(QStringList{"ferrow-rcon"} + arguments);
         QCOMPARE(line.error.isEmpty(), isGood);
         if (isGood)
-            QTEST(line.isDemo ? QStringLiteral("demo") : line.connectHost + ":" + line.connectPort, "target");
+            QTEST(line.isDemo ? QStringLiteral("demo") : line.target, "target");
     }
 
     void answersOnlyWhatIsAsked()

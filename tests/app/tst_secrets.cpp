@@ -3,6 +3,7 @@
 #include "FormMainView.h"
 #include "ProcessPrivacy.h"
 #include "Secrets.h"
+#include "ServersView.h"
 #include "Wait.h"
 
 #include <QClipboard>
@@ -12,6 +13,7 @@
 #include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -28,9 +30,12 @@ static QByteArray unmasked()
     return text;
 }
 
-/// How often the process holds the password in its writable memory, as UTF-16.
+/// How often the process holds the password in its writable memory: as UTF-16, or as bytes for `char`. Its first
+/// letters do not count, as a text that is emptied where it lies loses no more than those.
+template <typename Unit>
 static int copiesInMemory()
 {
+    constexpr int lost = 2;
     QFile maps("/proc/self/maps");
     const QByteArrayList areas = maps.open(QIODevice::ReadOnly) ? maps.readAll().split('\n') : QByteArrayList();
     int count = 0;
@@ -39,13 +44,13 @@ static int copiesInMemory()
             continue;
         const QByteArrayList ends = area.left(area.indexOf(' ')).split('-');
         // NOLINTBEGIN(performance-no-int-to-ptr): the system gives addresses as numbers
-        const auto *at = reinterpret_cast<const char16_t *>(ends.first().toULongLong(nullptr, 16));
-        const auto *const end = reinterpret_cast<const char16_t *>(ends.last().toULongLong(nullptr, 16));
+        const auto *at = reinterpret_cast<const Unit *>(ends.first().toULongLong(nullptr, 16));
+        const auto *const end = reinterpret_cast<const Unit *>(ends.last().toULongLong(nullptr, 16));
         // NOLINTEND(performance-no-int-to-ptr)
-        const auto isSame = [](char16_t stored, char byte) {
+        const auto isSame = [](Unit stored, char byte) {
             return stored == (byte ^ 1);
         };
-        for (; (at = std::search(at, end, masked.begin(), masked.end(), isSame)) != end; ++at)
+        for (; (at = std::search(at, end, masked.begin() + lost, masked.end(), isSame)) != end; ++at)
             ++count;
     }
     return count;
@@ -119,14 +124,18 @@ private slots:
         qInstallMessageHandler(ofTests);
         QVERIFY2(!messages.contains(partOfAll), qPrintable(messages));
 
-        const int before = FERROW_SANITIZED ? 0 : copiesInMemory(); // a sanitizer would stop the look at freed memory
+        auto *saved = control<QTableView>(pane, "savedServerTableView");
+        saved->selectRow(0);
+        QCOMPARE(control<QLineEdit>(pane, "savedPasswordField")->text(), passwordField->text());
+        if (!FERROW_SANITIZED)                       // which would stop the look at freed memory
+            QCOMPARE(copiesInMemory<char16_t>(), 3); // of the two fields and of the session
         control<QPushButton>(pane, "disconnectButton")->click();
         passwordField->clear();
-        control<QAbstractItemView>(pane, "savedServerTableView")->selectionModel()->clear();
+        QTest::keyClick(saved, Qt::Key_Delete);
+        QVERIFY(control<ServersView>(window, "serversView")->undoStack()->canUndo()); // by an encrypted copy
         if (!FERROW_SANITIZED) {
-            const int after = copiesInMemory();
-            qInfo("Copies of the password in memory: %d while connected, %d afterwards", before, after);
-            QVERIFY(before > 0 && after <= 1); // the field's, which Qt has let go of as it was
+            QCOMPARE(copiesInMemory<char16_t>(), 0);
+            QCOMPARE(copiesInMemory<char>(), 0);
         }
 
         QDirIterator files(folder.path(), QDir::Files, QDirIterator::Subdirectories);

@@ -33,7 +33,7 @@ struct ScriptedSession {
         for (const auto &[name, value] : dvars)
             mode += QStringLiteral("%1 \"%2\"\n").arg(name, value);
         exchange.answer(QStringLiteral("dvardump"), ScriptedExchange::dump(mode));
-        return server.connectToHost(QStringLiteral("127.0.0.1"), QStringLiteral("28960"), QStringLiteral("secret"));
+        return server.connectToHost(QStringLiteral("127.0.0.1"), QStringLiteral("50960"), QStringLiteral("secret"));
     }
 };
 

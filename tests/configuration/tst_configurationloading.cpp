@@ -15,7 +15,7 @@ struct Loading {
     Loading()
     {
         exchange.answer("dvardump", ScriptedExchange::dump());
-        awaited(server.connectToHost("10.0.0.1", "28960", "typed"));
+        awaited(server.connectToHost("192.0.2.1", "50960", "typed"));
         exchange.forgetSent();
         exchange.answerEverything(ScriptedExchange::ok());
     }
@@ -115,6 +115,7 @@ private slots:
             emit with.server.connectionBegan();
         else
             with.actions.close();
+        QCOMPARE(with.progress.isShown(), how == "cancel" || how == "close"); // until the write in flight has ended
         if (how == "close")
             with.server.cancelExchange();
         else
@@ -158,6 +159,29 @@ private slots:
                  QString("1 of 4 variables were written to the server. The others were left as they are."));
         with.alerts.dismiss();
         QVERIFY(with.settle());
+        with.exchange.forgetSent();
+        with.load("e \"5\"\nf \"6\"\n"); // what ended one loading does not end the next
+        QVERIFY(with.settle());
+        QCOMPARE(with.exchange.sent().size(), 2);
+        with.server.disconnect();
+        awaited(with.server.connectToHost("192.0.2.1", "50960", "typed"));
+        with.exchange.forgetSent();
+        with.load("e \"5\"\nf \"6\"\n");
+        QVERIFY(with.settle());
+        QCOMPARE(with.exchange.sent().size(), 2);
+    }
+
+    void cancelledAtTheLastNothingIsLeft()
+    {
+        Loading with;
+        with.exchange.hold();
+        with.load("a \"1\"\nb \"2\"\n");
+        QTRY_COMPARE(with.exchange.keptCount(), 1);
+        with.exchange.release();
+        QTRY_COMPARE(with.exchange.keptCount(), 1);
+        with.progress.cancel();
+        with.exchange.release();
+        QVERIFY(with.settle() && with.alerts.shown().isEmpty());
     }
 
     void tellsWhatCannotBeLoaded()

@@ -25,7 +25,7 @@ private slots:
         QTest::newRow("mode without restart")
             << QStringList{"--restart-mode", "ranked"} << "--restart-mode needs --restart-after";
         QTest::newRow("unknown option") << QStringList{"--fast"} << "fast";
-        QTest::newRow("stray word") << QStringList{"--ranked", "28960"} << "\"28960\"";
+        QTest::newRow("stray word") << QStringList{"--ranked", "50960"} << "\"50960\"";
         QTest::newRow("password beyond Latin-1") << QStringList{"--password", u"\u0416"_qs} << "password";
     }
     void refused()
@@ -39,12 +39,12 @@ private slots:
 
     void accepted()
     {
-        const QString typed = "demo --port 28960 --players 30 --ranked --frozen --loss 0.25 --delay 150 --duplicate 1 "
+        const QString typed = "demo --port 50960 --players 30 --ranked --frozen --loss 0.25 --delay 150 --duplicate 1 "
                               "--silent-after 2";
         const DemoCommandLine line = DemoCommandLine::parse(typed.split(u' '), {});
         QCOMPARE(line.task, DemoCommandLine::Task::Serve);
         const DemoOptions &options = line.options;
-        QCOMPARE(options.port, 28960);
+        QCOMPARE(options.port, 50960);
         QCOMPARE(options.players, 30);
         QVERIFY(options.ranked && options.frozen && !options.playlists && !options.faults.silent);
         QCOMPARE(options.faults.loss, 0.25);

@@ -78,10 +78,10 @@ struct Desk : RotationFixture {
         if (file.endsWith("maprotate")) {
             awaited(maps.addToRotation(text, "g"));
             const bool isSaved = awaited(maps.saveUIChanges("n"));
-            const bool mayClose = awaited(maps.saveUnsavedWork()); // asks, is told to save, and tries it again
+            const bool mayClose = awaited(maps.saveUnsavedChanges()); // asks, is told to save, and tries it again
             isKept = isSaved == mayClose && isSaved != maps.hasUnsavedWork();
         } else if (file.endsWith("plist")) {
-            error = servers.save({text, "10.0.0.1", "1", "p"}).error;
+            error = servers.save({text, "192.0.2.1", "1", "p"}).error;
             isKept = servers.servers().last().label == text;
         } else if (file.endsWith("txt")) {
             PlayerRow player;

@@ -42,25 +42,25 @@ private slots:
     {
         QTest::addColumn<QString>("reply");
         QTest::addColumn<QStringList>("rows"); // the seven values joined with "|"
-        const QString ten = QStringLiteral("3 10 45 900 Tom allies 0 10.0.0.7:3074 77 25000");
-        QTest::newRow("ten tokens") << ten << QStringList{"3|Tom|900|10.0.0.7:3074|allies|10|45"};
-        QTest::newRow("nine tokens") << "3 10 45 900 Tom allies 0 10.0.0.7:3074 77" << QStringList{};
+        const QString ten = QStringLiteral("3 10 45 900 Tom allies 0 192.0.2.7:50074 77 25000");
+        QTest::newRow("ten tokens") << ten << QStringList{"3|Tom|900|192.0.2.7:50074|allies|10|45"};
+        QTest::newRow("nine tokens") << "3 10 45 900 Tom allies 0 192.0.2.7:50074 77" << QStringList{};
         QTest::newRow("name of three words") << "12 0 48 abc Big Bad Wolf 2 0 1.2.3.4:555 77 900"
                                              << QStringList{"12|Big Bad Wolf|abc|1.2.3.4:555|2|0|48"};
-        QTest::newRow("tabs and runs of blanks") << "\t 3   10\t45 900  Old \t Tom  allies 0 10.0.0.7:3074 77 25000  "
-                                                 << QStringList{"3|Old Tom|900|10.0.0.7:3074|allies|10|45"};
+        QTest::newRow("tabs and runs of blanks") << "\t 3   10\t45 900  Old \t Tom  allies 0 192.0.2.7:50074 77 25000  "
+                                                 << QStringList{"3|Old Tom|900|192.0.2.7:50074|allies|10|45"};
         QTest::newRow("title and dashes") << "num score ping guid name team lastmsg address qport rate\n"
                                              "--- ----- ---- ---- ---- ---- ------- ------- ----- ----\n" +
                                                  ten + "\n\n"
-                                          << QStringList{"3|Tom|900|10.0.0.7:3074|allies|10|45"};
+                                          << QStringList{"3|Tom|900|192.0.2.7:50074|allies|10|45"};
         QTest::newRow("recording client")
-            << "0 0 0 0 democlient free 0 bot 0 0\n" + ten << QStringList{"3|Tom|900|10.0.0.7:3074|allies|10|45"};
+            << "0 0 0 0 democlient free 0 bot 0 0\n" + ten << QStringList{"3|Tom|900|192.0.2.7:50074|allies|10|45"};
         QTest::newRow("named almost like it")
             << "0 0 0 0 democlient 2 free 0 bot 0 0" << QStringList{"0|democlient 2|0|bot|free|0|0"};
-        QTest::newRow("number in another form") << "007 10 45 900 Tom allies 0 10.0.0.7:3074 77 25000"
-                                                << QStringList{"7|Tom|900|10.0.0.7:3074|allies|10|45"};
+        QTest::newRow("number in another form") << "007 10 45 900 Tom allies 0 192.0.2.7:50074 77 25000"
+                                                << QStringList{"7|Tom|900|192.0.2.7:50074|allies|10|45"};
         const QString title = QStringLiteral("num score ping guid name team lastmsg address qport rate");
-        const QStringList tom{"3|Tom|900|10.0.0.7:3074|allies|10|45"};
+        const QStringList tom{"3|Tom|900|192.0.2.7:50074|allies|10|45"};
         QTest::newRow("cut off") << title + "\n" + ten + "\n4 0 48 abc Big Bad Wolf Man Jr 2" << tom;
         QTest::newRow("doubled") << title + "\n" + ten + "\n4 0 48 abc Wo" + title + "\n" + ten << tom;
         QTest::newRow("beginning late") << "7 0 48 abc Big Bad 2 0 1.2.3.4:5 77 900\n" + title + "\n" + ten << tom;
@@ -70,11 +70,42 @@ private slots:
         QFETCH(QString, reply);
         QFETCH(QStringList, rows);
         QStringList found;
-        for (const PlayerRow &row : parsePlayerList(reply))
+        const PlayerList list = parsePlayerList(reply);
+        for (const PlayerRow &row : list.players)
             found.append(
                 QStringList{row.identifier, row.name, row.guid, row.ipaddress, row.team, row.score, row.ping}.join(
                     QLatin1Char('|')));
         QCOMPARE(found, rows);
+    }
+
+    void aPieceOfARowIsDamage_data()
+    {
+        QTest::addColumn<QString>("lines");
+        QTest::addColumn<bool>("isDamaged");
+        const QString title = QStringLiteral("num score ping guid name team lastmsg address qport rate\n");
+        const QString dashes = QStringLiteral("--- ----- ---- ---- ---- ---- ------- ------- ----- ----\n");
+        const QString tom = QStringLiteral("3 10 45 900 Tom allies 0 192.0.2.7:50074 77 25000\n");
+        QTest::newRow("whole") << title + dashes + tom << false;
+        QTest::newRow("nobody") << title + dashes << false;
+        QTest::newRow("recording client") << title + "0 0 0 0 democlient free 0 bot 0 0\n" << false;
+        QTest::newRow("the map before the title") << "map: mp_saltworks\n" + title + tom << false;
+        QTest::newRow("a player without a name")
+            << title + "4 0 48 abc allies 0 192.0.2.8:50074 77 25000\n" + tom << false;
+        QTest::newRow("twice") << title + tom + title + tom << false;
+        QTest::newRow("cut off in the number") << title + tom + "1" << true;
+        QTest::newRow("cut off in the name") << title + tom + "4 0 48 abc Big Bad Wolf Man Jr 2" << true;
+        QTest::newRow("cut off after the address") << title + tom + "4 0 48 abc allies 0 192.0.2.8:50074" << true;
+        QTest::newRow("its end alone") << title + "Bad Wolf 2 0 1.2.3.4:5 77 900\n" + tom << true;
+        QTest::newRow("joined to the title") << title + "4 0 48 abc Wo" + title + tom << true;
+        QTest::newRow("before the title") << tom + title << true;
+        QTest::newRow("without a title nothing is certain") << tom + "1" << false;
+    }
+    void aPieceOfARowIsDamage()
+    {
+        QFETCH(QString, lines);
+        const PlayerList list = parsePlayerList(lines);
+        QTEST(list.isDamaged, "isDamaged");
+        QCOMPARE(list.isTitled, lines.contains("qport"));
     }
 
     void listsNoMorePlayersThanThereCanBe()
@@ -82,7 +113,7 @@ private slots:
         QString reply;
         for (int number = 0; number <= mostPlayers; ++number)
             reply += QString::number(number) + QStringLiteral(" 0 48 g n 2 0 1.2.3.4:5 77 900\n");
-        QCOMPARE(parsePlayerList(reply).size(), mostPlayers);
+        QCOMPARE(parsePlayerList(reply).players.size(), mostPlayers);
     }
 
     void aColumnShowsItsValueAndSortsByWhatItMeans_data()
@@ -93,7 +124,7 @@ private slots:
         QTest::addColumn<Qt::AlignmentFlag>("side");
         const QStringList texts{"10", "9", "CNCT"};
         const QStringList numbers{"-1", "9", "10", "CNCT"};
-        const QStringList addresses{"9.0.0.1:1", "10.0.0.1:9", "10.0.0.1:10", "bot"};
+        const QStringList addresses{"9.0.0.1:1", "192.0.2.1:9", "192.0.2.1:10", "bot"};
         QTest::newRow("ID") << 0 << &PlayerRow::identifier << numbers << Qt::AlignRight;
         QTest::newRow("Name") << 1 << &PlayerRow::name << texts << Qt::AlignLeft;
         QTest::newRow("GUID") << 2 << &PlayerRow::guid << texts << Qt::AlignLeft;

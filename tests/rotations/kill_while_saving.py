@@ -5,6 +5,7 @@ usage: kill_while_saving.py PROGRAM [TIMES]
 """
 import pathlib
 import random
+import re
 import subprocess
 import sys
 import tempfile
@@ -31,6 +32,8 @@ with tempfile.TemporaryDirectory() as folder:
             generations = []
         torn += len(generations) != 200 or len(set(generations)) != 1
         saves.update(generations)
-    leftovers = len(list(pathlib.Path(folder).glob('FerrowRcon.exe.maprotate.*')))
-print(f'{times} kills, {torn} torn files, {len(saves)} different saves seen, {leftovers} passing files left')
-sys.exit(torn != 0 or len(saves) < 2)
+    leftovers = [entry.name for entry in pathlib.Path(folder).glob('FerrowRcon.exe.maprotate.*')]
+    nameless = [name for name in leftovers if not re.fullmatch(r'FerrowRcon\.exe\.maprotate\.[a-z0-9]{6}\.ferrow-part', name)]
+print(f'{times} kills, {torn} torn files, {len(saves)} different saves seen, {len(leftovers)} passing files left, '
+      f'{len(nameless)} of them under a name that could be a user\'s')
+sys.exit(torn != 0 or len(saves) < 2 or len(nameless) != 0)

@@ -1,6 +1,7 @@
 #include "PreciseOneShotTimer.h"
 #include "RotationFixture.h"
 
+#include <QSignalSpy>
 #include <QTest>
 
 #include <limits>
@@ -12,7 +13,7 @@ struct Player : RotationFixture {
             ScriptedExchange::ok("rcon_password \"0\"\nsv_hostname \"0\"\nsv_ranked \"0\"\nplaylist_enabled \"0\"\n"
                                  "playlist_excludeMap \"0\"\nplaylist_excludeGametype \"0\"\n"
                                  "playlist_excludeGametypeMap \"0\"\n"));
-        awaited(server.connectToHost("10.0.0.1", "28960", "x"));
+        awaited(server.connectToHost("192.0.2.1", "50960", "x"));
     }
     /// @return what was sent, the state, the index, the row on air, and the seconds that are waited.
     QString take(const QString &step)
@@ -98,6 +99,7 @@ private slots:
         Player f;
         awaited(f.messages.addMessageToCurrentRotation("a", "5"));
         f.exchange.hold();
+        f.messages.setQuickMessageText("q");
         f.messages.sendQuickMessage(); // has the turn
         f.messages.startRotation();
         QTEST(f.take(QTest::currentDataTag()), "state");
@@ -117,13 +119,84 @@ private slots:
         QCOMPARE(f.server.commandHistory().last(), "say \"a \"b\"\"");
         QCOMPARE(f.messages.quickMessageText(), QString());
         QCOMPARE(f.alerts.shown(), QList({alert, alert}));
+        f.messages.sendQuickMessage(); // an empty one on its own is sent
+        QCOMPARE(f.take({}), " 100 1");
+        QCOMPARE(f.server.commandHistory().last(), "say \"\"");
+    }
+
+    void aQuickMessageIsHandedOverAtOnce_data()
+    {
+        QTest::addColumn<QString>("typed"); // while the message "a" is on its way, or waits
+        QTest::addColumn<QString>("end");
+        QTest::addColumn<QStringList>("sent");
+        QTest::addColumn<QString>("left");
+        QTest::newRow("sent") << "b"
+                              << "" << QStringList{"map_restart", "say \"a\"", "say \"b\""} << "";
+        QTest::newRow("pressed twice") << ""
+                                       << "" << QStringList{"map_restart", "say \"a\""} << "";
+        QTest::newRow("the same again") << "a"
+                                        << "" << QStringList{"map_restart", "say \"a\"", "say \"a\""} << "";
+        QTest::newRow("turn refused") << ""
+                                      << "refuse" << QStringList{"map_restart"} << "a";
+        QTest::newRow("turn refused, another typed") << "b"
+                                                     << "refuse" << QStringList{"map_restart"} << "b";
+    }
+    void aQuickMessageIsHandedOverAtOnce()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, end);
+        Player f;
+        const auto other = [](Player &player) -> QCoro::Task<> {
+            const ActionQueue::Turn turn = co_await player.actions.turn();
+            const QString command = "map_restart";
+            co_await player.server.sendCommand(command);
+        };
+        f.exchange.forgetSent();
         f.exchange.hold();
+        f.actions.start(other(f));
+        f.messages.setQuickMessageText("a");
         f.messages.sendQuickMessage();
-        f.messages.setQuickMessageText("typed meanwhile");
-        f.exchange.cancel(); // a called-off message raises no alert
+        QCOMPARE(f.messages.quickMessageText(), QString());
+        f.messages.setQuickMessageText(typed);
+        if (end == "refuse")
+            f.actions.refuseWaiting();
+        else
+            f.messages.sendQuickMessage();
+        QVERIFY(QTest::qWaitFor([&f] {
+            if (f.exchange.keptCount() > 0)
+                f.exchange.release();
+            return f.actions.isIdle();
+        }));
+        QTEST(f.exchange.sent(), "sent");
+        QTEST(f.messages.quickMessageText(), "left");
+        QVERIFY(f.alerts.shown().isEmpty());
+    }
+
+    void aQuickMessageThatIsCalledOffRaisesNoAlert()
+    {
+        Player f;
+        f.exchange.hold();
+        f.messages.setQuickMessageText("a");
+        f.messages.sendQuickMessage();
+        f.exchange.cancel();
         f.take({});
-        QCOMPARE(f.messages.quickMessageText(), "typed meanwhile");
-        QCOMPARE(f.alerts.shown().size(), 2);
+        QCOMPARE(f.messages.quickMessageText(), QString()); // it may have been said
+        QVERIFY(f.alerts.shown().isEmpty());
+    }
+
+    void endsWithTheConnection()
+    {
+        Player f;
+        const QSignalSpy buttons(&f.messages, &KelMessageRotation::transportButtonsChanged);
+        awaited(f.messages.addEntries({{"a", "5"}, {"b", "5"}}));
+        QCOMPARE(f.take("start"), "say \"a\" 100 5");
+        f.server.disconnect();
+        QCOMPARE(f.take("timer"), " 00-1 -");
+        QVERIFY(!f.messages.startEnabled() && !f.messages.stopEnabled());
+        QCOMPARE(buttons.last(), QList<QVariant>({false, false}));
+        awaited(f.server.connectToHost("192.0.2.1", "50960", "x"));
+        QCOMPARE(buttons.last(), QList<QVariant>({true, false}));
+        QVERIFY(f.alerts.shown().isEmpty());
     }
 
     void waitsAsLongAsATimerCan()

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QDir>
+#include <QFileInfo>
 #include <QTest>
 
 class RotationFilesTest : public QObject
@@ -90,18 +91,47 @@ private slots:
         QCOMPARE(f.bytes(f.folder.filePath(QDir(f.folder.path()).entryList({copies}).value(0))), content);
     }
 
-    void clearsWhatKilledSavesLeft()
+    void onlyWhatKilledSavesLeftIsRemoved()
     {
         RotationFixture f;
-        for (const auto &[ending, age, goes] :
-             {std::tuple("xKqPaw", 120, true), {"xKqPaw", 20, false}, {"backup", 120, false}}) {
-            QFile file(f.path + '.' + ending);
-            f.put(file.fileName(), "<KelMapRotation xmlns");
-            QVERIFY(file.open(QIODevice::ReadWrite));
+        const QDir folder(f.folder.path());
+        QVERIFY(awaited(f.maps.saveUIChanges("n")));
+        const auto put = [&](const QString &name, int age) {
+            f.put(folder.filePath(name), f.bytes(f.path));
+            QFile file(folder.filePath(name));
+            QVERIFY(file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly));
             QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-age), QFileDevice::FileModificationTime));
-            awaited(f.maps.loadMapRotation());
-            QCOMPARE(file.exists(), !goes);
-        }
+        };
+        const QString own = "FerrowRcon.exe.maprotate";
+        for (const char *ending :
+             {".MyCopy", ".bak", ".backup", ".abcdef", ".ABCDEF", ".xKqPaw", ".abc123", ".changed-20260101-120000",
+              ".damaged-20260101-120000-2", ".ferrow-part", ".MyCopy.ferrow-part", ".abcdef.ferrow-part.bak",
+              ".abcdefg.ferrow-part", ".abcde.ferrow-part", "~"})
+            put(own + ending, 86400);
+        put("xFerrowRcon.exe.maprotate.abcdef.ferrow-part", 86400);
+        put("other.maprotate.abcdef.ferrow-part", 86400);
+        put(own + ".abcdef.ferrow-part", 20); // another console may be writing it
+        QVERIFY(QFile::link(f.path, folder.filePath(own + ".linked.ferrow-part")));
+        const QStringList kept = folder.entryList(QDir::Files | QDir::Hidden);
+        put(own + ".a1b2c3.ferrow-part", 120);
+        awaited(f.maps.loadMapRotation());
+        QVERIFY(awaited(f.maps.saveUIChanges("m")));
+        awaited(f.maps.deleteRotationNamed("m"));
+        QCOMPARE(folder.entryList(QDir::Files | QDir::Hidden), kept);
+    }
+
+    void followsLinksAndKeepsRights()
+    {
+        RotationFixture f;
+        const QString target = f.folder.filePath("elsewhere");
+        QVERIFY(QFile::link(target, f.path));
+        QVERIFY(awaited(f.maps.saveUIChanges("first"))); // to where nothing is yet
+        QVERIFY(QFileInfo(f.path).isSymLink());
+        QVERIFY(f.bytes(target).contains("first"));
+        QVERIFY(awaited(f.maps.saveUIChanges("second")));
+        QVERIFY(QFileInfo(f.path).isSymLink() && f.bytes(target).contains("second"));
+        const QFileDevice::Permissions others = QFileDevice::ReadGroup | QFileDevice::ReadOther;
+        QVERIFY((QFileInfo(target).permissions() & others) == 0);
     }
 };
 

@@ -1,6 +1,9 @@
+#include "FileSizeLimit.h"
 #include "RotationFixture.h"
 
 #include <QTest>
+
+#include <functional>
 
 class RotationStoresTest : public QObject
 {
@@ -21,7 +24,6 @@ private slots:
         QCOMPARE(f.alerts.texts(), QStringList({"The map rotation named 'a' already exists!",
                                                 "The map rotation named 'x' does not exist!"}));
         f.maps.openRotationNamed("a");
-        QCOMPARE(f.maps.entries(), f.maps.mapRotationList().value("a").rotationList); // the same objects
         awaited(f.maps.deleteRotationNamed("a"));
         QCOMPARE(f.maps.currentRotation() + QString::number(f.maps.rowCount()), "0");
         awaited(f.maps.deleteRotationNamed("B"));
@@ -41,8 +43,10 @@ private slots:
     void knowsWhatNoFileHolds_data()
     {
         QTest::addColumn<QString>("outcome"); // is it a change, and work that would be lost
-        for (const char *row : {"opened 00", "added 11", "moved 01", "removed 11", "removed nothing 00", "edited 11",
-                                "edited to the same 00", "added too many 00", "undone 11"})
+        for (const char *row :
+             {"opened 00", "added 11", "moved 01", "removed 11", "removed nothing 00", "edited 11",
+              "edited to the same 00", "added too many 00", "undone 11", "undone to what was saved 00",
+              "moved there and back 00", "undone and done again 11", "saved in vain 01", "undone after that 11"})
             QTest::newRow(row) << QString(row).right(2);
     }
     void knowsWhatNoFileHolds()
@@ -55,22 +59,153 @@ private slots:
         const QString act = QString(QTest::currentDataTag()).chopped(3);
         if (act == "opened")
             store.openRotationNamed("n");
-        else if (act == "moved")
+        else if (act.startsWith("moved"))
             store.rows().moveObjectsInArrangedObjects({0}, 2);
         else if (act.startsWith("added"))
             awaited(store.addEntries(QList<MessageRotationInst>(act == "added" ? 1 : 9999)));
         else if (act == "removed nothing")
             store.rows().deleteSelectionFromTableView();
-        else if (act == "removed" || act == "undone")
+        else if (act == "removed" || act.startsWith("undone") || act == "saved in vain")
             store.deleteAllItems();
         else
             store.tableModel()->setData(store.tableModel()->index(0, 1), act == "edited" ? "8" : "1");
-        if (act == "undone") {
-            QVERIFY(awaited(store.saveUIChanges("n")));
-            store.rows().restore(*before);
+        const auto after = store.rows().state();
+        if (act == "saved in vain" || act == "undone after that") {
+            const FileSizeLimit disk(0);
+            QVERIFY(!awaited(store.saveUIChanges("n")));
         }
+        if (act == "undone")
+            QVERIFY(awaited(store.saveUIChanges("n")));
+        if (act.startsWith("undone") || act == "moved there and back")
+            store.rows().restore(*before);
+        if (act == "undone and done again")
+            store.rows().restore(*after);
         QTEST(QStringLiteral("%1%2").arg(store.unsavedChanges()).arg(store.hasUnsavedWork()), "outcome");
-        QCOMPARE(f.alerts.titles(), act.endsWith("many") ? QStringList("Too Many Entries") : QStringList());
+        const bool hasFailed = act == "saved in vain" || act == "undone after that";
+        QCOMPARE(f.alerts.titles(), act.endsWith("many") ? QStringList("Too Many Entries")
+                                    : hasFailed          ? QStringList("Message Rotations Not Saved")
+                                                         : QStringList());
+    }
+
+    void whatWasNotSavedStaysOutOfTheFile_data()
+    {
+        using Act = std::function<void(KelMessageRotation &)>;
+        QTest::addColumn<Act>("act"); // after "a" was edited from 1 to 2
+        QTest::addColumn<QString>("outcome");
+        QTest::newRow("saved under another name")
+            << Act([](KelMessageRotation &store) { QVERIFY(awaited(store.saveUIChanges("b"))); }) << "a:1 b:2 x:";
+        QTest::newRow("and edited then") << Act([](KelMessageRotation &store) {
+            QVERIFY(awaited(store.saveUIChanges("b")));
+            QVERIFY(store.tableModel()->setData(store.tableModel()->index(0, 0), "3"));
+            QVERIFY(awaited(store.saveUIChanges("b")));
+        }) << "a:1 b:3 x:";
+        QTest::newRow("refused, and another is saved") << Act([](KelMessageRotation &store) {
+            QVERIFY(awaited(store.saveUnsavedChanges()));
+            store.openRotationNamed("x");
+            QVERIFY(awaited(store.saveUIChanges("x")));
+        }) << "a:1 x:";
+        QTest::newRow("refused, and another is deleted") << Act([](KelMessageRotation &store) {
+            QVERIFY(awaited(store.saveUnsavedChanges()));
+            awaited(store.deleteRotationNamed("x"));
+            QCOMPARE(store.tableModel()->index(0, 0).data().toString(), "1");
+        }) << "a:1";
+        QTest::newRow("refused, and opened again") << Act([](KelMessageRotation &store) {
+            QVERIFY(awaited(store.saveUnsavedChanges()));
+            store.openRotationNamed("a");
+            QVERIFY(awaited(store.saveUIChanges("a")));
+        }) << "a:1 x:";
+        QTest::newRow("refused, and a new one is saved") << Act([](KelMessageRotation &store) {
+            QVERIFY(awaited(store.saveUnsavedChanges()));
+            awaited(store.newRotationNamed("c"));
+            QVERIFY(awaited(store.saveUIChanges("c")));
+        }) << "a:1 c: x:";
+        QTest::newRow("refused after a save that failed") << Act([](KelMessageRotation &store) {
+            {
+                const FileSizeLimit disk(0);
+                QVERIFY(!awaited(store.saveUIChanges("a")));
+            }
+            QVERIFY(awaited(store.saveUnsavedChanges()));
+            QVERIFY(store.hasUnsavedWork());
+            store.openRotationNamed("x");
+            QVERIFY(awaited(store.saveUIChanges("x")));
+        }) << "a:1 x:";
+        QTest::newRow("refused, with a new one beside it") << Act([](KelMessageRotation &store) {
+            QVERIFY(awaited(store.saveUnsavedChanges()));
+            awaited(store.newRotationNamed("c"));
+            store.openRotationNamed("a");
+            QVERIFY(store.tableModel()->setData(store.tableModel()->index(0, 0), "2"));
+            {
+                const FileSizeLimit disk(0);
+                QVERIFY(!awaited(store.saveUIChanges("a")));
+            }
+            QVERIFY(awaited(store.saveUnsavedChanges()));
+            store.openRotationNamed("x");
+            QVERIFY(awaited(store.saveUIChanges("x")));
+        }) << "a:1 c: x:";
+        QTest::newRow("refused after a deletion that failed") << Act([](KelMessageRotation &store) {
+            QVERIFY(awaited(store.saveUIChanges("b")));
+            {
+                const FileSizeLimit disk(0);
+                awaited(store.deleteRotationNamed("b"));
+            }
+            QVERIFY(awaited(store.saveUnsavedChanges()));
+            QVERIFY(awaited(store.saveUIChanges("c")));
+        }) << "a:1 b:2 c: x:";
+    }
+    void whatWasNotSavedStaysOutOfTheFile()
+    {
+        QFETCH(std::function<void(KelMessageRotation &)>, act);
+        RotationFixture f;
+        QVERIFY(awaited(f.messages.saveUIChanges("x")));
+        awaited(f.messages.addMessageToCurrentRotation("1", "5"));
+        QVERIFY(awaited(f.messages.saveUIChanges("a")));
+        QVERIFY(f.messages.tableModel()->setData(f.messages.tableModel()->index(0, 0), "2"));
+        f.alerts.answerWith(1);
+        act(f.messages);
+        KelMessageRotation again({f.preferences, f.alerts, f.server, f.actions}, f.folder.path());
+        awaited(again.loadMessageRotation());
+        QStringList read;
+        const auto rotations = again.messageRotationList().value_or(KelMessageRotation::Dictionary());
+        for (const MessageRotation &rotation : rotations) {
+            QString text = rotation.name + ':';
+            for (const auto &entry : rotation.rotationList)
+                text += entry->message;
+            read.append(text);
+        }
+        QTEST(read.join(' '), "outcome");
+    }
+
+    void whatWasReadComesBackAfterASaveThatFailed()
+    {
+        RotationFixture f;
+        awaited(f.maps.addToRotation("saved", "g"));
+        QVERIFY(awaited(f.maps.saveUIChanges("n")));
+        KelMapRotation again(f.preferences, f.alerts, f.folder.path());
+        awaited(again.loadMapRotation());
+        awaited(again.addToRotation("refused", "g"));
+        {
+            const FileSizeLimit disk(0);
+            QVERIFY(!awaited(again.saveUIChanges("n")));
+        }
+        f.alerts.answerWith(1);
+        QVERIFY(awaited(again.saveUnsavedChanges()));
+        QCOMPARE(again.rowCount(), 2); // nothing has taken its place
+        again.openRotationNamed("n");
+        QCOMPARE(again.mapRotationList().value("n").description(), "name=n rotation=(map=saved gametype=g)");
+        QCOMPARE(again.rowCount(), 1);
+    }
+
+    void whatIsOnAirStaysSoWhenItsRotationIsOpenedAnew()
+    {
+        RotationFixture f;
+        awaited(f.messages.addEntries({{"a", "1"}, {"b", "2"}}));
+        QVERIFY(awaited(f.messages.saveUIChanges("n")));
+        f.messages.startRotation();
+        const auto onAir = f.messages.entryOnAir();
+        f.messages.openRotationNamed("n");
+        QVERIFY(onAir != nullptr && f.messages.rowOnAir() == 0);
+        f.messages.stopRotation();
+        QTRY_VERIFY(f.actions.isIdle());
     }
 
     void asksForUnsavedChanges_data()
@@ -90,7 +225,10 @@ private slots:
                                               << "01";
         QTest::newRow("no") << 1 << ""
                             << "p"
-                            << "10";
+                            << "11";
+        QTest::newRow("no, open") << 1 << "n"
+                                  << "p"
+                                  << "11n";
         QTest::newRow("cancel") << 2 << ""
                                 << "p"
                                 << "01";
@@ -102,22 +240,25 @@ private slots:
         QFETCH(QString, panelName);
         static QString chosen;
         chosen = panelName;
-        for (const bool isClosing : {true, false}) {
-            if (answer == 2 && !isClosing)
-                continue;
+        for (const bool isOrder : {false, true}) {
             RotationFixture f;
             f.messages.setSaveAsPanel([]() -> QCoro::Task<QString> { co_return QString(chosen); });
-            QVERIFY(openName.isEmpty() || awaited(f.messages.saveUIChanges(openName)));
-            awaited(f.messages.addMessageToCurrentRotation("a", "1"));
+            if (isOrder) // a new order is asked for as well
+                awaited(f.messages.addEntries({{"a", "1"}, {"b", "1"}}));
+            if (!openName.isEmpty())
+                QVERIFY(awaited(f.messages.saveUIChanges(openName)));
+            if (isOrder)
+                f.messages.rows().moveObjectsInArrangedObjects({0}, 2);
+            else
+                awaited(f.messages.addMessageToCurrentRotation("a", "1"));
             f.alerts.answerWith(answer);
-            const bool goesOn = awaited(isClosing ? f.messages.saveUnsavedWork() : f.messages.saveUnsavedChanges());
+            const bool goesOn = awaited(f.messages.saveUnsavedChanges());
             const QString saved = f.messages.names().join(' ');
             QTEST(QStringLiteral("%1%2%3").arg(goesOn).arg(f.messages.hasUnsavedWork()).arg(saved), "outcome");
-            const QStringList buttons = QStringList{"Yes", "No", "Cancel"}.first(isClosing ? 3 : 2);
             const RecordedAlerts::Shown question{"Unsaved Changes to Map Rotation",
                                                  "You have made changes in the Message Rotation which have not been "
                                                  "saved.\n\nDo you want to save them?",
-                                                 buttons};
+                                                 {"Yes", "No", "Cancel"}};
             QCOMPARE(f.alerts.shown(), QList({question}));
         }
     }

@@ -138,7 +138,8 @@ private slots:
         select(controller, QStringLiteral("bc"));
         controller.setFilterText(QStringLiteral("RED"));
         QCOMPARE(controller.arranged()->rowCount(), 2);
-        QCOMPARE(textOf(controller.selectedObjects()), QStringLiteral("cred")); // what is not seen is not acted on
+        QCOMPARE(textOf(controller.selectedObjects()), QStringLiteral("bblue cred"));
+        QCOMPARE(controller.hiddenSelectedCount(), 1);
         QCOMPARE(controller.arrangedObjects().size(), 3);
         controller.mergeContent(rowsOf(QStringLiteral("bblue cred aRed dgreen")));
         QCOMPARE(textOf(controller.content()), QStringLiteral("bblue cred aRed dgreen"));
@@ -148,6 +149,66 @@ private slots:
         select(controller, QStringLiteral("a"));
         controller.setFilterText({});
         QCOMPARE(textOf(controller.selectedObjects()), QStringLiteral("aRed")); // the choice replaces the hidden one
+    }
+
+    void aChoiceKeepsOrReplacesWhatTheFilterHides_data()
+    {
+        QTest::addColumn<int>("command");
+        QTest::addColumn<QString>("selected");
+        using Model = QItemSelectionModel;
+        QTest::newRow("added") << int(Model::Select | Model::Rows) << "aRed bblue cred";
+        QTest::newRow("taken away") << int(Model::Deselect | Model::Rows) << "bblue cred";
+        QTest::newRow("chosen anew") << int(Model::ClearAndSelect | Model::Rows) << "aRed";
+        QTest::newRow("nothing") << int(Model::Clear) << "";
+    }
+    void aChoiceKeepsOrReplacesWhatTheFilterHides()
+    {
+        QFETCH(int, command);
+        Controller controller(columns(), keyOf);
+        controller.mergeContent(rowsOf(QStringLiteral("aRed bblue cred")));
+        select(controller, QStringLiteral("bc"));
+        controller.setFilterText(QStringLiteral("red"));
+        controller.selection()->select(controller.arranged()->index(0, 0),
+                                       QItemSelectionModel::SelectionFlags(command));
+        QTEST(textOf(controller.selectedObjects()), "selected");
+    }
+
+    void choosingTheSameAnewTellsThatTheHiddenOnesAreGone()
+    {
+        Controller controller(columns(), keyOf);
+        controller.mergeContent(rowsOf(QStringLiteral("aRed bblue")));
+        select(controller, QStringLiteral("ab"));
+        controller.setFilterText(QStringLiteral("red"));
+        const QSignalSpy changes(controller.selection(), &QItemSelectionModel::selectionChanged);
+        controller.selection()->select(controller.arranged()->index(0, 0),
+                                       QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        QCOMPARE(textOf(controller.selectedObjects()), QStringLiteral("aRed"));
+        QVERIFY(!changes.isEmpty());
+    }
+
+    void aRowIsShownIfItHoldsEveryWord_data()
+    {
+        QTest::addColumn<QString>("filter");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("one") << "red"
+                             << "ac";
+        QTest::newRow("two, in two cells") << "red a"
+                                           << "a";
+        QTest::newRow("two that no row holds") << "red b"
+                                               << "";
+        QTest::newRow("blanks") << "  RED  c "
+                                << "c";
+    }
+    void aRowIsShownIfItHoldsEveryWord()
+    {
+        QFETCH(QString, filter);
+        Controller controller(columns(), keyOf);
+        controller.mergeContent(rowsOf(QStringLiteral("ared bblue cred")));
+        controller.setFilterText(filter);
+        QString shown;
+        for (int row = 0; row < controller.arranged()->rowCount(); ++row)
+            shown += controller.arranged()->index(row, 0).data().toString();
+        QTEST(shown, "shown");
     }
 
     void removesTheSelectedRows()

@@ -104,6 +104,9 @@ private slots:
         const QString odland = QString::fromUtf8("Ödland|10.0.0.7|28960|");
         QTest::newRow("binary") << binaryFile << "alice" << QStringList{"beta|b|1|(none)", odland + "secret"};
         QTest::newRow("other account") << binaryFile << "bob" << QStringList{"beta|b|1|(none)", odland + "(none)"};
+        QTest::newRow("a port written by hand as a number")
+            << xmlFile("<key>a</key><dict><key>port</key><integer>50100</integer></dict>") << "alice"
+            << QStringList{"a||50100|(none)"};
         QTest::newRow("XML, in order without case")
             << xmlFile(xmlEntry("b") + xmlEntry("C") + xmlEntry("A &amp; B", xmlPassword(aliceSecret))) << "alice"
             << QStringList{"A & B|h|1|secret", "b|h|1|(none)", "C|h|1|(none)"};
@@ -298,6 +301,45 @@ private slots:
         QCOMPARE(list.save({"c", "h", "1", "p"}).error, QString());
         QCOMPARE(list.load().error, QString());
         QCOMPARE(rowsOf(list), QStringList({"a|h|1|p", "b|h|1|p", "c|h|1|p"}));
+    }
+
+    void findsWhatATextMeans_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("label");
+        QTest::newRow("its label") << "Home"
+                                   << "Home";
+        QTest::newRow("its label in other letters") << "HOME"
+                                                    << "Home";
+        QTest::newRow("the exact one of two labels") << "home 2"
+                                                     << "home 2";
+        QTest::newRow("a label before an address") << "192.0.2.9:50960"
+                                                   << "192.0.2.9:50960";
+        QTest::newRow("an address, with its password known") << "192.0.2.8:50960"
+                                                             << "Home 2";
+        QTest::newRow("an address, its password unknown") << "192.0.2.7:50960"
+                                                          << "without";
+        QTest::newRow("another port") << "192.0.2.8:50961"
+                                      << "";
+        QTest::newRow("the host alone") << "192.0.2.8"
+                                        << "";
+        QTest::newRow("a part of a label") << "Hom"
+                                           << "";
+    }
+    void findsWhatATextMeans()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, label);
+        SavedServers list(m_path, "alice");
+        for (const SavedServer &server : {SavedServer{"192.0.2.9:50960", "192.0.2.1", "50960", "pw"},
+                                          {"A server", "192.0.2.8", "50960", std::nullopt},
+                                          {"Home", "192.0.2.9", "50960", "pw"},
+                                          {"Home 2", " 192.0.2.8 ", "50960 ", "pw"},
+                                          {"home 2", "192.0.2.6", "50960", "pw"},
+                                          {"without", "192.0.2.7", "50960", std::nullopt}})
+            QVERIFY(list.save(server).error.isEmpty());
+        const std::optional<SavedServer> found = list.find(text);
+        QCOMPARE(found ? found->label : QString(), label);
     }
 };
 

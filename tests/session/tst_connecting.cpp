@@ -49,11 +49,11 @@ public:
 struct Session {
     explicit Session(const Reply &dumpReply = ScriptedExchange::dump()) : exchange({{"dvardump", dumpReply}}) {}
 
-    QCoro::Task<> startConnecting(const QString &host = "10.0.0.1", const QString &port = "28960")
+    QCoro::Task<> startConnecting(const QString &host = "192.0.2.1", const QString &port = "50960")
     {
         return server.connectToHost(host, port, "typed");
     }
-    void connect(const QString &host = "10.0.0.1", const QString &port = "28960")
+    void connect(const QString &host = "192.0.2.1", const QString &port = "50960")
     {
         awaited(startConnecting(host, port));
     }
@@ -124,7 +124,7 @@ private slots:
     {
         Session session;
         for (const QString &password : {u"a\u2019"_qs, u"\u0436"_qs})
-            awaited(session.server.connectToHost("10.0.0.1", "28960", password));
+            awaited(session.server.connectToHost("192.0.2.1", "50960", password));
         const QString text = "The game cannot hold a character of this password. Nothing was sent.";
         QCOMPARE(session.alerts.texts(), QStringList({text, text}));
         QCOMPARE(session.alerts.titles(), QStringList({"Command Send Error", "Command Send Error"}));
@@ -164,8 +164,65 @@ private slots:
         QTEST(session.server.isConnected(), "isConnected");
         QTEST(session.alerts.titles(), "titles");
         QTEST(session.alerts.texts(), "texts");
-        QVERIFY(session.server.commandHistory().isEmpty());
+        QVERIFY(session.server.commandHistory().isEmpty() && session.server.commandHistoryCursor() == 0);
         QVERIFY(session.server.tabSet() == TabSet::None);
+    }
+
+    void everyMissingVariableCounts_data()
+    {
+        QTest::addColumn<QString>("known");
+        QTest::newRow("the first is unknown") << "playlist_enabled";
+        QTest::newRow("the last is unknown") << "sv_ranked";
+    }
+    void everyMissingVariableCounts()
+    {
+        QFETCH(QString, known);
+        Session session(dump({}));
+        session.exchange.answerEverything(ScriptedExchange::ok("Unknown command \"x\""));
+        session.exchange.answer(known, ScriptedExchange::ok("\"" + known + "\" is: \"0\" default: \"0\""));
+        session.connect();
+        QCOMPARE(session.alerts.titles(), QStringList({"Unknown dvar", "Server Communication Error"}));
+    }
+
+    void tellsOfARefusedPasswordBeforeItsAlert_data()
+    {
+        QTest::addColumn<RConResult>("result");
+        QTest::addColumn<int>("told");
+        QTest::newRow("refused") << RConResultInvalidPassword << 1;
+        QTest::newRow("silent") << RConResultTimeout << 0;
+    }
+    void tellsOfARefusedPasswordBeforeItsAlert()
+    {
+        QFETCH(RConResult, result);
+        Session session(ScriptedExchange::failure("no", result));
+        session.alerts.hold();
+        QSignalSpy refused(&session.server, &KelServer::passwordRefused);
+        QCoro::Task<> connecting = session.startConnecting();
+        QTRY_COMPARE(session.alerts.openCount(), 1);
+        QTEST(static_cast<int>(refused.size()), "told");
+        session.alerts.dismiss();
+        awaited(std::move(connecting));
+    }
+
+    void isUnderWayOnlyWhileTheServerIsAsked()
+    {
+        Session session(dump("playlist_enabled \"0\"\n"));
+        session.exchange.answerEverything(ScriptedExchange::ok("Unknown command \"x\""));
+        session.exchange.hold();
+        session.alerts.hold();
+        QSignalSpy underWay(&session.server, &KelServer::exchangeUnderWayChanged);
+        QCoro::Task<> connecting = session.startConnecting();
+        QCOMPARE(underWay, QList<QVariantList>({{true}}));
+        session.exchange.release();
+        QTRY_COMPARE(session.exchange.keptCount(), 1);
+        QCOMPARE(underWay, QList<QVariantList>({{true}, {false}, {true}}));
+        session.exchange.release();
+        QTRY_COMPARE(session.alerts.openCount(), 1); // of an unknown variable
+        QCOMPARE(underWay, QList<QVariantList>({{true}, {false}, {true}, {false}}));
+        session.alerts.dismiss();
+        QTRY_COMPARE(session.alerts.openCount(), 1);
+        session.alerts.dismiss();
+        awaited(std::move(connecting));
     }
 
     void decidesTheMode_data()
@@ -273,11 +330,11 @@ private slots:
         Session session;
         session.connect();
         QSignalSpy cleared(&session.server, &KelServer::consoleCleared);
-        session.connect("10.0.0.2", "no port");
+        session.connect("192.0.2.2", "no port");
         QVERIFY(session.server.dvarList().isEmpty());
         QCOMPARE(cleared.size(), 1);
         QVERIFY(session.server.isConnected()); // only disconnect() ends a connection
-        QCOMPARE(session.server.host(), "10.0.0.1");
+        QCOMPARE(session.server.host(), "192.0.2.1");
     }
 
     void canBeCalledOffAtEveryStep_data()

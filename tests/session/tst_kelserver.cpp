@@ -11,7 +11,7 @@ struct Session {
     explicit Session(const QString &extraDump = {})
     {
         exchange.answer("dvardump", ScriptedExchange::dump("sv_ranked \"0\"\nplaylist_enabled \"0\"\n" + extraDump));
-        awaited(server.connectToHost("10.0.0.1", "28960", "typed"));
+        awaited(server.connectToHost("192.0.2.1", "50960", "typed"));
         exchange.forgetSent();
         QObject::connect(&server, &KelServer::consoleMessageAppended, &server,
                          [this](const QString &text) { transcript += text; });
@@ -54,6 +54,7 @@ private slots:
         QCOMPARE(bad.result, RConResultTimeout);
         QCOMPARE(session.transcript, "] status\nmap: x\n] lost\nno answer\n");
         QCOMPARE(session.server.commandHistory(), QStringList({"status", "lost"}));
+        QCOMPARE(session.server.commandHistoryCursor(), 2);
         for (const Request &request : session.exchange.requests())
             QCOMPARE(request.password, "secret"); // the server's, not the typed one
     }
@@ -70,7 +71,7 @@ private slots:
         awaited(session.server.sendCommand("d"));
         QCOMPARE(session.transcript, "] a\nno line feed\n] b\nno line feed\n] c\n] d\nno answer\n");
         session.server.appendConsoleMessage("open");
-        awaited(session.server.connectToHost("10.0.0.1", "28960", "typed")); // empties the transcript
+        awaited(session.server.connectToHost("192.0.2.1", "50960", "typed")); // empties the transcript
         session.transcript.clear();
         awaited(session.server.sendCommand("e"));
         QVERIFY(session.transcript.startsWith("] e\n"));

@@ -19,6 +19,7 @@ class TextHelpersTest : public QObject
 private slots:
     void quotedStrings_data();
     void quotedStrings();
+    void outerMarks();
     void colorCodes();
     void prefix();
     void keysInOrder();
@@ -47,6 +48,13 @@ void TextHelpersTest::quotedStrings()
 {
     QFETCH(QString, text);
     QTEST(::quotedStrings(text), "fields");
+}
+
+void TextHelpersTest::outerMarks()
+{
+    QCOMPARE(withoutOuter(u"??a?b??", u'?'), "a?b");
+    QCOMPARE(withoutOuterQuotes(u"\"\"\""), "");
+    QCOMPARE(withoutOuterQuotes(u" \"a\" "), " \"a\" ");
 }
 
 void TextHelpersTest::colorCodes()
@@ -124,7 +132,7 @@ void TextHelpersTest::readsNumbers()
 
 void TextHelpersTest::addressesSortAsAddresses()
 {
-    const QStringList inOrder{"2.0.0.1:9", "10.0.0.1:80", "10.0.0.1:3074", "10.0.0.20:1", "192.168.1.1"};
+    const QStringList inOrder{"192.0.2.9:9", "192.0.2.10:80", "192.0.2.10:50074", "192.0.2.20:1", "198.51.100.1"};
     for (int i = 1; i < inOrder.size(); ++i)
         QVERIFY(addressSortKey(inOrder.at(i - 1)).toLongLong() < addressSortKey(inOrder.at(i)).toLongLong());
     for (const QString &text : {QStringLiteral("bot"), QStringLiteral("1.2.3"), QStringLiteral("1.2.3.256:1")})

@@ -15,7 +15,7 @@ struct SessionFixture {
 
     void connectToServer()
     {
-        awaited(server.connectToHost(QStringLiteral("10.0.0.1"), QStringLiteral("28960"), QStringLiteral("typed")));
+        awaited(server.connectToHost(QStringLiteral("192.0.2.1"), QStringLiteral("50960"), QStringLiteral("typed")));
         exchange.forgetSent();
     }
 

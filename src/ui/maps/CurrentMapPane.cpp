@@ -11,6 +11,7 @@
 #include "RotationText.h"
 #include "TitleLabel.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -37,6 +38,7 @@ CurrentMapPane::CurrentMapPane(KelServer &server, ActionQueue &actions, Alerts &
     nameControls();
     layOut();
     connectControls();
+    connectionDidChange(m_server.isConnected());
 }
 
 void CurrentMapPane::nameControls()
@@ -45,6 +47,8 @@ void CurrentMapPane::nameControls()
     currentGameTypeField->setAccessibleName(tr("Current gametype"));
     currentMapField->setObjectName(QStringLiteral("currentMapField"));
     currentMapField->setAccessibleName(tr("Current map"));
+    for (ElidingField *field : {currentGameTypeField, currentMapField})
+        field->setPlaceholderText(tr("Unknown"));
     refreshCurrentMapButton->setObjectName(QStringLiteral("refreshCurrentMapButton"));
     restartMapButton->setObjectName(QStringLiteral("restartMapButton"));
     fastRestartMapButton->setObjectName(QStringLiteral("fastRestartMapButton"));
@@ -86,6 +90,7 @@ void CurrentMapPane::layOut()
 void CurrentMapPane::connectControls()
 {
     connect(&m_server, &KelServer::connectionBegan, this, &CurrentMapPane::forgetServer);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &CurrentMapPane::connectionDidChange);
     connect(refreshCurrentMapButton, &QPushButton::clicked, this, &CurrentMapPane::refreshCurrentMapButtonPressed);
     connect(restartMapButton, &QPushButton::clicked, this, &CurrentMapPane::restartMapButtonPressed);
     connect(fastRestartMapButton, &QPushButton::clicked, this, &CurrentMapPane::fastRestartMapButtonPressed);
@@ -103,10 +108,15 @@ void CurrentMapPane::connectControls()
 
 void CurrentMapPane::fillMenu(QMenu &menu)
 {
-    addButtonAction(menu, tr("&Refresh"), QKeySequence(), refreshCurrentMapButton);
+    m_refreshAction = addRefreshAction(menu, refreshCurrentMapButton);
     addButtonAction(menu, tr("Restart &Map"), QKeySequence(), restartMapButton);
     addButtonAction(menu, tr("&Fast Restart"), QKeySequence(), fastRestartMapButton);
     addButtonAction(menu, tr("Ne&xt Map"), QKeySequence(), startNextMapButton);
+}
+
+void CurrentMapPane::setInFront(bool isInFront)
+{
+    setActsInWindow(m_refreshAction, isInFront);
 }
 
 void CurrentMapPane::showGametype(const QString &name)
@@ -123,6 +133,14 @@ void CurrentMapPane::forgetServer()
 {
     showGametype({});
     showMap({});
+}
+
+void CurrentMapPane::connectionDidChange(bool isConnected)
+{
+    for (QPushButton *button : {refreshCurrentMapButton, restartMapButton, fastRestartMapButton, startNextMapButton})
+        button->setEnabled(isConnected);
+    if (!isConnected)
+        forgetServer();
 }
 
 void CurrentMapPane::refreshCurrentMapButtonPressed()

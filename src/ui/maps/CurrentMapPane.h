@@ -4,6 +4,7 @@
 
 #include <QCoroTask>
 
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 
@@ -14,6 +15,7 @@ class Alerts;
 class ElidingField;
 class KelServer;
 class Preferences;
+class QAction;
 class QCheckBox;
 class QMenu;
 class QPushButton;
@@ -36,6 +38,8 @@ public:
     QCoro::Task<std::optional<QString>> updateMap();
 
     void fillMenu(QMenu &menu);
+    /// Whether the key of "Refresh" is the pane's in the whole window.
+    void setInFront(bool isInFront);
 
 public slots:
     void showGametype(const QString &name);
@@ -54,6 +58,7 @@ private:
     void layOut();
     void connectControls();
     void forgetServer();
+    void connectionDidChange(bool isConnected);
     QCoro::Task<> refresh();
     QCoro::Task<> command(QString line);
 
@@ -73,5 +78,6 @@ private:
     Preferences &m_preferences;
     KelGametype &m_gametypes;
     KelMapList &m_maps;
+    QPointer<QAction> m_refreshAction; ///< in the menu
     bool m_isRefreshWaiting = false;
 };

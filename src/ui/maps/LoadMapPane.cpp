@@ -88,6 +88,7 @@ void LoadMapPane::connectControls()
     connect(&m_maps, &KelMapList::mapListChanged, this, &LoadMapPane::mapListDidChange);
     // The catalogue is loaded before the server's mode, by which maps are left out, is known.
     connect(&m_server, &KelServer::didConnect, this, &LoadMapPane::mapListDidChange);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &LoadMapPane::choiceDidChange);
 }
 
 QWidget *LoadMapPane::focusTarget() const
@@ -135,7 +136,7 @@ LoadMapPane::Choice LoadMapPane::choice() const
 
 void LoadMapPane::choiceDidChange()
 {
-    loadMapButton->setEnabled(choice().isComplete());
+    loadMapButton->setEnabled(m_server.isConnected() && choice().isComplete());
 }
 
 void LoadMapPane::loadMapButtonPressed()

@@ -1,6 +1,7 @@
 #include "MapsView.h"
 
 #include "ActionQueue.h"
+#include "Alerts.h"
 #include "ButtonAction.h"
 #include "CommandFailure.h"
 #include "CurrentMapPane.h"
@@ -80,6 +81,8 @@ void MapsView::connectControls()
             &MapsView::copyCurrentMapRotationToBuilderButtonPressed);
     connect(addMapButton, &QPushButton::clicked, this, &MapsView::addMapToRotationMenuItemClicked);
     connect(setBuiltRotationButton, &QPushButton::clicked, this, &MapsView::setBuiltRotationButtonPressed);
+    connect(&m_server, &KelServer::isConnectedChanged, setBuiltRotationButton, &QWidget::setEnabled);
+    setBuiltRotationButton->setEnabled(m_server.isConnected());
 }
 
 void MapsView::fillMenu(QMenu &menu)
@@ -95,6 +98,11 @@ void MapsView::fillMenu(QMenu &menu)
 PageDocument *MapsView::document()
 {
     return rotationPane;
+}
+
+void MapsView::setInFront(bool isInFront)
+{
+    currentMapPane->setInFront(isInFront);
 }
 
 QCoro::Task<> MapsView::didConnect()
@@ -185,11 +193,26 @@ QCoro::Task<> MapsView::tellOfUnknownNames(BuiltRotation built)
     co_await m_alerts.run(tr("Rotation Not Set"), text);
 }
 
+QCoro::Task<bool> MapsView::confirmEmptyRotation()
+{
+    const QString text = tr("The server's rotation will be empty: the match ends at once, and the server has no map to "
+                            "go on to. What it holds now can then no longer be copied to the builder.");
+    const QStringList buttons{tr("Set Empty Rotation"), tr("Cancel")};
+    const AlertManner manner{1};
+    const int pressed = co_await m_alerts.run(tr("Set Empty Rotation"), text, buttons, manner);
+    co_return pressed == 0;
+}
+
 QCoro::Task<> MapsView::setBuiltRotation(QString rotation)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
     if (!turn)
         co_return;
+    if (rotation.isEmpty()) {
+        const bool isWanted = co_await confirmEmptyRotation();
+        if (!turn || !isWanted)
+            co_return;
+    }
     serverRotationPane->clear(); // what stood there is no longer certain
     const QStringList variables{QStringLiteral("sv_mapRotation"), QStringLiteral("sv_mapRotationCurrent")};
     for (const QString &variable : variables) {

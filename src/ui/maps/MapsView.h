@@ -37,6 +37,7 @@ public:
 
     void fillMenu(QMenu &menu) override;
     PageDocument *document() override;
+    void setInFront(bool isInFront) override;
     QCoro::Task<> didConnect() override;
     void willDisconnect() override;
     void restoreLayout(const Preferences &preferences) override;
@@ -44,8 +45,8 @@ public:
 
 public slots:
     void addMapToRotationMenuItemClicked();
-    /// Makes the builder's rows the server's rotation and starts the first of them. Nothing is sent when a name is
-    /// unknown to the catalogues.
+    /// Makes the builder's rows the server's rotation and starts the first of them; asks first when there are none.
+    /// Nothing is sent when a name is unknown to the catalogues.
     void setBuiltRotationButtonPressed();
     void copyCurrentMapRotationToBuilderButtonPressed();
 
@@ -53,6 +54,8 @@ private:
     void nameControls();
     void layOut();
     void connectControls();
+    /// @return whether the server is to be left without a rotation.
+    QCoro::Task<bool> confirmEmptyRotation();
     QCoro::Task<> setBuiltRotation(QString rotation);
     QCoro::Task<> tellOfUnknownNames(BuiltRotation built);
     QCoro::Task<> copyToBuilder(QList<RotationRow> rows);

@@ -52,7 +52,7 @@ ServerRotationPane::ServerRotationPane(KelServer &server, const GameCatalogues &
             &ServerRotationPane::updateCopyButton);
     connect(mapServerRotationController, &QAbstractItemModel::rowsRemoved, this, &ServerRotationPane::updateCopyButton);
     connect(&m_server, &KelServer::connectionBegan, this, &ServerRotationPane::clear);
-    connect(&m_server, &KelServer::isConnectedChanged, this, &ServerRotationPane::updatePlaceholder);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &ServerRotationPane::connectionDidChange);
 }
 
 void ServerRotationPane::nameControls()
@@ -143,6 +143,13 @@ void ServerRotationPane::showRotation(const QString &rotation, const QString &ga
     // A rotation names the same pair again and again, so that no row of the new one is a certain row of the old.
     clear();
     mapServerRotationController->mergeContent(parseRotation(rotation, gametype, findMap, findGametype));
+}
+
+void ServerRotationPane::connectionDidChange()
+{
+    if (!m_server.isConnected())
+        clear();
+    updatePlaceholder();
 }
 
 void ServerRotationPane::updateCopyButton()

@@ -14,7 +14,8 @@ class Preferences;
 class QMenu;
 class QPushButton;
 
-/// The rotation that the server plays, as it told it at the last connect or when it got a new one.
+/// The rotation that the server plays, as it told it at the connect or when it got a new one; empty without a
+/// connection.
 class ServerRotationPane : public QWidget
 {
     Q_OBJECT
@@ -43,6 +44,7 @@ private:
     void nameControls();
     void layOut();
     void showRotation(const QString &rotation, const QString &gametype);
+    void connectionDidChange();
     void updateCopyButton();
     void updatePlaceholder();
 

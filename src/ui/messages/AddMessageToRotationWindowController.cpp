@@ -23,9 +23,7 @@ AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMe
     durationTextField->setObjectName(QStringLiteral("durationTextField"));
     durationTextField->setAccessibleName(tr("Duration"));
     durationTextField->setPlaceholderText(tr("seconds"));
-    QSizePolicy policy = m_unsendableLabel->sizePolicy();
-    policy.setRetainSizeWhenHidden(true); // or the fields would be squeezed when it appears
-    m_unsendableLabel->setSizePolicy(policy);
+    m_unsendableLabel->keepRoom();
     m_durationHint->setObjectName(QStringLiteral("durationHint"));
     m_durationHint->setWordWrap(true);
     addButton->setObjectName(QStringLiteral("addButton"));

@@ -1,10 +1,9 @@
 #include "PlayerCommands.h"
 
-#include "ActionQueue.h"
 #include "Alerts.h"
 #include "KelServer.h"
 
-#include <QHash>
+#include <utility>
 
 using namespace std::chrono_literals;
 
@@ -31,42 +30,31 @@ static QString failureLine(const QString &name, const QString &reason)
     return QStringLiteral("\n  %1 (%2)").arg(name, reason);
 }
 
-PlayerCommands::PlayerCommands(KelServer &server, ActionQueue &actions, Alerts &alerts, QObject *parent)
-    : QObject(parent), m_server(server), m_actions(actions), m_alerts(alerts)
+PlayerCommands::PlayerCommands(KelServer &server, PlayerRoster &roster, ActionQueue &actions, Alerts &alerts,
+                               QObject *parent)
+    : QObject(parent), m_server(server), m_roster(roster), m_actions(actions), m_alerts(alerts)
 {
 }
 
-void PlayerCommands::kick(const QList<PlayerRow> &players)
+void PlayerCommands::kick(const QList<ChosenPlayer> &players)
 {
     m_actions.start(command(QStringLiteral("clientkick"), players, {}, 5s));
 }
 
-void PlayerCommands::ban(const QList<PlayerRow> &players)
+void PlayerCommands::ban(const QList<ChosenPlayer> &players)
 {
     m_actions.start(command(QStringLiteral("banclient"), players, {}, 5s));
 }
 
-void PlayerCommands::tempBan(const QList<PlayerRow> &players)
+void PlayerCommands::tempBan(const QList<ChosenPlayer> &players)
 {
     // Sooner than after a kick: the administrator watches for the player's return.
     m_actions.start(command(QStringLiteral("tempbanclient"), players, {}, 1s));
 }
 
-void PlayerCommands::tell(const QList<PlayerRow> &recipients, const QList<PlayerRow> &present, const QString &message)
+void PlayerCommands::tell(const QList<ChosenPlayer> &recipients, const QString &message)
 {
-    QHash<QString, PlayerRow> presentByKey;
-    for (const PlayerRow &player : present)
-        presentByKey.insert(playerKey(player), player);
-    QList<PlayerRow> chosen;
-    QString failures;
-    for (const PlayerRow &player : recipients) {
-        const auto found = presentByKey.constFind(playerKey(player));
-        if (found != presentByKey.constEnd())
-            chosen.append(*found);
-        else
-            failures += failureLine(player.name, tr("has left the server"));
-    }
-    m_actions.start(command(QStringLiteral("tell"), std::move(chosen), message, noRefresh, failures));
+    m_actions.start(command(QStringLiteral("tell"), recipients, message, noRefresh));
 }
 
 void PlayerCommands::kickAll()
@@ -74,29 +62,58 @@ void PlayerCommands::kickAll()
     m_actions.start(confirmAndKickAll());
 }
 
-QCoro::Task<> PlayerCommands::command(QString word, QList<PlayerRow> chosen, QString argument,
-                                      std::chrono::seconds refreshAfter, QString failures)
+QCoro::Task<> PlayerCommands::command(QString word, QList<ChosenPlayer> chosen, QString argument,
+                                      std::chrono::seconds refreshAfter)
 {
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
+    const Turn turn = co_await m_actions.turn();
+    if (!turn || chosen.isEmpty())
         co_return;
-    co_await sendCommandToSelectedPlayers(word, chosen, argument, failures);
+    bool isCertain = m_roster.isNew();
+    if (!isCertain)
+        isCertain = co_await readListAgain(&turn);
+    if (!turn || !isCertain)
+        co_return;
+    co_await sendCommandToSelectedPlayers(&turn, word, chosen, argument);
     if (turn && refreshAfter != noRefresh)
         emit refreshWanted(refreshAfter);
 }
 
-QCoro::Task<> PlayerCommands::sendCommandToSelectedPlayers(QString word, QList<PlayerRow> chosen,
-                                                           QString optionalArgument, QString failures)
+QCoro::Task<bool> PlayerCommands::readListAgain(const Turn *turn)
 {
-    for (const PlayerRow &player : std::as_const(chosen)) {
-        QString line = word + QLatin1Char(' ') + player.identifier;
+    const PlayerRoster::Fetch fetch = co_await m_roster.fetch();
+    if (!*turn || fetch.outcome == PlayerRoster::Fetch::CalledOff)
+        co_return false;
+    if (fetch.outcome == PlayerRoster::Fetch::Whole)
+        co_return true;
+    QString reason = tr("It may have come incomplete. Try again.");
+    if (fetch.outcome == PlayerRoster::Fetch::Failed)
+        reason = withoutOuterBlanks(fetch.error);
+    const QString text = tr("Nothing was sent. The list of players is out of date, and it could not be read again to "
+                            "see who has which number now.\n\n%1")
+                             .arg(reason);
+    co_await m_alerts.run(tr("Remote Command Failure"), text);
+    co_return false;
+}
+
+QCoro::Task<> PlayerCommands::sendCommandToSelectedPlayers(const Turn *turn, QString word, QList<ChosenPlayer> chosen,
+                                                           QString optionalArgument)
+{
+    QString failures;
+    for (const ChosenPlayer &player : std::as_const(chosen)) {
+        QString whyNot;
+        const std::optional<PlayerRow> present = m_roster.find(player, &whyNot);
+        if (!present) {
+            failures += failureLine(player.row.name, whyNot);
+            continue;
+        }
+        QString line = word + QLatin1Char(' ') + present->identifier;
         if (!optionalArgument.isEmpty())
             line += QLatin1Char(' ') + optionalArgument;
         const Reply reply = co_await m_server.sendCommand(line);
-        if (reply.isCancelled)
+        if (!*turn || reply.isCancelled)
             co_return;
         if (!reply.isSuccess() || reply.text.contains(QLatin1String("is not active")))
-            failures += failureLine(player.name, withoutOuterBlanks(reply.text));
+            failures += failureLine(player.row.name, withoutOuterBlanks(reply.text));
     }
     if (failures.isEmpty())
         co_return;
@@ -109,8 +126,9 @@ QCoro::Task<> PlayerCommands::confirmAndKickAll()
     // Its place in the queue counts from the press, but the question need not wait for those before it.
     QCoro::Task<ActionQueue::Turn> place = m_actions.turn();
     const QStringList buttons{tr("Yes"), tr("No")};
-    const int pressed =
-        co_await m_alerts.run(tr("Please Confirm Command"), tr("Do you really want to kick everyone?"), buttons);
+    const AlertManner manner{1, false}; // Return kicks nobody
+    const int pressed = co_await m_alerts.run(tr("Please Confirm Command"), tr("Do you really want to kick everyone?"),
+                                              buttons, manner);
     const ActionQueue::Turn turn = co_await place;
     if (!turn || pressed != 0)
         co_return;

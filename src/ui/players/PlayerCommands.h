@@ -1,6 +1,7 @@
 #pragma once
 
-#include "PlayerList.h"
+#include "ActionQueue.h"
+#include "PlayerRoster.h"
 
 #include <QCoroTask>
 
@@ -8,25 +9,24 @@
 
 #include <chrono>
 
-class ActionQueue;
 class Alerts;
 class KelServer;
 
 /// What an administrator does to players. Each operation is an action that waits for its turn and tells of all its
-/// failures in one alert.
+/// failures in one alert. Numbers go to others when players leave: right before each command its player is looked up in
+/// the newest list, and an older list is read again first.
 class PlayerCommands : public QObject
 {
     Q_OBJECT
 public:
     /// Everything handed in outlives the commands.
-    PlayerCommands(KelServer &server, ActionQueue &actions, Alerts &alerts, QObject *parent = nullptr);
+    PlayerCommands(KelServer &server, PlayerRoster &roster, ActionQueue &actions, Alerts &alerts,
+                   QObject *parent = nullptr);
 
-    void kick(const QList<PlayerRow> &players);
-    void ban(const QList<PlayerRow> &players);
-    void tempBan(const QList<PlayerRow> &players);
-    /// @param present  who is on the server now: numbers go to others when players leave, so a recipient is looked up
-    ///                 in it, and one who has left counts as a failure.
-    void tell(const QList<PlayerRow> &recipients, const QList<PlayerRow> &present, const QString &message);
+    void kick(const QList<ChosenPlayer> &players);
+    void ban(const QList<ChosenPlayer> &players);
+    void tempBan(const QList<ChosenPlayer> &players);
+    void tell(const QList<ChosenPlayer> &recipients, const QString &message);
     /// Asks first.
     void kickAll();
 
@@ -35,14 +35,20 @@ signals:
     void refreshWanted(std::chrono::seconds delay);
 
 private:
-    /// @param failures  what is to be told already, as lines of the summary alert.
-    QCoro::Task<> command(QString word, QList<PlayerRow> chosen, QString argument, std::chrono::seconds refreshAfter,
-                          QString failures = {});
-    QCoro::Task<> sendCommandToSelectedPlayers(QString word, QList<PlayerRow> chosen, QString optionalArgument,
-                                               QString failures);
+    using Turn = ActionQueue::Turn;
+
+    QCoro::Task<> command(QString word, QList<ChosenPlayer> chosen, QString argument,
+                          std::chrono::seconds refreshAfter);
+    /// Tells why, if it cannot be read. The caller holds `turn`.
+    /// @return whether it is known now who has which number.
+    QCoro::Task<bool> readListAgain(const Turn *turn);
+    /// The caller holds `turn`.
+    QCoro::Task<> sendCommandToSelectedPlayers(const Turn *turn, QString word, QList<ChosenPlayer> chosen,
+                                               QString optionalArgument);
     QCoro::Task<> confirmAndKickAll();
 
     KelServer &m_server;
+    PlayerRoster &m_roster;
     ActionQueue &m_actions;
     Alerts &m_alerts;
 };

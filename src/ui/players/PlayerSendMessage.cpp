@@ -22,6 +22,7 @@ PlayerSendMessage::PlayerSendMessage(QWidget *parent)
     sendButton->setDefault(true);
     m_recipients->setTextFormat(Qt::PlainText);
     m_recipients->setWordWrap(true);
+    m_unsendableLabel->keepRoom();
 
     auto *buttons = new QDialogButtonBox(this);
     buttons->addButton(sendButton, QDialogButtonBox::ActionRole);

@@ -9,11 +9,13 @@
 #include "PlaceholderTable.h"
 #include "PlayerColumns.h"
 #include "PlayerCommands.h"
+#include "PlayerCountLabel.h"
 #include "PlayerListFile.h"
 #include "PlayerSendMessage.h"
 #include "Preferences.h"
 #include "ReplaceQuestion.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QDir>
 #include <QFileDialog>
@@ -27,7 +29,7 @@
 #include <QVBoxLayout>
 
 PlayersView::PlayersView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                         QWidget *parent)
+                         QWidget *parent, PlayerRoster::Clock clock)
     : TabPage(parent), refreshPlayersButton(new QPushButton(tr("Refresh"), this)),
       kickPlayerButton(new QPushButton(tr("Kick"), this)), banPlayerButton(new QPushButton(tr("Ban"), this)),
       tempBanPlayerButton(new QPushButton(tr("Temp Ban"), this)),
@@ -35,17 +37,19 @@ PlayersView::PlayersView(KelServer &server, ActionQueue &actions, Alerts &alerts
       savePlayerListButton(new QPushButton(tr("Save List…"), this)),
       autoUpdatePlayers(new QCheckBox(tr("Refresh every"), this)), autoUpdatePlayersTime(new QSpinBox(this)),
       playerFilterField(new FilterField(tr("Filter players"), this)), playersTableView(new PlaceholderTable(this)),
-      playersController(new ArrayController<PlayerRow>(playerTableColumns(), playerKey, this)),
       playerSendMessagePanel(new PlayerSendMessage(this)), autoupdatePlayerTimer(new QTimer(this)), m_server(server),
       m_actions(actions), m_alerts(alerts), m_preferences(preferences),
-      m_commands(new PlayerCommands(server, actions, alerts, this))
+      m_roster(new PlayerRoster(server, std::move(clock), this)),
+      m_commands(new PlayerCommands(server, *m_roster, actions, alerts, this))
 {
     setUpControls();
     setUpTable();
+    playerCountLabel = new PlayerCountLabel(*m_roster, m_server, this);
     layOut();
     connectControls();
+    connectSession();
     setFocusProxy(playersTableView);
-    selectionDidChange();
+    updateControls();
     updatePlaceholder();
 }
 
@@ -74,8 +78,8 @@ void PlayersView::setUpTable()
 {
     playersTableView->setObjectName(QStringLiteral("playersTableView"));
     playersTableView->setAccessibleName(tr("Players"));
-    playersTableView->setModel(playersController->arranged());
-    playersTableView->setSelectionModel(playersController->selection());
+    playersTableView->setModel(m_roster->rows().arranged());
+    playersTableView->setSelectionModel(m_roster->rows().selection());
     playersTableView->setSortingEnabled(true);
     playersTableView->sortByColumn(0, Qt::AscendingOrder);
     playersTableView->horizontalHeader()->setStretchLastSection(false);
@@ -106,6 +110,7 @@ void PlayersView::layOut()
     layout->addLayout(buttons);
     layout->addLayout(below);
     layout->addWidget(playersTableView, 1);
+    layout->addWidget(playerCountLabel);
 }
 
 void PlayersView::connectControls()
@@ -122,13 +127,21 @@ void PlayersView::connectControls()
     connect(autoupdatePlayerTimer, &QTimer::timeout, this, &PlayersView::refreshPlayersButtonPressed);
     connect(playerSendMessagePanel, &QDialog::finished, this, &PlayersView::sendMessagePanelDidEnd);
     connect(playerFilterField, &QLineEdit::textChanged, this, [this](const QString &text) {
-        playersController->setFilterText(text);
+        m_roster->rows().setFilterText(text);
         updatePlaceholder();
+        updateControls();
+        playerCountLabel->tell();
     });
-    connect(playersController->selection(), &QItemSelectionModel::selectionChanged, this,
-            &PlayersView::selectionDidChange);
-    connect(&m_server, &KelServer::isConnectedChanged, this, &PlayersView::updatePlaceholder);
-    connect(&m_server, &KelServer::connectionBegan, this, &PlayersView::forgetPlayers);
+    connect(m_roster->rows().selection(), &QItemSelectionModel::selectionChanged, this, &PlayersView::updateControls);
+}
+
+void PlayersView::connectSession()
+{
+    connect(&m_server, &KelServer::isConnectedChanged, this, &PlayersView::connectionDidChange);
+    connect(&m_server, &KelServer::connectionBegan, this, &PlayersView::connectionDidBegin);
+    connect(&m_server, &KelServer::didConnect, this, [this] { m_isConnecting = false; });
+    connect(m_roster, &PlayerRoster::changed, this, &PlayersView::updatePlaceholder);
+    connect(m_roster, &PlayerRoster::changed, this, &PlayersView::updateControls);
     connect(m_commands, &PlayerCommands::refreshWanted, this, [this](std::chrono::seconds delay) {
         QTimer::singleShot(delay, this, &PlayersView::refreshPlayersButtonPressed);
     });
@@ -136,10 +149,10 @@ void PlayersView::connectControls()
 
 void PlayersView::fillMenu(QMenu &menu)
 {
-    addButtonAction(menu, tr("&Refresh"), QKeySequence::Refresh, refreshPlayersButton);
+    m_refreshAction = addRefreshAction(menu, refreshPlayersButton);
     menu.addSeparator();
-    addButtonAction(menu, tr("&Message…"), QKeySequence(tr("Ctrl+M")), messagePlayerButton);
-    addButtonAction(menu, tr("&Kick"), QKeySequence(tr("Ctrl+K")), kickPlayerButton);
+    addButtonAction(menu, tr("&Message…"), QKeySequence(tr("Ctrl+M")), messagePlayerButton, playersTableView);
+    addButtonAction(menu, tr("&Kick"), QKeySequence(tr("Ctrl+K")), kickPlayerButton, playersTableView);
     addButtonAction(menu, tr("&Temp Ban"), QKeySequence(), tempBanPlayerButton);
     addButtonAction(menu, tr("&Ban"), QKeySequence(), banPlayerButton);
     menu.addSeparator();
@@ -166,21 +179,36 @@ void PlayersView::saveLayout(Preferences &preferences) const
     saveColumns(preferences, columnsKey(), *playersTableView->horizontalHeader());
 }
 
-void PlayersView::selectionDidChange()
+void PlayersView::setInFront(bool isInFront)
 {
-    const bool isAnySelected = playersController->selection()->hasSelection();
-    for (QPushButton *button : {kickPlayerButton, banPlayerButton, tempBanPlayerButton, messagePlayerButton}) {
-        if (!isAnySelected && button->hasFocus())
+    m_isInFront = isInFront;
+    setActsInWindow(m_refreshAction, isInFront);
+    if (isInFront && !m_isConnecting)
+        refreshPlayersButtonPressed();
+}
+
+void PlayersView::updateControls()
+{
+    const bool isConnected = m_server.isConnected();
+    ArrayController<PlayerRow> &rows = m_roster->rows();
+    const bool isAnySelected = rows.selection()->hasSelection() || rows.hiddenSelectedCount() > 0;
+    const auto enable = [this](QPushButton *button, bool isEnabled) {
+        if (!isEnabled && button->hasFocus())
             playersTableView->setFocus(); // else it would go on to "Kick All…"
-        button->setEnabled(isAnySelected);
-    }
+        button->setEnabled(isEnabled);
+    };
+    for (QPushButton *button : {kickPlayerButton, banPlayerButton, tempBanPlayerButton, messagePlayerButton})
+        enable(button, isConnected && isAnySelected);
+    for (QPushButton *button : {refreshPlayersButton, kickAllButton})
+        enable(button, isConnected);
+    enable(savePlayerListButton, !m_roster->players().isEmpty());
 }
 
 void PlayersView::updatePlaceholder()
 {
-    if (!playersController->content().isEmpty())
+    if (!m_roster->players().isEmpty())
         playersTableView->setPlaceholder(tr("No player matches the filter."));
-    else if (m_server.isConnected() && !m_isListFetched)
+    else if (m_server.isConnected() && !m_roster->isFetched())
         playersTableView->setPlaceholder(tr("The list of players has not arrived yet."));
     else if (m_server.isConnected())
         playersTableView->setPlaceholder(tr("Nobody is playing. Press \"Refresh\" to look again."));
@@ -188,10 +216,18 @@ void PlayersView::updatePlaceholder()
         playersTableView->setPlaceholder(tr("Not connected. Connect to a server to see who is playing."));
 }
 
-void PlayersView::forgetPlayers()
+void PlayersView::connectionDidBegin()
 {
-    m_isListFetched = false;
-    playersController->mergeContent({});
+    m_isConnecting = true;
+    m_roster->forget();
+}
+
+void PlayersView::connectionDidChange(bool isConnected)
+{
+    m_isConnecting = false;
+    if (!isConnected)
+        m_roster->forget();
+    updateControls();
     updatePlaceholder();
 }
 
@@ -220,6 +256,7 @@ QCoro::Task<> PlayersView::refresh()
 
 QCoro::Task<> PlayersView::didConnect()
 {
+    m_isConnecting = false;
     co_await updatePlayerList();
 }
 
@@ -228,13 +265,7 @@ QCoro::Task<> PlayersView::updatePlayerList()
     if (!isRefreshDue())
         co_return;
     setupAutoupdatePlayerTimer();
-    const QString line = QStringLiteral("teamstatus");
-    const Reply reply = co_await m_server.sendCommand(line);
-    if (!reply.isSuccess())
-        co_return;
-    m_isListFetched = true;
-    playersController->mergeContent(parsePlayerList(reply.text));
-    updatePlaceholder();
+    co_await m_roster->fetch();
 }
 
 void PlayersView::setupAutoupdatePlayerTimer()
@@ -261,25 +292,25 @@ void PlayersView::autoupdatePlayerTimeChanged()
 
 void PlayersView::kickPlayerButtonPressed()
 {
-    m_commands->kick(playersController->selectedObjects());
+    m_commands->kick(m_roster->selected());
 }
 
 void PlayersView::banPlayerButtonPressed()
 {
-    m_commands->ban(playersController->selectedObjects());
+    m_commands->ban(m_roster->selected());
 }
 
 void PlayersView::tempBanPlayerButtonPressed()
 {
-    m_commands->tempBan(playersController->selectedObjects());
+    m_commands->tempBan(m_roster->selected());
 }
 
 void PlayersView::messagePlayerButtonPressed()
 {
-    m_recipients = playersController->selectedObjects();
+    m_recipients = m_roster->selected();
     QStringList names;
-    for (const PlayerRow &player : std::as_const(m_recipients))
-        names.append(player.name);
+    for (const ChosenPlayer &player : std::as_const(m_recipients))
+        names.append(player.row.name);
     playerSendMessagePanel->reset();
     playerSendMessagePanel->setRecipients(names);
     playerSendMessagePanel->open();
@@ -289,7 +320,7 @@ void PlayersView::sendMessagePanelDidEnd()
 {
     const QString message = playerSendMessagePanel->messageString();
     if (!message.isEmpty())
-        m_commands->tell(m_recipients, playersController->content(), message);
+        m_commands->tell(m_recipients, message);
 }
 
 void PlayersView::kickAll()
@@ -313,7 +344,7 @@ void PlayersView::savePlayerListButtonPressed()
         panel->setDefaultSuffix(filter.contains(QLatin1String("csv")) ? QStringLiteral("csv") : QStringLiteral("txt"));
     });
     connect(panel, &QFileDialog::fileSelected, this,
-            [this, players = playersController->arrangedObjects()](const QString &path) {
+            [this, players = m_roster->rows().arrangedObjects()](const QString &path) {
                 m_actions.start(savePlayerListTo(path, players));
             });
     panel->open();

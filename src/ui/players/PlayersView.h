@@ -1,15 +1,18 @@
 #pragma once
 
-#include "ArrayController.h"
-#include "PlayerList.h"
+#include "PlayerRoster.h"
 #include "TabPage.h"
+
+#include <QPointer>
 
 class ActionQueue;
 class Alerts;
 class KelServer;
 class PlaceholderTable;
+class PlayerCountLabel;
 class PlayerCommands;
 class PlayerSendMessage;
+class QAction;
 class QCheckBox;
 class QLineEdit;
 class QPushButton;
@@ -22,13 +25,14 @@ class PlayersView : public TabPage
     Q_OBJECT
 public:
     /// Everything handed in outlives the view.
+    /// @param clock  tells how old the list is.
     PlayersView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                QWidget *parent = nullptr);
+                QWidget *parent = nullptr, PlayerRoster::Clock clock = &std::chrono::steady_clock::now);
 
     void fillMenu(QMenu &menu) override;
     void fillFileMenu(QMenu &menu) override;
-    /// The list is fetched only while the page is in front.
-    void setInFront(bool isInFront) override { m_isInFront = isInFront; }
+    /// The list is fetched only while the page is in front, and when it comes there.
+    void setInFront(bool isInFront) override;
     QCoro::Task<> didConnect() override;
     void restoreLayout(const Preferences &preferences) override;
     void saveLayout(Preferences &preferences) const override;
@@ -56,9 +60,11 @@ private:
     void setUpTable();
     void layOut();
     void connectControls();
-    void selectionDidChange();
+    void connectSession();
+    void updateControls();
     void updatePlaceholder();
-    void forgetPlayers();
+    void connectionDidBegin();
+    void connectionDidChange(bool isConnected);
     void setupAutoupdatePlayerTimer();
     bool isRefreshDue() const;
     QCoro::Task<> refresh();
@@ -74,7 +80,7 @@ private:
     QSpinBox *autoUpdatePlayersTime;
     QLineEdit *playerFilterField;
     PlaceholderTable *playersTableView;
-    ArrayController<PlayerRow> *playersController;
+    PlayerCountLabel *playerCountLabel = nullptr;
     PlayerSendMessage *playerSendMessagePanel;
     QTimer *autoupdatePlayerTimer;
 
@@ -82,9 +88,11 @@ private:
     ActionQueue &m_actions;
     Alerts &m_alerts;
     Preferences &m_preferences;
+    PlayerRoster *m_roster;
     PlayerCommands *m_commands;
-    QList<PlayerRow> m_recipients; ///< of the message that is being written
+    QPointer<QAction> m_refreshAction; ///< in the menu
+    QList<ChosenPlayer> m_recipients;  ///< of the message that is being written
     bool m_isInFront = false;
     bool m_isRefreshWaiting = false;
-    bool m_isListFetched = false;
+    bool m_isConnecting = false; ///< the connect that is under way fetches the list by itself
 };

@@ -173,7 +173,9 @@ QCoro::Task<> PlaylistsView::startPlaylist(PlaylistInst playlist)
     if (m_server.isRanked()) {
         const QString text =
             tr("The \"%1\" playlist will begin as soon as the current map completes.").arg(playlist.name);
-        co_await m_alerts.run(tr("Playlist Has Been Queued"), text);
+        const QStringList justOk;
+        const AlertManner goodNews{.isGoodNews = true};
+        co_await m_alerts.run(tr("Playlist Has Been Queued"), text, justOk, goodNews);
         co_return;
     }
     const QString line = QStringLiteral("map_rotate");

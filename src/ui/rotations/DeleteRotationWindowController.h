@@ -5,6 +5,7 @@
 #include <QCoroTask>
 
 class ActionQueue;
+class Alerts;
 
 /// The sheet that deletes some of the rotations.
 class DeleteRotationWindowController : public RotationListDialog
@@ -13,14 +14,18 @@ class DeleteRotationWindowController : public RotationListDialog
 public:
     /// Everything handed in outlives the sheet.
     DeleteRotationWindowController(RotationStore &store, const RotationLabels &labels, ActionQueue &actions,
-                                   QWidget *parent = nullptr);
+                                   Alerts &alerts, QWidget *parent = nullptr);
 
 public slots:
     void deletePressed();
+    /// Asks first: unlike the button, a key is pressed by mistake.
+    void deleteKeyPressed();
 
 private:
+    QCoro::Task<> removeAfterQuestion(QStringList names);
     QCoro::Task<> remove(QStringList names);
 
     ActionQueue &m_actions;
+    Alerts &m_alerts;
     bool m_isBusy = false;
 };

@@ -129,7 +129,7 @@ void RotationPane::connectControls()
     };
     connect(&m_store, &RotationStore::currentRotationChanged, this, updateSoon);
     connect(&m_store, &RotationStore::rotationOpened, this, updateSoon);
-    connect(&m_store, &RotationStore::unsavedChangesChanged, this, updateSoon);
+    connect(&m_store, &RotationStore::unsavedWorkTouched, this, updateSoon);
     connect(m_store.tableSelection(), &QItemSelectionModel::selectionChanged, this, updateSoon);
     const QAbstractItemModel *model = m_store.tableModel();
     connect(model, &QAbstractItemModel::rowsInserted, this, updateSoon);
@@ -309,9 +309,9 @@ void RotationPane::deleteRotationMenuItemClicked()
 QCoro::Task<> RotationPane::deleteRotation()
 {
     // Deleting opens the current rotation anew, and with it what was not saved would be lost.
-    const bool isGoingOn = co_await m_store.saveUnsavedWork();
+    const bool isGoingOn = co_await m_store.saveUnsavedChanges();
     if (isGoingOn) {
-        auto *sheet = new DeleteRotationWindowController(m_store, m_labels, m_actions, window());
+        auto *sheet = new DeleteRotationWindowController(m_store, m_labels, m_actions, m_alerts, window());
         sheet->setAttribute(Qt::WA_DeleteOnClose);
         const QFuture<int> closed = opened(sheet);
         co_await closed;

@@ -3,12 +3,12 @@
 #include "ActionQueue.h"
 #include "Alerts.h"
 #include "ColumnLayout.h"
+#include "HostAndPort.h"
 #include "LeftDoubleClick.h"
 #include "PlaceholderTable.h"
 #include "Secrets.h"
 #include "SortKeys.h"
 
-#include <QDesktopServices>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -16,7 +16,6 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QUrl>
 #include <QVBoxLayout>
 
 static QList<ArrayController<SavedServer>::Column> serverColumns()
@@ -106,7 +105,7 @@ void ServersView::setUpControls()
     hostField->setPlaceholderText(QStringLiteral("192.0.2.10"));
     hostField->setToolTip(tr("The server's IPv4 address, four numbers with dots between them"));
     portField->setAccessibleName(tr("Port"));
-    portField->setPlaceholderText(QStringLiteral("28960"));
+    portField->setPlaceholderText(QStringLiteral("50960"));
     passwordField->setAccessibleName(tr("Password"));
     passwordField->setToolTip(tr("The remote-console password. It travels to the server unencrypted."));
     for (QLineEdit *field : {savedPasswordField, passwordField})
@@ -116,7 +115,7 @@ void ServersView::setUpControls()
     QFont underlined = hostwellButton->font();
     underlined.setUnderline(true);
     hostwellButton->setFont(underlined);
-    hostwellButton->setToolTip(tr("Opens the web page of the hosting company"));
+    hostwellButton->setToolTip(tr("Opens the section of the user's guide on hosting a server"));
 }
 
 void ServersView::setUpTable()
@@ -153,6 +152,8 @@ void ServersView::layOut()
     boxLayout->addLayout(form);
     boxLayout->addLayout(buttons);
     auto *layout = new QVBoxLayout(this);
+    // The splitter's handle is distance enough. Magnified by half, 1280 pixels are not more than the window needs.
+    layout->setContentsMargins(layout->contentsMargins() - QMargins(0, 0, 6, 0));
     layout->addWidget(savedServerTableView, 1);
     layout->addLayout(savedForm);
     layout->addLayout(savedButtons);
@@ -180,6 +181,8 @@ void ServersView::connectControls()
         connect(field, &QLineEdit::textChanged, this, &ServersView::controlTextDidChange);
         connect(field, &QLineEdit::returnPressed, connectButton, &QPushButton::click);
     }
+    connect(hostField, &QLineEdit::editingFinished, this, &ServersView::splitHostField);
+    connect(connectButton, &QPushButton::clicked, this, &ServersView::splitHostField); // before who reads the form
     connect(connectButton, &QPushButton::clicked, this, &ServersView::connectButtonPressed);
     connect(disconnectButton, &QPushButton::clicked, this, &ServersView::disconnectButtonPressed);
     connect(saveToServerListButton, &QPushButton::clicked, this, &ServersView::saveToServerListButtonPressed);
@@ -195,8 +198,8 @@ void ServersView::connectControls()
 
 void ServersView::controlTextDidChange()
 {
-    const bool isComplete =
-        !hostField->text().isEmpty() && !portField->text().isEmpty() && !passwordField->text().isEmpty();
+    const bool hasPort = !portField->text().isEmpty() || !splitHostAndPort(hostField->text()).port.isEmpty();
+    const bool isComplete = !hostField->text().isEmpty() && hasPort && !passwordField->text().isEmpty();
     connectButton->setEnabled(isComplete && !m_isConnecting);
     saveToServerListButton->setEnabled(isComplete && !labelField->text().isEmpty());
     disconnectButton->setEnabled(m_isConnecting || m_isConnected);
@@ -217,7 +220,16 @@ void ServersView::setConnecting(bool isConnecting)
 
 ServerForm ServersView::form() const
 {
-    return {hostField->text(), portField->text(), passwordField->text()};
+    const HostAndPort address = splitHostAndPort(hostField->text());
+    const QString port = address.port.isEmpty() ? portField->text().trimmed() : address.port;
+    return {address.host, port, passwordField->text()};
+}
+
+void ServersView::splitHostField()
+{
+    const HostAndPort address = splitHostAndPort(hostField->text());
+    if (!address.port.isEmpty())
+        fillForm(address.host, address.port);
 }
 
 void ServersView::fillForm(const QString &host, const QString &port)
@@ -242,6 +254,37 @@ void ServersView::setFormPassword(const QString &password)
 void ServersView::focusForm()
 {
     hostField->setFocus();
+}
+
+static void focusPassword(QLineEdit *field)
+{
+    field->setFocus();
+    field->selectAll();
+}
+
+void ServersView::focusFormPassword()
+{
+    focusPassword(passwordField);
+}
+
+void ServersView::focusSavedPassword(const QString &label)
+{
+    const QAbstractItemModel &model = *savedServerTableView->model();
+    for (int row = 0; row < model.rowCount(); ++row) {
+        if (model.index(row, 0).data().toString() == label)
+            savedServerTableView->selectRow(row);
+    }
+    focusPassword(savedPasswordField);
+}
+
+bool ServersView::canDisconnect() const
+{
+    return disconnectButton->isEnabled();
+}
+
+void ServersView::pressDisconnect()
+{
+    disconnectButton->click();
 }
 
 bool ServersView::canConnect() const
@@ -279,8 +322,9 @@ void ServersView::showList()
 
 void ServersView::saveToServerListButtonPressed()
 {
-    showWritten(m_savedServers.save(
-        SavedServer{labelField->text(), hostField->text(), portField->text(), passwordField->text()}));
+    splitHostField();
+    const ServerForm typed = form();
+    showWritten(m_savedServers.save(SavedServer{labelField->text(), typed.host, typed.port, typed.password}));
 }
 
 void ServersView::deleteSelectionFromTableView()
@@ -311,6 +355,14 @@ void ServersView::choose(const SavedServer &server)
     SavedServer chosen = server;
     chosen.password = m_savedServers.password(server.label);
     emit savedServerChosen(chosen);
+}
+
+std::optional<SavedServer> ServersView::savedServerOf(const QString &text) const
+{
+    std::optional<SavedServer> server = m_savedServers.find(text);
+    if (server)
+        server->password = m_savedServers.password(server->label);
+    return server;
 }
 
 void ServersView::selectionDidChange()
@@ -383,9 +435,4 @@ void ServersView::restoreLayout(const Preferences &preferences)
 void ServersView::saveLayout(Preferences &preferences) const
 {
     saveColumns(preferences, columnsKey(), *savedServerTableView->horizontalHeader());
-}
-
-void ServersView::hostwellButtonPressed()
-{
-    QDesktopServices::openUrl(QUrl(QStringLiteral("https://www.example.com/game-server-hosting")));
 }

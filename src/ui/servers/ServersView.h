@@ -15,7 +15,7 @@ class Preferences;
 class QLineEdit;
 class QPushButton;
 
-/// Where the form says to connect to, as typed.
+/// Where the form says to connect to.
 struct ServerForm {
     QString host;
     QString port;
@@ -47,25 +47,36 @@ public:
     /// "Disconnect" can be pressed while there is a connection, or one is being made.
     void setConnected(bool isConnected);
 
+    /// The saved server that the text means, by SavedServers::find(), with its password.
+    std::optional<SavedServer> savedServerOf(const QString &text) const;
+    /// Selects the saved server and puts the cursor into its password.
+    void focusSavedPassword(const QString &label);
+
+    /// Without the blanks around host and port; a port that was typed behind the host counts as typed into its field.
     ServerForm form() const;
     void fillForm(const QString &host, const QString &port);
     void setFormPassword(const QString &password);
+    void focusFormPassword();
     /// Moves the focus to where filling in the form begins.
     void focusForm();
     /// Whether "Connect" can be pressed.
     bool canConnect() const;
     /// Presses "Connect", if it can be pressed.
     void pressConnect();
+    /// Whether "Disconnect" can be pressed.
+    bool canDisconnect() const;
+    /// Presses "Disconnect", if it can be pressed.
+    void pressDisconnect();
 
 public slots:
     void saveToServerListButtonPressed();
     void connectToSavedServerButtonPressed();
     void deleteSelectionFromTableView();
-    void hostwellButtonPressed();
 
 signals:
     void connectButtonPressed();
     void disconnectButtonPressed();
+    void hostwellButtonPressed();
     void savedServerChosen(const SavedServer &server);
 
 protected:
@@ -80,6 +91,7 @@ private:
     void layOut();
     void connectControls();
     void controlTextDidChange();
+    void splitHostField();
     void showList();
     void showWritten(const SavedServersOutcome &outcome);
     void selectionDidChange();

@@ -27,6 +27,8 @@
 namespace
 {
 
+using Categories = QList<std::shared_ptr<DvarSettingCategory>>;
+
 /// Marks a variable as being written for as long as the action lives, however it ends.
 class PendingWrite
 {
@@ -155,7 +157,8 @@ void SettingsView::connectOutline(SettingsOutlineModel *outline)
 void SettingsView::connectSettings()
 {
     connectOutline(m_settingsOutline);
-    connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::updateHints);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::listGroups);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::showGroup);
     connect(&m_settings, &KelSettings::sortedSettingsValuesChanged, this, &SettingsView::listGroups);
     connect(&m_settings, &KelSettings::selectedSettingsChanged, this, &SettingsView::showGroup);
     connect(settingsGroupList, &QListWidget::currentTextChanged, this,
@@ -170,6 +173,8 @@ void SettingsView::connectSettings()
 void SettingsView::connectGametypes()
 {
     connectOutline(m_gametypeOutline);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::listGametypes);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::showGametype);
     connect(&m_gametypes, &KelGametype::gametypeListChanged, this, &SettingsView::listGametypes);
     connect(&m_gametypes, &KelGametype::selectedSettingsChanged, this, &SettingsView::showGametype);
     connect(&m_gametypes, &KelGametype::selectedSettingListChanged, gametypeOutlineView,
@@ -183,13 +188,16 @@ void SettingsView::listGroups()
     // What is selected is the catalogue's business, and it tells when it has decided.
     const QSignalBlocker quiet(settingsGroupList);
     settingsGroupList->clear();
-    settingsGroupList->addItems(m_settings.arrangedGroups());
+    if (m_server.isConnected()) // the values of a server that has gone would look as if they were true
+        settingsGroupList->addItems(m_settings.arrangedGroups());
 }
 
 void SettingsView::listGametypes()
 {
     const QSignalBlocker quiet(gametypeList);
     gametypeList->clear();
+    if (!m_server.isConnected())
+        return;
     for (const std::shared_ptr<DvarSettingList> &gametype : m_gametypes.arrangedGametypes())
         gametypeList->addItem(gametype->name());
 }
@@ -199,7 +207,7 @@ void SettingsView::showGroup()
     const QSignalBlocker quiet(settingsGroupList);
     settingsGroupList->setCurrentRow(
         static_cast<int>(m_settings.arrangedGroups().indexOf(m_settings.selectedSettingList())));
-    m_settingsOutline->setCategories(m_settings.selectedSettings());
+    m_settingsOutline->setCategories(m_server.isConnected() ? m_settings.selectedSettings() : Categories());
     settingsOutlineView->expandEveryRow();
     updateHints();
 }
@@ -209,7 +217,7 @@ void SettingsView::showGametype()
     const QSignalBlocker quiet(gametypeList);
     gametypeList->setCurrentRow(
         static_cast<int>(m_gametypes.arrangedGametypes().indexOf(m_gametypes.selectedSettingList())));
-    m_gametypeOutline->setCategories(m_gametypes.selectedSettings());
+    m_gametypeOutline->setCategories(m_server.isConnected() ? m_gametypes.selectedSettings() : Categories());
     updateHints();
 }
 

@@ -37,6 +37,14 @@ static QPalette darkPalette()
     return palette;
 }
 
+/// Fusion draws the outline of a box a little darker than the window. On a dark window nobody sees that; a box has no
+/// other use for the window's colour.
+static QPalette withOutlines(QPalette palette)
+{
+    palette.setColor(QPalette::Window, QColor(0xb4, 0xb9, 0xc2));
+    return palette;
+}
+
 void Appearance::apply(const QString &name)
 {
     if (name == QLatin1String("light"))
@@ -45,4 +53,7 @@ void Appearance::apply(const QString &name)
         QApplication::setPalette(darkPalette());
     else
         QApplication::setPalette(QPalette());
+    const QPalette now = QApplication::palette();
+    const bool isDark = now.color(QPalette::Window).lightness() < now.color(QPalette::WindowText).lightness();
+    QApplication::setPalette(isDark ? withOutlines(now) : now, "QCheckBox");
 }

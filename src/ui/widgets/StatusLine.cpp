@@ -10,7 +10,6 @@ StatusLine::StatusLine(QWidget *parent)
     setObjectName(QStringLiteral("statusLine"));
     setSizeGripEnabled(false);
     toolStripStatusLabelMain->setObjectName(QStringLiteral("toolStripStatusLabelMain"));
-    toolStripStatusLabelMain->setAccessibleName(tr("Status"));
     toolStripStatusLabelMain->setTextFormat(Qt::PlainText);
     toolStripStatusLabelMain->setContentsMargins(6, 0, 6, 0);
     m_busyIndicator->setObjectName(QStringLiteral("busyIndicator"));
@@ -25,18 +24,23 @@ StatusLine::StatusLine(QWidget *parent)
 
     m_delay.setSingleShot(true);
     m_delay.setInterval(150ms);
-    connect(&m_delay, &QTimer::timeout, m_busyIndicator, &QWidget::show);
+    connect(&m_delay, &QTimer::timeout, this, &StatusLine::showBusy);
 }
 
 void StatusLine::setBusy(bool isBusy)
 {
-    if (isBusy) {
+    m_isBusy = isBusy;
+    if (m_busyIndicator->isHidden() == isBusy)
         m_delay.start();
-        return;
-    }
-    m_delay.stop();
-    m_busyIndicator->hide();
-    clearProgress();
+    else
+        m_delay.stop();
+}
+
+void StatusLine::showBusy()
+{
+    m_busyIndicator->setVisible(m_isBusy);
+    if (!m_isBusy)
+        clearProgress();
 }
 
 void StatusLine::clearProgress()

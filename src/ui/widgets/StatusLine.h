@@ -5,7 +5,7 @@
 #include <QStatusBar>
 #include <QTimer>
 
-/// The line at the bottom of the window: what the connection is doing, and whether an action is at work.
+/// The line at the bottom of the window: what the connection is doing, and whether something is on its way.
 class StatusLine : public QStatusBar
 {
     Q_OBJECT
@@ -15,14 +15,18 @@ public:
     void setStatus(const QString &text) { toolStripStatusLabelMain->setText(text); }
     QString status() const { return toolStripStatusLabelMain->text(); }
 
-    /// Shows the indicator once the work has lasted 150 ms, so that short work does not flicker.
+    /// Shows the indicator once the work has lasted 150 ms and hides it as late, so that neither short work nor a short
+    /// pause flickers.
     void setBusy(bool isBusy);
     /// Tells how far a connect has come; the indicator forgets it when the work ends.
     void setProgress(int done, int total);
     void clearProgress();
 
 private:
+    void showBusy();
+
     QLabel *toolStripStatusLabelMain;
     QProgressBar *m_busyIndicator;
+    bool m_isBusy = false;
     QTimer m_delay;
 };

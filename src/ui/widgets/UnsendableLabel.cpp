@@ -10,6 +10,15 @@ UnsendableLabel::UnsendableLabel(QWidget *parent) : QLabel(parent)
     hide();
 }
 
+void UnsendableLabel::keepRoom()
+{
+    QSizePolicy policy = sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    setSizePolicy(policy);
+    setMinimumHeight(2 * fontMetrics().lineSpacing());
+    setAlignment(Qt::AlignLeft | Qt::AlignTop);
+}
+
 bool UnsendableLabel::judge(const QString &text)
 {
     const GameText judged = GameText::of(text);

@@ -10,6 +10,9 @@ class UnsendableLabel : public QLabel
 public:
     explicit UnsendableLabel(QWidget *parent = nullptr);
 
+    /// For a dialog, which would squeeze its fields when the label appears: takes the room of two lines, hidden or not.
+    void keepRoom();
+
     /// @return whether all of `text` can be sent, typographic signs among it as plain ones.
     bool judge(const QString &text);
 };

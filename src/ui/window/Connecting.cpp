@@ -1,6 +1,8 @@
 #include "Connecting.h"
 
 #include "ActionQueue.h"
+#include "Alerts.h"
+#include "HostAndPort.h"
 #include "KelMapList.h"
 #include "KelMapRotation.h"
 #include "KelMessageRotation.h"
@@ -12,9 +14,11 @@
 #include "TabPage.h"
 #include "UnsavedWork.h"
 
+#include <QDialogButtonBox>
 #include <QInputDialog>
 #include <QLabel>
 #include <QPointer>
+#include <QPushButton>
 
 #include <utility>
 
@@ -24,16 +28,25 @@ Connecting::Connecting(const Workplace &workplace, const Parts &parts, QObject *
     connect(&parts.servers, &ServersView::connectButtonPressed, this, &Connecting::connectByForm);
     connect(&parts.servers, &ServersView::savedServerChosen, this, &Connecting::connectToSavedServer);
     connect(&parts.servers, &ServersView::disconnectButtonPressed, this, &Connecting::disconnectFromServer);
+    connect(&workplace.server, &KelServer::didConnect, this, [this] { m_isComplete = true; });
+    connect(&workplace.server, &KelServer::passwordRefused, this, [this] { m_isPasswordRefused = true; });
 }
 
 ConnectTarget Connecting::formTarget() const
 {
     const QPointer<ServersView> servers = &m_parts.servers;
     const ServerForm form = m_parts.servers.form();
-    return ConnectTarget{QStringLiteral("QuickConnect"), form.host, form.port, form.password,
+    return ConnectTarget{QStringLiteral("QuickConnect"),
+                         form.host,
+                         form.port,
+                         form.password,
                          [servers](const QString &password) {
                              if (servers != nullptr)
                                  servers->setFormPassword(password);
+                         },
+                         [servers] {
+                             if (servers != nullptr)
+                                 servers->focusFormPassword();
                          }};
 }
 
@@ -56,16 +69,21 @@ void Connecting::connectTo(ConnectTarget target)
 QCoro::Task<> Connecting::connectAction(ConnectTarget target)
 {
     const ActionQueue::Turn turn = co_await m_workplace.actions.turn();
+    m_isComplete = false;
     bool goesOn = false;
     CatalogueState maps = CatalogueState::Missing; // then the program is about to end
     if (turn) // before the question: while a worker reads, the tables that it is about can be edited
         maps = co_await m_workplace.catalogues.maps.loadMapList();
     if (turn && maps != CatalogueState::Missing)
         goesOn = co_await m_parts.unsavedWork.settle();
-    if (turn && goesOn)
+    if (turn && goesOn) { // whatever comes of this connect, nothing goes to the former server any more
+        endConnection();
         co_await loadGameData();
+    }
     if (turn && goesOn)
         co_await connectToServerWithLabel(target);
+    if (turn && goesOn && !m_isComplete) // it may have come as far as the server's first answer
+        endConnection();
     m_parts.servers.setConnecting(--m_connects > 0);
     m_parts.status.clearProgress();
     if (!turn) // called off: the status line already tells so
@@ -74,10 +92,14 @@ QCoro::Task<> Connecting::connectAction(ConnectTarget target)
         m_parts.status.setStatus(m_statusBeforeConnect);
         co_return;
     }
-    if (!m_workplace.server.isConnected()) {
+    if (!m_isComplete) {
         m_parts.status.setStatus(tr("Not connected"));
+        if (m_isPasswordRefused && target.focusPassword)
+            target.focusPassword();
         co_return;
     }
+    if (target.isPasswordNew && target.passwordTextBox)
+        target.passwordTextBox(target.password);
     const QString mode = m_workplace.server.isRanked() ? tr("(Ranked)") : tr("(Unranked)");
     m_parts.status.setStatus(tr("Connected to %1 %2").arg(target.label, mode));
     const QList<TabPage *> pages = m_parts.tabs.pages();
@@ -97,8 +119,20 @@ QCoro::Task<> Connecting::loadGameData()
 QCoro::Task<> Connecting::connectToServerWithLabel(ConnectTarget target)
 {
     m_parts.status.setStatus(tr("Connecting to %1...").arg(target.label));
+    m_isPasswordRefused = false;
     co_await m_workplace.server.connectToHost(target.host, target.port, target.password);
     m_workplace.server.setPasswordTextBox(target.passwordTextBox);
+    if (!m_isComplete) // what a server has told until it failed is no configuration
+        m_workplace.server.forgetVariables();
+}
+
+void Connecting::endConnection()
+{
+    m_workplace.actions.refuseWaiting();
+    for (TabPage *page : m_parts.tabs.pages())
+        page->willDisconnect();
+    m_workplace.rotations.messages.stopRotation();
+    m_workplace.server.disconnect();
 }
 
 void Connecting::disconnectFromServer()
@@ -106,35 +140,65 @@ void Connecting::disconnectFromServer()
     // Whatever waits or runs is called off before the session changes, so that nothing of it is sent any more.
     m_workplace.actions.dropWaiting();
     m_workplace.server.cancelExchange();
-    for (TabPage *page : m_parts.tabs.pages())
-        page->willDisconnect();
-    m_workplace.rotations.messages.stopRotation();
     m_parts.status.setStatus(tr("Not connected"));
-    m_workplace.server.disconnect();
+    endConnection();
+}
+
+ConnectTarget Connecting::savedTarget(const SavedServer &server) const
+{
+    const QPointer<ServersView> servers = &m_parts.servers;
+    const HostAndPort address = splitHostAndPort(server.host);
+    const QString port = server.port.trimmed();
+    return ConnectTarget{server.label,
+                         address.host,
+                         port.isEmpty() ? address.port : port,
+                         server.password.value_or(QString()),
+                         [servers, label = server.label](const QString &password) {
+                             if (servers != nullptr)
+                                 servers->storePassword(label, password);
+                         },
+                         [servers, label = server.label] {
+                             if (servers != nullptr)
+                                 servers->focusSavedPassword(label);
+                         }};
 }
 
 void Connecting::connectToSavedServer(const SavedServer &server)
 {
-    const QPointer<ServersView> servers = &m_parts.servers;
-    ConnectTarget target{server.label, server.host, server.port, server.password.value_or(QString()),
-                         [servers, label = server.label](const QString &password) {
-                             if (servers != nullptr)
-                                 servers->storePassword(label, password);
-                         }};
     if (server.password)
-        connectTo(std::move(target));
+        connectTo(savedTarget(server));
     else // it could not be decrypted
-        askForPassword(target);
+        askForPassword(savedTarget(server));
 }
 
-void Connecting::quickConnect(const QString &host, const QString &port, const QString &password)
+void Connecting::connectByCommandLine(const QString &target, const QString &password)
 {
-    m_parts.servers.fillForm(host, port);
+    const HostAndPort address = splitHostAndPort(target);
+    std::optional<SavedServer> saved = m_parts.servers.savedServerOf(target);
+    if (saved) {
+        if (!password.isEmpty())
+            saved->password = password;
+        connectToSavedServer(*saved);
+        return;
+    }
+    if (address.port.isEmpty()) {
+        m_workplace.actions.start(
+            tell(tr("Server Not Found"), tr("No saved server has the label \"%1\", and an address "
+                                            "is written as HOST:PORT.")
+                                             .arg(target)));
+        return;
+    }
+    m_parts.servers.fillForm(address.host, address.port);
     m_parts.servers.setFormPassword(password);
     if (!password.isEmpty())
         connectByForm();
     else
         askForPassword(formTarget());
+}
+
+QCoro::Task<> Connecting::tell(QString title, QString text)
+{
+    co_await m_workplace.alerts.run(title, text);
 }
 
 void Connecting::askForPassword(const ConnectTarget &target)
@@ -144,16 +208,21 @@ void Connecting::askForPassword(const ConnectTarget &target)
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setWindowModality(Qt::WindowModal);
     dialog->setWindowTitle(tr("Password"));
+    dialog->setLabelText(tr("Remote-console password of %1").arg(target.host));
     for (QLabel *label : dialog->findChildren<QLabel *>())
         label->setTextFormat(Qt::PlainText);
-    dialog->setLabelText(tr("Remote-console password of %1").arg(target.host));
     dialog->setTextEchoMode(QLineEdit::Password);
     dialog->setOkButtonText(tr("Connect"));
+    QPushButton *connectButton = dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok);
+    connectButton->setEnabled(false);
+    connect(dialog, &QInputDialog::textValueChanged, connectButton,
+            [connectButton](const QString &text) { connectButton->setEnabled(!text.isEmpty()); });
     connect(dialog, &QInputDialog::textValueSelected, this, [this, asked = target](const QString &password) {
+        if (password.isEmpty())
+            return;
         ConnectTarget answered = asked;
         answered.password = password;
-        if (answered.passwordTextBox)
-            answered.passwordTextBox(password);
+        answered.isPasswordNew = true;
         connectTo(answered);
     });
     dialog->open();

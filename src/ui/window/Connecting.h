@@ -23,6 +23,10 @@ struct ConnectTarget {
     QString password;
     /// Follows a later change of the server's password, if set.
     std::function<void(const QString &)> passwordTextBox;
+    /// Moves the cursor to where the password stands, after the server has refused it; if set.
+    std::function<void()> focusPassword = {};
+    /// The password was asked for: passwordTextBox gets it once the server has taken it.
+    bool isPasswordNew = false;
 };
 
 /// Connects the session and ends its connection: asks about unsaved work and a missing password, loads the catalogues,
@@ -43,8 +47,9 @@ public:
 
     /// Connects as one action. Does nothing while a connect waits or is under way.
     void connectTo(ConnectTarget target);
-    /// Fills the form of a new server and connects; without a password it is asked for first.
-    void quickConnect(const QString &host, const QString &port, const QString &password);
+    /// Connects to where the command line says, the label of a saved server or HOST:PORT.
+    /// @param password  empty: that of the saved server with this label or address; without one it is asked for.
+    void connectByCommandLine(const QString &target, const QString &password);
 
 public slots:
     void connectByForm();
@@ -53,13 +58,18 @@ public slots:
 
 private:
     ConnectTarget formTarget() const;
+    ConnectTarget savedTarget(const SavedServer &server) const;
     void askForPassword(const ConnectTarget &target);
+    void endConnection();
     QCoro::Task<> connectAction(ConnectTarget target);
     QCoro::Task<> loadGameData();
     QCoro::Task<> connectToServerWithLabel(ConnectTarget target);
+    QCoro::Task<> tell(QString title, QString text);
 
     Workplace m_workplace;
     Parts m_parts;
     QString m_statusBeforeConnect;
-    int m_connects = 0; ///< that wait or are under way
+    int m_connects = 0;               ///< that wait or are under way
+    bool m_isComplete = false;        ///< the latest connect has come to its end
+    bool m_isPasswordRefused = false; ///< by the server of the latest connect
 };

@@ -1,7 +1,6 @@
 #include "FormMainView.h"
 
 #include "ActionQueue.h"
-#include "Alerts.h"
 #include "KelMessageRotation.h"
 #include "KelServer.h"
 #include "MainMenuBar.h"
@@ -14,10 +13,13 @@
 #include "WelcomePage.h"
 
 #include <QCloseEvent>
-#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QStyle>
 
+#include <algorithm>
 #include <utility>
 
 FormMainView::FormMainView(const Workplace &workplace, SavedServers &savedServers, QWidget *parent)
@@ -42,8 +44,8 @@ FormMainView::~FormMainView() = default;
 void FormMainView::makeMenus()
 {
     auto *menus = new MainMenuBar(*tabControlMain, *serversView, m_workplace.server, m_workplace.preferences, this);
-    connect(menus, &MainMenuBar::disconnectRequested, m_connecting, &Connecting::disconnectFromServer);
     connect(menus, &MainMenuBar::demoServerRequested, this, &FormMainView::demoServerRequested);
+    connect(menus, &MainMenuBar::hostingGuideRequested, this, &FormMainView::hostingGuideRequested);
     connect(menus, &MainMenuBar::aboutRequested, this, &FormMainView::showAbout);
     connect(menus, &MainMenuBar::quitRequested, this, &QWidget::close);
     setMenuBar(menus);
@@ -71,12 +73,13 @@ void FormMainView::connectParts()
     KelServer &server = m_workplace.server;
     ActionQueue &actions = m_workplace.actions;
     connect(welcomePage, &WelcomePage::demoServerRequested, this, &FormMainView::demoServerRequested);
+    connect(serversView, &ServersView::hostwellButtonPressed, this, &FormMainView::hostingGuideRequested);
     connect(&server, &KelServer::tabSetChanged, this, &FormMainView::arrangeTabs);
     connect(&server, &KelServer::lastTabRequested, tabControlMain, &MainTabs::bringLastToFront);
     connect(&server, &KelServer::connectionBegan, &actions, &ActionQueue::refuseWaiting);
     connect(&server, &KelServer::isConnectedChanged, serversView, &ServersView::setConnected);
     connect(&server, &KelServer::connectProgressed, statusLine, &StatusLine::setProgress);
-    connect(&actions, &ActionQueue::busyChanged, statusLine, &StatusLine::setBusy);
+    connect(&server, &KelServer::exchangeUnderWayChanged, statusLine, &StatusLine::setBusy);
     connect(&actions, &ActionQueue::faulted, this,
             [this](const QString &what) { reportFailure(tr("Internal Error"), what); });
 }
@@ -86,26 +89,27 @@ void FormMainView::connectTo(ConnectTarget target)
     m_connecting->connectTo(std::move(target));
 }
 
-void FormMainView::quickConnect(const QString &host, const QString &port, const QString &password)
+void FormMainView::connectByCommandLine(const QString &target, const QString &password)
 {
-    m_connecting->quickConnect(host, port, password);
+    m_connecting->connectByCommandLine(target, password);
 }
 
 void FormMainView::reportFailure(const QString &title, const QString &text)
 {
-    m_workplace.actions.start(tell(title, text));
+    m_workplace.actions.start(tell(title, text, AlertManner()));
 }
 
-QCoro::Task<> FormMainView::tell(QString title, QString text)
+QCoro::Task<> FormMainView::tell(QString title, QString text, AlertManner manner)
 {
-    co_await m_workplace.alerts.run(title, text);
+    const QStringList justOk;
+    co_await m_workplace.alerts.run(title, text, justOk, manner);
 }
 
 void FormMainView::showAbout()
 {
     const QString text = tr("Version %1\n\nSees and runs the dedicated server of your game from your desk.")
-                             .arg(QCoreApplication::applicationVersion());
-    m_workplace.actions.start(tell(tr("Kelvard Ferrow Remote Console"), text));
+                             .arg(QGuiApplication::applicationVersion());
+    m_workplace.actions.start(tell(tr("Kelvard Ferrow Remote Console"), text, AlertManner{.isGoodNews = true}));
 }
 
 void FormMainView::arrangeTabs()
@@ -123,11 +127,33 @@ void FormMainView::restoreLayout()
     const Preferences &preferences = m_workplace.preferences;
     resize(1180, 720);
     restoreGeometry(preferences.value(QStringLiteral("window/geometry")).toByteArray());
+    fitIntoScreen();
     m_splitter->setSizes({270, 910});
     m_splitter->restoreState(preferences.value(QStringLiteral("window/splitter")).toByteArray());
     serversView->restoreLayout(preferences);
     for (TabPage *page : tabControlMain->pages())
         page->restoreLayout(preferences);
+}
+
+void FormMainView::fitIntoScreen()
+{
+    if (isMaximized() || isFullScreen()) // the window system sees to these
+        return;
+    const QScreen *place = QGuiApplication::screenAt(geometry().center());
+    const QRect room = (place == nullptr ? screen() : place)->availableGeometry();
+    QMargins frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight), 0, 0); // a guess, until there is one
+    if (frameGeometry() != geometry())
+        frame = QMargins(geometry().left() - frameGeometry().left(), geometry().top() - frameGeometry().top(),
+                         frameGeometry().right() - geometry().right(), frameGeometry().bottom() - geometry().bottom());
+    const QRect inside = room.marginsRemoved(frame);
+    QRect fitting(pos(), size().boundedTo(inside.size()));
+    fitting.moveTopLeft(geometry().topLeft());
+    fitting.moveRight(std::min(fitting.right(), inside.right()));
+    fitting.moveBottom(std::min(fitting.bottom(), inside.bottom()));
+    fitting.moveLeft(std::max(fitting.left(), inside.left()));
+    fitting.moveTop(std::max(fitting.top(), inside.top()));
+    if (fitting != geometry())
+        setGeometry(fitting);
 }
 
 void FormMainView::saveLayout()
@@ -140,12 +166,23 @@ void FormMainView::saveLayout()
         page->saveLayout(preferences);
 }
 
+bool FormMainView::event(QEvent *event)
+{
+    // Before that nobody has put a frame around the window.
+    if (event->type() == QEvent::WindowActivate && !std::exchange(m_hasBeenActive, true))
+        fitIntoScreen();
+    return QMainWindow::event(event);
+}
+
 void FormMainView::closeEvent(QCloseEvent *event)
 {
     saveLayout();
     m_unsavedWork->finishEditing();
     if (m_unsavedWork->isAny()) {
         event->ignore();
+        // The answer may be to stay: what an earlier attempt has set up for the end is taken back.
+        m_workplace.actions.reopen();
+        disconnect(&m_workplace.actions, &ActionQueue::idle, this, &QWidget::close);
         if (!std::exchange(m_isAskingToClose, true))
             m_workplace.actions.start(closeAfterQuestion());
         return;
@@ -159,13 +196,15 @@ void FormMainView::closeEvent(QCloseEvent *event)
     event->ignore(); // come back when the last action has let go
     m_workplace.server.cancelExchange();
     connect(&m_workplace.actions, &ActionQueue::idle, this, &QWidget::close,
-            Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+            Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection | Qt::UniqueConnection));
 }
 
 QCoro::Task<> FormMainView::closeAfterQuestion()
 {
     const bool goesOn = co_await m_unsavedWork->settle();
     m_isAskingToClose = false;
-    if (goesOn)
-        close();
+    if (!goesOn)
+        co_return;
+    m_unsavedWork->giveUp();
+    close();
 }

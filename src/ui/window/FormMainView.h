@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Alerts.h"
 #include "Connecting.h"
 #include "Tabs.h"
 
@@ -29,16 +30,19 @@ public:
 
     /// Connects as one action: status line, session, then what a fresh connection shows.
     void connectTo(ConnectTarget target);
-    /// Fills the quick-connect form and connects; without a password it is asked for first.
-    void quickConnect(const QString &host, const QString &port, const QString &password);
+    /// Connects to the label of a saved server or to HOST:PORT, as Connecting has it.
+    void connectByCommandLine(const QString &target, const QString &password);
 
     /// Shows an alert without waiting for it.
     void reportFailure(const QString &title, const QString &text);
 
 signals:
     void demoServerRequested();
+    /// The user wants to read about hosting a server.
+    void hostingGuideRequested();
 
 protected:
+    bool event(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:
@@ -46,11 +50,12 @@ private:
     void layOut();
     void connectParts();
     void restoreLayout();
+    void fitIntoScreen();
     void saveLayout();
     void arrangeTabs();
     void showAbout();
     QCoro::Task<> closeAfterQuestion();
-    QCoro::Task<> tell(QString title, QString text);
+    QCoro::Task<> tell(QString title, QString text, AlertManner manner);
 
     Workplace m_workplace;
     QSplitter *m_splitter;
@@ -61,5 +66,6 @@ private:
     StatusLine *statusLine;
     std::unique_ptr<UnsavedWork> m_unsavedWork;
     Connecting *m_connecting;
+    bool m_hasBeenActive = false;
     bool m_isAskingToClose = false;
 };

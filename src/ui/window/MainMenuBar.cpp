@@ -8,11 +8,16 @@
 #include "ServersView.h"
 #include "TabPage.h"
 
+#include <QAbstractSpinBox>
 #include <QAction>
 #include <QActionGroup>
 #include <QApplication>
 #include <QCoreApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QMenu>
+#include <QPlainTextEdit>
+#include <QTextEdit>
 #include <QUndoStack>
 
 #include <utility>
@@ -27,6 +32,44 @@ MainMenuBar::MainMenuBar(MainTabs &tabs, ServersView &servers, KelServer &server
     makeMenusOfTabs();
     makeViewMenu();
     makeHelpMenu();
+    if (parent != nullptr)
+        parent->installEventFilter(this); // the keys that nobody inside claims come to it last
+}
+
+static bool isTextTyped()
+{
+    const QWidget *focus = QApplication::focusWidget();
+    if (const auto *field = qobject_cast<const QLineEdit *>(focus))
+        return !field->isReadOnly();
+    if (const auto *field = qobject_cast<const QAbstractSpinBox *>(focus))
+        return !field->isReadOnly();
+    if (const auto *field = qobject_cast<const QPlainTextEdit *>(focus))
+        return !field->isReadOnly();
+    const auto *field = qobject_cast<const QTextEdit *>(focus);
+    return field != nullptr && !field->isReadOnly();
+}
+
+bool MainMenuBar::eventFilter(QObject *watched, QEvent *event)
+{
+    // In a text field the key that disconnects deletes the next letter, or does nothing where the platform has no such
+    // key; who types does not expect it to leave the server.
+    if (event->type() == QEvent::ShortcutOverride && isTextTyped() &&
+        m_disconnectAction->shortcut() == QKeySequence(static_cast<QKeyEvent *>(event)->keyCombination())) {
+        event->accept();
+        return true;
+    }
+    return QMenuBar::eventFilter(watched, event);
+}
+
+bool MainMenuBar::event(QEvent *event)
+{
+    // While the keyboard is in the menus, Qt gives it the shortcuts of any part of the window.
+    if (event->type() == QEvent::ShortcutOverride && hasFocus() &&
+        static_cast<QKeyEvent *>(event)->modifiers().testFlag(Qt::ControlModifier)) {
+        event->accept();
+        return true;
+    }
+    return QMenuBar::event(event);
 }
 
 PageDocument *MainMenuBar::currentDocument() const
@@ -44,6 +87,7 @@ void MainMenuBar::makeFileMenu()
             if (PageDocument *document = currentDocument())
                 (document->*operation)();
         }));
+        documentActions.last()->setAutoRepeat(false);
     };
     add(tr("&New Rotation…"), QKeySequence::New, &PageDocument::newDocument);
     add(tr("&Open Rotation…"), QKeySequence::Open, &PageDocument::openDocument);
@@ -62,6 +106,7 @@ void MainMenuBar::makeFileMenu()
         page->fillFileMenu(*file);
     file->addSeparator();
     QAction *quit = file->addAction(tr("&Quit"), QKeySequence(tr("Ctrl+Q")), this, &MainMenuBar::quitRequested);
+    quit->setAutoRepeat(false);
     quit->setMenuRole(QAction::QuitRole);
 }
 
@@ -104,10 +149,21 @@ void MainMenuBar::makeServerMenu()
     QMenu *menu = addMenu(tr("&Server"));
     QAction *connectAction =
         menu->addAction(tr("&Connect"), QKeySequence(tr("Ctrl+Return")), this, [this] { m_servers.pressConnect(); });
-    menu->addAction(tr("&Disconnect"), QKeySequence(tr("Ctrl+D")), this, &MainMenuBar::disconnectRequested);
-    connect(menu, &QMenu::aboutToShow, connectAction,
-            [this, connectAction] { connectAction->setEnabled(m_servers.canConnect()); });
-    connect(menu, &QMenu::aboutToHide, connectAction, [connectAction] { connectAction->setEnabled(true); });
+    connectAction->setAutoRepeat(false);
+    // Elsewhere it sends what is typed; there it would leave the server.
+    connectAction->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    m_servers.addAction(connectAction);
+    m_disconnectAction =
+        menu->addAction(tr("&Disconnect"), QKeySequence(tr("Ctrl+D")), this, [this] { m_servers.pressDisconnect(); });
+    m_disconnectAction->setAutoRepeat(false);
+    connect(menu, &QMenu::aboutToShow, this, [this, connectAction] {
+        connectAction->setEnabled(m_servers.canConnect());
+        m_disconnectAction->setEnabled(m_servers.canDisconnect());
+    });
+    connect(menu, &QMenu::aboutToHide, this, [this, connectAction] {
+        connectAction->setEnabled(true);
+        m_disconnectAction->setEnabled(true);
+    });
 }
 
 void MainMenuBar::makeMenusOfTabs()
@@ -134,6 +190,7 @@ void MainMenuBar::makeViewMenu()
                 m_tabs.setCurrentIndex(place);
                 m_tabs.currentWidget()->setFocus();
             });
+        action->setAutoRepeat(false);
         const auto rename = [this, action, place] {
             action->setVisible(place < m_tabs.count());
             action->setText(m_tabs.tabText(place));
@@ -168,7 +225,7 @@ void MainMenuBar::makeHelpMenu()
 {
     QMenu *help = addMenu(tr("&Help"));
     help->addAction(tr("Try the &Demo Server"), this, &MainMenuBar::demoServerRequested);
-    help->addAction(tr("Server &Hosting"), this, [this] { m_servers.hostwellButtonPressed(); });
+    help->addAction(tr("Server &Hosting"), this, &MainMenuBar::hostingGuideRequested);
     QAction *about = help->addAction(tr("&About"), this, &MainMenuBar::aboutRequested);
     about->setMenuRole(QAction::AboutRole);
 }

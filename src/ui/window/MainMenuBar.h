@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HeldKey.h"
+
 #include <QMenuBar>
 #include <QUndoGroup>
 
@@ -21,12 +23,14 @@ public:
                 QWidget *parent = nullptr);
 
 signals:
-    void disconnectRequested();
     void demoServerRequested();
+    void hostingGuideRequested();
     void aboutRequested();
     void quitRequested();
 
 private:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void makeFileMenu();
     void makeEditMenu();
     void makeServerMenu();
@@ -42,6 +46,8 @@ private:
     ServersView &m_servers;
     KelServer &m_server;
     Preferences &m_preferences;
+    QAction *m_disconnectAction = nullptr;
     QUndoGroup m_undoGroup;
     bool m_isFocusInServers = false;
+    HeldKey m_heldKey;
 };

@@ -6,7 +6,12 @@
 #include "PageDocument.h"
 #include "TabPage.h"
 
-UnsavedWork::UnsavedWork(MainTabs &tabs, const Rotations &rotations) : m_tabs(tabs), m_rotations(rotations) {}
+UnsavedWork::UnsavedWork(MainTabs &tabs, const Rotations &rotations) : m_tabs(tabs), m_rotations(rotations)
+{
+    for (const RotationStore *store :
+         {static_cast<RotationStore *>(&rotations.maps), static_cast<RotationStore *>(&rotations.messages)})
+        QObject::connect(store, &RotationStore::unsavedWorkTouched, &m_context, [this] { m_isGivenUp = false; });
+}
 
 void UnsavedWork::finishEditing()
 {
@@ -18,15 +23,15 @@ void UnsavedWork::finishEditing()
 
 bool UnsavedWork::isAny() const
 {
-    return m_rotations.maps.hasUnsavedWork() || m_rotations.messages.hasUnsavedWork();
+    return !m_isGivenUp && (m_rotations.maps.hasUnsavedWork() || m_rotations.messages.hasUnsavedWork());
 }
 
 QCoro::Task<bool> UnsavedWork::settle()
 {
     finishEditing();
-    const bool areMapsSettled = co_await m_rotations.maps.saveUnsavedWork();
+    const bool areMapsSettled = co_await m_rotations.maps.saveUnsavedChanges();
     if (!areMapsSettled)
         co_return false;
-    const bool areMessagesSettled = co_await m_rotations.messages.saveUnsavedWork();
+    const bool areMessagesSettled = co_await m_rotations.messages.saveUnsavedChanges();
     co_return areMessagesSettled;
 }

@@ -2,6 +2,7 @@
 #include "CompareWindow.h"
 #include "ConfigBuilderView.h"
 #include "Controls.h"
+#include "DvarSetting.h"
 #include "DvarSettingList.h"
 #include "FileSizeLimit.h"
 #include "SectionTable.h"
@@ -167,6 +168,12 @@ private slots:
                  QString("2 differ, 1 only in file, 3 only on server, 1 same"));
         const QAbstractItemModel &rows = *control<QTableView>(*window, "comparisonTableView")->model();
         QCOMPARE(rows.rowCount(), 6);
+        QStringList states;
+        for (int row = 0; row < rows.rowCount(); ++row)
+            states.append(rows.index(row, 3).data().toString());
+        const QStringList expected =
+            QStringList(2, "Differs") + QStringList("Only in file") + QStringList(3, "Only on server");
+        QCOMPARE(states, expected); // what loading would change comes first
         control<QCheckBox>(*window, "showEqualOnes")->click();
         QCOMPARE(rows.rowCount(), 7);
         control<QLineEdit>(*window, "comparisonFilterField")->setText("differs");
@@ -175,6 +182,14 @@ private slots:
                  QString("Variable\tValue Now\tValue in File\tState\nsv_hostname\th\t<b>\tDiffers\n"
                          "rcon_password\t(hidden)\t(hidden)\tDiffers\n"));
         QCOMPARE(rows.index(0, 2).data(Qt::ToolTipRole).toString(), QString("<span>&lt;b&gt;</span>"));
+        control<QLineEdit>(*window, "comparisonFilterField")->setText("g_new");
+        control<QPushButton>(*window, "copyButton")->click();
+        QCOMPARE(QGuiApplication::clipboard()->text().section('\n', 1, 1), QString("g_new\t\ta b\tOnly in file"));
+        const auto *table = control<PlaceholderTable>(*window, "comparisonTableView");
+        QVERIFY(control<QPushButton>(*window, "copyButton")->isEnabled());
+        control<QLineEdit>(*window, "comparisonFilterField")->setText("nowhere");
+        QVERIFY(!control<QPushButton>(*window, "copyButton")->isEnabled());
+        QCOMPARE(table->placeholder(), QString("No variable matches the filter."));
         control<QPushButton>(*window, "loadOnlyDifferencesButton")->click();
         QVERIFY(builder.settle());
         QCOMPARE(builder.exchange.sent(),
@@ -184,8 +199,112 @@ private slots:
         window = builder.compare("sv_hostname \"<b>\"\n");
         QVERIFY(window != nullptr);
         QVERIFY(control<QLabel>(*window, "countsLabel")->text().startsWith("The file would change nothing: 0 differ"));
+        QVERIFY(!control<QPushButton>(*window, "loadOnlyDifferencesButton")->isEnabled());
         builder.server.disconnect();
         QVERIFY(!window->isVisible() && !builder.button("compareConfigButton")->isEnabled());
+    }
+
+    void theComparisonIsOfOneConnection_data()
+    {
+        QTest::addColumn<bool>("isAnother");
+        QTest::newRow("the connection ends") << false;
+        QTest::newRow("another one begins") << true;
+    }
+    void theComparisonIsOfOneConnection()
+    {
+        QFETCH(bool, isAnother);
+        Builder builder;
+        const CompareWindow *window = builder.compare("g_new \"1\"\n");
+        QVERIFY(window != nullptr && window->isVisible());
+        if (isAnother)
+            emit builder.server.connectionBegan();
+        else
+            builder.server.disconnect();
+        QVERIFY(!window->isVisible());
+    }
+
+    void tellsThatTheFileHoldsWhatTheServerHas()
+    {
+        Builder builder;
+        QByteArray everything;
+        for (const ConfigurationEntry &entry :
+             writtenEntries({builder.settings.sortedSettingsValues(), builder.gametypes.listedGametypes(),
+                             builder.server.dvarList()}))
+            everything += (entry.dvar + " \"" + entry.value + "\"\n").toUtf8();
+        const CompareWindow *window = builder.compare(everything);
+        QVERIFY(window != nullptr);
+        QCOMPARE(control<PlaceholderTable>(*window, "comparisonTableView")->placeholder(),
+                 QString("The file holds what the server has."));
+    }
+
+    void savesWithTheEndingOfAConfiguration_data()
+    {
+        QTest::addColumn<QString>("chosen");
+        QTest::addColumn<QString>("written");
+        QTest::newRow("capitals") << "A.CFG"
+                                  << "A.CFG";
+        QTest::newRow("none") << "b"
+                              << "b.cfg";
+        QTest::newRow("another") << "c.txt"
+                                 << "c.txt.cfg";
+    }
+    void savesWithTheEndingOfAConfiguration()
+    {
+        QFETCH(QString, chosen);
+        Builder builder;
+        awaited(builder.view.saveConfigTo(builder.folder.filePath(chosen), {}));
+        QTEST(QDir(builder.folder.path()).entryList(QDir::Files).filter("cfg", Qt::CaseInsensitive).join(' '),
+              "written");
+    }
+
+    void theNextFileIsLookedForWhereTheLastOneWas()
+    {
+        Builder builder;
+        builder.choose("saveConfigButton", "old");
+        QVERIFY(builder.settle());
+        builder.button("loadConfigButton")->click();
+        const auto *panel = control<QFileDialog>(builder.view, "loadConfigPanel");
+        QCOMPARE(panel->directory().canonicalPath(), QFileInfo(builder.folder.path()).canonicalFilePath());
+    }
+
+    void aButtonThatWasGreyGetsTheFocusBack()
+    {
+        Builder builder;
+        QVERIFY(QTest::qWaitForWindowActive(&builder.window));
+        builder.exchange.hold();
+        builder.button("loadConfigButton")->setFocus();
+        builder.load("a \"1\"\n");
+        QTRY_COMPARE(builder.exchange.keptCount(), 1);
+        QVERIFY(!builder.button("loadConfigButton")->hasFocus());
+        builder.exchange.release();
+        QVERIFY(builder.settle());
+        QCOMPARE(builder.window.focusWidget(), builder.button("loadConfigButton"));
+    }
+
+    void theLastValuesCanBeSavedWhenTheServerHasGone()
+    {
+        Builder builder;
+        QCOMPARE(builder.groups()->placeholder(), QString("The catalogue has no groups."));
+        builder.server.disconnect();
+        QVERIFY(builder.button("saveConfigButton")->isEnabled());
+        QCOMPARE(builder.groups()->placeholder(), QString("Not connected. Connect to a server to see its groups."));
+    }
+
+    void countsTheVariablesThatTheServerReports()
+    {
+        Builder builder;
+        const SectionTable *table = builder.groups();
+        const auto count = [table] {
+            return table->model()->index(0, 1).data().toString();
+        };
+        const auto list = builder.settings.sortedSettingsValues().first();
+        QCOMPARE(table->model()->index(0, 0).data().toString(), list->name());
+        QCOMPARE(count(), QString("1")); // the server's name
+        for (const auto &setting : list->settings())
+            builder.server.addDvarLine(QString(setting->dvar() + " \"1\""));
+        emit builder.server.dvarListChanged();
+        QVERIFY(list->settings().size() > 1);
+        QCOMPARE(count(), QString::number(list->settings().size()));
     }
 
     void theSecondVisitSelectsAllRows()

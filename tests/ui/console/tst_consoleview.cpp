@@ -43,6 +43,7 @@ private slots:
         QVERIFY(!console.input->isUndoAvailable()); // a password may have been typed
         QCOMPARE(stepper->minimum(), -1);
         QCOMPARE(stepper->maximum(), 2); // duplicates are kept
+        QCOMPARE(stepper->text(), "New");
         QLineEdit *input = console.input;
         QStringList seen;
         for (int i = 0; i < 4; ++i) {
@@ -50,11 +51,16 @@ private slots:
             seen.append(input->text());
         }
         QCOMPARE(seen, QStringList({"b", "b", "a", "a"}));
+        QCOMPARE(stepper->text(), u"\u22123"_qs); // the third from the end
         stepper->setValue(0);
         QCOMPARE(input->text(), "b");
         QTest::keyClick(input, Qt::Key_Down);
         QVERIFY(input->text().isEmpty());
         QCOMPARE(console.exchange.sent().size(), 3); // stepping sends nothing
+        QTest::keyClick(input, Qt::Key_Up);
+        QTest::keyClick(input, Qt::Key_Up);
+        QTest::keyClick(input, Qt::Key_Return);
+        QCOMPARE(stepper->text(), "New"); // and the newest is one step away again
     }
 
     void theFocusOfThePageGoesToTheCommandLine()
@@ -85,8 +91,10 @@ private slots:
         QCOMPARE(console.output->toPlainText(), "] status\ndone\n");
         console.server.disconnect();
         QVERIFY(!console.input->isEnabled());
+        QCOMPARE(console.input->placeholderText(), "Not connected");
         console.connectToServer();
         QVERIFY(console.input->isEnabled());
+        QCOMPARE(console.input->placeholderText(), "Type a console command");
         QVERIFY(console.output->toPlainText().isEmpty());
         QCOMPARE(console.stepper->maximum(), -1);
         console.stepper->stepBy(1);
@@ -219,6 +227,32 @@ private slots:
         QCOMPARE(console.input->text(), "typed on");
         QTest::keyClick(console.input, Qt::Key_Up);
         QCOMPARE(console.input->text(), u"a \u0436"_qs); // not lost
+    }
+
+    void forgetsItsOldestLinesUnderTheReadersEyes()
+    {
+        TranscriptView transcript;
+        transcript.resize(400, 200);
+        transcript.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&transcript));
+        const auto append = [&transcript](int from, int to) {
+            QString text;
+            for (int number = from; number < to; ++number)
+                text += QString::number(number) + '\n';
+            transcript.appendConsoleMessage(text);
+        };
+        const auto firstShown = [&transcript] {
+            return transcript.cursorForPosition(QPoint(5, 5)).block().text();
+        };
+        append(0, 210'000);
+        transcript.verticalScrollBar()->setValue(150'000);
+        QCOMPARE(firstShown(), "150000");
+        append(210'000, 219'990);
+        QCOMPARE(transcript.blockCount(), 219'991); // not a few at each line: the whole text is moved
+        append(219'990, 220'010);
+        QCOMPARE(transcript.blockCount(), 200'000);
+        QCOMPARE(firstShown(), "150000");
+        QVERIFY(transcript.document()->lastBlock().previous().text() == "220009");
     }
 
     void keepsTheReadersSelection()

@@ -1,6 +1,8 @@
 #include "ElidingLabel.h"
 #include "MapsFixture.h"
 
+#include <QLabel>
+
 class BuiltRotationTest : public QObject
 {
     Q_OBJECT
@@ -53,6 +55,66 @@ private slots:
         QCOMPARE(maps.mapRotations.entries().size(), 1);
     }
 
+    void asksBeforeAnEmptyRotationIsSet_data()
+    {
+        QTest::addColumn<int>("pressed");
+        QTest::addColumn<bool>("isCalledOff"); // while the question is open
+        QTest::addColumn<QStringList>("sent");
+        QTest::newRow("set") << 0 << false
+                             << QStringList{"setadmindvar sv_mapRotation \"\"",
+                                            "setadmindvar sv_mapRotationCurrent \"\"", "map_rotate"};
+        QTest::newRow("cancel") << 1 << false << QStringList();
+        QTest::newRow("set, after the connection has ended") << 0 << true << QStringList();
+    }
+    void asksBeforeAnEmptyRotationIsSet()
+    {
+        QFETCH(int, pressed);
+        QFETCH(bool, isCalledOff);
+        QFETCH(QStringList, sent);
+        Maps maps;
+        awaited(maps.view.updateMapList(255));
+        maps.exchange.forgetSent();
+        for (const QString &command : std::as_const(sent))
+            maps.exchange.answer(command, ScriptedExchange::ok());
+        maps.alerts.hold();
+        maps.press("setBuiltRotationButton");
+        QTRY_COMPARE(maps.alerts.openCount(), 1);
+        QVERIFY(!maps.rotation().isEmpty());
+        QCOMPARE(maps.alerts.titles(), QStringList("Set Empty Rotation"));
+        QVERIFY(maps.alerts.texts().last().startsWith("The server's rotation will be empty"));
+        QCOMPARE(maps.alerts.shown().last().buttons, QStringList({"Set Empty Rotation", "Cancel"}));
+        QCOMPARE(maps.alerts.manners().last().defaultButton, 1);
+        if (isCalledOff) {
+            maps.actions.dropWaiting();
+            maps.server.disconnect();
+            maps.connectToServer(); // to another server
+        }
+        maps.alerts.dismiss(pressed);
+        QVERIFY(maps.settle());
+        QCOMPARE(maps.exchange.sent().first(sent.size()), sent);
+        QCOMPARE(maps.exchange.sent().isEmpty(), sent.isEmpty());
+        QCOMPARE(maps.alerts.shown().size(), 1);
+    }
+
+    void theMarkGoesWithUndoingAndComesWithRedoing()
+    {
+        Maps maps;
+        const auto *mark = control<QLabel>(maps.view, "labelUnsavedChanges");
+        QWidget *table = control<QWidget>(maps.view, "mapRotationPreviewTableView");
+        maps.view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&maps.view));
+        awaited(maps.mapRotations.addEntries({{"Saltworks", "Domination"}}));
+        QTRY_VERIFY(!mark->isHidden());
+        QVERIFY(awaited(maps.mapRotations.saveUIChanges("mine")));
+        QTRY_VERIFY(mark->isHidden());
+        awaited(maps.mapRotations.addEntries({{"Ropeway", "Domination"}}));
+        QTRY_VERIFY(!mark->isHidden());
+        QTest::keyClick(table, Qt::Key_Z, Qt::ControlModifier);
+        QTRY_VERIFY(mark->isHidden());
+        QTest::keyClick(table, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QTRY_VERIFY(!mark->isHidden());
+    }
+
     void refusesUnknownNames()
     {
         Maps maps;
@@ -69,7 +131,13 @@ private slots:
     {
         Maps maps;
         awaited(maps.view.updateMapList(255));
-        awaited(maps.mapRotations.saveUIChanges("mine"));
+        awaited(maps.mapRotations.addToRotation("Saltworks", "Domination"));
+        maps.alerts.answerWith(2); // "Cancel"
+        maps.press("copyToBuilderButton");
+        QVERIFY(maps.settle());
+        QCOMPARE(maps.alerts.titles(), QStringList("Unsaved Changes to Map Rotation"));
+        QCOMPARE(maps.mapRotations.rowCount(), 1);
+        QVERIFY(awaited(maps.mapRotations.saveUIChanges("mine")));
         maps.press("copyToBuilderButton");
         QVERIFY(maps.settle());
         QStringList copied;

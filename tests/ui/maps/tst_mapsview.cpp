@@ -77,7 +77,6 @@ private slots:
         QFETCH(bool, isCancelled);
         Maps maps;
         awaited(maps.view.updateMapList(7));
-        const QStringList shown = maps.current();
         maps.exchange.forgetSent();
         maps.exchange.hold();
         const QCoro::Task<> task = maps.view.updateMapList(7);
@@ -85,8 +84,6 @@ private slots:
             maps.exchange.release();
             QTRY_COMPARE(maps.exchange.sent().size(), i + 2);
         }
-        maps.exchange.forget("g_gametype");
-        maps.exchange.forget("mapname");
         if (isCancelled)
             maps.exchange.cancel();
         maps.server.disconnect();
@@ -94,9 +91,50 @@ private slots:
             maps.exchange.release();
         QTRY_VERIFY(task.isReady());
         QCOMPARE(maps.exchange.sent().size(), answered + 1);
-        QCOMPARE(maps.current(), shown);
-        QCOMPARE(maps.rotation(), tdmRotation);
+        QCOMPARE(maps.current(), QStringList({"", ""})); // what comes late is the former server's
+        QCOMPARE(maps.rotation(), QList<RotationRow>());
         QCOMPARE(maps.alerts.shown().size(), 0);
+    }
+
+    void theFormerServersRotationGoes_data()
+    {
+        QTest::addColumn<bool>("isEnded"); // before the next connect
+        QTest::newRow("with the connection") << true;
+        QTest::newRow("with the next one, which tells none") << false;
+    }
+    void theFormerServersRotationGoes()
+    {
+        QFETCH(bool, isEnded);
+        Maps maps;
+        QMenu menu;
+        maps.view.fillMenu(menu);
+        const auto isOffered = [&menu](const QString &text) {
+            emit menu.aboutToShow();
+            for (const QAction *action : menu.actions()) {
+                if (action->text() == text)
+                    return action->isEnabled();
+            }
+            return false;
+        };
+        const auto *table = control<PlaceholderTable>(maps.view, "mapServerRotationTableView");
+        awaited(maps.view.updateMapList(7));
+        QVERIFY(isOffered("&Copy Server's Rotation to Builder") && isOffered("Set Rotation &on Server"));
+        maps.exchange.forget("sv_mapRotation");
+        if (isEnded)
+            maps.server.disconnect();
+        else
+            maps.connectToServer();
+        QCOMPARE(maps.rotation(), QList<RotationRow>());
+        QCOMPARE(table->placeholder().startsWith("Not connected."), isEnded);
+        awaited(maps.view.didConnect());
+        QCOMPARE(maps.rotation(), QList<RotationRow>());
+        QVERIFY(!maps.button("copyToBuilderButton").isEnabled());
+        QVERIFY(!isOffered("&Copy Server's Rotation to Builder"));
+        QCOMPARE(maps.button("setBuiltRotationButton").isEnabled(), !isEnded);
+        QCOMPARE(isOffered("Set Rotation &on Server"), !isEnded);
+        const MapsView later(maps.server, maps.actions, maps.alerts, maps.preferences, maps.catalogues(),
+                             maps.mapRotations);
+        QCOMPARE(control<QPushButton>(later, "setBuiltRotationButton")->isEnabled(), !isEnded);
     }
 
     void sendsItsCommands()
@@ -112,14 +150,50 @@ private slots:
             QCOMPARE(maps.alerts.shown().size(), 0);
             maps.exchange.answer(command, ScriptedExchange::failure("lost %1"));
             pressed->click();
-            QVERIFY(maps.settle());
-            maps.server.disconnect();
-            pressed->click();
             QCOMPARE(maps.sent().size(), 2);
-            const QString text = QString("'%1' returned an error: ").arg(command);
-            QCOMPARE(maps.alerts.titles(), QStringList({"Remote Command Failure", "Remote Command Failure"}));
-            QCOMPARE(maps.alerts.texts(), QStringList({text + "lost %1", text + "Not connected to a game server."}));
+            QCOMPARE(maps.alerts.titles(), QStringList{"Remote Command Failure"});
+            QCOMPARE(maps.alerts.texts(), QStringList{QString("'%1' returned an error: lost %2").arg(command, "%1")});
         }
+    }
+
+    void nothingCanBePressedWithoutAConnection()
+    {
+        Maps maps;
+        QMenu menu;
+        maps.view.fillMenu(menu);
+        maps.choose("Domination", "Ropeway");
+        const auto enabled = [&maps, &menu] {
+            QStringList names;
+            for (const char *name : {"refreshCurrentMapButton", "restartMapButton", "fastRestartMapButton",
+                                     "startNextMapButton", "loadMapButton"}) {
+                if (maps.button(name).isEnabled())
+                    names.append(name);
+            }
+            for (const QAction *action : menu.actions().first(5)) {
+                if (action->isEnabled())
+                    names.append(action->text());
+            }
+            return names;
+        };
+        awaited(maps.view.updateMapList(MapsView::AllFlags));
+        QCOMPARE(enabled().size(), 10);
+        QCOMPARE(maps.current(), QStringList({"Team Match", "Saltworks"}));
+        maps.server.disconnect();
+        QCOMPARE(enabled(), QStringList());
+        QCOMPARE(maps.current(), QStringList({"", ""}));
+        maps.connectToServer();
+        QCOMPARE(enabled().size(), 10);
+    }
+
+    void aRefreshThatIsTickedStartsWithTheConnect()
+    {
+        Maps maps;
+        maps.preferences.setValue("autoupdateMaps", true);
+        const auto *timer = control<QTimer>(maps.view, "autoupdateMapsTimer");
+        QVERIFY(!timer->isActive());
+        awaited(maps.view.didConnect());
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 30000);
     }
 
     void aCommandCalledOffRaisesNoAlert()

@@ -7,6 +7,7 @@
 #include "SessionFixture.h"
 #include "TestPreferences.h"
 
+#include <QCheckBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -75,11 +76,84 @@ private slots:
         messages.view.quickMessageButtonPressed();
         messages.view.quickMessageButtonPressed(); // twice by mistake
         QTRY_COMPARE(messages.exchange.keptCount(), 1);
+        QCOMPARE(field.text(), QString());
+        QTest::keyClicks(&field, "next");
         messages.exchange.release(); // nothing answers: it goes all the same
         QVERIFY(messages.settle());
         QCOMPARE(messages.exchange.sent(), QStringList("say \"a \"b\" ^1c\""));
         QCOMPARE(messages.alerts.texts(), QStringList("'Say' returned an error: no answer"));
+        QCOMPARE(field.text(), QString("next"));
+        QTest::keyClick(&field, Qt::Key_Return);
+        QTRY_COMPARE(messages.exchange.keptCount(), 1);
+        messages.exchange.release();
+        QCOMPARE(messages.sent().last(), QString("say \"next\""));
+    }
+
+    void aColourGoesToWhereIsTyped()
+    {
+        Messages messages;
+        QuickMessageField &field = *control<QuickMessageField>(messages.view, "quickMessageTextField");
+        field.setText("ab");
+        field.setCursorPosition(1);
+        field.insertColorCode(2);
+        field.insert("x");
+        QCOMPARE(field.text(), QString("a^2xb"));
+    }
+
+    void theLoopBoxIsKept()
+    {
+        Messages messages;
+        auto *box = control<QCheckBox>(messages.view, "checkBoxLoopMessages");
+        for (const bool isOn : {true, false}) {
+            box->setChecked(isOn);
+            QCOMPARE(messages.preferences.boolValue("checkBoxLoopMessages"), isOn);
+            const MessagesView later(messages.messageRotations, messages.actions, messages.alerts,
+                                     messages.preferences);
+            QCOMPARE(control<QCheckBox>(later, "checkBoxLoopMessages")->isChecked(), isOn);
+        }
+    }
+
+    void anEditIsMarkedAsUnsaved()
+    {
+        Messages messages;
+        const auto *mark = control<QLabel>(messages.view, "labelUnsavedChanges");
+        awaited(messages.messageRotations.addEntries({{"a", "60"}}));
+        QTRY_VERIFY(!mark->isHidden());
+        QVERIFY(awaited(messages.messageRotations.saveUIChanges("n")));
+        QTRY_VERIFY(mark->isHidden());
+        QAbstractItemModel &model = *messages.messageRotations.tableModel();
+        QVERIFY(model.setData(model.index(0, 1), "61"));
+        QTRY_VERIFY(!mark->isHidden());
+    }
+
+    void aMessageThatWasNotSentComesBack()
+    {
+        Messages messages;
+        QuickMessageField &field = *control<QuickMessageField>(messages.view, "quickMessageTextField");
+        messages.exchange.hold();
+        field.setText("first");
+        QTest::keyClick(&field, Qt::Key_Return);
+        QTRY_COMPARE(messages.exchange.keptCount(), 1);
+        field.setText("second");
+        QTest::keyClick(&field, Qt::Key_Return); // waits
         QCOMPARE(field.text(), QString());
+        messages.actions.refuseWaiting();
+        QTRY_COMPARE(field.text(), QString("second"));
+        QVERIFY(messages.preview().contains("second"));
+        messages.exchange.release();
+        QCOMPARE(messages.sent(), QStringList("say \"first\""));
+    }
+
+    void nothingStartsWithoutAConnection()
+    {
+        Messages messages;
+        awaited(messages.messageRotations.addEntries({{"a", "60"}}));
+        QVERIFY(messages.button("buttonStartMessageRotation").isEnabled());
+        messages.server.disconnect();
+        QVERIFY(!messages.button("buttonStartMessageRotation").isEnabled());
+        QCOMPARE(messages.onAir(), QString("Stopped"));
+        messages.connectToServer();
+        QVERIFY(messages.button("buttonStartMessageRotation").isEnabled());
     }
 
     void keepsAQuickMessageThatTheGameCannotHold()

@@ -1,4 +1,5 @@
 #include "Controls.h"
+#include "PlaceholderTable.h"
 #include "PlayerSendMessage.h"
 #include "PlayersView.h"
 #include "SessionFixture.h"
@@ -10,6 +11,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
@@ -18,10 +20,24 @@
 #include <QTableView>
 #include <QTimer>
 
+using namespace std::chrono_literals;
+
+/// A player whose address ends in `host`.
+static QString lineOf(int number, const QString &name, int host, int score = 0)
+{
+    return QStringLiteral("%1 %4 48 g%3 %2 allies 0 192.0.2.%3:50074 77 25000\n")
+        .arg(number)
+        .arg(name)
+        .arg(host)
+        .arg(score);
+}
+
 static QString line(int number, const QString &name, int score = 0)
 {
-    return QStringLiteral("%1 %3 48 g%1 %2 allies 0 10.0.0.%1:3074 77 25000\n").arg(number).arg(name).arg(score);
+    return lineOf(number, name, number, score);
 }
+
+static const QString title = QStringLiteral("num score ping guid name team lastmsg address qport rate\n");
 
 /// A connected session with three players in the list.
 struct Players : SessionFixture {
@@ -70,9 +86,20 @@ struct Players : SessionFixture {
     /// How many there are with those that the filter hides.
     int count() const { return qobject_cast<QAbstractProxyModel *>(table->model())->sourceModel()->rowCount(); }
 
+    void write(const QString &message)
+    {
+        control<QLineEdit>(view, "messageTextField")->setText(message);
+        press("sendButton");
+    }
+    bool isEnabled(const char *button) const { return control<QPushButton>(view, button)->isEnabled(); }
+    QString told() const { return control<QLabel>(view, "playerCountLabel")->text(); }
+
+    std::chrono::steady_clock::time_point now{1h};
     TestPreferences preferences{folder};
-    PlayersView view{server, actions, alerts, preferences};
-    QTableView *table = control<QTableView>(view, "playersTableView");
+    PlayersView view{server, actions, alerts, preferences, nullptr, [this] {
+                         return now;
+                     }};
+    PlaceholderTable *table = control<PlaceholderTable>(view, "playersTableView");
 };
 
 class PlayersViewTest : public QObject
@@ -86,9 +113,321 @@ private slots:
         players.press("refreshPlayersButton");
         awaited(players.view.didConnect());
         QCOMPARE(players.sent(), QStringList());
-        players.view.setInFront(true);
-        awaited(players.view.didConnect());
+        players.view.setInFront(true); // in front again it is fetched at once
         QCOMPARE(players.sent(), QStringList{"teamstatus"});
+        awaited(players.view.didConnect());
+        QCOMPARE(players.sent(), QStringList({"teamstatus", "teamstatus"}));
+    }
+
+    void aConnectFetchesTheListOnce_data()
+    {
+        QTest::addColumn<bool>("comesToTheFront"); // when the tabs are arranged in the middle of it
+        QTest::addColumn<bool>("isInFrontAfterwards");
+        QTest::newRow("in front all the time") << false << false;
+        QTest::newRow("brought to the front by it") << true << false;
+        QTest::newRow("made on another tab") << false << true;
+    }
+    void aConnectFetchesTheListOnce()
+    {
+        QFETCH(bool, comesToTheFront);
+        QFETCH(bool, isInFrontAfterwards);
+        Players players;
+        if (comesToTheFront || isInFrontAfterwards)
+            players.view.setInFront(false);
+        if (comesToTheFront)
+            connect(&players.server, &KelServer::dvarListChanged, &players.view, [&] {
+                if (players.count() == 0)
+                    players.view.setInFront(true);
+            });
+        awaited(players.server.connectToHost("192.0.2.1", "50960", "typed"));
+        awaited(players.view.didConnect());
+        if (isInFrontAfterwards) {
+            QCOMPARE(players.sent().count("teamstatus"), 0);
+            players.view.setInFront(true);
+        }
+        QCOMPARE(players.sent().count("teamstatus"), 1);
+        QCOMPARE(players.count(), 3);
+    }
+
+    void nothingCanBePressedWithoutAConnection()
+    {
+        Players players;
+        QMenu menu;
+        players.view.fillMenu(menu);
+        const auto enabled = [&players, &menu] {
+            QStringList names;
+            for (const char *button : {"refreshPlayersButton", "kickPlayerButton", "banPlayerButton",
+                                       "tempBanPlayerButton", "messagePlayerButton", "kickAllButton"}) {
+                if (players.isEnabled(button))
+                    names.append(button);
+            }
+            for (const QAction *action : menu.actions()) {
+                if (action->isEnabled() && !action->isSeparator())
+                    names.append(action->text());
+            }
+            return names;
+        };
+        players.select({"Ann"});
+        QCOMPARE(enabled().size(), 12);
+        QVERIFY(players.isEnabled("savePlayerListButton"));
+        players.server.disconnect();
+        QCOMPARE(enabled(), QStringList());
+        QVERIFY(!players.isEnabled("savePlayerListButton"));
+        QCOMPARE(players.count(), 0);
+        QVERIFY(players.table->placeholder().startsWith("Not connected."));
+        players.connectToServer();
+        QCOMPARE(enabled(), QStringList({"refreshPlayersButton", "kickAllButton", "&Refresh", "Kick &All…"}));
+        players.list(title);
+        players.refresh();
+        QVERIFY(!players.isEnabled("savePlayerListButton"));
+    }
+
+    void aListThatComesAfterTheEndIsNotShown()
+    {
+        Players players;
+        players.exchange.hold();
+        players.press("refreshPlayersButton");
+        players.server.disconnect();
+        players.exchange.release();
+        QVERIFY(players.settle());
+        QCOMPARE(players.count(), 0);
+    }
+
+    void whoeverHasTheNumberNowIsNotHitForAnother_data()
+    {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QString>("sent");
+        QTest::newRow("kick") << "kickPlayerButton"
+                              << "clientkick 2";
+        QTest::newRow("ban") << "banPlayerButton"
+                             << "banclient 2";
+        QTest::newRow("temp ban") << "tempBanPlayerButton"
+                                  << "tempbanclient 2";
+        QTest::newRow("message") << "messagePlayerButton"
+                                 << "tell 2 hello";
+    }
+    void whoeverHasTheNumberNowIsNotHitForAnother()
+    {
+        QFETCH(QString, button);
+        QFETCH(QString, sent);
+        Players players;
+        players.exchange.hold();
+        players.press("refreshPlayersButton");
+        players.select({"Ann"});
+        players.press(button.toLatin1().constData()); // waits behind the refresh
+        if (button == "messagePlayerButton")
+            players.write("hello");
+        players.list(lineOf(2, "Ann", 1) + lineOf(1, "Bob", 2)); // they have swapped their numbers
+        players.exchange.release();
+        QTRY_COMPARE(players.exchange.keptCount(), 1);
+        players.exchange.release();
+        QCOMPARE(players.sent(), QStringList({"teamstatus", sent}));
+        QVERIFY(players.alerts.shown().isEmpty());
+    }
+
+    void aPlayersNumberIsLookedUpBeforeEachCommand()
+    {
+        Players players;
+        players.exchange.hold();
+        const QCoro::Task<> refresh = players.view.updatePlayerList();
+        players.select({"Ann", "Bob", "Cy"});
+        players.press("kickPlayerButton");
+        QCOMPARE(players.exchange.keptCount(), 2);
+        players.list(line(1, "Ann") + lineOf(7, "Bob", 2) + line(2, "New")); // comes while Ann is being kicked
+        for (const char *command : {"clientkick 1", "clientkick 7"}) {
+            players.exchange.release();
+            QTRY_VERIFY(players.exchange.sent().contains(command));
+        }
+        players.exchange.release();
+        QCOMPARE(players.sent(), QStringList({"teamstatus", "clientkick 1", "clientkick 7"}));
+        QCOMPARE(players.alerts.texts(),
+                 QStringList{"The following player(s) failed to process the 'clientkick' command: \n"
+                             "  Cy (is not in the list any more)"});
+        QVERIFY(refresh.isReady());
+    }
+
+    void anOldListIsReadAgainFirst_data()
+    {
+        QTest::addColumn<int>("seconds");
+        QTest::addColumn<QStringList>("sent");
+        QTest::newRow("new") << 0 << QStringList{"clientkick 1"};
+        QTest::newRow("five seconds") << 5 << QStringList{"clientkick 1"};
+        QTest::newRow("six seconds") << 6 << QStringList{"teamstatus", "clientkick 9"};
+        QTest::newRow("a day") << 86400 << QStringList{"teamstatus", "clientkick 9"};
+    }
+    void anOldListIsReadAgainFirst()
+    {
+        QFETCH(int, seconds);
+        Players players;
+        players.select({"Ann"});
+        players.list(line(1, "New") + lineOf(9, "Ann", 1));
+        players.now += std::chrono::seconds(seconds);
+        players.press("kickPlayerButton");
+        QTEST(players.sent(), "sent");
+        QVERIFY(players.alerts.shown().isEmpty());
+    }
+
+    void theListGetsOldWhileTheActionWaits()
+    {
+        Players players;
+        players.exchange.answer("say", ScriptedExchange::ok());
+        players.select({"Ann"});
+        players.exchange.hold();
+        players.press("kickPlayerButton");
+        players.press("banPlayerButton"); // waits
+        players.now += 6s;
+        players.exchange.release();
+        QTRY_COMPARE(players.exchange.keptCount(), 1);
+        QCOMPARE(players.exchange.sent(), QStringList({"clientkick 1", "teamstatus"}));
+        players.exchange.release();
+        QTRY_COMPARE(players.exchange.keptCount(), 1);
+        players.exchange.release();
+        QCOMPARE(players.sent(), QStringList({"clientkick 1", "teamstatus", "banclient 1"}));
+    }
+
+    void disconnectingWhileTheListIsReadAgainSendsNothing()
+    {
+        Players players;
+        players.select({"Ann"});
+        players.now += 6s;
+        players.exchange.hold();
+        players.press("kickPlayerButton");
+        QCOMPARE(players.exchange.keptCount(), 1);
+        players.actions.dropWaiting(); // the connection itself would refuse to send
+        players.exchange.release();
+        QCOMPARE(players.sent(), QStringList{"teamstatus"});
+        QVERIFY(players.alerts.shown().isEmpty());
+    }
+
+    void nothingIsSentIfWhoHasWhichNumberIsUncertain_data()
+    {
+        QTest::addColumn<Reply>("reply");
+        QTest::addColumn<QString>("reason");
+        const QString incomplete = "It may have come incomplete. Try again.";
+        QTest::newRow("no answer") << ScriptedExchange::failure(" lost\n") << "lost";
+        QTest::newRow("a row is cut off") << ScriptedExchange::ok(title + line(1, "Ann") + "2 0 48 g2 B") << incomplete;
+        QTest::newRow("without its beginning") << ScriptedExchange::ok(line(1, "Ann")) << incomplete;
+    }
+    void nothingIsSentIfWhoHasWhichNumberIsUncertain()
+    {
+        QFETCH(Reply, reply);
+        QFETCH(QString, reason);
+        Players players;
+        players.list(title + line(1, "Ann") + line(2, "Bob"));
+        players.refresh();
+        players.exchange.forgetSent();
+        players.select({"Ann"});
+        players.now += 6s;
+        players.exchange.answer("teamstatus", reply);
+        players.press("kickPlayerButton");
+        QCOMPARE(players.sent(), QStringList{"teamstatus"});
+        QCOMPARE(players.alerts.titles(), QStringList{"Remote Command Failure"});
+        QCOMPARE(players.alerts.texts(),
+                 QStringList{"Nothing was sent. The list of players is out of date, and it could not be read again to "
+                             "see who has which number now.\n\n" +
+                             reason});
+    }
+
+    void anIncompleteListRemovesNobodyAndIsReadAgainBeforeUse()
+    {
+        Players players;
+        players.list(title + line(1, "Ann") + line(2, "Bob") + line(3, "Cy"));
+        players.refresh();
+        players.select({"Bob"});
+        players.list(title + lineOf(2, "Ann", 1) + line(4, "Dot") + "5 0 4"); // Bob is missing, and his number taken
+        players.refresh();
+        QStringList all = players.shown();
+        all.sort();
+        QCOMPARE(all, QStringList({"Ann", "Bob", "Cy", "Dot"}));
+        QCOMPARE(players.selected(), QStringList{"Bob"});
+        players.exchange.forgetSent();
+        players.list(title + lineOf(2, "Ann", 1) + lineOf(1, "Bob", 2));
+        players.press("kickPlayerButton");
+        QCOMPARE(players.sent(), QStringList({"teamstatus", "clientkick 1"}));
+        QCOMPARE(players.count(), 2); // the whole list removes who is gone
+    }
+
+    void aPlayerWithADoubleIsKnownByHisNumber_data()
+    {
+        QTest::addColumn<QString>("list");
+        QTest::addColumn<QStringList>("sent");
+        QTest::addColumn<QString>("failure");
+        const QString two = lineOf(1, "Bot", 9);
+        const QString other = lineOf(4, "Bot", 9);
+        const QString reason = "cannot be told from another player of this name and address";
+        QTest::newRow("both are there") << two + other << QStringList{"clientkick 4"} << "";
+        QTest::newRow("the other one is left") << two << QStringList() << reason;
+        QTest::newRow("neither has his number") << two + lineOf(6, "Bot", 9) << QStringList() << reason;
+        QTest::newRow("both have gone") << line(4, "New") << QStringList() << "is not in the list any more";
+    }
+    void aPlayerWithADoubleIsKnownByHisNumber()
+    {
+        QFETCH(QString, list);
+        QFETCH(QStringList, sent);
+        QFETCH(QString, failure);
+        Players players;
+        players.list(lineOf(1, "Bot", 9) + lineOf(4, "Bot", 9));
+        players.refresh();
+        players.exchange.forgetSent();
+        players.table->sortByColumn(0, Qt::AscendingOrder);
+        players.table->selectRow(1);
+        players.list(list);
+        players.now += 6s;
+        players.press("kickPlayerButton");
+        QCOMPARE(players.sent(), QStringList{"teamstatus"} + sent);
+        const QString head = "The following player(s) failed to process the 'clientkick' command: \n  Bot (";
+        QCOMPARE(players.alerts.texts(), failure.isEmpty() ? QStringList() : QStringList{head + failure + ")"});
+    }
+
+    void whatIsCountedAsSelectedIsWhatIsHit()
+    {
+        Players players;
+        players.select({"Ann", "Cy"});
+        QCOMPARE(players.told(), QString("3 shown · 2 selected · list 0 s old"));
+        players.filter("ann");
+        QCOMPARE(players.told(), QString("1 shown · 2 selected (1 hidden by the filter) · list 0 s old"));
+        players.press("kickPlayerButton");
+        QCOMPARE(players.sent(), QStringList({"clientkick 1", "clientkick 3"}));
+        players.filter("bob");
+        QCOMPARE(players.told(), QString("1 shown · 2 selected (2 hidden by the filter) · list 0 s old"));
+        QVERIFY(players.isEnabled("kickPlayerButton"));
+        players.table->selectRow(0); // a new choice
+        QCOMPARE(players.told(), QString("1 shown · 1 selected · list 0 s old"));
+        players.table->clearSelection();
+        QVERIFY(!players.isEnabled("kickPlayerButton"));
+    }
+
+    void theAgeOfTheListIsTold()
+    {
+        Players players;
+        players.view.show();
+        for (const auto &[age, text] : {std::pair<std::chrono::seconds, const char *>(59s, "list 59 s old"),
+                                        {60s, "list 1 min old"},
+                                        {3599s, "list 59 min old"},
+                                        {2h, "list 2 h old"}}) {
+            players.now = std::chrono::steady_clock::time_point(1h) + age;
+            QTRY_COMPARE(players.told().section(" · ", -1), QString(text)); // by itself
+        }
+        players.refresh();
+        QCOMPARE(players.told(), QString("3 shown · 0 selected · list 0 s old"));
+        players.server.disconnect();
+        QCOMPARE(players.told(), QString());
+        players.connectToServer();
+        QCOMPARE(players.told(), QString("0 shown · 0 selected")); // no list has come yet
+    }
+
+    void aRefreshThatIsTickedStartsWithTheConnect()
+    {
+        Players players;
+        players.preferences.setValue("autoUpdatePlayers", true);
+        PlayersView view(players.server, players.actions, players.alerts, players.preferences);
+        view.setInFront(true);
+        auto *timer = view.findChild<QTimer *>("autoupdatePlayerTimer");
+        timer->stop();
+        players.connectToServer();
+        awaited(view.didConnect());
+        QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 30000);
     }
 
     void theMenusPressTheButtons_data()
@@ -261,8 +600,19 @@ private slots:
         QCOMPARE(players.sent(), QStringList{"kick all"});
         const RecordedAlerts::Shown question{
             "Please Confirm Command", "Do you really want to kick everyone?", {"Yes", "No"}};
+        QCOMPARE(players.alerts.manners().first().defaultButton, 1);
         const RecordedAlerts::Shown failure{"Remote Command Failure", "KickAll returned an error: lost", {}};
         QCOMPARE(players.alerts.shown(), QList<RecordedAlerts::Shown>({question, question, failure}));
+    }
+
+    void nobodyIsKickedIfTheQuestionWasCalledOff()
+    {
+        Players players;
+        players.alerts.hold();
+        players.press("kickAllButton");
+        players.actions.dropWaiting();
+        players.alerts.dismiss(0);
+        QCOMPARE(players.sent(), QStringList());
     }
 
     void kickAllAsksAtOnceAndKeepsItsPlace()
@@ -330,7 +680,7 @@ private slots:
         players.select({"Ann", "Cy"});
         players.press("messagePlayerButton");
         // Ann leaves, a newcomer gets her number, and Cy comes back under another one.
-        players.list(line(1, "New") + "7 0 48 g3 Cy allies 0 10.0.0.3:3074 77 25000\n");
+        players.list(line(1, "New") + "7 0 48 g3 Cy allies 0 192.0.2.3:50074 77 25000\n");
         players.view.refreshPlayersButtonPressed();
         QVERIFY(players.settle());
         players.exchange.forgetSent();
@@ -338,7 +688,7 @@ private slots:
         players.press("sendButton");
         QCOMPARE(players.sent(), QStringList{"tell 7 hello"});
         QCOMPARE(players.alerts.texts(), QStringList{"The following player(s) failed to process the 'tell' command: \n"
-                                                     "  Ann (has left the server)"});
+                                                     "  Ann (is not in the list any more)"});
     }
 
     void theTimerFollowsThePreferenceAndEachRefresh()
@@ -391,9 +741,9 @@ private slots:
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray text = file.readAll();
-        QVERIFY(text.endsWith("2,Bob,g2,10.0.0.2:3074,allies,10,48\n"
-                              "1,Ann,g1,10.0.0.1:3074,allies,9,48\n"
-                              "3,Cy,g3,10.0.0.3:3074,allies,8,48\n"));
+        QVERIFY(text.endsWith("2,Bob,g2,192.0.2.2:50074,allies,10,48\n"
+                              "1,Ann,g1,192.0.2.1:50074,allies,9,48\n"
+                              "3,Cy,g3,192.0.2.3:50074,allies,8,48\n"));
     }
 
     void savingAsksBeforeItReplacesAndTellsOfFailures()

@@ -2,16 +2,19 @@
 #include "Controls.h"
 #include "DoubleClick.h"
 #include "MapGametypePairWindowController.h"
+#include "PlaceholderTable.h"
 #include "PlaylistsView.h"
 #include "TestPreferences.h"
 
 #include <QComboBox>
 #include <QDataStream>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
+#include <QToolTip>
 
 /// A session on a server that plays list 3, with the catalogues loaded.
 struct Playlists : CataloguesFixture {
@@ -83,6 +86,7 @@ private slots:
         QCOMPARE(playlists.exchange.sent(), commands);
         QTEST(playlists.alerts.texts(), "alerts");
         QVERIFY(!isRanked || playlists.alerts.titles().last() == "Playlist Has Been Queued");
+        QVERIFY(!isRanked || playlists.alerts.manners().last().isGoodNews);
         QCOMPARE(control<QLineEdit>(playlists.view, "currentPlaylistField")->text(),
                  isFailing ? "Hold Your Ground" : "Mixed Teams");
         QCOMPARE(playlists.playlists.exclusions().size(), 1); // what the server has
@@ -134,6 +138,60 @@ private slots:
         QVERIFY(playlists.alerts.shown().isEmpty());
     }
 
+    void anEmptyTableSaysWhyItIsEmpty()
+    {
+        Playlists playlists(false, {"", "", ""});
+        const auto *table = control<PlaceholderTable>(playlists.view, "exclusionsTableView");
+        QVERIFY(table->placeholder().startsWith("Nothing is excluded"));
+        playlists.server.disconnect();
+        QVERIFY(table->placeholder().startsWith("Not connected"));
+    }
+
+    void heldDownReturnStartsOnce()
+    {
+        Playlists playlists;
+        auto *table = control<QTableView>(playlists.view, "playlistsTableView");
+        table->selectRow(1);
+        for (const bool isRepeat : {false, true, true}) {
+            QKeyEvent press(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QString(), isRepeat);
+            QCoreApplication::sendEvent(table, &press);
+        }
+        QVERIFY(playlists.answerAll());
+        QCOMPARE(playlists.exchange.sent(), QStringList({"setadmindvar playlist \"2\"", "map_rotate"}));
+    }
+
+    void aWordMarksTheCurrentPlaylist()
+    {
+        Playlists playlists;
+        const auto *table = control<QTableView>(playlists.view, "playlistsTableView");
+        QFont bold = table->font();
+        bold.setBold(true);
+        for (int row = 0; row < table->model()->rowCount(); ++row) {
+            const QModelIndex name = table->model()->index(row, 1);
+            const QString marked = name.data().toString() + " (current)";
+            const int width = QFontMetrics(row == 2 ? bold : table->font()).horizontalAdvance(marked);
+            QCOMPARE(table->sizeHintForIndex(name).width() >= width, row == 2);
+        }
+    }
+
+    void aCutTextIsToldInFullAndAsItIs()
+    {
+        Playlists playlists;
+        playlists.playlists.playlistList.addObject({30, "<i>&amp;</i>" + QString(100, 'n'), "short"});
+        auto *table = control<QTableView>(playlists.view, "playlistsTableView");
+        playlists.view.resize(700, 700);
+        playlists.view.show();
+        const auto told = [table](int column) {
+            const QModelIndex cell = table->model()->index(table->model()->rowCount() - 1, column);
+            const QPoint place = table->visualRect(cell).center();
+            QHelpEvent event(QEvent::ToolTip, place, table->viewport()->mapToGlobal(place));
+            QCoreApplication::sendEvent(table->viewport(), &event);
+            return QToolTip::text();
+        };
+        QCOMPARE(told(1), "<span>&lt;i&gt;&amp;amp;&lt;/i&gt;" + QString(100, 'n') + "</span>");
+        QTRY_COMPARE(told(2), QString()); // it goes after a moment
+    }
+
     void appliesExclusions_data()
     {
         QTest::addColumn<bool>("isRanked"); // a ranked server has Millrace out of play
@@ -177,6 +235,21 @@ private slots:
         const QString failure = "'playlist_excludeGametype' returned an error: lost";
         QCOMPARE(playlists.alerts.texts(), values.at(1).isEmpty() ? QStringList{failure} : QStringList());
         QVERIFY(unsent->text().isEmpty());
+    }
+
+    void tellsOfExclusionsThatTheGameCannotHold()
+    {
+        Playlists playlists;
+        playlists.write(QStringLiteral("maps"), QString("<Maps><version>4.0</version><Map><name>New</name>"
+                                                        "<dvarName>mp_ж</dvarName></Map></Maps>")
+                                                    .toUtf8());
+        awaited(playlists.maps.loadMapList());
+        playlists.playlists.addExclusion("New", "<any gametype>");
+        control<QPushButton>(playlists.view, "applyExclusionsButton")->click();
+        QVERIFY(playlists.answerAll());
+        QCOMPARE(playlists.alerts.texts(), QStringList("'playlist_excludeMap' returned an error: The game cannot show "
+                                                       "these characters: ж. Nothing was sent."));
+        QVERIFY(!playlists.exchange.sent().join(' ').contains("playlist_excludeMap "));
     }
 
     void whatCameFromTheServerGoesBackByItsOwnName_data()
@@ -229,19 +302,35 @@ private slots:
         }
     }
 
-    void tellsOfExclusionsThatTheGameCannotHold()
+    void whatIsAddedAgainIsNoEdit()
     {
-        Playlists playlists;
-        playlists.write(QStringLiteral("maps"), QString("<Maps><version>4.0</version><Map><name>New</name>"
-                                                        "<dvarName>mp_ж</dvarName></Map></Maps>")
-                                                    .toUtf8());
-        awaited(playlists.maps.loadMapList());
-        playlists.playlists.addExclusion("New", "<any gametype>");
-        control<QPushButton>(playlists.view, "applyExclusionsButton")->click();
-        QVERIFY(playlists.answerAll());
-        QCOMPARE(playlists.alerts.texts(), QStringList("'playlist_excludeMap' returned an error: The game cannot show "
-                                                       "these characters: ж. Nothing was sent."));
-        QVERIFY(!playlists.exchange.sent().join(' ').contains("playlist_excludeMap "));
+        Playlists playlists(false, {"mp_ropeway mp_millrace", "", ""});
+        auto *table = control<QTableView>(playlists.view, "exclusionsTableView");
+        auto *removeButton = control<QPushButton>(playlists.view, "removeExclusionButton");
+        playlists.view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&playlists.view));
+        table->selectRow(0);
+        removeButton->setFocus();
+        QTest::keyClick(removeButton, Qt::Key_Space);
+        QCOMPARE(playlists.view.focusWidget(), table); // not the next button
+        const auto *unsent = control<QLabel>(playlists.view, "unsentExclusionsLabel");
+        QVERIFY(!unsent->text().isEmpty());
+        playlists.playlists.addExclusion("Ropeway", Exclusion::anyGametype());
+        QVERIFY(unsent->text().isEmpty());
+    }
+
+    void aThirdClickOnATitleReturnsToTheServersOrder()
+    {
+        Playlists playlists(false, {"mp_ropeway mp_millrace", "", ""});
+        auto *table = control<QTableView>(playlists.view, "exclusionsTableView");
+        playlists.view.show();
+        const QHeaderView *titles = table->horizontalHeader();
+        QStringList orders;
+        for (int click = 0; click < 4; ++click) {
+            orders.append(shownTexts(*table).join(' '));
+            QTest::mouseClick(titles->viewport(), Qt::LeftButton, {}, {20, titles->height() / 2});
+        }
+        QCOMPARE(orders, QStringList({"Ropeway Millrace", "Millrace Ropeway", "Ropeway Millrace", "Ropeway Millrace"}));
     }
 
     void calledOffNothingMoreHappens()

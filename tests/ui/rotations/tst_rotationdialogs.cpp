@@ -25,7 +25,8 @@ public:
     QAbstractItemModel *tableModel() override { return letters.arranged(); }
     QItemSelectionModel *tableSelection() override { return letters.selection(); }
     ReorderableRows &rows() override { return letters; }
-    bool hasUnsavedWork() const override { return unsavedChanges(); }
+    bool unsavedChanges() const override { return false; }
+    bool hasUnsavedWork() const override { return false; }
     void openRotationNamed(const QString &name) override
     {
         asked.append(QStringLiteral("open ") + name);
@@ -49,7 +50,6 @@ public:
         co_await note(QStringLiteral("ask"));
         co_return isGoingOn;
     }
-    QCoro::Task<bool> saveUnsavedWork() override { return saveUnsavedChanges(); }
     void deleteSelectedItems() override { letters.removeSelected(); }
     void deleteAllItems() override { letters.removeAll(); }
     QCoro::Task<QString> panel() { return m_saveAsPanel(); }
@@ -163,12 +163,11 @@ private slots:
         p.button("openButton").click();
         QVERIFY(p.settle()); // the question was called off: no sheet
         p.store.isGoingOn = true;
-        p.press(p.sheet("openButton", "OpenMapRotationWindowController"), "openButton");
-        QVERIFY(p.settle());
-        QCOMPARE(p.store.asked, QStringList{"open "});
         QDialog *sheet = p.sheet("openButton", "OpenMapRotationWindowController");
         auto *table = control<KeyHandlingTableView>(*sheet, "tableView");
-        QTest::keyClick(table, Qt::Key_Return); // nothing is selected: no more than a beep
+        table->clearSelection();
+        QTest::keyClick(table, Qt::Key_Return); // no more than a beep
+        QVERIFY(sheet->isVisible());
         table->selectRow(1);
         QTest::keyClick(table, Qt::Key_Return);
         QVERIFY(p.settle());
@@ -181,6 +180,116 @@ private slots:
         QVERIFY(p.settle());
         QCOMPARE(p.store.asked, QStringList({"delete Alpha", "delete Beta", "delete Gamma"}));
         QVERIFY(!p.button("openButton").isEnabled());
+        QVERIFY(p.alerts.shown().isEmpty());
+    }
+
+    void asksBeforeTheTableIsReplaced_data()
+    {
+        QTest::addColumn<QString>("button");
+        for (const char *button : {"newButton", "openButton", "deleteButton"})
+            QTest::newRow(button) << QString(button);
+    }
+    void asksBeforeTheTableIsReplaced()
+    {
+        QFETCH(QString, button);
+        Pane p;
+        p.store.isGoingOn = false; // "Cancel"
+        p.button(button.toLatin1()).click();
+        QVERIFY(p.settle());
+        QCOMPARE(p.store.asked, QStringList{"ask"});
+        QVERIFY(p.pane.findChild<QDialog *>() == nullptr);
+    }
+
+    void returnOpensTheCurrentRotationOrTheFirst_data()
+    {
+        QTest::addColumn<QString>("opened");
+        QTest::newRow("Gamma") << "open Gamma";
+        QTest::newRow("") << "open Alpha";
+        QTest::newRow("one that is gone") << "open Alpha";
+    }
+    void returnOpensTheCurrentRotationOrTheFirst()
+    {
+        Pane p;
+        p.store.current = QTest::currentDataTag();
+        QDialog *sheet = p.sheet("openButton", "OpenMapRotationWindowController");
+        QVERIFY(QTest::qWaitForWindowActive(sheet));
+        QTest::keyClick(sheet->focusWidget(), Qt::Key_Return);
+        QVERIFY(p.settle());
+        QTEST(p.store.asked.join('|'), "opened");
+    }
+
+    void aDoubleClickOpensTheRowUnderThePointer_data()
+    {
+        QTest::addColumn<Qt::MouseButton>("button");
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+        QTest::addColumn<QString>("opened");
+        const Qt::KeyboardModifiers none;
+        QTest::newRow("left") << Qt::LeftButton << none << "open Beta";
+        QTest::newRow("left, with Ctrl, which takes it out of the selection")
+            << Qt::LeftButton << Qt::KeyboardModifiers(Qt::ControlModifier) << "open Beta";
+        QTest::newRow("right") << Qt::RightButton << none << "";
+        QTest::newRow("middle") << Qt::MiddleButton << none << "";
+    }
+    void aDoubleClickOpensTheRowUnderThePointer()
+    {
+        QFETCH(Qt::MouseButton, button);
+        QFETCH(Qt::KeyboardModifiers, modifiers);
+        Pane p;
+        QDialog *sheet = p.sheet("openButton", "OpenMapRotationWindowController");
+        auto *table = control<KeyHandlingTableView>(*sheet, "tableView");
+        QVERIFY(QTest::qWaitForWindowActive(sheet));
+        const QPoint place = table->visualRect(table->model()->index(1, 0)).center();
+        QTest::mouseClick(table->viewport(), button, modifiers, place);
+        QTest::mouseDClick(table->viewport(), button, modifiers, place);
+        const bool isClosed = !sheet->isVisible();
+        if (!isClosed)
+            p.press(sheet, "closeButton");
+        QVERIFY(p.settle());
+        QTEST(p.store.asked.join('|'), "opened");
+    }
+
+    void theDeleteKeyAsks_data()
+    {
+        QTest::addColumn<int>("pressed");
+        QTest::addColumn<int>("last"); // of the selected rows
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("asked");
+        QTest::newRow("yes") << 0 << 1 << "The rotation \"Beta\" will be deleted. This cannot be undone."
+                             << QStringList{"delete Beta"};
+        QTest::newRow("cancel") << 1 << 1 << "The rotation \"Beta\" will be deleted. This cannot be undone."
+                                << QStringList();
+        QTest::newRow("several") << 0 << 2 << "2 rotations will be deleted. This cannot be undone."
+                                 << QStringList{"delete Beta", "delete Gamma"};
+    }
+    void theDeleteKeyAsks()
+    {
+        QFETCH(int, pressed);
+        QFETCH(int, last);
+        Pane p;
+        QDialog *sheet = p.sheet("deleteButton", "DeleteMapRotationWindowController");
+        auto *table = control<KeyHandlingTableView>(*sheet, "tableView");
+        table->selectRow(1);
+        if (last == 2) {
+            table->selectionModel()->select(table->model()->index(2, 0),
+                                            QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        }
+        p.alerts.hold();
+        QTest::keyClick(table, Qt::Key_Delete);
+        QTest::keyClick(table, Qt::Key_Delete);
+        p.press(sheet, "deleteButton"); // nothing but the question
+        QCOMPARE(p.alerts.openCount(), 1);
+        QTEST(p.alerts.texts().last(), "text");
+        QCOMPARE(p.alerts.shown().last().buttons, QStringList({"Delete", "Cancel"}));
+        QCOMPARE(p.alerts.manners().last().defaultButton, 1);
+        QCOMPARE(p.store.asked, QStringList());
+        p.alerts.dismiss(pressed);
+        if (pressed == 1) {
+            QTRY_VERIFY((QTest::keyClick(table, Qt::Key_Delete), p.alerts.openCount() == 1)); // once more
+            p.alerts.dismiss(pressed);
+            p.press(sheet, "closeButton");
+        }
+        QVERIFY(p.settle());
+        QTEST(p.store.asked, "asked");
     }
 
     void theMenusActOnThePaneAsADocument_data()
@@ -231,7 +340,7 @@ private slots:
         stack.undo();
         stack.undo();
         QCOMPARE(p.store.letters.shown(), QString("VWX"));
-        QCOMPARE(p.store.letters.content().first(), first); // the same entry, which others hold too
+        QCOMPARE(p.store.letters.content().first(), first); // the same entry, which may be on air
         stack.setIndex(stack.count());
         QCOMPARE(p.store.letters.shown(), QString("AXb"));
         p.store.openRotationNamed("Alpha");

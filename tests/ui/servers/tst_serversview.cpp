@@ -51,7 +51,7 @@ struct Servers {
     void save(const QString &label, const QString &host, const QString &password)
     {
         field("labelField").setText(label);
-        view.fillForm(host, QStringLiteral("28960"));
+        view.fillForm(host, QStringLiteral("50960"));
         view.setFormPassword(password);
         button("saveToServerListButton").click();
     }
@@ -80,7 +80,7 @@ private slots:
         const ServersFile file;
         Servers servers(file);
         const QPushButton &save = servers.button("saveToServerListButton");
-        servers.view.fillForm(QStringLiteral("10.0.0.1"), QStringLiteral("28960"));
+        servers.view.fillForm(QStringLiteral("192.0.2.1"), QStringLiteral("50960"));
         servers.view.setFormPassword(QStringLiteral("pw"));
         QVERIFY(!save.isEnabled());
         servers.field("labelField").setText(QStringLiteral("Home"));
@@ -94,7 +94,7 @@ private slots:
         const ServersFile file;
         Servers servers(file);
         const QSignalSpy presses(&servers.view, &ServersView::connectButtonPressed);
-        servers.view.fillForm(QStringLiteral("10.0.0.1"), QStringLiteral("28960"));
+        servers.view.fillForm(QStringLiteral("192.0.2.1"), QStringLiteral("50960"));
         servers.view.pressConnect();
         QVERIFY(!servers.view.canConnect() && presses.isEmpty());
         servers.view.setFormPassword(QStringLiteral("pw"));
@@ -105,8 +105,49 @@ private slots:
         servers.view.setConnecting(false);
         servers.view.pressConnect();
         QCOMPARE(presses.size(), 1);
-        const ServerForm form = servers.view.form();
-        QCOMPARE(QStringList({form.host, form.port, form.password}), QStringList({"10.0.0.1", "28960", "pw"}));
+    }
+
+    void returnInTheFormConnects()
+    {
+        const ServersFile file;
+        Servers servers(file);
+        const QSignalSpy presses(&servers.view, &ServersView::connectButtonPressed);
+        servers.view.fillForm(QStringLiteral("192.0.2.1"), QStringLiteral("50100"));
+        QTest::keyClick(&servers.field("hostField"), Qt::Key_Return); // the password is missing
+        servers.view.setFormPassword(QStringLiteral("pw"));
+        for (const char *name : {"labelField", "hostField", "portField", "passwordField"})
+            QTest::keyClick(&servers.field(name), Qt::Key_Return);
+        QCOMPARE(presses.size(), 4);
+    }
+
+    void passwordsCannotBeReadOnTheScreen()
+    {
+        ServersFile file;
+        file.store({{"a", "192.0.2.1", "50100", QStringLiteral("secret")}});
+        Servers servers(file);
+        servers.table->selectRow(0);
+        servers.view.setFormPassword(QStringLiteral("secret"));
+        for (const char *name : {"savedPasswordField", "passwordField"}) {
+            QCOMPARE(servers.field(name).text(), QString("secret"));
+            QVERIFY2(!servers.field(name).displayText().contains('s'), name);
+        }
+    }
+
+    void aPasswordThatCannotBeDecryptedIsToldFromNone()
+    {
+        const ServersFile file;
+        SavedServers ofAnother(file.path(), QStringLiteral("another"));
+        QVERIFY(ofAnother.save({"a", "192.0.2.1", "50100", QStringLiteral("one")}).error.isEmpty());
+        Servers servers(file);
+        QLineEdit &password = servers.field("savedPasswordField");
+        QVERIFY(password.placeholderText().isEmpty());
+        servers.table->selectRow(0);
+        QVERIFY(password.text().isEmpty() && !password.placeholderText().isEmpty());
+        QTest::keyClick(&password, Qt::Key_Return); // as it is, the other account's stays
+        QVERIFY(ofAnother.load().error.isEmpty());
+        QCOMPARE(ofAnother.password(QStringLiteral("a")).value_or(QString()), QString("one"));
+        servers.view.storePassword(QStringLiteral("a"), QString());
+        QVERIFY(password.placeholderText().isEmpty());
     }
 
     void theFormBeginsWithTheHost()
@@ -138,7 +179,7 @@ private slots:
     void choosesTheSelectedServerWithItsPassword()
     {
         ServersFile file;
-        file.store({{"a", "10.0.0.1", "28960", QStringLiteral("one")}, {"b", "10.0.0.2", "28961", "two"}});
+        file.store({{"a", "192.0.2.1", "50960", QStringLiteral("one")}, {"b", "192.0.2.2", "50961", "two"}});
         Servers servers(file);
         QList<SavedServer> chosen;
         connect(&servers.view, &ServersView::savedServerChosen, this,
@@ -148,8 +189,12 @@ private slots:
         servers.table->selectRow(1);
         connectButton.click();
         QTest::keyClick(servers.table, Qt::Key_Return);
-        const SavedServer second{"b", "10.0.0.2", "28961", QStringLiteral("two")};
+        const SavedServer second{"b", "192.0.2.2", "50961", QStringLiteral("two")};
         QCOMPARE(chosen, QList<SavedServer>({second, second}));
+        servers.table->selectAll(); // the last of them counts, and its password is shown
+        QCOMPARE(servers.field("savedPasswordField").text(), QString("two"));
+        connectButton.click();
+        QCOMPARE(chosen.last(), second);
         servers.view.setConnecting(true);
         QVERIFY(!connectButton.isEnabled());
     }
@@ -172,7 +217,7 @@ private slots:
         QFETCH(bool, isDeselected);
         QFETCH(bool, isConnecting);
         ServersFile file;
-        file.store({{"a", "10.0.0.1", "50100", QStringLiteral("one")}, {"b", "10.0.0.2", "50101", "two"}});
+        file.store({{"a", "192.0.2.1", "50100", QStringLiteral("one")}, {"b", "192.0.2.2", "50101", "two"}});
         Servers servers(file);
         QString chosen;
         connect(&servers.view, &ServersView::savedServerChosen, this,
@@ -189,19 +234,19 @@ private slots:
     void aDeletionCanBeTakenBack()
     {
         ServersFile file;
-        file.store({{"a", "10.0.0.1", "50100", QStringLiteral("one")},
-                    {"b", "10.0.0.2", "50101", "two"},
-                    {"c", "10.0.0.3", "50102", "three"}});
+        file.store({{"a", "192.0.2.1", "50100", QStringLiteral("one")},
+                    {"b", "192.0.2.2", "50101", "two"},
+                    {"c", "192.0.2.3", "50102", "three"}});
         const QList<SavedServer> all = file.stored();
         Servers servers(file);
         QUndoStack &undo = *servers.view.undoStack();
         servers.table->selectRow(0);
         servers.table->selectionModel()->select(servers.table->model()->index(1, 0),
                                                 QItemSelectionModel::Select | QItemSelectionModel::Rows);
-        QTest::keyClick(servers.table, Qt::Key_Delete);
-        QCOMPARE(servers.labels(), QStringList{"c@10.0.0.3"});
+        QTest::keyClick(servers.table, Qt::Key_Backspace);
+        QCOMPARE(servers.labels(), QStringList{"c@192.0.2.3"});
         undo.undo();
-        QCOMPARE(servers.labels(), QStringList({"a@10.0.0.1", "b@10.0.0.2", "c@10.0.0.3"}));
+        QCOMPARE(servers.labels(), QStringList({"a@192.0.2.1", "b@192.0.2.2", "c@192.0.2.3"}));
         QCOMPARE(file.stored(), all);
         servers.view.storePassword(QStringLiteral("b"), QStringLiteral("new"));
         undo.redo();
@@ -209,9 +254,9 @@ private slots:
         undo.undo();
         QCOMPARE(file.stored().at(1).password.value_or(QString()), QStringLiteral("new"));
         undo.redo();
-        servers.save(QStringLiteral("a"), QStringLiteral("10.0.0.9"), QStringLiteral("nine"));
+        servers.save(QStringLiteral("a"), QStringLiteral("192.0.2.9"), QStringLiteral("nine"));
         undo.undo(); // "a" is another one by now
-        QCOMPARE(servers.labels(), QStringList({"a@10.0.0.9", "b@10.0.0.2", "c@10.0.0.3"}));
+        QCOMPARE(servers.labels(), QStringList({"a@192.0.2.9", "b@192.0.2.2", "c@192.0.2.3"}));
         QCOMPARE(servers.alerts.titles(), QStringList{"Saved Servers"});
         QVERIFY(!undo.canUndo());
     }
@@ -219,39 +264,41 @@ private slots:
     void theTableKeepsItsColumnsAndSorting()
     {
         ServersFile file;
-        file.store({{"a", "10.0.0.2", "50100", std::nullopt}, {"b", "10.0.0.1", "50101", std::nullopt}});
+        file.store({{"a", "192.0.2.2", "9999", std::nullopt}, {"b", "192.0.2.1", "50101", std::nullopt}});
         TestPreferences preferences(file.folder);
         {
             Servers servers(file);
             servers.view.restoreLayout(preferences); // nothing kept yet
-            QCOMPARE(servers.labels(), QStringList({"a@10.0.0.2", "b@10.0.0.1"}));
+            QCOMPARE(servers.labels(), QStringList({"a@192.0.2.2", "b@192.0.2.1"}));
+            servers.table->sortByColumn(2, Qt::AscendingOrder); // as numbers
+            QCOMPARE(servers.labels(), QStringList({"a@192.0.2.2", "b@192.0.2.1"}));
             servers.table->sortByColumn(1, Qt::AscendingOrder);
             servers.table->setColumnWidth(1, 143);
             servers.view.saveLayout(preferences);
         }
         Servers servers(file);
         servers.view.restoreLayout(preferences);
-        QCOMPARE(servers.labels(), QStringList({"b@10.0.0.1", "a@10.0.0.2"}));
+        QCOMPARE(servers.labels(), QStringList({"b@192.0.2.1", "a@192.0.2.2"}));
         QCOMPARE(servers.table->columnWidth(1), 143);
     }
 
     void savesReplacesAndDeletes()
     {
         ServersFile file;
-        file.store({{"c", "10.0.0.4", "28960", QStringLiteral("four")}});
+        file.store({{"c", "192.0.2.4", "50960", QStringLiteral("four")}});
         Servers servers(file);
-        QCOMPARE(servers.labels(), QStringList{"c@10.0.0.4"});
-        servers.save(QStringLiteral("b"), QStringLiteral("10.0.0.1"), QStringLiteral("one"));
-        servers.save(QStringLiteral("A"), QStringLiteral("10.0.0.2"), QStringLiteral("two"));
-        servers.save(QStringLiteral("b"), QStringLiteral("10.0.0.3"), QStringLiteral("three"));
-        QCOMPARE(servers.labels(), QStringList({"A@10.0.0.2", "b@10.0.0.3", "c@10.0.0.4"}));
+        QCOMPARE(servers.labels(), QStringList{"c@192.0.2.4"});
+        servers.save(QStringLiteral("b"), QStringLiteral("192.0.2.1"), QStringLiteral("one"));
+        servers.save(QStringLiteral("A"), QStringLiteral("192.0.2.2"), QStringLiteral("two"));
+        servers.save(QStringLiteral("b"), QStringLiteral("192.0.2.3"), QStringLiteral("three"));
+        QCOMPARE(servers.labels(), QStringList({"A@192.0.2.2", "b@192.0.2.3", "c@192.0.2.4"}));
         QCOMPARE(file.stored().size(), 3);
-        servers.save(QStringLiteral("c"), QStringLiteral("10.0.0.10"), QStringLiteral("four"));
+        servers.save(QStringLiteral("c"), QStringLiteral("192.0.2.10"), QStringLiteral("four"));
         servers.table->sortByColumn(1, Qt::AscendingOrder); // as addresses
-        QCOMPARE(servers.labels(), QStringList({"A@10.0.0.2", "b@10.0.0.3", "c@10.0.0.10"}));
+        QCOMPARE(servers.labels(), QStringList({"A@192.0.2.2", "b@192.0.2.3", "c@192.0.2.10"}));
         servers.table->selectRow(0);
         QTest::keyClick(servers.table, Qt::Key_Delete);
-        QCOMPARE(servers.labels(), QStringList({"b@10.0.0.3", "c@10.0.0.10"}));
+        QCOMPARE(servers.labels(), QStringList({"b@192.0.2.3", "c@192.0.2.10"}));
         QCOMPARE(file.stored().size(), 2);
         QVERIFY(servers.alerts.shown().isEmpty());
     }
@@ -261,7 +308,7 @@ private slots:
         const ServersFile file;
         Servers servers(file);
         QLineEdit &password = servers.field("savedPasswordField");
-        servers.save(QStringLiteral("Home"), QStringLiteral("10.0.0.1"), QStringLiteral("one"));
+        servers.save(QStringLiteral("Home"), QStringLiteral("192.0.2.1"), QStringLiteral("one"));
         QVERIFY(!password.isEnabled());
         servers.table->selectRow(0);
         QCOMPARE(password.text(), QStringLiteral("one"));
@@ -275,7 +322,7 @@ private slots:
     void whatIsStoredOutlivesTheFirstChange()
     {
         ServersFile file;
-        file.store({{"a", "10.0.0.1", "28960", QStringLiteral("one")}, {"b", "10.0.0.2", "28960", "two"}});
+        file.store({{"a", "192.0.2.1", "50960", QStringLiteral("one")}, {"b", "192.0.2.2", "50960", "two"}});
         {
             Servers servers(file);
             servers.view.storePassword(QStringLiteral("a"), QStringLiteral("new"));
@@ -285,7 +332,7 @@ private slots:
         Servers servers(file);
         servers.view.deleteSelectionFromTableView();
         QCOMPARE(file.stored().size(), 2);
-        servers.save(QStringLiteral("c"), QStringLiteral("10.0.0.3"), QStringLiteral("three"));
+        servers.save(QStringLiteral("c"), QStringLiteral("192.0.2.3"), QStringLiteral("three"));
         QCOMPARE(file.stored().size(), 3);
     }
 
@@ -303,7 +350,7 @@ private slots:
         QVERIFY(servers.actions.isIdle() && servers.alerts.shown().isEmpty()); // the window may not be there yet
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), QByteArray("damaged"));
-        servers.save(QStringLiteral("Home"), QStringLiteral("10.0.0.1"), QStringLiteral("one"));
+        servers.save(QStringLiteral("Home"), QStringLiteral("192.0.2.1"), QStringLiteral("one"));
         QVERIFY(servers.table->placeholder() != reason);
         QCOMPARE(servers.alerts.titles(), QStringList{"Saved Servers"}); // tells of the copy
         QCOMPARE(QDir(saved.folder.path()).entryList(QDir::Files).size(), 2);
@@ -314,10 +361,10 @@ private slots:
         const ServersFile file;
         Servers servers(file);
         QVERIFY(QDir(file.folder.path()).mkdir(QStringLiteral("SavedServers.plist")));
-        servers.save(QStringLiteral("Home"), QStringLiteral("10.0.0.1"), QStringLiteral("one"));
+        servers.save(QStringLiteral("Home"), QStringLiteral("192.0.2.1"), QStringLiteral("one"));
         QVERIFY(servers.settle());
         QCOMPARE(servers.alerts.titles(), QStringList{"Saved Servers"});
-        QCOMPARE(servers.field("hostField").text(), QStringLiteral("10.0.0.1"));
+        QCOMPARE(servers.field("hostField").text(), QStringLiteral("192.0.2.1"));
     }
 };
 

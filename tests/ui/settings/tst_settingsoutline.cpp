@@ -68,6 +68,8 @@ private slots:
             QCOMPARE(shown.valueOf(dvar).data(Qt::CheckStateRole), QVariant(state));
             QVERIFY(!shown.valueOf(dvar).siblingAtColumn(0).data(Qt::CheckStateRole).isValid());
         }
+        QCOMPARE(shown.valueOf("g_fire").data(Qt::AccessibleTextRole).toString(), QString("On"));
+        QCOMPARE(shown.valueOf("g_cam").data(Qt::AccessibleTextRole).toString(), QString("Off"));
         QCOMPARE(shown.shownValue("g_fire"), QString());
         QCOMPARE(shown.shownValue("g_lost"), QString("Not known to the server"));
         QCOMPARE(shown.valueOf("g_time").siblingAtColumn(Model::DescriptionColumn).data().toString(),
@@ -111,10 +113,16 @@ private slots:
         QCOMPARE(shown.sent().last(), QString("setadmindvar g_time \"20\""));
         QVERIFY(!shown.valueOf("g_time").data(Model::IsChangedRole).toBool());
 
-        // The next connect starts afresh.
+        // The next connect starts afresh, and until it has come to its end nothing counts as changed.
         awaited(shown.server.setDvar("g_time", "30"));
         shown.dump("40");
+        bool isMarkedEarly = false;
+        connect(&shown.server, &KelServer::dvarListChanged, this, [&] {
+            const bool isMarked = shown.valueOf("g_time").data(Model::IsChangedRole).toBool();
+            isMarkedEarly = isMarkedEarly || (isMarked && shown.server.dvarList().value("g_time") != "30");
+        });
         shown.connectToServer();
+        QVERIFY(!isMarkedEarly);
         QCOMPARE(shown.shownValue("g_time"), QString("40"));
         QVERIFY(!shown.valueOf("g_time").data(Model::IsChangedRole).toBool());
     }
@@ -127,6 +135,34 @@ private slots:
         QCOMPARE(QGuiApplication::clipboard()->text(), QString("g_time"));
         shown.menuAction("Copy Value")->trigger();
         QCOMPARE(QGuiApplication::clipboard()->text(), QString("20"));
+        shown.tree().setCurrentIndex(shown.valueOf("g_lost"));
+        QVERIFY(!shown.menuAction("Copy Value")->isEnabled());
+    }
+
+    void anEmptyOutlineSaysWhyItIsEmpty()
+    {
+        SettingsFixture shown;
+        const auto said = [&shown] {
+            for (const QLabel *hint : shown.tree().viewport()->findChildren<QLabel *>())
+                if (hint->isVisible())
+                    return hint->text();
+            return QString();
+        };
+        QCOMPARE(said(), QString());
+        shown.filterField()->setText("nowhere");
+        QCOMPARE(said(), QString("No setting here matches the filter."));
+    }
+
+    void aWriteOnItsWayIsShown()
+    {
+        SettingsFixture shown;
+        const int width = shown.tree().sizeHintForIndex(shown.valueOf("g_time")).width();
+        shown.exchange.hold();
+        QVERIFY(shown.outline().setData(shown.valueOf("g_time"), "20"));
+        QVERIFY(shown.tree().sizeHintForIndex(shown.valueOf("g_time")).width() > width);
+        shown.exchange.release();
+        QVERIFY(shown.settle());
+        QCOMPARE(shown.tree().sizeHintForIndex(shown.valueOf("g_time")).width(), width);
     }
 
     void filters_data()
@@ -136,6 +172,7 @@ private slots:
         QTest::newRow("any case") << "REPLAY" << QStringList{"rules", "  Replay"};
         QTest::newRow("words in any order, anywhere")
             << " minutes  g_time lim " << QStringList{"Limits", "  Time limit"};
+        QTest::newRow("in the description alone") << "hurts" << QStringList{"rules", "  Friendly fire"};
         QTest::newRow("every word counts") << "minutes gravity" << QStringList{};
         QTest::newRow("the category is no part of it") << "rules" << QStringList{};
     }

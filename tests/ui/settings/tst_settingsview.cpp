@@ -6,6 +6,14 @@ class SettingsViewTest : public QObject
 {
     Q_OBJECT
 private slots:
+    void theSpaceBarTogglesFromEveryColumn()
+    {
+        SettingsFixture shown;
+        shown.tree().setCurrentIndex(shown.valueOf("g_fire").siblingAtColumn(0));
+        QTest::keyClick(&shown.tree(), Qt::Key_Space);
+        QCOMPARE(shown.sent(), QStringList{"setadmindvar g_fire \"0\""});
+    }
+
     void togglesBoxesOnly()
     {
         SettingsFixture shown;
@@ -50,6 +58,17 @@ private slots:
         QCOMPARE(shown.shownValue("g_time"), QString("30"));
     }
 
+    void quotesTypedAroundAValueAreNoPartOfIt()
+    {
+        SettingsFixture shown;
+        shown.type("g_time", "\"25\"");
+        QVERIFY(!shown.isHintShown());
+        QTest::keyClick(shown.editor(), Qt::Key_Return);
+        QTRY_VERIFY(shown.editor() == nullptr);
+        QCOMPARE(shown.sent(), QStringList{"setadmindvar g_time \"25\""});
+        QCOMPARE(shown.server.dvarList().value("g_time"), QString("25"));
+    }
+
     void aRejectedValueStaysInTheField()
     {
         SettingsFixture shown;
@@ -58,8 +77,9 @@ private slots:
         QCoreApplication::processEvents();
         QVERIFY(shown.editor() != nullptr && shown.editor()->isVisible());
         QVERIFY(shown.isHintShown());
-        QCOMPARE(shown.tree().findChild<QLabel *>("dvarValueHint")->text(),
-                 shown.outline().settingAt(shown.valueOf("g_gravity"))->acceptedValues());
+        const auto *hint = control<QLabel>(shown.tree(), "dvarValueHint");
+        QCOMPARE(hint->text(), shown.outline().settingAt(shown.valueOf("g_gravity"))->acceptedValues());
+        QVERIFY(!hint->geometry().intersects(shown.editor()->geometry()));
         QTest::keyClick(shown.editor(), Qt::Key_Escape);
         QTRY_VERIFY(shown.editor() == nullptr);
         QVERIFY(!shown.isHintShown());
@@ -96,6 +116,55 @@ private slots:
         QTRY_VERIFY(shown.editor() == nullptr);
         QCOMPARE(shown.sent(), QStringList{"setadmindvar g_motd \"'b'!\""});
         QCOMPARE(shown.shownValue("g_motd"), QString("'b'!"));
+    }
+
+    void aRefusedValueOfTheServersIsHintedAtOnLeaving()
+    {
+        SettingsFixture shown;
+        shown.server.addDvarLine(u"g_time \"soon\"");
+        shown.press("g_time", Qt::Key_F2);
+        QVERIFY(!shown.isHintShown());
+        QTest::keyClick(shown.editor(), Qt::Key_Tab);
+        QVERIFY(shown.isHintShown());
+    }
+
+    void anotherWindowInFrontLeavesTheTyping()
+    {
+        SettingsFixture shown;
+        QVERIFY(QTest::qWaitForWindowActive(&shown.view));
+        shown.type("g_time", "4");
+        QWidget another;
+        another.show();
+        another.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&another));
+        QVERIFY(shown.editor() != nullptr && shown.editor()->text() == "4");
+        QVERIFY(shown.exchange.sent().isEmpty());
+    }
+
+    void aPasswordIsNotSeen()
+    {
+        SettingsFixture shown;
+        shown.write("gameSettingsUnranked", "<s><SettingInst><name>Access</name>" +
+                                                settingXml("Join", "g_password", "string", "Access") +
+                                                "</SettingInst></s>");
+        awaited(shown.settings.loadSettings());
+        shown.server.addDvarLine(u"g_password \"zyx\"");
+        QCOMPARE(shown.shownValue("g_password"), QString("********"));
+        QVERIFY(!shown.valueOf("g_password").data(Qt::ToolTipRole).toString().contains("zyx"));
+        shown.press("g_password", Qt::Key_F2);
+        QCOMPARE(shown.editor()->text(), QString("zyx"));
+        QVERIFY(!shown.editor()->displayText().contains('z'));
+    }
+
+    void everyReturnKeyEdits()
+    {
+        SettingsFixture shown;
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_F2}) {
+            shown.press("g_time", key);
+            QVERIFY(shown.editor() != nullptr);
+            QTest::keyClick(shown.editor(), Qt::Key_Escape);
+            QTRY_VERIFY(shown.editor() == nullptr);
+        }
     }
 
     void leavingTheFieldReturnsTheOldValue()

@@ -1,8 +1,10 @@
 #include "RowsUndo.h"
 #include "ShownLetters.h"
 
+#include <QClipboard>
 #include <QDrag>
 #include <QDropEvent>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QSignalSpy>
 
@@ -155,6 +157,37 @@ private slots:
         QTest::keyClick(&shown.table, key, Qt::AltModifier);
         QTEST(shown.rows.shown(), "shown");
         QCOMPARE(shown.rows.selected(), chosen);
+    }
+
+    void keysThatAreTypedIntoACellStayThere_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+        const Qt::KeyboardModifiers alt = Qt::AltModifier;
+        QTest::newRow("Alt+Up") << Qt::Key_Up << alt;
+        QTest::newRow("Alt+Down") << Qt::Key_Down << alt;
+        QTest::newRow("Alt+Up of the keypad") << Qt::Key_Up << (alt | Qt::KeypadModifier);
+        QTest::newRow("Delete") << Qt::Key_Delete << Qt::KeyboardModifiers();
+        QTest::newRow("paste") << Qt::Key_V << Qt::KeyboardModifiers(Qt::ControlModifier);
+    }
+    void keysThatAreTypedIntoACellStayThere()
+    {
+        QFETCH(Qt::Key, key);
+        QFETCH(Qt::KeyboardModifiers, modifiers);
+        ShownLetters<Letter> shown(QStringLiteral("VWX"));
+        shown.rows.setKeyHandlingDelegate([&] { shown.rows.removeSelected(); });
+        const QSignalSpy pastes(&shown.table, &KeyHandlingTableView::pasteRequested);
+        QGuiApplication::clipboard()->setText(QStringLiteral("p"));
+        shown.rows.choose({1});
+        QTest::keyClick(&shown.table, Qt::Key_Return);
+        auto *field = shown.table.findChild<QLineEdit *>();
+        QVERIFY(field != nullptr && field->hasFocus());
+        field->setText(QStringLiteral("w"));
+        QTest::keyClick(field, key, modifiers);
+        shown.table.finishEditing();
+        QCOMPARE(shown.rows.content().at(1)->text.left(1), QStringLiteral("w"));
+        QCOMPARE(shown.rows.shown().remove(QStringLiteral("p")), QStringLiteral("VwX"));
+        QCOMPARE(pastes.size(), 0);
     }
 
     void returnEditsTheFirstEditableCell()

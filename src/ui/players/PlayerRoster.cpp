@@ -1,0 +1,108 @@
+#include "PlayerRoster.h"
+
+#include "KelServer.h"
+#include "PlayerColumns.h"
+
+#include <QHash>
+
+#include <algorithm>
+#include <utility>
+
+PlayerRoster::PlayerRoster(KelServer &server, Clock clock, QObject *parent)
+    : QObject(parent), m_server(server), m_clock(std::move(clock)), m_rows(playerTableColumns(), playerKey)
+{
+}
+
+static QList<PlayerRow> withKeyOf(const PlayerRow &player, const QList<PlayerRow> &players)
+{
+    QList<PlayerRow> found;
+    const QString key = playerKey(player);
+    std::copy_if(players.begin(), players.end(), std::back_inserter(found),
+                 [&key](const PlayerRow &other) { return playerKey(other) == key; });
+    return found;
+}
+
+QList<ChosenPlayer> PlayerRoster::selected() const
+{
+    QList<ChosenPlayer> chosen;
+    for (const PlayerRow &player : m_rows.selectedObjects())
+        chosen.append({player, withKeyOf(player, players()).size() > 1});
+    return chosen;
+}
+
+QCoro::Task<PlayerRoster::Fetch> PlayerRoster::fetch()
+{
+    const auto askedAt = m_clock();
+    const QString line = QStringLiteral("teamstatus");
+    const Reply reply = co_await m_server.sendCommand(line);
+    if (reply.isCancelled)
+        co_return Fetch{Fetch::CalledOff, {}};
+    if (!reply.isSuccess())
+        co_return Fetch{Fetch::Failed, reply.text};
+    if (!m_server.isConnected())
+        co_return Fetch{Fetch::CalledOff, {}};
+    const PlayerList list = parsePlayerList(reply.text);
+    m_mayBeIncomplete = list.isDamaged || (m_isTitleDue && !list.isTitled);
+    m_isTitleDue = m_isTitleDue || list.isTitled;
+    if (!m_mayBeIncomplete)
+        m_askedAt = askedAt;
+    take(list);
+    co_return Fetch{m_mayBeIncomplete ? Fetch::MaybeIncomplete : Fetch::Whole, {}};
+}
+
+void PlayerRoster::take(const PlayerList &list)
+{
+    QList<PlayerRow> rows = list.players;
+    if (m_mayBeIncomplete) {
+        QHash<QString, int> listed;
+        for (const PlayerRow &player : list.players)
+            ++listed[playerKey(player)];
+        for (const PlayerRow &player : players()) {
+            if (--listed[playerKey(player)] < 0)
+                rows.append(player);
+        }
+    }
+    m_isFetched = true;
+    m_rows.mergeContent(rows);
+    emit changed();
+}
+
+void PlayerRoster::forget()
+{
+    m_askedAt.reset();
+    m_isFetched = false;
+    m_isTitleDue = false;
+    m_mayBeIncomplete = false;
+    m_rows.mergeContent({});
+    emit changed();
+}
+
+std::optional<std::chrono::seconds> PlayerRoster::age() const
+{
+    if (!m_askedAt)
+        return std::nullopt;
+    return std::chrono::floor<std::chrono::seconds>(m_clock() - *m_askedAt);
+}
+
+bool PlayerRoster::isNew() const
+{
+    return m_askedAt && !m_mayBeIncomplete && m_clock() - *m_askedAt <= newFor;
+}
+
+std::optional<PlayerRow> PlayerRoster::find(const ChosenPlayer &chosen, QString *whyNot) const
+{
+    const QList<PlayerRow> present = withKeyOf(chosen.row, players());
+    if (present.isEmpty()) {
+        *whyNot = tr("is not in the list any more");
+        return std::nullopt;
+    }
+    if (present.size() == 1 && !chosen.hadDouble)
+        return present.first();
+    const auto same = std::find_if(present.begin(), present.end(), [&chosen](const PlayerRow &player) {
+        return player.identifier == chosen.row.identifier;
+    });
+    if (same != present.end())
+        return *same;
+    *whyNot = tr("cannot be told from another player of this name and address");
+    return std::nullopt;
+}
