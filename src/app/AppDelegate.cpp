@@ -33,10 +33,13 @@ AppDelegate::AppDelegate(const Places &places, const QString &guide)
       m_playlists(m_server, m_gametypes, m_maps, m_alerts, m_reader.folders().resources),
       m_catalogues(m_gametypes, m_settings, m_playlists),
       m_savedServers(m_reader.folders().applicationSupport + QStringLiteral("/SavedServers.plist"), userLoginName()),
+      m_unknownDvars(m_preferences), m_fetcher(m_server, m_actions, m_unknownDvars),
+      m_reconnecting(m_server, m_actions, m_alerts, m_fetcher),
       m_mapRotations(m_preferences, m_alerts, m_reader.folders().applicationSupport),
       m_messageRotations({m_preferences, m_alerts, m_server, m_actions}, m_reader.folders().applicationSupport)
 {
     m_server.setCatalogueLoader(&m_catalogues);
+    m_server.setHostLookup(&m_hostLookup);
     registerDefaults();
     QApplication::setStyle(new IconKeepingStyle); // which the application takes
     Appearance::apply(m_preferences.value(QStringLiteral("appearance")).toString());
@@ -44,6 +47,8 @@ AppDelegate::AppDelegate(const Places &places, const QString &guide)
                               m_actions,
                               m_alerts,
                               m_preferences,
+                              m_fetcher,
+                              m_reconnecting,
                               {m_gametypes, m_settings, m_maps, m_playlists},
                               {m_mapRotations, m_messageRotations}};
     m_window = std::make_unique<FormMainView>(workplace, m_savedServers);

@@ -2,6 +2,8 @@
 
 #include "ActionQueue.h"
 #include "Catalogues.h"
+#include "DvarFetcher.h"
+#include "HostLookup.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
 #include "KelMapRotation.h"
@@ -11,8 +13,10 @@
 #include "KelSettings.h"
 #include "Preferences.h"
 #include "RConExchange.h"
+#include "Reconnecting.h"
 #include "SavedServers.h"
 #include "SheetAlerts.h"
+#include "UnknownDvars.h"
 
 #include <memory>
 
@@ -53,6 +57,7 @@ private:
     Preferences m_preferences;
     SheetAlerts m_alerts;
     RConExchange m_exchange;
+    SystemHostLookup m_hostLookup;
     KelServer m_server;
     CatalogueReader m_reader;
     KelGametype m_gametypes;
@@ -62,6 +67,9 @@ private:
     Catalogues m_catalogues;
     SavedServers m_savedServers;
     ActionQueue m_actions;
+    UnknownDvars m_unknownDvars;
+    DvarFetcher m_fetcher;
+    Reconnecting m_reconnecting;
     KelMapRotation m_mapRotations;
     KelMessageRotation m_messageRotations;
     std::unique_ptr<DemoServer> m_demoServer;

@@ -1,9 +1,13 @@
 #pragma once
 
 #include "ActionQueue.h"
+#include "DvarFetcher.h"
 #include "KelServer.h"
+#include "Preferences.h"
+#include "Reconnecting.h"
 #include "RecordedAlerts.h"
 #include "ScriptedExchange.h"
+#include "UnknownDvars.h"
 #include "Wait.h"
 
 #include <QTemporaryDir>
@@ -33,4 +37,8 @@ struct SessionFixture {
     RecordedAlerts alerts;
     KelServer server{exchange, alerts};
     ActionQueue actions;
+    Preferences asked{folder.filePath(QStringLiteral("asked.ini"))};
+    UnknownDvars unknownDvars{asked};
+    DvarFetcher fetcher{server, actions, unknownDvars};
+    Reconnecting reconnecting{server, actions, alerts, fetcher};
 };

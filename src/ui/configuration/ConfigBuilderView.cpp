@@ -25,8 +25,8 @@
 #include <optional>
 #include <utility>
 
-ConfigBuilderView::ConfigBuilderView(KelServer &server, ActionQueue &actions, Alerts &alerts, KelSettings &settings,
-                                     KelGametype &gametypes, QWidget *parent)
+ConfigBuilderView::ConfigBuilderView(KelServer &server, ActionQueue &actions, Alerts &alerts, DvarFetcher &fetcher,
+                                     KelSettings &settings, KelGametype &gametypes, QWidget *parent)
     : TabPage(parent), configBuilderGeneralSettingsTable(new SectionTable(tr("Settings groups"), this)),
       configBuilderGametypeSettingsTable(new SectionTable(tr("Gametypes"), this)),
       selectAllButton(new QPushButton(tr("Select All"), this)),
@@ -34,7 +34,7 @@ ConfigBuilderView::ConfigBuilderView(KelServer &server, ActionQueue &actions, Al
       saveConfigButton(new QPushButton(tr("Save Config…"), this)),
       loadConfigButton(new QPushButton(tr("Load Config…"), this)),
       compareConfigButton(new QPushButton(tr("Compare With File…"), this)), m_server(server), m_actions(actions),
-      m_alerts(alerts), m_settings(settings), m_gametypes(gametypes),
+      m_alerts(alerts), m_fetcher(fetcher), m_settings(settings), m_gametypes(gametypes),
       m_progressWindowController(std::make_unique<ProgressWindowController>(this)),
       m_loading(std::make_unique<ConfigurationLoading>(server, actions, alerts, *m_progressWindowController))
 {

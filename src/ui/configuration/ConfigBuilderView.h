@@ -16,6 +16,7 @@ class ActionQueue;
 class Alerts;
 class ConfigurationComparison;
 class ConfigurationLoading;
+class DvarFetcher;
 class KelGametype;
 class KelServer;
 class KelSettings;
@@ -30,8 +31,8 @@ class ConfigBuilderView : public TabPage
     Q_OBJECT
 public:
     /// Everything handed in outlives the view, and the view outlives the actions that it starts.
-    ConfigBuilderView(KelServer &server, ActionQueue &actions, Alerts &alerts, KelSettings &settings,
-                      KelGametype &gametypes, QWidget *parent = nullptr);
+    ConfigBuilderView(KelServer &server, ActionQueue &actions, Alerts &alerts, DvarFetcher &fetcher,
+                      KelSettings &settings, KelGametype &gametypes, QWidget *parent = nullptr);
     ~ConfigBuilderView() override;
 
     /// Writes `content` to `path`, with the extension "cfg" if it has another or none; asks first if the file exists.
@@ -79,6 +80,7 @@ private:
     KelServer &m_server;
     ActionQueue &m_actions;
     Alerts &m_alerts;
+    DvarFetcher &m_fetcher;
     KelSettings &m_settings;
     KelGametype &m_gametypes;
     std::unique_ptr<ProgressWindowController> m_progressWindowController; ///< of the loading

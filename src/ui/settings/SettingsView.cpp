@@ -48,11 +48,12 @@ private:
 
 } // namespace
 
-SettingsView::SettingsView(Mode mode, KelServer &server, ActionQueue &actions, KelSettings &settings,
-                           KelGametype &gametypes, QWidget *parent)
+SettingsView::SettingsView(Mode mode, KelServer &server, ActionQueue &actions, DvarFetcher &fetcher,
+                           KelSettings &settings, KelGametype &gametypes, QWidget *parent)
     : TabPage(parent), m_mode(mode), settingsGroupList(new QListWidget(this)),
       settingsFilterField(new FilterField(tr("Filter settings"), this)), m_server(server), m_actions(actions),
-      m_settings(settings), m_gametypes(gametypes), m_settingsOutline(new SettingsOutlineModel(server, this))
+      m_fetcher(fetcher), m_settings(settings), m_gametypes(gametypes),
+      m_settingsOutline(new SettingsOutlineModel(server, this))
 {
     settingsOutlineView = new DvarSettingOutlineView(*m_settingsOutline, this);
     if (m_mode == Mode::Unranked) {

@@ -10,6 +10,7 @@
 
 #include <memory>
 
+class DvarFetcher;
 class DvarSetting;
 class DvarSettingOutlineView;
 class EmptyHint;
@@ -30,8 +31,8 @@ public:
     enum class Mode { Unranked, Ranked };
 
     /// Everything handed in outlives the view, and the view outlives the actions that it starts.
-    SettingsView(Mode mode, KelServer &server, ActionQueue &actions, KelSettings &settings, KelGametype &gametypes,
-                 QWidget *parent = nullptr);
+    SettingsView(Mode mode, KelServer &server, ActionQueue &actions, DvarFetcher &fetcher, KelSettings &settings,
+                 KelGametype &gametypes, QWidget *parent = nullptr);
     ~SettingsView() override;
 
     /// Splitters and columns; each mode keeps its own. Anything but what saveLayout() kept leaves the layout as it is.
@@ -68,6 +69,7 @@ private:
 
     KelServer &m_server;
     ActionQueue &m_actions;
+    DvarFetcher &m_fetcher;
     KelSettings &m_settings;
     KelGametype &m_gametypes;
     SettingsOutlineModel *m_settingsOutline;

@@ -5,7 +5,8 @@
 using namespace std::chrono_literals;
 
 StatusLine::StatusLine(QWidget *parent)
-    : QStatusBar(parent), toolStripStatusLabelMain(new QLabel(this)), m_busyIndicator(new QProgressBar(this))
+    : QStatusBar(parent), toolStripStatusLabelMain(new QLabel(this)), m_busyIndicator(new QProgressBar(this)),
+      m_progressLabel(new QLabel(this))
 {
     setObjectName(QStringLiteral("statusLine"));
     setSizeGripEnabled(false);
@@ -14,12 +15,16 @@ StatusLine::StatusLine(QWidget *parent)
     toolStripStatusLabelMain->setContentsMargins(6, 0, 6, 0);
     m_busyIndicator->setObjectName(QStringLiteral("busyIndicator"));
     m_busyIndicator->setAccessibleName(tr("Busy"));
-    m_busyIndicator->setFixedWidth(140);
+    m_busyIndicator->setFixedWidth(90);
     m_busyIndicator->setMaximumHeight(toolStripStatusLabelMain->sizeHint().height());
     m_busyIndicator->setRange(0, 0);
     m_busyIndicator->setTextVisible(false);
     m_busyIndicator->hide();
     addWidget(toolStripStatusLabelMain, 1);
+    m_progressLabel->setObjectName(QStringLiteral("progressLabel"));
+    m_progressLabel->setTextFormat(Qt::PlainText);
+    m_progressLabel->hide();
+    addPermanentWidget(m_progressLabel);
     addPermanentWidget(m_busyIndicator);
 
     m_delay.setSingleShot(true);
@@ -39,20 +44,10 @@ void StatusLine::setBusy(bool isBusy)
 void StatusLine::showBusy()
 {
     m_busyIndicator->setVisible(m_isBusy);
-    if (!m_isBusy)
-        clearProgress();
-}
-
-void StatusLine::clearProgress()
-{
-    m_busyIndicator->setRange(0, 0);
-    m_busyIndicator->setTextVisible(false);
 }
 
 void StatusLine::setProgress(int done, int total)
 {
-    m_busyIndicator->setRange(0, total);
-    m_busyIndicator->setValue(done);
-    m_busyIndicator->setFormat(tr("%1 of %2 settings").arg(done).arg(total));
-    m_busyIndicator->setTextVisible(true);
+    m_progressLabel->setText(tr("%1 of %2 settings").arg(done).arg(total));
+    m_progressLabel->setVisible(done < total);
 }

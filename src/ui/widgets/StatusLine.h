@@ -18,15 +18,17 @@ public:
     /// Shows the indicator once the work has lasted 150 ms and hides it as late, so that neither short work nor a short
     /// pause flickers.
     void setBusy(bool isBusy);
-    /// Tells how far a connect has come; the indicator forgets it when the work ends.
+    /// Tells how many of the server's settings are known, until all are.
     void setProgress(int done, int total);
-    void clearProgress();
+    /// Puts what tells of the line to the server at the end; the line takes it.
+    void addLink(QWidget *link) { addPermanentWidget(link); }
 
 private:
     void showBusy();
 
     QLabel *toolStripStatusLabelMain;
     QProgressBar *m_busyIndicator;
+    QLabel *m_progressLabel;
     bool m_isBusy = false;
     QTimer m_delay;
 };

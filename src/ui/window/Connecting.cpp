@@ -9,18 +9,19 @@
 #include "KelPlaylists.h"
 #include "KelServer.h"
 #include "MainTabs.h"
+#include "PasswordQuestion.h"
+#include "Reconnecting.h"
+#include "Secrets.h"
 #include "ServersView.h"
 #include "StatusLine.h"
 #include "TabPage.h"
 #include "UnsavedWork.h"
 
-#include <QDialogButtonBox>
-#include <QInputDialog>
-#include <QLabel>
 #include <QPointer>
-#include <QPushButton>
 
 #include <utility>
+
+using namespace std::chrono_literals;
 
 Connecting::Connecting(const Workplace &workplace, const Parts &parts, QObject *parent)
     : QObject(parent), m_workplace(workplace), m_parts(parts)
@@ -30,6 +31,14 @@ Connecting::Connecting(const Workplace &workplace, const Parts &parts, QObject *
     connect(&parts.servers, &ServersView::disconnectButtonPressed, this, &Connecting::disconnectFromServer);
     connect(&workplace.server, &KelServer::didConnect, this, [this] { m_isComplete = true; });
     connect(&workplace.server, &KelServer::passwordRefused, this, [this] { m_isPasswordRefused = true; });
+    connect(&workplace.server, &KelServer::lookUpBegan, this,
+            [this](const QString &host) { m_parts.status.setStatus(tr("Looking up %1…").arg(host)); });
+    connect(&workplace.server, &KelServer::lookUpEnded, this, &Connecting::showConnecting);
+    connect(&workplace.reconnecting, &Reconnecting::cameBack, this, &Connecting::comeBack);
+    connect(&workplace.reconnecting, &Reconnecting::disconnectWanted, this, &Connecting::disconnectFromServer);
+    m_welcomeBack.setSingleShot(true);
+    m_welcomeBack.setInterval(10s);
+    connect(&m_welcomeBack, &QTimer::timeout, this, &Connecting::showConnected);
 }
 
 ConnectTarget Connecting::formTarget() const
@@ -62,7 +71,9 @@ void Connecting::connectTo(ConnectTarget target)
     ++m_connects;
     m_parts.servers.setConnecting(true);
     m_statusBeforeConnect = m_parts.status.status();
-    m_parts.status.setStatus(tr("Connecting to %1...").arg(target.label));
+    m_target = target;
+    m_target.password = {}; // the session has it
+    showConnecting();
     m_workplace.actions.start(connectAction(std::move(target)));
 }
 
@@ -85,7 +96,6 @@ QCoro::Task<> Connecting::connectAction(ConnectTarget target)
     if (turn && goesOn && !m_isComplete) // it may have come as far as the server's first answer
         endConnection();
     m_parts.servers.setConnecting(--m_connects > 0);
-    m_parts.status.clearProgress();
     if (!turn) // called off: the status line already tells so
         co_return;
     if (!goesOn) {
@@ -100,8 +110,7 @@ QCoro::Task<> Connecting::connectAction(ConnectTarget target)
     }
     if (target.isPasswordNew && target.passwordTextBox)
         target.passwordTextBox(target.password);
-    const QString mode = m_workplace.server.isRanked() ? tr("(Ranked)") : tr("(Unranked)");
-    m_parts.status.setStatus(tr("Connected to %1 %2").arg(target.label, mode));
+    showConnected();
     const QList<TabPage *> pages = m_parts.tabs.pages();
     for (TabPage *page : pages) {
         if (turn)
@@ -118,7 +127,7 @@ QCoro::Task<> Connecting::loadGameData()
 
 QCoro::Task<> Connecting::connectToServerWithLabel(ConnectTarget target)
 {
-    m_parts.status.setStatus(tr("Connecting to %1...").arg(target.label));
+    showConnecting();
     m_isPasswordRefused = false;
     co_await m_workplace.server.connectToHost(target.host, target.port, target.password);
     m_workplace.server.setPasswordTextBox(target.passwordTextBox);
@@ -126,8 +135,57 @@ QCoro::Task<> Connecting::connectToServerWithLabel(ConnectTarget target)
         m_workplace.server.forgetVariables();
 }
 
+void Connecting::showConnecting()
+{
+    m_welcomeBack.stop();
+    m_parts.status.setStatus(tr("Connecting to %1...").arg(m_target.label));
+}
+
+void Connecting::showConnected()
+{
+    const QString mode = m_workplace.server.isRanked() ? tr("(Ranked)") : tr("(Unranked)");
+    m_parts.status.setStatus(tr("Connected to %1 %2").arg(m_target.label, mode));
+}
+
+void Connecting::comeBack(std::chrono::milliseconds silence, int differences)
+{
+    const auto seconds = std::chrono::round<std::chrono::seconds>(silence).count();
+    const QString time = QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar(u'0'));
+    const QString differ = differences == 1 ? tr("1 setting differs") : tr("%1 settings differ").arg(differences);
+    const QString text = tr("Connected again after %1, %2").arg(time, differ);
+    m_parts.status.setStatus(text);
+    m_workplace.server.appendConsoleNote(text);
+    m_welcomeBack.start();
+    QString password = std::exchange(m_triedPassword, QString());
+    if (!password.isEmpty() && m_target.passwordTextBox)
+        m_target.passwordTextBox(password);
+    wipe(password);
+    m_workplace.actions.start(showWhatCameBack());
+}
+
+QCoro::Task<> Connecting::showWhatCameBack()
+{
+    const ActionQueue::Turn turn = co_await m_workplace.actions.turn();
+    const QList<TabPage *> pages = m_parts.tabs.pages();
+    for (TabPage *page : pages) {
+        if (turn)
+            co_await page->didConnect();
+    }
+}
+
+void Connecting::askForNewPassword()
+{
+    QWidget *window = m_parts.servers.window();
+    openPasswordQuestion(window, m_target.host, [this](const QString &password) {
+        m_triedPassword = password;
+        m_workplace.reconnecting.tryPassword(password);
+    });
+}
+
 void Connecting::endConnection()
 {
+    m_welcomeBack.stop();
+    wipe(m_triedPassword);
     m_workplace.actions.refuseWaiting();
     for (TabPage *page : m_parts.tabs.pages())
         page->willDisconnect();
@@ -203,27 +261,10 @@ QCoro::Task<> Connecting::tell(QString title, QString text)
 
 void Connecting::askForPassword(const ConnectTarget &target)
 {
-    auto *dialog = new QInputDialog(m_parts.servers.window(), Qt::Sheet);
-    dialog->setObjectName(QStringLiteral("passwordPanel"));
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setWindowModality(Qt::WindowModal);
-    dialog->setWindowTitle(tr("Password"));
-    dialog->setLabelText(tr("Remote-console password of %1").arg(target.host));
-    for (QLabel *label : dialog->findChildren<QLabel *>())
-        label->setTextFormat(Qt::PlainText);
-    dialog->setTextEchoMode(QLineEdit::Password);
-    dialog->setOkButtonText(tr("Connect"));
-    QPushButton *connectButton = dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok);
-    connectButton->setEnabled(false);
-    connect(dialog, &QInputDialog::textValueChanged, connectButton,
-            [connectButton](const QString &text) { connectButton->setEnabled(!text.isEmpty()); });
-    connect(dialog, &QInputDialog::textValueSelected, this, [this, asked = target](const QString &password) {
-        if (password.isEmpty())
-            return;
+    openPasswordQuestion(m_parts.servers.window(), target.host, [this, asked = target](const QString &password) {
         ConnectTarget answered = asked;
         answered.password = password;
         answered.isPasswordNew = true;
         connectTo(answered);
     });
-    dialog->open();
 }

@@ -6,7 +6,9 @@
 
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
+#include <chrono>
 #include <functional>
 
 class MainTabs;
@@ -55,12 +57,18 @@ public slots:
     void connectByForm();
     void connectToSavedServer(const SavedServer &server);
     void disconnectFromServer();
+    /// Asks for the password that the server takes now, and tries it once.
+    void askForNewPassword();
 
 private:
     ConnectTarget formTarget() const;
     ConnectTarget savedTarget(const SavedServer &server) const;
     void askForPassword(const ConnectTarget &target);
     void endConnection();
+    void showConnecting();
+    void showConnected();
+    void comeBack(std::chrono::milliseconds silence, int differences);
+    QCoro::Task<> showWhatCameBack();
     QCoro::Task<> connectAction(ConnectTarget target);
     QCoro::Task<> loadGameData();
     QCoro::Task<> connectToServerWithLabel(ConnectTarget target);
@@ -69,6 +77,9 @@ private:
     Workplace m_workplace;
     Parts m_parts;
     QString m_statusBeforeConnect;
+    ConnectTarget m_target;           ///< of the latest connect
+    QTimer m_welcomeBack;             ///< while the status line tells of a server that came back
+    QString m_triedPassword;          ///< until the server has taken it
     int m_connects = 0;               ///< that wait or are under way
     bool m_isComplete = false;        ///< the latest connect has come to its end
     bool m_isPasswordRefused = false; ///< by the server of the latest connect

@@ -1,11 +1,14 @@
 #include "FormMainView.h"
 
 #include "ActionQueue.h"
+#include "DvarFetcher.h"
 #include "KelMessageRotation.h"
 #include "KelServer.h"
+#include "LinkStatus.h"
 #include "MainMenuBar.h"
 #include "MainTabs.h"
 #include "Preferences.h"
+#include "Reconnecting.h"
 #include "ServersView.h"
 #include "StatusLine.h"
 #include "TabPage.h"
@@ -78,10 +81,22 @@ void FormMainView::connectParts()
     connect(&server, &KelServer::lastTabRequested, tabControlMain, &MainTabs::bringLastToFront);
     connect(&server, &KelServer::connectionBegan, &actions, &ActionQueue::refuseWaiting);
     connect(&server, &KelServer::isConnectedChanged, serversView, &ServersView::setConnected);
-    connect(&server, &KelServer::connectProgressed, statusLine, &StatusLine::setProgress);
+    connect(&m_workplace.fetcher, &DvarFetcher::progressed, statusLine, &StatusLine::setProgress);
+    connect(&m_workplace.fetcher, &DvarFetcher::finished, this, &FormMainView::tellOfUnknownSettings);
+    auto *link = new LinkStatus(server.link(), statusLine);
+    connect(link, &LinkStatus::tryNowRequested, &m_workplace.reconnecting, &Reconnecting::tryNow);
+    connect(link, &LinkStatus::passwordRequested, m_connecting, &Connecting::askForNewPassword);
+    statusLine->addLink(link);
     connect(&server, &KelServer::exchangeUnderWayChanged, statusLine, &StatusLine::setBusy);
     connect(&actions, &ActionQueue::faulted, this,
             [this](const QString &what) { reportFailure(tr("Internal Error"), what); });
+}
+
+void FormMainView::tellOfUnknownSettings(int unknown, int total)
+{
+    if (unknown > 0)
+        m_workplace.server.appendConsoleNote(
+            tr("%1 of %2 catalogued settings are not on this server").arg(unknown).arg(total));
 }
 
 void FormMainView::connectTo(ConnectTarget target)

@@ -53,6 +53,7 @@ private:
     void fitIntoScreen();
     void saveLayout();
     void arrangeTabs();
+    void tellOfUnknownSettings(int unknown, int total);
     void showAbout();
     QCoro::Task<> closeAfterQuestion();
     QCoro::Task<> tell(QString title, QString text, AlertManner manner);

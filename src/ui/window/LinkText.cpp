@@ -16,8 +16,8 @@ static qint64 wholeMilliseconds(LinkStats::Duration duration)
 }
 
 LinkText::LinkText(const Link &link, std::chrono::steady_clock::time_point now)
-    : m_kind(link.kind()), m_figures(link.figures()), m_silentSince(link.silentSince()),
-      m_silentFor(link.silentFor()), m_now(now)
+    : m_kind(link.kind()), m_figures(link.figures()), m_silentSince(link.silentSince()), m_silentFor(link.silentFor()),
+      m_now(now)
 {
 }
 
@@ -73,7 +73,7 @@ QString LinkText::details() const
                      .arg(stats.late())
                      .arg(stats.strangers()));
     if (m_figures.isPaced)
-        lines.append(tr("The server ignores requests that come sooner than %1 ms after the last")
-                         .arg(m_figures.gap.count()));
+        lines.append(
+            tr("The server ignores requests that come sooner than %1 ms after the last").arg(m_figures.gap.count()));
     return lines.join(QLatin1Char('\n'));
 }

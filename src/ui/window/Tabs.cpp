@@ -29,14 +29,14 @@ static TabPage *makePlaylists(const Workplace &place, QWidget *parent)
 
 static TabPage *makeUnrankedSettings(const Workplace &place, QWidget *parent)
 {
-    return new SettingsView(SettingsView::Mode::Unranked, place.server, place.actions, place.catalogues.settings,
-                            place.catalogues.gametypes, parent);
+    return new SettingsView(SettingsView::Mode::Unranked, place.server, place.actions, place.fetcher,
+                            place.catalogues.settings, place.catalogues.gametypes, parent);
 }
 
 static TabPage *makeRankedSettings(const Workplace &place, QWidget *parent)
 {
-    return new SettingsView(SettingsView::Mode::Ranked, place.server, place.actions, place.catalogues.settings,
-                            place.catalogues.gametypes, parent);
+    return new SettingsView(SettingsView::Mode::Ranked, place.server, place.actions, place.fetcher,
+                            place.catalogues.settings, place.catalogues.gametypes, parent);
 }
 
 static TabPage *makeMessages(const Workplace &place, QWidget *parent)
@@ -46,7 +46,7 @@ static TabPage *makeMessages(const Workplace &place, QWidget *parent)
 
 static TabPage *makeConfigBuilder(const Workplace &place, QWidget *parent)
 {
-    return new ConfigBuilderView(place.server, place.actions, place.alerts, place.catalogues.settings,
+    return new ConfigBuilderView(place.server, place.actions, place.alerts, place.fetcher, place.catalogues.settings,
                                  place.catalogues.gametypes, parent);
 }
 

@@ -8,9 +8,11 @@
 
 class ActionQueue;
 class Alerts;
+class DvarFetcher;
 class KelServer;
 class Preferences;
 class QWidget;
+class Reconnecting;
 class TabPage;
 
 /// What the pages behind the tabs are made of. All of it outlives the window.
@@ -19,6 +21,8 @@ struct Workplace {
     ActionQueue &actions;
     Alerts &alerts;
     Preferences &preferences;
+    DvarFetcher &fetcher;
+    Reconnecting &reconnecting;
     GameCatalogues catalogues;
     Rotations rotations;
 };

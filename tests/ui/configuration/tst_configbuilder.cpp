@@ -59,7 +59,7 @@ struct Builder : CataloguesFixture {
 
     QString path = folder.filePath("a.cfg");
     QWidget window;
-    ConfigBuilderView view{server, actions, alerts, settings, gametypes, &window};
+    ConfigBuilderView view{server, actions, alerts, fetcher, settings, gametypes, &window};
 };
 
 class ConfigBuilderTest : public QObject

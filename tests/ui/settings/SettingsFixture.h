@@ -25,7 +25,7 @@ inline QByteArray settingXml(const QByteArray &name, const QByteArray &dvar, con
 /// A view with catalogues of the test's own, on a session that has just connected. The server does not know g_lost.
 struct SettingsFixture : CataloguesFixture {
     explicit SettingsFixture(SettingsView::Mode mode = SettingsView::Mode::Unranked)
-        : isRanked(mode == SettingsView::Mode::Ranked), view(mode, server, actions, settings, gametypes)
+        : isRanked(mode == SettingsView::Mode::Ranked), view(mode, server, actions, fetcher, settings, gametypes)
     {
         dump("20");
         connectToServer();
