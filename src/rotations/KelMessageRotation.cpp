@@ -151,7 +151,11 @@ QCoro::Task<> KelMessageRotation::showMessage(std::shared_ptr<const MessageRotat
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
     qint64 shortestWait = 0;
-    if (turn && showing == m_showing) {
+    const Link::Kind link = m_server.link().kind();
+    if (turn && showing == m_showing && (link == Link::Kind::Silent || link == Link::Kind::Refused)) {
+        m_server.appendConsoleNote(tr("skipped, as the server does not answer: %1").arg(line));
+        shortestWait = 1;
+    } else if (turn && showing == m_showing) {
         const Reply reply = co_await m_server.sendCommand(line);
         if (turn && !reply.isCancelled && !reply.isSuccess()) {
             co_await tellOfFailure(reply.text);

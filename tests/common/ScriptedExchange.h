@@ -54,7 +54,14 @@ public:
     {
         QPromise<bool> promise = std::move(m_kept.front());
         m_kept.pop_front();
+        m_arrived.pop_front();
         finish(promise, true);
+    }
+    /// Brings a part of the oldest kept reply.
+    void arrive(const QString &text)
+    {
+        if (m_arrived.front())
+            m_arrived.front()(text);
     }
     int keptCount() const { return static_cast<int>(m_kept.size()); }
 
@@ -64,10 +71,12 @@ public:
         QPromise<bool> promise;
         promise.start();
         const QFuture<bool> pending = promise.future();
-        if (m_isHeld)
+        if (m_isHeld) {
             m_kept.push_back(std::move(promise));
-        else
+            m_arrived.push_back(arrived);
+        } else {
             finish(promise, true);
+        }
         const bool isAnswered = co_await pending;
         if (!isAnswered)
             co_return Reply{RConResultError, QStringLiteral("cancelled"), true};
@@ -83,6 +92,7 @@ public:
     {
         std::deque<QPromise<bool>> kept;
         kept.swap(m_kept);
+        m_arrived.clear();
         for (QPromise<bool> &promise : kept)
             finish(promise, false);
     }
@@ -114,5 +124,6 @@ private:
     LinkState m_link;
     QList<Request> m_requests;
     std::deque<QPromise<bool>> m_kept;
+    std::deque<Arrived> m_arrived; ///< for the kept replies
     bool m_isHeld = false;
 };

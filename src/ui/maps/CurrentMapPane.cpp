@@ -154,7 +154,8 @@ void CurrentMapPane::refreshCurrentMapButtonPressed()
 
 void CurrentMapPane::updateMapsTimer()
 {
-    refreshCurrentMapButtonPressed();
+    if (m_server.link().mayAskByItself())
+        refreshCurrentMapButtonPressed();
 }
 
 QCoro::Task<> CurrentMapPane::refresh()

@@ -107,8 +107,30 @@ void MapsView::setInFront(bool isInFront)
 
 QCoro::Task<> MapsView::didConnect()
 {
-    co_await updateMapList(AllFlags);
-    if (m_server.isConnected())
+    m_actions.start(fetchInTurns(m_server.connection()));
+    co_return;
+}
+
+QCoro::Task<> MapsView::fetchInTurns(quint64 connection)
+{
+    std::optional<QString> gametype;
+    {
+        const ActionQueue::Turn turn = co_await m_actions.turn();
+        if (turn && connection == m_server.connection())
+            gametype = co_await currentMapPane->updateGametype();
+    }
+    std::optional<QString> map;
+    if (gametype) {
+        const ActionQueue::Turn turn = co_await m_actions.turn();
+        if (turn && connection == m_server.connection())
+            map = co_await currentMapPane->updateMap();
+    }
+    if (map) {
+        const ActionQueue::Turn turn = co_await m_actions.turn();
+        if (turn && connection == m_server.connection())
+            co_await serverRotationPane->updateRotation(*gametype);
+    }
+    if (m_server.isConnected() && connection == m_server.connection())
         currentMapPane->autoupdateMapsChanged();
 }
 

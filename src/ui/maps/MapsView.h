@@ -51,6 +51,8 @@ public slots:
     void copyCurrentMapRotationToBuilderButtonPressed();
 
 private:
+    /// What a fresh connection shows, with a turn for each query, so that any action gets in between.
+    QCoro::Task<> fetchInTurns(quint64 connection);
     void nameControls();
     void layOut();
     void connectControls();

@@ -50,6 +50,8 @@ void PlayerCountLabel::tell()
         parts = {tr("%1 shown").arg(m_roster.rows().arranged()->rowCount()), selectedText()};
         if (m_roster.age())
             parts.append(ageText());
+        if (m_roster.mayBeIncomplete())
+            parts.append(tr("list may be incomplete"));
     }
     setText(parts.join(QStringLiteral(" · ")));
 }

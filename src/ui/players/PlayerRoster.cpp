@@ -6,6 +6,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 PlayerRoster::PlayerRoster(KelServer &server, Clock clock, QObject *parent)
@@ -34,7 +35,12 @@ QCoro::Task<PlayerRoster::Fetch> PlayerRoster::fetch()
 {
     const auto askedAt = m_clock();
     const QString line = QStringLiteral("teamstatus");
-    const Reply reply = co_await m_server.sendCommand(line);
+    const auto gathered = std::make_shared<QString>();
+    const Arrived show = [this, gathered](const QString &text) {
+        *gathered += text;
+        takePart(*gathered);
+    };
+    const Reply reply = co_await m_server.sendCommand(line, show);
     if (reply.isCancelled)
         co_return Fetch{Fetch::CalledOff, {}};
     if (!reply.isSuccess())
@@ -42,7 +48,7 @@ QCoro::Task<PlayerRoster::Fetch> PlayerRoster::fetch()
     if (!m_server.isConnected())
         co_return Fetch{Fetch::CalledOff, {}};
     const PlayerList list = parsePlayerList(reply.text);
-    m_mayBeIncomplete = list.isDamaged || (m_isTitleDue && !list.isTitled);
+    m_mayBeIncomplete = reply.mayBeIncomplete || list.isDamaged || (m_isTitleDue && !list.isTitled);
     m_isTitleDue = m_isTitleDue || list.isTitled;
     if (!m_mayBeIncomplete)
         m_askedAt = askedAt;
@@ -52,19 +58,32 @@ QCoro::Task<PlayerRoster::Fetch> PlayerRoster::fetch()
 
 void PlayerRoster::take(const PlayerList &list)
 {
-    QList<PlayerRow> rows = list.players;
-    if (m_mayBeIncomplete) {
-        QHash<QString, int> listed;
-        for (const PlayerRow &player : list.players)
-            ++listed[playerKey(player)];
-        for (const PlayerRow &player : players()) {
-            if (--listed[playerKey(player)] < 0)
-                rows.append(player);
-        }
-    }
     m_isFetched = true;
-    m_rows.mergeContent(rows);
+    m_rows.mergeContent(m_mayBeIncomplete ? withUnlisted(list) : list.players);
     emit changed();
+}
+
+/// Rows come with their datagrams. Nobody goes before the end: he may be in the part that is still to come.
+void PlayerRoster::takePart(const QString &reply)
+{
+    const PlayerList list = parsePlayerList(reply.left(reply.lastIndexOf(QLatin1Char('\n')) + 1));
+    if (list.isDamaged || (m_isTitleDue && !list.isTitled) || !m_server.isConnected())
+        return;
+    m_rows.mergeContent(withUnlisted(list));
+    emit changed();
+}
+
+QList<PlayerRow> PlayerRoster::withUnlisted(const PlayerList &list) const
+{
+    QList<PlayerRow> rows = list.players;
+    QHash<QString, int> listed;
+    for (const PlayerRow &player : list.players)
+        ++listed[playerKey(player)];
+    for (const PlayerRow &player : players()) {
+        if (--listed[playerKey(player)] < 0)
+            rows.append(player);
+    }
+    return rows;
 }
 
 void PlayerRoster::forget()

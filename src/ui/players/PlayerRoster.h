@@ -54,6 +54,8 @@ public:
     bool isFetched() const { return m_isFetched; }
     /// How long ago the newest complete list was asked for; nothing before one came.
     std::optional<std::chrono::seconds> age() const;
+    /// Whether somebody may be missing in the newest list.
+    bool mayBeIncomplete() const { return m_mayBeIncomplete; }
     /// Whether the newest list is complete and not older than newFor.
     bool isNew() const;
 
@@ -67,6 +69,8 @@ signals:
 
 private:
     void take(const PlayerList &list);
+    void takePart(const QString &reply);
+    QList<PlayerRow> withUnlisted(const PlayerList &list) const;
 
     KelServer &m_server;
     Clock m_clock;

@@ -124,7 +124,10 @@ void PlayersView::connectControls()
     connect(savePlayerListButton, &QPushButton::clicked, this, &PlayersView::savePlayerListButtonPressed);
     connect(autoUpdatePlayers, &QCheckBox::toggled, this, &PlayersView::autoupdatePlayerChanged);
     connect(autoUpdatePlayersTime, &QSpinBox::valueChanged, this, &PlayersView::autoupdatePlayerTimeChanged);
-    connect(autoupdatePlayerTimer, &QTimer::timeout, this, &PlayersView::refreshPlayersButtonPressed);
+    connect(autoupdatePlayerTimer, &QTimer::timeout, this, [this] {
+        if (m_server.link().mayAskByItself())
+            refreshPlayersButtonPressed();
+    });
     connect(playerSendMessagePanel, &QDialog::finished, this, &PlayersView::sendMessagePanelDidEnd);
     connect(playerFilterField, &QLineEdit::textChanged, this, [this](const QString &text) {
         m_roster->rows().setFilterText(text);

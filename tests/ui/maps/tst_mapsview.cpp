@@ -127,6 +127,7 @@ private slots:
         QCOMPARE(maps.rotation(), QList<RotationRow>());
         QCOMPARE(table->placeholder().startsWith("Not connected."), isEnded);
         awaited(maps.view.didConnect());
+        QVERIFY(maps.settle());
         QCOMPARE(maps.rotation(), QList<RotationRow>());
         QVERIFY(!maps.button("copyToBuilderButton").isEnabled());
         QVERIFY(!isOffered("&Copy Server's Rotation to Builder"));
@@ -192,6 +193,7 @@ private slots:
         const auto *timer = control<QTimer>(maps.view, "autoupdateMapsTimer");
         QVERIFY(!timer->isActive());
         awaited(maps.view.didConnect());
+        QVERIFY(maps.settle());
         QVERIFY(timer->isActive());
         QCOMPARE(timer->interval(), 30000);
     }
@@ -225,6 +227,7 @@ private slots:
         maps.view.willDisconnect();
         QVERIFY(!timer->isActive());
         awaited(maps.view.didConnect());
+        QVERIFY(maps.settle());
         QVERIFY(timer->isActive());
         QCOMPARE(maps.exchange.sent(), QStringList({"g_gametype", "mapname", "sv_mapRotation"}));
         const MapsView later(maps.server, maps.actions, maps.alerts, maps.preferences, maps.catalogues(),
@@ -240,16 +243,35 @@ private slots:
         QVERIFY(maps.settle());
     }
 
+    void anActionGetsInBetweenTheQueriesOfAConnect()
+    {
+        Maps maps;
+        maps.exchange.answer("fast_restart", ScriptedExchange::ok());
+        maps.exchange.hold();
+        awaited(maps.view.didConnect());
+        QTRY_COMPARE(maps.exchange.keptCount(), 1);
+        maps.press("fastRestartMapButton");
+        while (maps.exchange.sent().size() < 4) {
+            QTRY_COMPARE(maps.exchange.keptCount(), 1);
+            maps.exchange.release();
+            QTRY_VERIFY(maps.exchange.keptCount() == 1 || maps.actions.isIdle());
+        }
+        QCOMPARE(maps.exchange.sent(), QStringList({"g_gametype", "fast_restart", "mapname", "sv_mapRotation"}));
+        maps.exchange.cancel();
+        QVERIFY(maps.settle());
+    }
+
     void noTimerStartsOnceTheConnectionHasEnded()
     {
         Maps maps;
         control<QCheckBox>(maps.view, "autoupdateMaps")->setChecked(true);
         maps.view.willDisconnect();
         maps.exchange.hold();
-        const QCoro::Task<> task = maps.view.didConnect();
+        awaited(maps.view.didConnect());
+        QTRY_COMPARE(maps.exchange.keptCount(), 1);
         maps.exchange.cancel();
         maps.server.disconnect();
-        QTRY_VERIFY(task.isReady());
+        QVERIFY(maps.settle());
         QVERIFY(!control<QTimer>(maps.view, "autoupdateMapsTimer")->isActive());
     }
 

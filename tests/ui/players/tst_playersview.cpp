@@ -551,7 +551,7 @@ private slots:
         QTest::qWait(0);
         QCOMPARE(players.exchange.sent().size(), 3); // a batch goes on after a failure
         players.alerts.dismiss();
-        QCOMPARE(players.sent().last(), "teamstatus");
+        QCOMPARE(players.sent().mid(3), QStringList({"teamstatus", "dvardump"})); // it answers again
         QCOMPARE(players.alerts.titles(), QStringList{"Remote Command Failure"});
         QCOMPARE(players.alerts.texts(),
                  QStringList{"The following player(s) failed to process the 'clientkick' command: \n"
@@ -672,6 +672,47 @@ private slots:
         QVERIFY(control<QLabel>(*panel, "unsendableLabel")->isHidden());
         sendButton->click();
         QCOMPARE(players.sent(), QStringList{"tell 3 don't 'leave'"});
+    }
+
+    void rowsComeWithTheirDatagrams()
+    {
+        Players players;
+        players.exchange.hold();
+        players.press("refreshPlayersButton");
+        QTRY_COMPARE(players.exchange.keptCount(), 1);
+        players.exchange.arrive(title + line(1, "Ann", 20) + line(4, "Dora") + "5 0 48 g5 Ev");
+        QCOMPARE(players.count(), 4); // Bob and Cy may be in the part that is still to come
+        QVERIFY(players.shown().contains("Dora") && !players.shown().contains("Ev"));
+        players.list(title + line(1, "Ann", 20) + line(4, "Dora"));
+        players.exchange.release();
+        QVERIFY(players.settle());
+        QCOMPARE(players.shown(), QStringList({"Ann", "Dora"}));
+    }
+
+    void aReplyWhoseEndMayBeMissingRemovesNobody()
+    {
+        Players players;
+        Reply part = ScriptedExchange::ok(line(1, "Ann"));
+        part.mayBeIncomplete = true;
+        players.exchange.answer("teamstatus", part);
+        players.refresh();
+        QCOMPARE(players.count(), 3);
+        QVERIFY2(players.told().endsWith("list may be incomplete"), qPrintable(players.told()));
+    }
+
+    void aTimerAsksNobodyWhoDoesNotAnswer()
+    {
+        Players players;
+        control<QCheckBox>(players.view, "autoUpdatePlayers")->setChecked(true);
+        players.exchange.answer("teamstatus", ScriptedExchange::failure());
+        players.refresh();
+        QCOMPARE(players.server.link().kind(), Link::Kind::Silent);
+        players.exchange.forgetSent();
+        auto *timer = players.view.findChild<QTimer *>("autoupdatePlayerTimer");
+        emit timer->timeout({});
+        QVERIFY(players.actions.isIdle());
+        players.press("refreshPlayersButton"); // a person may
+        QCOMPARE(players.sent(), QStringList{"teamstatus"});
     }
 
     void aMessageGoesToThoseItWasWrittenTo()
