@@ -2,6 +2,7 @@
 
 #include "LinkStats.h"
 #include "RConResult.h"
+#include "Secrets.h"
 
 #include <QCoroTask>
 
@@ -11,8 +12,11 @@
 #include <functional>
 #include <optional>
 
-/// One command for one server.
+/// One command for one server. The last copy of it wipes the password: a request may be on its way when the session
+/// forgets it.
 struct Request {
+    ~Request() { wipe(password); }
+
     QString host; ///< as typed; dotted IPv4 where no address stands
     int port = 0;
     QString password;

@@ -45,6 +45,7 @@ void Flight::start()
 void Flight::abandon()
 {
     disconnect();
+    wipe(*m_requestText);
     m_timer.stop();
     listen(false);
 }
@@ -114,6 +115,7 @@ void Flight::timeIsUp()
 
 void Flight::end()
 {
+    wipe(*m_requestText); // it is not sent again
     m_timer.stop();
     listen(outcome().isEndKnown);
     emit finished();

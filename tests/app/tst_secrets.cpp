@@ -130,6 +130,7 @@ private slots:
         if (!FERROW_SANITIZED)                       // which would stop the look at freed memory
             QCOMPARE(copiesInMemory<char16_t>(), 3); // of the two fields and of the session
         control<QPushButton>(pane, "disconnectButton")->click();
+        QVERIFY(QTest::qWaitFor([&application] { return application.actions().isIdle(); })); // a request let go of it
         passwordField->clear();
         QTest::keyClick(saved, Qt::Key_Delete);
         QVERIFY(control<ServersView>(window, "serversView")->undoStack()->canUndo()); // by an encrypted copy

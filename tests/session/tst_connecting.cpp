@@ -322,7 +322,7 @@ private slots:
         QCOMPARE(tried, asked);
         QTEST(session.alerts.texts(), "alerts");
         QCOMPARE(session.server.isConnected(), session.alerts.shown().isEmpty());
-        QCOMPARE(session.server.serverKey(), session.server.isConnected() ? "play.example.org:28960" : ":0");
+        QCOMPARE(session.server.serverKey(), session.server.isConnected() ? "play.example.org:50960" : ":0");
     }
 
     void connectingAnewForgetsTheOldServer()

@@ -224,7 +224,8 @@ private slots:
         for (const QString &pair : added.split(',', Qt::SkipEmptyParts))
             playlists.playlists.addExclusion(pair.section('/', 0, 0), pair.section('/', 1));
         QVERIFY(unsent->text().startsWith("Not yet applied"));
-        playlists.exchange.answer("setadmindvar playlist_excludeGametype \"\"", ScriptedExchange::failure("lost"));
+        playlists.exchange.answer("setadmindvar playlist_excludeGametype \"\"",
+                                  ScriptedExchange::failure("lost", RConResultInvalidPacket));
         control<QPushButton>(playlists.view, "applyExclusionsButton")->click();
         playlists.playlists.addExclusion("Ropeway", "Duel"); // too late for what was pressed
         QVERIFY(playlists.answerAll());

@@ -10,6 +10,15 @@
 
 /// All that the window shows.
 struct WindowFixture : CataloguesFixture {
+    /// What still runs uses the views.
+    ~WindowFixture()
+    {
+        actions.close();
+        server.cancelExchange();
+        server.disconnect();
+        if (!settle())
+            qFatal("an action does not end");
+    }
     Workplace workplace()
     {
         return {server,  actions,      alerts,       preferences,

@@ -124,10 +124,11 @@ private slots:
         ConnectedWindow window;
         window.view.show();
         const QWidget *servers = control<QWidget>(window.view, "serversView");
+        const QWidget *status = control<QWidget>(window.view, "statusLine");
         QStringList panes;
         const QWidget *last = control<QPushButton>(window.view, "hostwellButton");
         for (const QWidget *at = last->nextInFocusChain(); at != last; at = at->nextInFocusChain()) {
-            if ((at->focusPolicy() & Qt::TabFocus) == 0 || !at->isVisible())
+            if ((at->focusPolicy() & Qt::TabFocus) == 0 || !at->isVisible() || status->isAncestorOf(at))
                 continue;
             const bool isInPage = window.tabs()->currentWidget()->isAncestorOf(at);
             const char *pane = servers->isAncestorOf(at) ? "servers" : isInPage ? "page" : "tabs";
