@@ -71,6 +71,7 @@ void ActionQueue::close()
 {
     m_isClosed = true;
     dropWaiting();
+    emit closed();
 }
 
 void ActionQueue::refuseWaiting()

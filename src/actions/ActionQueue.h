@@ -62,6 +62,8 @@ signals:
     /// The last action has ended; its frame may still be on the stack, so delete things from a queued slot.
     void idle();
     void faulted(const QString &what);
+    /// Everything has been called off, also what waits without having asked for a turn.
+    void closed();
 
 private:
     QCoro::Task<> supervise(QCoro::Task<> action);

@@ -96,6 +96,21 @@ QList<ConfigurationEntry> writtenEntries(const ConfigurationContent &content)
     return all;
 }
 
+QStringList neededDvars(const ConfigurationContent &content)
+{
+    QStringList names;
+    for (const SettingLists &lists : {content.groups, content.gametypes}) {
+        for (const std::shared_ptr<DvarSettingList> &list : lists) {
+            for (const std::shared_ptr<DvarSetting> &setting : list->settings()) {
+                if (!isNeverWritten(setting->dvar()))
+                    names.append(setting->dvar());
+            }
+        }
+    }
+    names.removeDuplicates();
+    return names;
+}
+
 bool saveConfiguration(const ConfigurationContent &content, const QString &path, QString *error)
 {
     const QString date = QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat);

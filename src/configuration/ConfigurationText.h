@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 
@@ -24,6 +25,9 @@ QByteArray configurationText(const ConfigurationContent &content, const QString 
 
 /// The variables that configurationText() writes, each once, in the order of the file.
 QList<ConfigurationEntry> writtenEntries(const ConfigurationContent &content);
+
+/// The variables of the groups and gametypes that would be in the file if the server told all of them, each once.
+QStringList neededDvars(const ConfigurationContent &content);
 
 /// Writes the configuration to `path`. Replaces the file whole: on failure an older file is as it was.
 /// @return whether it is written; otherwise `error`, if given, tells why.

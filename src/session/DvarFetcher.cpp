@@ -37,6 +37,7 @@ DvarFetcher::~DvarFetcher()
 void DvarFetcher::start()
 {
     stop();
+    m_unanswered.clear();
     m_catalogued = m_server.cataloguedDvars();
     const DvarTable known = m_server.dvarList();
     QStringList names;
@@ -50,6 +51,7 @@ void DvarFetcher::start()
     askFor(names);
     if (names.isEmpty() && !m_catalogued.isEmpty())
         emit finished(0, static_cast<int>(m_catalogued.size()));
+    emit began();
 }
 
 void DvarFetcher::askFor(const QStringList &names)
@@ -57,6 +59,7 @@ void DvarFetcher::askFor(const QStringList &names)
     m_queue.add(names);
     for (const QString &name : names) {
         m_notOnServer.removeAll(name);
+        m_unanswered.removeAll(name);
         m_server.setAwaited(name, true);
     }
     tellProgress();
@@ -73,13 +76,14 @@ void DvarFetcher::prefer(const QStringList &names)
 void DvarFetcher::askAgain()
 {
     m_unknown.forget(m_server.serverKey());
-    askFor(std::exchange(m_notOnServer, {}));
+    askFor(std::exchange(m_notOnServer, {}) + std::exchange(m_unanswered, {}));
 }
 
 void DvarFetcher::stop()
 {
     m_timer.stop();
     m_server.forgetAwaited();
+    m_unanswered += missing(m_catalogued);
     m_queue.clear();
     m_catalogued.clear();
     m_notOnServer.clear();
@@ -95,6 +99,11 @@ QStringList DvarFetcher::missing(const QStringList &names) const
             rest.append(name);
     }
     return rest;
+}
+
+bool DvarFetcher::isUnanswered(const QString &name) const
+{
+    return m_unanswered.contains(name) && !m_server.dvarList().contains(name);
 }
 
 void DvarFetcher::schedule()
@@ -137,6 +146,7 @@ void DvarFetcher::settle(const QString &name, KelServer::Fetched fetched)
         if (m_queue.postpone(name))
             return;
         m_server.setAwaited(name, false); // asked for often enough
+        m_unanswered.append(name);
     }
     if (fetched == KelServer::Fetched::Unknown && m_catalogued.contains(name))
         m_notOnServer.append(name);

@@ -33,17 +33,24 @@ public:
     void askFor(const QStringList &names);
     /// These are looked at: they come next.
     void prefer(const QStringList &names);
-    /// Asks anew for everything that the server did not know.
+    /// Asks anew for everything that the server did not know, and for what it did not answer.
     void askAgain();
     void stop();
 
     /// Those of `names` that are still to come.
     QStringList missing(const QStringList &names) const;
-    /// Resumes when one more variable has been settled, or nothing is asked any more.
+    /// Whether the session lacks a variable because no answer came, and it is not asked for any more. Of the variables
+    /// that were still to come when the connection ended, this is so until the next one is complete.
+    bool isUnanswered(const QString &name) const;
+    /// Resumes when one more variable has been settled, nothing is asked any more, or by wakeWaiting().
     QCoro::Task<> nextSettled();
+    /// Lets who waits for a variable look again, because he may have another reason to stop.
+    void wakeWaiting();
     bool isAsking() const { return !m_queue.isEmpty(); }
 
 signals:
+    /// It is known what is to be asked for, and the first of it comes next.
+    void began();
     /// `done` of `total` catalogued variables are settled.
     void progressed(int done, int total);
     /// Everything has been asked for: `unknown` of `total` catalogued variables are not on this server.
@@ -55,7 +62,6 @@ private:
     QCoro::Task<> fetchNext(quint64 connection);
     void settle(const QString &name, KelServer::Fetched fetched);
     void finish();
-    void wakeWaiting();
     void tellProgress();
 
     KelServer &m_server;
@@ -64,6 +70,7 @@ private:
     FetchQueue m_queue;
     QStringList m_catalogued;
     QStringList m_notOnServer;
+    QStringList m_unanswered;
     QTimer m_timer; ///< until the next may be asked for, outside of any turn
     std::vector<QPromise<void>> m_waiting;
     bool m_isStepUnderWay = false;

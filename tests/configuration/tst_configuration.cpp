@@ -77,6 +77,7 @@ private slots:
             "//\n// Playlist dvars\n//\nplaylist_enabled \"1\"\nplaylist_excludeMap \"a b\"\n\n";
         QCOMPARE(configurationText(content, "today"), expected);
         QCOMPARE(writtenEntries(content).size(), 5);
+        QCOMPARE(neededDvars(content), QStringList({"g_a", "g_no", "g_z", "scr_score"}));
         QVERIFY(configurationText({{}, {}, {}}, "x").endsWith("(x)\n\n//\n// Playlist dvars\n//\n\n"));
     }
 

@@ -137,6 +137,42 @@ private slots:
         QCOMPARE(session.exchange.sent().size(), 7);
         QVERIFY(!session.server.isAwaited("g_a"));
         QVERIFY(session.unknownDvars.of("192.0.2.1:50960", QDateTime::currentDateTime()).isEmpty()); // it may know it
+        QVERIFY(session.fetcher.isUnanswered("g_a") && !session.fetcher.isUnanswered("g_b"));
+        session.exchange.answer("g_a", told("g_a", "1"));
+        session.exchange.forgetSent();
+        session.fetcher.askAgain();
+        QVERIFY(session.server.isAwaited("g_a") && !session.fetcher.isUnanswered("g_a"));
+        QVERIFY(session.isDone());
+        QCOMPARE(session.exchange.sent(), QStringList{"g_a"});
+        QCOMPARE(session.server.dvarList().value("g_a"), "1");
+    }
+
+    void whatDidNotComeBeforeTheEndIsUnanswered()
+    {
+        Session session({"g_b"});
+        session.connect();
+        while (session.fetcher.isAsking() && session.fetcher.missing({"g_b"}) == QStringList{"g_b"})
+            awaited(session.fetcher.nextSettled());
+        session.server.cancelExchange();
+        session.server.disconnect();
+        QTRY_VERIFY(session.actions.isIdle());
+        QVERIFY(session.fetcher.isUnanswered("scr_a"));
+        QVERIFY(!session.fetcher.isUnanswered("g_a") && !session.fetcher.isUnanswered("g_b"));
+        session.connect();
+        QVERIFY(!session.fetcher.isUnanswered("scr_a") && session.server.isAwaited("scr_a"));
+        QVERIFY(session.isDone());
+    }
+
+    void tellsWhenItIsKnownWhatIsToCome()
+    {
+        Session session;
+        QStringList missing;
+        QObject::connect(&session.fetcher, &DvarFetcher::began, &session.fetcher, [&] {
+            missing = session.fetcher.missing({"g_c", "g_b"});
+        });
+        session.connect();
+        QCOMPARE(missing, QStringList({"g_c", "g_b"}));
+        QVERIFY(session.isDone());
     }
 
     void ends_data()
@@ -229,6 +265,10 @@ private slots:
         while (!session.fetcher.missing({"g_b"}).isEmpty())
             awaited(session.fetcher.nextSettled());
         QVERIFY(session.server.dvarList().contains("g_b"));
+        session.exchange.hold();
+        QCoro::Task<> woken = session.fetcher.nextSettled();
+        session.fetcher.wakeWaiting();
+        awaited(std::move(woken)); // nothing has been settled
         QCoro::Task<> waiting = session.fetcher.nextSettled();
         session.server.cancelExchange();
         session.server.disconnect();

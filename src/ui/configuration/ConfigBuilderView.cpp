@@ -10,6 +10,7 @@
 #include "KelGametype.h"
 #include "KelServer.h"
 #include "KelSettings.h"
+#include "PendingDvars.h"
 #include "ProgressWindowController.h"
 #include "ReplaceQuestion.h"
 #include "SectionTable.h"
@@ -36,7 +37,9 @@ ConfigBuilderView::ConfigBuilderView(KelServer &server, ActionQueue &actions, Al
       compareConfigButton(new QPushButton(tr("Compare With File…"), this)), m_server(server), m_actions(actions),
       m_alerts(alerts), m_fetcher(fetcher), m_settings(settings), m_gametypes(gametypes),
       m_progressWindowController(std::make_unique<ProgressWindowController>(this)),
-      m_loading(std::make_unique<ConfigurationLoading>(server, actions, alerts, *m_progressWindowController))
+      m_loading(std::make_unique<ConfigurationLoading>(server, actions, alerts, *m_progressWindowController)),
+      m_pendingProgress(std::make_unique<ProgressWindowController>(this)),
+      m_pending(std::make_unique<PendingDvars>(server, actions, fetcher, *m_pendingProgress))
 {
     nameControls();
     layOut();
@@ -105,7 +108,8 @@ void ConfigBuilderView::connectControls()
     connect(&m_gametypes, &KelGametype::gametypeListChanged, this, &ConfigBuilderView::showCatalogues);
     connect(&m_server, &KelServer::dvarListChanged, this, &ConfigBuilderView::showCatalogues);
     connect(&m_server, &KelServer::isConnectedChanged, this, &ConfigBuilderView::updateButtons);
-    connect(m_loading.get(), &ConfigurationLoading::isUnderWayChanged, this, &ConfigBuilderView::followLoading);
+    connect(m_loading.get(), &ConfigurationLoading::isUnderWayChanged, this, &ConfigBuilderView::followTask);
+    connect(m_pending.get(), &PendingDvars::isUnderWayChanged, this, &ConfigBuilderView::followTask);
 }
 
 void ConfigBuilderView::showCatalogues()
@@ -132,11 +136,12 @@ void ConfigBuilderView::updateSummary()
     configSummaryLabel->setText(tr("Saving writes %1, %2, %3.").arg(groups, gametypes, variables));
 }
 
-void ConfigBuilderView::followLoading(bool isUnderWay)
+void ConfigBuilderView::followTask(bool isUnderWay)
 {
     QWidget *focused = window()->focusWidget();
+    const QList<QWidget *> buttons{saveConfigButton, loadConfigButton, compareConfigButton};
     if (isUnderWay)
-        m_focusedBefore = focused == loadConfigButton || focused == compareConfigButton ? focused : nullptr;
+        m_focusedBefore = buttons.contains(focused) ? focused : nullptr;
     updateButtons();
     if (!isUnderWay && m_focusedBefore != nullptr)
         m_focusedBefore->setFocus();
@@ -145,9 +150,10 @@ void ConfigBuilderView::followLoading(bool isUnderWay)
 void ConfigBuilderView::updateButtons()
 {
     const bool isConnected = m_server.isConnected();
-    saveConfigButton->setEnabled(!m_server.dvarList().isEmpty()); // the last values, also when the server has gone
+    const bool isWaiting = m_pending->isUnderWay();
+    saveConfigButton->setEnabled(!m_server.dvarList().isEmpty() && !isWaiting); // also when the server has gone
     for (QPushButton *button : {loadConfigButton, compareConfigButton})
-        button->setEnabled(isConnected && !m_loading->isUnderWay());
+        button->setEnabled(isConnected && !isWaiting && !m_loading->isUnderWay());
     configBuilderGeneralSettingsTable->setPlaceholder(
         isConnected ? tr("The catalogue has no groups.") : tr("Not connected. Connect to a server to see its groups."));
     configBuilderGametypeSettingsTable->setPlaceholder(
@@ -159,6 +165,11 @@ ConfigurationContent ConfigBuilderView::selectedContent() const
 {
     return {configBuilderGeneralSettingsTable->selectedLists(), configBuilderGametypeSettingsTable->selectedLists(),
             m_server.dvarList()};
+}
+
+ConfigurationContent ConfigBuilderView::everything() const
+{
+    return {m_settings.sortedSettingsValues(), m_gametypes.listedGametypes(), m_server.dvarList()};
 }
 
 void ConfigBuilderView::openPanel(const QString &name, const QString &title, QFileDialog::AcceptMode mode,
@@ -185,9 +196,10 @@ void ConfigBuilderView::openPanel(const QString &name, const QString &title, QFi
 
 void ConfigBuilderView::saveConfigButtonPressed()
 {
-    openPanel(
-        QStringLiteral("saveConfigPanel"), tr("Save Configuration"), QFileDialog::AcceptSave,
-        [this, content = selectedContent()](const QString &path) { m_actions.start(saveConfigTo(path, content)); });
+    ConfigurationContent content = selectedContent();
+    content.dvars.clear(); // the values of the moment of writing count
+    openPanel(QStringLiteral("saveConfigPanel"), tr("Save Configuration"), QFileDialog::AcceptSave,
+              [this, content](const QString &path) { m_actions.start(saveSelected(path, content)); });
 }
 
 void ConfigBuilderView::loadConfigButtonPressed()
@@ -199,10 +211,37 @@ void ConfigBuilderView::loadConfigButtonPressed()
 void ConfigBuilderView::compareConfigButtonPressed()
 {
     openPanel(QStringLiteral("compareConfigPanel"), tr("Compare With Configuration"), QFileDialog::AcceptOpen,
-              [this](const QString &path) {
-                  m_actions.start(compare(
-                      path, {m_settings.sortedSettingsValues(), m_gametypes.listedGametypes(), m_server.dvarList()}));
-              });
+              [this](const QString &path) { m_actions.start(compare(path)); });
+}
+
+QCoro::Task<> ConfigBuilderView::saveSelected(QString path, ConfigurationContent content)
+{
+    const QStringList names = neededDvars(content);
+    const PendingDvars::End end = co_await m_pending->finish(names);
+    if (end != PendingDvars::End::Settled)
+        co_return;
+    content.dvars = m_server.dvarList(); // before the question: afterwards it may be another server's
+    const QStringList unanswered = m_pending->unanswered(names);
+    const bool goesOn = co_await mayLack(unanswered);
+    if (goesOn)
+        co_await saveConfigTo(path, content);
+}
+
+QCoro::Task<bool> ConfigBuilderView::mayLack(QStringList names)
+{
+    if (names.isEmpty())
+        co_return true;
+    const qsizetype mostNamed = 10;
+    QString named = names.mid(0, mostNamed).join(tr(", "));
+    if (names.size() > mostNamed)
+        named = tr("%1 and %2 more").arg(named, QString::number(names.size() - mostNamed));
+    const QString one = tr("The server did not answer for %1; it is not in the file.");
+    const QString several = tr("The server did not answer for %1; they are not in the file.");
+    const QString text = names.size() == 1 ? one.arg(named) : several.arg(named);
+    const QStringList buttons{tr("Save Anyway"), tr("Cancel")};
+    const AlertManner manner{.defaultButton = 1};
+    const int pressed = co_await m_alerts.run(tr("Settings Missing"), text, buttons, manner);
+    co_return pressed == 0;
 }
 
 QCoro::Task<> ConfigBuilderView::saveConfigTo(QString path, ConfigurationContent content)
@@ -221,11 +260,16 @@ QCoro::Task<> ConfigBuilderView::saveConfigTo(QString path, ConfigurationContent
     co_await m_alerts.run(tr("Save Failed"), text);
 }
 
-QCoro::Task<> ConfigBuilderView::compare(QString path, ConfigurationContent everything)
+QCoro::Task<> ConfigBuilderView::compare(QString path)
 {
-    const QList<ConfigurationEntry> written = writtenEntries(everything);
+    const QStringList names = neededDvars(everything());
+    const PendingDvars::End end = co_await m_pending->finish(names);
+    if (end != PendingDvars::End::Settled)
+        co_return;
+    const ConfigurationContent content = everything();
+    const QList<ConfigurationEntry> written = writtenEntries(content);
     const std::optional<ConfigurationComparison> comparison =
-        co_await m_loading->compareFile(path, everything.dvars, written);
+        co_await m_loading->compareFile(path, content.dvars, written);
     if (comparison)
         showComparison(*comparison, QFileInfo(path).fileName());
 }

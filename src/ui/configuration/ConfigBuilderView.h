@@ -20,6 +20,7 @@ class DvarFetcher;
 class KelGametype;
 class KelServer;
 class KelSettings;
+class PendingDvars;
 class ProgressWindowController;
 class QLabel;
 class QPushButton;
@@ -57,15 +58,20 @@ private:
     void connectControls();
     void showCatalogues();
     void updateSummary();
-    /// A button that is grey for the time of a loading gets the focus back.
-    void followLoading(bool isUnderWay);
+    /// A button that is grey for the time of a loading, or of a waiting for values, gets the focus back.
+    void followTask(bool isUnderWay);
     void updateButtons();
     /// What is selected, with the values as the session holds them now.
     ConfigurationContent selectedContent() const;
+    ConfigurationContent everything() const;
     /// A file dialog on the window; `chosen` gets the file when the dialog has gone, if there is one.
     void openPanel(const QString &name, const QString &title, QFileDialog::AcceptMode mode,
                    std::function<void(const QString &)> chosen);
-    QCoro::Task<> compare(QString path, ConfigurationContent everything);
+    /// Saves with the values as they are when none of them is to come any more.
+    QCoro::Task<> saveSelected(QString path, ConfigurationContent content);
+    /// Asks whether the file may lack `names`, which the server did not answer for; without any it may.
+    QCoro::Task<bool> mayLack(QStringList names);
+    QCoro::Task<> compare(QString path);
     void showComparison(const ConfigurationComparison &comparison, const QString &fileName);
 
     SectionTable *configBuilderGeneralSettingsTable;
@@ -85,7 +91,9 @@ private:
     KelGametype &m_gametypes;
     std::unique_ptr<ProgressWindowController> m_progressWindowController; ///< of the loading
     std::unique_ptr<ConfigurationLoading> m_loading;
+    std::unique_ptr<ProgressWindowController> m_pendingProgress; ///< of the values that are still to come
+    std::unique_ptr<PendingDvars> m_pending;
     int m_visits = 0;
-    QWidget *m_focusedBefore = nullptr;  ///< the loading
+    QWidget *m_focusedBefore = nullptr;  ///< the loading or the waiting
     QString m_folder = QDir::homePath(); ///< of the file that was chosen last
 };

@@ -138,5 +138,9 @@ void DvarSettingOutlineView::showMenuFor(const std::shared_ptr<DvarSetting> &set
     QAction *revert =
         menu->addAction(tr("Revert"), this, [this, setting, old] { emit m_outline.writeRequested(setting, old); });
     revert->setEnabled(!old.isNull() && index.data(SettingsOutlineModel::IsChangedRole).toBool());
+    const bool isLacking = index.data(SettingsOutlineModel::IsUnknownRole).toBool() &&
+                           !index.data(SettingsOutlineModel::IsAwaitedRole).toBool();
+    if (isLacking && !setting->dvar().isEmpty())
+        menu->addAction(tr("Ask Again"), this, [this, dvar = setting->dvar()] { emit askAgainRequested(dvar); });
     menu->popup(position);
 }

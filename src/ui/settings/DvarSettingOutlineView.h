@@ -25,6 +25,10 @@ public slots:
     /// Asks for the opposite of a boolean setting's value. Other rows: nothing.
     void checkboxValueChanged(const QModelIndex &index);
 
+signals:
+    /// The server is to be asked once more whether it has this variable.
+    void askAgainRequested(const QString &dvar);
+
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;

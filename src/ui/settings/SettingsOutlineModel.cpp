@@ -1,5 +1,6 @@
 #include "SettingsOutlineModel.h"
 
+#include "DvarFetcher.h"
 #include "DvarSetting.h"
 #include "DvarSettingCategory.h"
 #include "KelServer.h"
@@ -45,11 +46,14 @@ static bool holdsAll(const DvarSetting &setting, const QStringList &words)
     });
 }
 
-SettingsOutlineModel::SettingsOutlineModel(KelServer &server, QObject *parent)
-    : QAbstractItemModel(parent), m_server(server)
+SettingsOutlineModel::SettingsOutlineModel(KelServer &server, const DvarFetcher &fetcher, QObject *parent)
+    : QAbstractItemModel(parent), m_server(server), m_fetcher(fetcher)
 {
     connect(&server, &KelServer::dvarListChanged, this, &SettingsOutlineModel::followSession);
     connect(&server, &KelServer::didConnect, this, &SettingsOutlineModel::takeValuesAtConnect);
+    connect(&server, &KelServer::dvarFetched, this, &SettingsOutlineModel::takeFetchedValue);
+    connect(&server, &KelServer::unknownDvarWritten, this,
+            [this](const QString &dvar) { m_writtenUnknown.insert(dvar); });
 }
 
 SettingsOutlineModel::~SettingsOutlineModel() = default;
@@ -108,6 +112,7 @@ void SettingsOutlineModel::followSession()
     // A connect begins by forgetting everything, and with it what the last connection started from.
     if (m_server.dvarList().isEmpty()) {
         m_valuesAtConnect.clear();
+        m_writtenUnknown.clear();
         m_isConnectComplete = false;
     }
     if (!m_server.dvarList().contains(QStringLiteral("rcon_password"))) // forgotten when disconnecting
@@ -118,8 +123,16 @@ void SettingsOutlineModel::followSession()
 void SettingsOutlineModel::takeValuesAtConnect()
 {
     m_valuesAtConnect = m_server.dvarList();
+    m_writtenUnknown.clear();
     m_isConnectComplete = true;
     announceChanges();
+}
+
+void SettingsOutlineModel::takeFetchedValue(const QString &dvar)
+{
+    // The row is announced with the session's next gathered change.
+    if (m_isConnectComplete && !m_valuesAtConnect.contains(dvar) && !m_writtenUnknown.contains(dvar))
+        m_valuesAtConnect.insert(dvar, m_server.dvarList().value(dvar));
 }
 
 void SettingsOutlineModel::beginWrite(const QString &dvar)
@@ -169,10 +182,24 @@ bool SettingsOutlineModel::isChanged(const QString &dvar, const QString &value) 
     return old != value || old.isNull() != value.isNull();
 }
 
+bool SettingsOutlineModel::isAwaited(const DvarSetting &setting) const
+{
+    return setting.dvarValue().isNull() && m_server.isAwaited(setting.dvar());
+}
+
+QString SettingsOutlineModel::reasonOfLack(const DvarSetting &setting) const
+{
+    if (!setting.dvarValue().isNull())
+        return {};
+    if (isAwaited(setting))
+        return tr("asking…");
+    return m_fetcher.isUnanswered(setting.dvar()) ? tr("no answer") : tr("not on this server");
+}
+
 SettingsOutlineModel::Shown SettingsOutlineModel::shownFor(const DvarSetting &setting) const
 {
     const QString value = setting.dvarValue();
-    Shown shown{value, isChanged(setting.dvar(), value), m_writes.contains(setting.dvar())};
+    Shown shown{value, reasonOfLack(setting), isChanged(setting.dvar(), value), m_writes.contains(setting.dvar())};
     if (holdsPassword(setting.dvar()) && !value.isNull()) // enough to see that it is another one
         shown.value = QString::number(qHash(value));
     return shown;
@@ -285,6 +312,8 @@ QVariant SettingsOutlineModel::settingData(const DvarSetting &setting, int colum
         return column == ValueColumn ? changeText(setting) : QString();
     case IsUnknownRole:
         return setting.dvarValue().isNull();
+    case IsAwaitedRole:
+        return isAwaited(setting);
     case IsChangedRole:
         return isChanged(setting.dvar(), setting.dvarValue());
     case IsPendingRole:
@@ -302,9 +331,11 @@ QVariant SettingsOutlineModel::valueData(const DvarSetting &setting, int role) c
         return {};
     if (role == Qt::CheckStateRole)
         return setting.dvarBoolValue() ? Qt::Checked : Qt::Unchecked;
-    if (role == Qt::AccessibleTextRole && !setting.dvarValue().isNull())
-        return setting.dvarBoolValue() ? tr("On") : tr("Off");
-    return {};
+    if (role != Qt::AccessibleTextRole)
+        return {};
+    if (setting.dvarValue().isNull())
+        return reasonOfLack(setting);
+    return setting.dvarBoolValue() ? tr("On") : tr("Off");
 }
 
 QString SettingsOutlineModel::displayText(const DvarSetting &setting, int column) const
@@ -315,7 +346,7 @@ QString SettingsOutlineModel::displayText(const DvarSetting &setting, int column
         return shortened(setting.settingDescription(), longestCellText);
     const QString value = setting.dvarValue();
     if (value.isNull())
-        return tr("Not known to the server");
+        return reasonOfLack(setting);
     return isBool(setting) ? QString() : shortened(shownValue(setting, value), longestCellText);
 }
 
@@ -325,7 +356,7 @@ QString SettingsOutlineModel::changeText(const DvarSetting &setting) const
         return {};
     const QString old = valueAtConnect(setting.dvar());
     if (old.isNull())
-        return tr("Was: not known to the server");
+        return tr("Was: not known");
     return old.isEmpty() ? tr("Was: empty") : tr("Was: %1").arg(shownValue(setting, old));
 }
 

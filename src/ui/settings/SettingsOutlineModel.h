@@ -3,29 +3,32 @@
 #include <QAbstractItemModel>
 #include <QHash>
 #include <QList>
+#include <QSet>
 #include <QString>
 
 #include <memory>
 
+class DvarFetcher;
 class DvarSetting;
 class DvarSettingCategory;
 class KelServer;
 
 /// Categories of settings with the values that the session has at the moment. It follows the session by itself, and
-/// tells which values are no longer what they were at the end of connecting.
+/// tells which values are no longer what they were at the end of connecting, or when they came in the background later.
 class SettingsOutlineModel : public QAbstractItemModel
 {
     Q_OBJECT
 public:
     enum Column { NameColumn, ValueColumn, DescriptionColumn, ColumnCount };
     enum Role {
-        IsUnknownRole = Qt::UserRole, ///< the session does not know the variable
+        IsUnknownRole = Qt::UserRole, ///< the session does not know the variable, or not yet
+        IsAwaitedRole,                ///< it does not know it yet
         IsChangedRole,                ///< since the end of connecting
         IsPendingRole,                ///< a write is on its way
     };
 
-    /// `server` outlives the model.
-    explicit SettingsOutlineModel(KelServer &server, QObject *parent = nullptr);
+    /// `server` and `fetcher` outlive the model.
+    SettingsOutlineModel(KelServer &server, const DvarFetcher &fetcher, QObject *parent = nullptr);
     ~SettingsOutlineModel() override;
 
     void setCategories(const QList<std::shared_ptr<DvarSettingCategory>> &categories);
@@ -39,7 +42,8 @@ public:
     std::shared_ptr<DvarSetting> settingAt(const QModelIndex &index) const;
     /// The row that shows a setting; invalid while the filter hides it.
     QModelIndex indexOf(const std::shared_ptr<DvarSetting> &setting, int column = NameColumn) const;
-    /// What a variable was at the end of connecting; null when it was not known.
+    /// What a variable was at the end of connecting, or when it came later; null when it has been unknown ever since,
+    /// or was when it was written.
     QString valueAtConnect(const QString &dvar) const { return m_valuesAtConnect.value(dvar); }
 
     /// Marks the rows of a variable as being written, until endWrite() was called as often.
@@ -65,13 +69,10 @@ private:
     /// What a row showed when the views were last told.
     struct Shown {
         QString value;
+        QString reason; ///< why there is none
         bool isChanged = false;
         bool isPending = false;
-        bool operator==(const Shown &other) const
-        {
-            return value == other.value && value.isNull() == other.value.isNull() && isChanged == other.isChanged &&
-                   isPending == other.isPending;
-        }
+        bool operator==(const Shown &) const = default;
     };
     struct Row {
         std::shared_ptr<DvarSetting> setting;
@@ -85,9 +86,13 @@ private:
 
     void followSession();
     void takeValuesAtConnect();
+    void takeFetchedValue(const QString &dvar);
     void announceChanges();
     void arrange();
     bool isChanged(const QString &dvar, const QString &value) const;
+    bool isAwaited(const DvarSetting &setting) const;
+    /// Why there is no value; null when there is one.
+    QString reasonOfLack(const DvarSetting &setting) const;
     Shown shownFor(const DvarSetting &setting) const;
     QVariant settingData(const DvarSetting &setting, int column, int role) const;
     QVariant valueData(const DvarSetting &setting, int role) const;
@@ -96,10 +101,12 @@ private:
     QString changeText(const DvarSetting &setting) const;
 
     KelServer &m_server;
+    const DvarFetcher &m_fetcher;
     QList<Category> m_categories;
     QList<int> m_visible; ///< into m_categories
     QString m_filterText;
     QHash<QString, QString> m_valuesAtConnect;
+    QSet<QString> m_writtenUnknown; ///< what comes of these is what was written, so nothing to go back to
     bool m_isConnectComplete = false;
     QHash<QString, int> m_writes;
 };

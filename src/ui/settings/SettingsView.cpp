@@ -1,6 +1,8 @@
 #include "SettingsView.h"
 
+#include "DvarFetcher.h"
 #include "DvarSetting.h"
+#include "DvarSettingCategory.h"
 #include "DvarSettingList.h"
 #include "DvarSettingOutlineView.h"
 #include "EmptyHint.h"
@@ -53,12 +55,12 @@ SettingsView::SettingsView(Mode mode, KelServer &server, ActionQueue &actions, D
     : TabPage(parent), m_mode(mode), settingsGroupList(new QListWidget(this)),
       settingsFilterField(new FilterField(tr("Filter settings"), this)), m_server(server), m_actions(actions),
       m_fetcher(fetcher), m_settings(settings), m_gametypes(gametypes),
-      m_settingsOutline(new SettingsOutlineModel(server, this))
+      m_settingsOutline(new SettingsOutlineModel(server, fetcher, this))
 {
     settingsOutlineView = new DvarSettingOutlineView(*m_settingsOutline, this);
     if (m_mode == Mode::Unranked) {
         gametypeList = new QListWidget(this);
-        m_gametypeOutline = new SettingsOutlineModel(server, this);
+        m_gametypeOutline = new SettingsOutlineModel(server, fetcher, this);
         gametypeOutlineView = new DvarSettingOutlineView(*m_gametypeOutline, this);
     }
     layOut();
@@ -143,8 +145,9 @@ QSplitter *SettingsView::pairOf(const QString &title, QListWidget *list, DvarSet
     return pair;
 }
 
-void SettingsView::connectOutline(SettingsOutlineModel *outline)
+void SettingsView::connectOutline(SettingsOutlineModel *outline, DvarSettingOutlineView *view)
 {
+    connect(view, &DvarSettingOutlineView::askAgainRequested, this, &SettingsView::askAgain);
     connect(outline, &SettingsOutlineModel::writeRequested, this,
             [this, outline](const std::shared_ptr<DvarSetting> &setting, const QString &value) {
                 m_actions.start(writeSetting(outline, setting, value));
@@ -157,7 +160,8 @@ void SettingsView::connectOutline(SettingsOutlineModel *outline)
 
 void SettingsView::connectSettings()
 {
-    connectOutline(m_settingsOutline);
+    connectOutline(m_settingsOutline, settingsOutlineView);
+    connect(&m_fetcher, &DvarFetcher::began, this, &SettingsView::preferEverythingShown);
     connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::listGroups);
     connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::showGroup);
     connect(&m_settings, &KelSettings::sortedSettingsValuesChanged, this, &SettingsView::listGroups);
@@ -173,7 +177,7 @@ void SettingsView::connectSettings()
 
 void SettingsView::connectGametypes()
 {
-    connectOutline(m_gametypeOutline);
+    connectOutline(m_gametypeOutline, gametypeOutlineView);
     connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::listGametypes);
     connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::showGametype);
     connect(&m_gametypes, &KelGametype::gametypeListChanged, this, &SettingsView::listGametypes);
@@ -211,6 +215,7 @@ void SettingsView::showGroup()
     m_settingsOutline->setCategories(m_server.isConnected() ? m_settings.selectedSettings() : Categories());
     settingsOutlineView->expandEveryRow();
     updateHints();
+    preferShown(m_settings.selectedSettings());
 }
 
 void SettingsView::showGametype()
@@ -220,6 +225,40 @@ void SettingsView::showGametype()
         static_cast<int>(m_gametypes.arrangedGametypes().indexOf(m_gametypes.selectedSettingList())));
     m_gametypeOutline->setCategories(m_server.isConnected() ? m_gametypes.selectedSettings() : Categories());
     updateHints();
+    preferShown(m_gametypes.selectedSettings());
+}
+
+void SettingsView::setInFront(bool isInFront)
+{
+    m_isInFront = isInFront;
+    preferEverythingShown();
+}
+
+void SettingsView::preferEverythingShown()
+{
+    Categories shown = m_settings.selectedSettings();
+    if (m_mode == Mode::Unranked)
+        shown += m_gametypes.selectedSettings();
+    preferShown(shown);
+}
+
+void SettingsView::preferShown(const Categories &categories)
+{
+    if (!m_isInFront)
+        return;
+    QStringList names;
+    for (const std::shared_ptr<DvarSettingCategory> &category : categories) {
+        for (const std::shared_ptr<DvarSetting> &setting : category->children())
+            names.append(setting->dvar());
+    }
+    m_fetcher.prefer(names);
+}
+
+void SettingsView::askAgain(const QString &dvar)
+{
+    m_fetcher.askAgain();
+    m_fetcher.askFor({dvar}); // also one that a reload of the catalogue has brought since the connect
+    preferEverythingShown();
 }
 
 QString SettingsView::outlineHint(const SettingsOutlineModel &outline, const QString &emptyText) const

@@ -12,6 +12,7 @@
 
 class DvarFetcher;
 class DvarSetting;
+class DvarSettingCategory;
 class DvarSettingOutlineView;
 class EmptyHint;
 class KelGametype;
@@ -38,18 +39,23 @@ public:
     /// Splitters and columns; each mode keeps its own. Anything but what saveLayout() kept leaves the layout as it is.
     void restoreLayout(const Preferences &preferences) override;
     void saveLayout(Preferences &preferences) const override;
+    void setInFront(bool isInFront) override;
 
 private:
     void layOut();
     void layOutGametypes();
     QSplitter *pairOf(const QString &title, QListWidget *list, DvarSettingOutlineView *outline);
-    void connectOutline(SettingsOutlineModel *outline);
+    void connectOutline(SettingsOutlineModel *outline, DvarSettingOutlineView *view);
     void connectSettings();
     void connectGametypes();
     void listGroups();
     void listGametypes();
     void showGroup();
     void showGametype();
+    /// Lets what is looked at come first, of that which is still to be asked for.
+    void preferShown(const QList<std::shared_ptr<DvarSettingCategory>> &categories);
+    void preferEverythingShown();
+    void askAgain(const QString &dvar);
     void updateHints();
     QString outlineHint(const SettingsOutlineModel &outline, const QString &emptyText) const;
     QList<QSplitter *> splitters() const;
@@ -78,4 +84,5 @@ private:
     EmptyHint *m_settingsHint = nullptr;
     EmptyHint *m_gametypesHint = nullptr;
     EmptyHint *m_gametypeSettingsHint = nullptr;
+    bool m_isInFront = false;
 };

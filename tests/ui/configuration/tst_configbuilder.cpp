@@ -4,6 +4,7 @@
 #include "Controls.h"
 #include "DvarSetting.h"
 #include "DvarSettingList.h"
+#include "FewCatalogues.h"
 #include "FileSizeLimit.h"
 #include "SectionTable.h"
 #include "TestPreferences.h"
@@ -60,6 +61,56 @@ struct Builder : CataloguesFixture {
     QString path = folder.filePath("a.cfg");
     QWidget window;
     ConfigBuilderView view{server, actions, alerts, fetcher, settings, gametypes, &window};
+};
+
+/// A builder whose first group is being fetched, as far as the dump lacks it: every value is "7".
+struct FetchingBuilder : Builder {
+    FetchingBuilder()
+    {
+        catalogue.settings.clear();
+        catalogue.gametypes.clear();
+        for (const auto &setting : settings.sortedSettingsValues().first()->settings()) {
+            const QString dvar = setting->dvar();
+            exchange.answer(dvar, ScriptedExchange::ok(QString("\"%1\" is: \"7\" in force: \"7\"\n").arg(dvar)));
+            if (!server.dvarList().contains(dvar))
+                catalogue.settings.append(dvar);
+        }
+        server.setCatalogueLoader(&catalogue);
+        exchange.hold();
+        QCoro::Task<> connecting = server.connectToHost("192.0.2.1", "50960", "typed");
+        exchange.release();
+        awaited(std::move(connecting));
+        exchange.forgetSent();
+        groups()->selectRow(0);
+    }
+    ~FetchingBuilder()
+    {
+        server.disconnect();
+        while (!actions.isIdle()) {
+            server.cancelExchange();
+            QCoreApplication::processEvents();
+        }
+    }
+    QDialog *sheet() const { return window.findChild<QDialog *>("ProgressWindowController"); }
+    /// Gives every reply until an alert is open.
+    void releaseUntilAsked()
+    {
+        while (alerts.openCount() == 0) {
+            QTRY_VERIFY(exchange.keptCount() > 0 || alerts.openCount() > 0);
+            if (exchange.keptCount() > 0)
+                exchange.release();
+        }
+    }
+    /// Gives every reply until all of the actions have ended.
+    void releaseEverything()
+    {
+        while (fetcher.isAsking() || !actions.isIdle()) {
+            QTRY_VERIFY(exchange.keptCount() > 0 || (!fetcher.isAsking() && actions.isIdle()));
+            if (exchange.keptCount() > 0)
+                exchange.release();
+        }
+    }
+    FewCatalogues catalogue;
 };
 
 class ConfigBuilderTest : public QObject
@@ -119,6 +170,115 @@ private slots:
         QCOMPARE(builder.alerts.titles(), QStringList({"Replace File", "Replace File", "Save Failed", "Replace File"}));
         QVERIFY(builder.alerts.texts().at(2).contains(builder.path));
         QCOMPARE(builder.saved(), first);
+    }
+
+    void savesWhenTheValuesHaveCome()
+    {
+        FetchingBuilder builder;
+        const QStringList needed = builder.catalogue.settings;
+        QVERIFY(needed.size() > 1);
+        builder.choose("saveConfigButton", "old");
+        QVERIFY(builder.sheet() != nullptr);
+        QCOMPARE(control<QLabel>(*builder.sheet(), "titleLabel")->text(), u"Asking for settings…"_qs);
+        const auto *bar = control<QProgressBar>(*builder.sheet(), "progressIndicator");
+        QVERIFY(bar->maximum() == needed.size() && bar->value() == 0);
+        for (const char *name : {"saveConfigButton", "loadConfigButton", "compareConfigButton"})
+            QVERIFY(!builder.button(name)->isEnabled());
+        QTRY_COMPARE(builder.exchange.keptCount(), 1);
+        builder.exchange.release();
+        QTRY_COMPARE(bar->value(), 1);
+        builder.view.selectNoRows(); // what was selected at the press counts
+        QCOMPARE(builder.saved(), QByteArray("old"));
+        builder.releaseEverything();
+        for (const QString &dvar : needed)
+            QVERIFY2(builder.saved().contains(QString(dvar + " \"7\"\n").toUtf8()), qPrintable(dvar));
+        QCOMPARE(builder.alerts.titles(), QStringList{"Replace File"});
+        QTRY_VERIFY(builder.sheet() == nullptr);
+        for (const char *name : {"saveConfigButton", "loadConfigButton", "compareConfigButton"})
+            QVERIFY(builder.button(name)->isEnabled());
+    }
+
+    void writesNothingWhenTheWaitingEnds_data()
+    {
+        QTest::addColumn<bool>("isCancelled");
+        QTest::newRow("cancelled") << true;
+        QTest::newRow("disconnected") << false;
+    }
+    void writesNothingWhenTheWaitingEnds()
+    {
+        QFETCH(bool, isCancelled);
+        FetchingBuilder builder;
+        builder.choose("saveConfigButton", "old");
+        QVERIFY(builder.sheet() != nullptr);
+        if (isCancelled)
+            QTest::keyClick(builder.sheet(), Qt::Key_Escape);
+        else
+            builder.server.disconnect();
+        QTRY_VERIFY(builder.sheet() == nullptr && builder.button("saveConfigButton")->isEnabled());
+        QCOMPARE(builder.saved(), QByteArray("old"));
+        QVERIFY(builder.alerts.shown().isEmpty());
+    }
+
+    void namesWhatTheServerDidNotAnswer_data()
+    {
+        QTest::addColumn<bool>("isSaved");
+        QTest::newRow("saved anyway") << true;
+        QTest::newRow("cancelled") << false;
+    }
+    void namesWhatTheServerDidNotAnswer()
+    {
+        QFETCH(bool, isSaved);
+        FetchingBuilder builder;
+        const QString silent = builder.catalogue.settings.at(1);
+        builder.exchange.answer(silent, ScriptedExchange::failure());
+        builder.exchange.answer(builder.catalogue.settings.at(0), ScriptedExchange::ok("Unknown command \"x\"\n"));
+        builder.alerts.hold();
+        builder.choose("saveConfigButton", "old");
+        builder.releaseUntilAsked();
+        const RecordedAlerts::Shown asked{
+            "Settings Missing",
+            QString("The server did not answer for %1; it is not in the file.").arg(silent),
+            {"Save Anyway", "Cancel"}};
+        QCOMPARE(builder.alerts.shown(), QList<RecordedAlerts::Shown>{asked});
+        QCOMPARE(builder.alerts.manners().first().defaultButton, 1);
+        QVERIFY(builder.sheet() == nullptr || !builder.sheet()->isVisible());
+        builder.alerts.dismiss(isSaved ? 0 : 1);
+        if (isSaved) {
+            QTRY_COMPARE(builder.alerts.titles().last(), QString("Replace File"));
+            builder.alerts.dismiss();
+        }
+        builder.releaseEverything();
+        QCOMPARE(builder.saved() == "old", !isSaved);
+        QVERIFY(!builder.saved().contains(silent.toUtf8()));
+        QCOMPARE(builder.saved().contains(QString(builder.catalogue.settings.at(2) + " \"7\"\n").toUtf8()), isSaved);
+    }
+
+    void comparesWhenTheValuesHaveCome()
+    {
+        FetchingBuilder builder;
+        const QString last = builder.catalogue.settings.last();
+        builder.choose("compareConfigButton", QString(last + " \"7\"\n").toUtf8());
+        QVERIFY(builder.sheet() != nullptr);
+        builder.releaseEverything();
+        const auto *window = builder.window.findChild<CompareWindow *>();
+        QVERIFY(window != nullptr);
+        QVERIFY(control<QLabel>(*window, "countsLabel")->text().contains(" 1 same"));
+    }
+
+    void theCountsFollowWhatComes()
+    {
+        FetchingBuilder builder;
+        const auto *summary = control<QLabel>(builder.view, "configSummaryLabel");
+        const QModelIndex count = builder.groups()->model()->index(0, 1);
+        QCOMPARE(count.data().toString(), QString("1")); // the server's name
+        const QString before = summary->text();
+        int changes = 0;
+        connect(builder.groups()->model(), &QAbstractItemModel::dataChanged, this, [&changes] { ++changes; });
+        builder.releaseEverything();
+        const auto all = builder.settings.sortedSettingsValues().first()->settings().size();
+        QTRY_COMPARE(count.data().toString(), QString::number(all));
+        QVERIFY(changes < builder.catalogue.settings.size());
+        QVERIFY(summary->text() != before);
     }
 
     void showsALoadingWhichEscapeCancels()

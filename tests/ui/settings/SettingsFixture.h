@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Catalogues.h"
 #include "CataloguesFixture.h"
 #include "Controls.h"
 #include "DvarSetting.h"
@@ -40,6 +41,35 @@ struct SettingsFixture : CataloguesFixture {
         const QString text = "sv_ranked \"%1\"\nplaylist_enabled \"0\"\ng_time \"%2\"\ng_gravity \"-.5\"\n"
                              "g_fire \"1\"\ng_cam \"0\"\ng_motd \"hello\"\nscr_score \"100\"\n";
         exchange.answer("dvardump", ScriptedExchange::dump(text.arg(isRanked ? "2" : "1", timeLimit)));
+    }
+
+    /// Connects anew; what the dump lacks is then fetched. The first of it is on its way when it returns.
+    void connectAndFetch()
+    {
+        server.setCatalogueLoader(&loader);
+        exchange.forgetSent();
+        exchange.hold();
+        QCoro::Task<> connecting = server.connectToHost("192.0.2.1", "50960", "typed");
+        exchange.release();
+        awaited(std::move(connecting));
+        QTRY_COMPARE(exchange.keptCount(), 1);
+    }
+    /// Gives the reply to `dvar` and all before it.
+    void releaseUntilToldOf(const QString &dvar)
+    {
+        while (server.isAwaited(dvar)) {
+            QTRY_COMPARE(exchange.keptCount(), 1);
+            exchange.release();
+            QTRY_VERIFY(exchange.keptCount() == 1 || !fetcher.isAsking() || !server.isAwaited(dvar));
+        }
+    }
+    ~SettingsFixture()
+    {
+        server.disconnect();
+        while (!actions.isIdle()) {
+            server.cancelExchange();
+            QCoreApplication::processEvents();
+        }
     }
 
     void loadCatalogues()
@@ -127,5 +157,6 @@ struct SettingsFixture : CataloguesFixture {
     }
 
     bool isRanked;
+    Catalogues loader{gametypes, settings, playlists};
     SettingsView view;
 };

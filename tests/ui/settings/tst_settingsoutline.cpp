@@ -71,7 +71,8 @@ private slots:
         QCOMPARE(shown.valueOf("g_fire").data(Qt::AccessibleTextRole).toString(), QString("On"));
         QCOMPARE(shown.valueOf("g_cam").data(Qt::AccessibleTextRole).toString(), QString("Off"));
         QCOMPARE(shown.shownValue("g_fire"), QString());
-        QCOMPARE(shown.shownValue("g_lost"), QString("Not known to the server"));
+        QCOMPARE(shown.shownValue("g_lost"), QString("not on this server"));
+        QCOMPARE(shown.valueOf("g_lost").data(Qt::AccessibleTextRole).toString(), QString("not on this server"));
         QCOMPARE(shown.valueOf("g_time").siblingAtColumn(Model::DescriptionColumn).data().toString(),
                  QString("Minutes that a round lasts."));
         // The kind of cell does not care for case, what may be typed does.
@@ -125,6 +126,130 @@ private slots:
         QVERIFY(!isMarkedEarly);
         QCOMPARE(shown.shownValue("g_time"), QString("40"));
         QVERIFY(!shown.valueOf("g_time").data(Model::IsChangedRole).toBool());
+    }
+
+    void showsWhatIsStillToCome()
+    {
+        SettingsFixture shown;
+        const auto tells = [&shown](const QString &text, bool isUnknown, bool isAwaited) {
+            const QModelIndex value = shown.valueOf("g_lost");
+            return value.data().toString() == text && value.data(Qt::AccessibleTextRole).toString() == text &&
+                   value.data(Model::IsUnknownRole).toBool() == isUnknown &&
+                   value.data(Model::IsAwaitedRole).toBool() == isAwaited &&
+                   value.flags().testFlag(Qt::ItemIsUserCheckable);
+        };
+        shown.exchange.answer("g_lost", ScriptedExchange::ok("Unknown command \"g_lost\"\n"));
+        shown.connectAndFetch();
+        QVERIFY(tells(u"asking…"_qs, true, true));
+        QVERIFY(!shown.valueOf("g_time").data(Model::IsAwaitedRole).toBool());
+        QSignalSpy changes(&shown.outline(), &Model::dataChanged);
+        shown.releaseUntilToldOf("g_lost");
+        QTRY_COMPARE(changes.size(), 1); // with the session's gathered change
+        QCOMPARE(changes.first().at(0).toModelIndex(), shown.valueOf("g_lost"));
+        QVERIFY(tells("not on this server", true, false));
+        shown.exchange.answer("g_lost", ScriptedExchange::failure());
+        shown.fetcher.askAgain();
+        shown.releaseUntilToldOf("g_lost");
+        QVERIFY(tells("no answer", true, false));
+        QVERIFY(shown.alerts.shown().isEmpty());
+    }
+
+    void aValueThatComesLaterIsNoChange_data()
+    {
+        QTest::addColumn<bool>("isWritten");
+        QTest::newRow("it comes") << false;
+        QTest::newRow("it is written before it comes") << true;
+    }
+    void aValueThatComesLaterIsNoChange()
+    {
+        QFETCH(bool, isWritten);
+        SettingsFixture shown;
+        shown.exchange.answer("g_lost", ScriptedExchange::ok("\"g_lost\" is: \"1\" in force: \"1\"\n"));
+        shown.settings.setSelectedSettingList("Match");
+        shown.view.setInFront(true);
+        shown.connectAndFetch();
+        if (isWritten) { // its reply is lost, and the write comes before it is asked for again
+            shown.exchange.answer("g_lost", ScriptedExchange::failure());
+            shown.exchange.release();
+            QVERIFY(shown.outline().setData(shown.valueOf("g_lost"), {}, Qt::CheckStateRole));
+            QTRY_COMPARE(shown.exchange.sent().last(), QString("setadmindvar g_lost \"1\""));
+            shown.exchange.answer("g_lost", ScriptedExchange::ok("\"g_lost\" is: \"1\" in force: \"1\"\n"));
+            shown.exchange.release();
+        }
+        shown.releaseUntilToldOf("g_lost");
+        QCOMPARE(shown.valueOf("g_lost").data(Qt::CheckStateRole), QVariant(Qt::Checked));
+        QCOMPARE(shown.valueOf("g_lost").data(Model::IsChangedRole).toBool(), isWritten);
+        QCOMPARE(shown.outline().valueAtConnect("g_lost"), isWritten ? QString() : QString("1"));
+        QCOMPARE(shown.valueOf("g_lost").data(Qt::AccessibleDescriptionRole).toString(),
+                 isWritten ? QString("Was: not known") : QString());
+    }
+
+    void asksAgainForWhatIsNotThere()
+    {
+        SettingsFixture shown;
+        shown.exchange.answer("g_lost", ScriptedExchange::ok("Unknown command \"g_lost\"\n"));
+        shown.connectAndFetch();
+        const auto askAgain = [&shown](const QString &dvar) {
+            shown.tree().setCurrentIndex(shown.valueOf(dvar));
+            return shown.menuAction("Ask Again");
+        };
+        QVERIFY(askAgain("g_lost") == nullptr && askAgain("g_time") == nullptr);
+        shown.releaseUntilToldOf("g_lost");
+        shown.exchange.answer("g_lost", ScriptedExchange::ok("\"g_lost\" is: \"1\" in force: \"1\"\n"));
+        QVERIFY(askAgain("g_time") == nullptr && askAgain("g_lost") != nullptr);
+        askAgain("g_lost")->trigger();
+        QCOMPARE(shown.shownValue("g_lost"), u"asking…"_qs);
+        shown.releaseUntilToldOf("g_lost");
+        QCOMPARE(shown.exchange.sent().count("g_lost"), 2);
+        QCOMPARE(shown.valueOf("g_lost").data(Qt::CheckStateRole), QVariant(Qt::Checked));
+        QVERIFY(!shown.valueOf("g_lost").data(Model::IsChangedRole).toBool());
+        QVERIFY(askAgain("g_lost") == nullptr);
+    }
+
+    void whatIsLookedAtComesFirst_data()
+    {
+        QTest::addColumn<QString>("how");
+        QTest::addColumn<QString>("next");
+        QTest::newRow("another page is in front") << ""
+                                                  << "m_2";
+        QTest::newRow("the page comes to the front") << "front"
+                                                     << "z_1";
+        QTest::newRow("it is in front when the connect ends") << "connect"
+                                                              << "z_1";
+        QTest::newRow("a group is chosen") << "group"
+                                           << "y_1";
+        QTest::newRow("a gametype is chosen") << "gametype"
+                                              << "x_1";
+    }
+    void whatIsLookedAtComesFirst()
+    {
+        QFETCH(QString, how);
+        SettingsFixture shown;
+        shown.write("gameSettingsUnranked",
+                    "<s><SettingInst><name>Z</name>" + settingXml("Z", "z_1", "int", "c") +
+                        "</SettingInst><SettingInst><name>A</name>" + settingXml("M1", "m_1", "int", "c") +
+                        settingXml("M2", "m_2", "int", "c") + settingXml("M3", "m_3", "int", "c") +
+                        "</SettingInst><SettingInst><name>Y</name>" + settingXml("Y", "y_1", "int", "c") +
+                        "</SettingInst></s>"); // a connect chooses the first, and asks in the order of their names
+        shown.write("gametypes", "<g><Gametype><name>Duel</name></Gametype><Gametype><name>Team</name>"
+                                 "<dvarName>tdm</dvarName>" +
+                                     settingXml("X", "x_1", "int", "c") + "</Gametype></g>");
+        if (how == "connect")
+            shown.view.setInFront(true);
+        shown.connectAndFetch();
+        shown.view.setInFront(how == "front" || how == "connect");
+        if (how == "group" || how == "gametype") {
+            shown.view.setInFront(true);
+            if (how == "group")
+                shown.settings.setSelectedSettingList("Y");
+            else
+                shown.gametypes.setSelectedSettingList(shown.gametypes.arrangedGametypes().last());
+        }
+        if (how != "connect") {
+            shown.exchange.release();
+            QTRY_COMPARE(shown.exchange.keptCount(), 1);
+        }
+        QTEST(shown.exchange.sent().last(), "next");
     }
 
     void copies()

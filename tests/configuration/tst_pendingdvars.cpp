@@ -1,0 +1,217 @@
+#include "ActionQueue.h"
+#include "DvarFetcher.h"
+#include "FewCatalogues.h"
+#include "PendingDvars.h"
+#include "Preferences.h"
+#include "RecordedAlerts.h"
+#include "RecordedProgress.h"
+#include "ScriptedExchange.h"
+#include "UnknownDvars.h"
+#include "Wait.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <optional>
+
+using End = PendingDvars::End;
+
+namespace
+{
+
+/// A server that tells g_a, g_b and scr_a when it is asked, and does not know g_c.
+struct Session {
+    Session()
+    {
+        exchange.answer("dvardump", ScriptedExchange::dump());
+        for (const char *name : {"g_a", "g_b", "scr_a"})
+            exchange.answer(name, ScriptedExchange::ok(QString("\"%1\" is: \"1\" in force: \"1\"\n").arg(name)));
+        exchange.answer("g_c", ScriptedExchange::ok("Unknown command \"g_c\"\n"));
+        server.setCatalogueLoader(&catalogues);
+    }
+    ~Session()
+    {
+        server.disconnect();
+        while (!actions.isIdle()) {
+            server.cancelExchange();
+            QCoreApplication::processEvents();
+        }
+    }
+    static QCoro::Task<> connectWithTurn(Session *in, QString host)
+    {
+        const ActionQueue::Turn turn = co_await in->actions.turn();
+        co_await in->server.connectToHost(host, "50960", "typed");
+    }
+    static QCoro::Task<> finish(Session *in, QStringList names) { in->end = co_await in->pending.finish(names); }
+    static QCoro::Task<> kick(Session *in)
+    {
+        const ActionQueue::Turn turn = co_await in->actions.turn();
+        const Reply reply = co_await in->server.sendCommand("clientkick 3");
+        Q_UNUSED(reply)
+    }
+    /// The first variable is on its way when it returns.
+    void connectAndHold()
+    {
+        exchange.hold();
+        actions.start(connectWithTurn(this, "192.0.2.1"));
+        exchange.release();
+        QTRY_COMPARE(exchange.keptCount(), 1);
+        QTRY_COMPARE(exchange.sent(), QStringList({"dvardump", "g_a"}));
+        exchange.forgetSent();
+    }
+    /// Gives every reply until the waiting has ended.
+    void releaseUntilItEnds()
+    {
+        while (!end) {
+            QTRY_VERIFY(end || exchange.keptCount() > 0);
+            if (!end)
+                exchange.release();
+        }
+    }
+
+    QTemporaryDir folder;
+    Preferences preferences{folder.filePath("preferences.ini")};
+    UnknownDvars unknownDvars{preferences};
+    FewCatalogues catalogues;
+    ScriptedExchange exchange;
+    RecordedAlerts alerts;
+    KelServer server{exchange, alerts};
+    ActionQueue actions;
+    DvarFetcher fetcher{server, actions, unknownDvars};
+    RecordedProgress progress;
+    PendingDvars pending{server, actions, fetcher, progress};
+    std::optional<End> end;
+};
+
+} // namespace
+
+class PendingDvarsTest : public QObject
+{
+    Q_OBJECT
+    using Steps = QList<std::pair<qsizetype, qsizetype>>;
+
+private slots:
+    void waitsForWhatIsNeededAndLetsActionsInBetween()
+    {
+        Session session;
+        session.exchange.answer("clientkick 3", ScriptedExchange::ok());
+        session.connectAndHold();
+        session.actions.start(Session::finish(&session, {"scr_a", "g_b", "g_b", "of no catalogue"}));
+        QVERIFY(session.progress.isShown() && session.pending.isUnderWay());
+        QCOMPARE(session.progress.title(), QString("Asking for settings…"));
+        QCOMPARE(session.progress.steps(), (Steps{{0, 2}}));
+        session.actions.start(Session::kick(&session));
+        session.releaseUntilItEnds();
+        QCOMPARE(session.end, End::Settled);
+        QVERIFY(!session.progress.isShown() && !session.pending.isUnderWay());
+        QCOMPARE(session.progress.steps(), (Steps{{0, 2}, {0, 2}, {1, 2}})); // g_a was on its way before
+        QCOMPARE(session.exchange.sent().mid(0, 3), QStringList({"clientkick 3", "scr_a", "g_b"}));
+        QVERIFY(!session.server.dvarList().contains("g_c") && session.server.isAwaited("g_c"));
+    }
+
+    void asksNothingOfTheUserWhereNothingIsToCome_data()
+    {
+        QTest::addColumn<bool>("isConnected");
+        QTest::newRow("everything has come") << true;
+        QTest::newRow("no connection") << false;
+    }
+    void asksNothingOfTheUserWhereNothingIsToCome()
+    {
+        QFETCH(bool, isConnected);
+        Session session;
+        if (isConnected) {
+            awaited(Session::connectWithTurn(&session, "192.0.2.1"));
+            QTRY_VERIFY(!session.fetcher.isAsking() && session.actions.isIdle());
+        }
+        awaited(Session::finish(&session, {"g_a", "g_c"}));
+        QCOMPARE(session.end, End::Settled);
+        QVERIFY(session.progress.title().isNull());
+        QCOMPARE(session.pending.unanswered({"g_a", "g_c"}), QStringList()); // the server has said so of g_c
+    }
+
+    void ends_data()
+    {
+        QTest::addColumn<End>("end");
+        QTest::newRow("cancelled") << End::Cancelled;
+        QTest::newRow("disconnected") << End::CalledOff;
+        QTest::newRow("another connection") << End::CalledOff;
+        QTest::newRow("closing") << End::CalledOff;
+        QTest::newRow("closing while the server is silent") << End::CalledOff;
+        QTest::newRow("password refused") << End::Settled;
+    }
+    void ends()
+    {
+        QFETCH(End, end);
+        const QByteArray how = QTest::currentDataTag();
+        Session session;
+        if (how == "password refused")
+            session.exchange.answer("g_a", ScriptedExchange::failure("Invalid Password.", RConResultInvalidPassword));
+        session.connectAndHold();
+        session.actions.start(Session::finish(&session, {"g_b"}));
+        if (how.endsWith("silent")) {
+            session.actions.start(Session::kick(&session)); // gets no answer
+            session.exchange.release();
+            QTRY_COMPARE(session.exchange.sent(), QStringList{"clientkick 3"});
+            session.exchange.release();
+            QTRY_VERIFY(session.server.link().kind() == Link::Kind::Silent);
+            QCOMPARE(session.exchange.keptCount(), 0);
+        }
+        QVERIFY(session.progress.isShown());
+        if (how == "cancelled")
+            session.progress.cancel();
+        else if (how == "disconnected")
+            session.server.disconnect();
+        else if (how == "another connection")
+            session.actions.start(Session::connectWithTurn(&session, "192.0.2.2"));
+        else if (how.startsWith("closing"))
+            session.actions.close();
+        if (how == "password refused" || how == "another connection")
+            session.exchange.release();
+        if (how == "another connection") { // it has the turn now, and its dump comes
+            QTRY_COMPARE(session.exchange.sent(), QStringList{"dvardump"});
+            session.exchange.release();
+        }
+        QTRY_COMPARE(session.end, std::optional(end)); // though the reply to g_a, or g_b, is still kept
+        QVERIFY(!session.progress.isShown() && !session.pending.isUnderWay());
+        QVERIFY(session.alerts.shown().isEmpty());
+        if (how == "password refused")
+            QCOMPARE(session.pending.unanswered({"g_b"}), QStringList{"g_b"});
+    }
+
+    void tellsWhatGotNoAnswer()
+    {
+        Session session;
+        session.exchange.answer("g_a", ScriptedExchange::failure());
+        session.connectAndHold();
+        session.actions.start(Session::finish(&session, {"g_a", "g_b", "g_c"}));
+        session.releaseUntilItEnds();
+        QCOMPARE(session.end, End::Settled);
+        QCOMPARE(session.exchange.sent().count("g_a"), 3); // and the one before
+        QCOMPARE(session.pending.unanswered({"g_a", "g_b", "g_c"}), QStringList{"g_a"});
+        session.server.addDvarLine(u"g_a \"1\"");
+        QCOMPARE(session.pending.unanswered({"g_a"}), QStringList());
+    }
+
+    void waitsForTheEndOfAConnect()
+    {
+        Session session;
+        QString dump = ScriptedExchange::dump().text;
+        dump.remove("S sv_hostname \"h\"\n");
+        session.exchange.answer("dvardump", ScriptedExchange::ok(dump));
+        session.exchange.answer("sv_hostname", ScriptedExchange::ok("\"sv_hostname\" is: \"h\" in force: \"h\"\n"));
+        session.exchange.hold();
+        session.actions.start(Session::connectWithTurn(&session, "192.0.2.1"));
+        session.exchange.release();
+        QTRY_COMPARE(session.exchange.sent(), QStringList({"dvardump", "sv_hostname"}));
+        QVERIFY(session.server.isConnected() && !session.fetcher.isAsking());
+        session.actions.start(Session::finish(&session, {"g_b"}));
+        session.exchange.release();
+        QTRY_COMPARE(session.progress.steps(), (Steps{{0, 1}}));
+        session.releaseUntilItEnds();
+        QCOMPARE(session.end, End::Settled);
+        QVERIFY(session.server.dvarList().contains("g_b"));
+    }
+};
+
+QTEST_GUILESS_MAIN(PendingDvarsTest)
+#include "tst_pendingdvars.moc"
