@@ -100,6 +100,15 @@ QCoro::Task<> PlayerCommands::sendCommandToSelectedPlayers(const Turn *turn, QSt
 {
     QString failures;
     for (const ChosenPlayer &player : std::as_const(chosen)) {
+        if (!m_roster.isNew()) { // the commands before took long
+            const PlayerRoster::Fetch fetch = co_await m_roster.fetch();
+            if (!*turn || fetch.outcome == PlayerRoster::Fetch::CalledOff)
+                co_return;
+        }
+        if (!m_roster.isNew()) {
+            failures += failureLine(player.row.name, tr("the list of players could not be read again"));
+            continue;
+        }
         QString whyNot;
         const std::optional<PlayerRow> present = m_roster.find(player, &whyNot);
         if (!present) {
@@ -115,6 +124,8 @@ QCoro::Task<> PlayerCommands::sendCommandToSelectedPlayers(const Turn *turn, QSt
         if (!reply.isSuccess() || reply.text.contains(QLatin1String("is not active")))
             failures += failureLine(player.row.name, withoutOuterBlanks(reply.text));
     }
+    if (word != QLatin1String("tell"))
+        m_roster.outdate();
     if (failures.isEmpty())
         co_return;
     const QString text = tr("The following player(s) failed to process the '%1' command: ").arg(word) + failures;
@@ -136,6 +147,7 @@ QCoro::Task<> PlayerCommands::confirmAndKickAll()
     const Reply reply = co_await m_server.sendCommand(line);
     if (reply.isCancelled)
         co_return;
+    m_roster.outdate();
     if (!reply.isSuccess()) {
         const QString text = tr("KickAll returned an error: %1").arg(reply.text);
         co_await m_alerts.run(tr("Remote Command Failure"), text);

@@ -14,7 +14,7 @@ class KelServer;
 
 /// What an administrator does to players. Each operation is an action that waits for its turn and tells of all its
 /// failures in one alert. Numbers go to others when players leave: right before each command its player is looked up in
-/// the newest list, and an older list is read again first.
+/// the newest list, and an older list is read again first; so is one from before a command that puts players out.
 class PlayerCommands : public QObject
 {
     Q_OBJECT

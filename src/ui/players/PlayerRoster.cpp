@@ -44,8 +44,10 @@ QCoro::Task<PlayerRoster::Fetch> PlayerRoster::fetch()
     const PlayerList list = parsePlayerList(reply.text);
     m_mayBeIncomplete = list.isDamaged || (m_isTitleDue && !list.isTitled);
     m_isTitleDue = m_isTitleDue || list.isTitled;
-    if (!m_mayBeIncomplete)
+    if (!m_mayBeIncomplete) {
         m_askedAt = askedAt;
+        m_isOutdated = false;
+    }
     take(list);
     co_return Fetch{m_mayBeIncomplete ? Fetch::MaybeIncomplete : Fetch::Whole, {}};
 }
@@ -73,6 +75,7 @@ void PlayerRoster::forget()
     m_isFetched = false;
     m_isTitleDue = false;
     m_mayBeIncomplete = false;
+    m_isOutdated = false;
     m_rows.mergeContent({});
     emit changed();
 }
@@ -86,7 +89,7 @@ std::optional<std::chrono::seconds> PlayerRoster::age() const
 
 bool PlayerRoster::isNew() const
 {
-    return m_askedAt && !m_mayBeIncomplete && m_clock() - *m_askedAt <= newFor;
+    return m_askedAt && !m_mayBeIncomplete && !m_isOutdated && m_clock() - *m_askedAt <= newFor;
 }
 
 std::optional<PlayerRow> PlayerRoster::find(const ChosenPlayer &chosen, QString *whyNot) const

@@ -49,12 +49,15 @@ public:
     QCoro::Task<Fetch> fetch();
     /// Nobody is known any more.
     void forget();
+    /// The server has been told to put players out: somebody new may have their numbers at once. However young the
+    /// list is, it is not new any more.
+    void outdate() { m_isOutdated = true; }
 
     /// Whether a list has come, be it incomplete.
     bool isFetched() const { return m_isFetched; }
     /// How long ago the newest complete list was asked for; nothing before one came.
     std::optional<std::chrono::seconds> age() const;
-    /// Whether the newest list is complete and not older than newFor.
+    /// Whether the newest list is complete, not outdated and not older than newFor.
     bool isNew() const;
 
     /// @return who `chosen` is in the newest list, with his present number.
@@ -75,4 +78,5 @@ private:
     bool m_isFetched = false;
     bool m_isTitleDue = false; ///< this server has sent one before
     bool m_mayBeIncomplete = false;
+    bool m_isOutdated = false;
 };
