@@ -39,6 +39,7 @@ private:
 
     QCoro::Task<> command(QString word, QList<ChosenPlayer> chosen, QString argument,
                           std::chrono::seconds refreshAfter);
+    QCoro::Task<bool> mayHitHidden(QString word, QStringList hidden);
     /// Tells why, if it cannot be read. The caller holds `turn`.
     /// @return whether it is known now who has which number.
     QCoro::Task<bool> readListAgain(const Turn *turn);

@@ -25,8 +25,9 @@ static QList<PlayerRow> withKeyOf(const PlayerRow &player, const QList<PlayerRow
 QList<ChosenPlayer> PlayerRoster::selected() const
 {
     QList<ChosenPlayer> chosen;
+    const QList<PlayerRow> shown = m_rows.shownObjects();
     for (const PlayerRow &player : m_rows.selectedObjects())
-        chosen.append({player, withKeyOf(player, players()).size() > 1});
+        chosen.append({player, withKeyOf(player, players()).size() > 1, !shown.contains(player)});
     return chosen;
 }
 

@@ -17,6 +17,7 @@ class KelServer;
 struct ChosenPlayer {
     PlayerRow row;
     bool hadDouble = false; ///< another one was listed with the same key: only his number tells him from that one
+    bool isHidden = false;  ///< by the filter
 };
 
 /// Who is on the server, by the newest list that it gave, and how old that list is. Main thread only.

@@ -464,6 +464,13 @@ private slots:
         QCOMPARE(players.told(), QString("3 shown · 2 selected · list 0 s old"));
         players.filter("ann");
         QCOMPARE(players.told(), QString("1 shown · 2 selected (1 hidden by the filter) · list 0 s old"));
+        players.alerts.answerWith(1);
+        players.press("kickPlayerButton");
+        QCOMPARE(players.sent(), QStringList()); // nobody is hit unseen
+        QCOMPARE(players.alerts.titles(), QStringList{"Hidden Players Are Selected"});
+        QVERIFY(players.alerts.texts().first().contains(": Cy\n"));
+        QCOMPARE(players.alerts.manners().first().defaultButton, 1);
+        players.alerts.answerWith(0);
         players.press("kickPlayerButton");
         QCOMPARE(players.sent(), QStringList({"clientkick 1", "clientkick 3"}));
         players.filter("bob");
