@@ -59,7 +59,7 @@ DemoPlayers::Person DemoPlayers::inventPerson(std::size_t index, DemoRandom &ran
     person.address = QStringLiteral("%1.%2:%3")
                          .arg(QLatin1StringView(Networks[random.below(3)]))
                          .arg(random.between(1, 254))
-                         .arg(random.between(1025, 65535));
+                         .arg(random.between(50000, 50999));
     person.qport = random.between(1, 65535);
     person.rate = Rates[random.below(5)];
     person.skill = random.between(1, 10);

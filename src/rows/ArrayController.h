@@ -53,6 +53,15 @@ public:
     /// The row behind `index` of arranged(), which is valid.
     const Row &objectAt(const QModelIndex &index) const { return m_rows.at(m_arranged.mapToSource(index).row()); }
 
+    /// The rows that the filter lets through, in the order of the table.
+    QList<Row> shownObjects() const
+    {
+        QList<Row> rows;
+        for (int row = 0; row < m_arranged.rowCount(); ++row)
+            rows.append(objectAt(m_arranged.index(row, 0)));
+        return rows;
+    }
+
     /// The selected rows in the order of the table; those that the filter hides are among them.
     QList<Row> selectedObjects() const
     {

@@ -16,7 +16,7 @@ static PlayerRow player(const QString &name, const QString &identifier = QString
     row.identifier = identifier;
     row.name = name;
     row.guid = QStringLiteral("g");
-    row.ipaddress = QStringLiteral("1.2.3.4:5");
+    row.ipaddress = QStringLiteral("192.0.2.4:50005");
     row.team = QStringLiteral("2");
     row.score = QStringLiteral("0");
     row.ping = QStringLiteral("48");
@@ -45,8 +45,8 @@ private slots:
         const QString ten = QStringLiteral("3 10 45 900 Tom allies 0 192.0.2.7:50074 77 25000");
         QTest::newRow("ten tokens") << ten << QStringList{"3|Tom|900|192.0.2.7:50074|allies|10|45"};
         QTest::newRow("nine tokens") << "3 10 45 900 Tom allies 0 192.0.2.7:50074 77" << QStringList{};
-        QTest::newRow("name of three words") << "12 0 48 abc Big Bad Wolf 2 0 1.2.3.4:555 77 900"
-                                             << QStringList{"12|Big Bad Wolf|abc|1.2.3.4:555|2|0|48"};
+        QTest::newRow("name of three words") << "12 0 48 abc Big Bad Wolf 2 0 192.0.2.4:50555 77 900"
+                                             << QStringList{"12|Big Bad Wolf|abc|192.0.2.4:50555|2|0|48"};
         QTest::newRow("tabs and runs of blanks") << "\t 3   10\t45 900  Old \t Tom  allies 0 192.0.2.7:50074 77 25000  "
                                                  << QStringList{"3|Old Tom|900|192.0.2.7:50074|allies|10|45"};
         QTest::newRow("title and dashes") << "num score ping guid name team lastmsg address qport rate\n"
@@ -63,7 +63,8 @@ private slots:
         const QStringList tom{"3|Tom|900|192.0.2.7:50074|allies|10|45"};
         QTest::newRow("cut off") << title + "\n" + ten + "\n4 0 48 abc Big Bad Wolf Man Jr 2" << tom;
         QTest::newRow("doubled") << title + "\n" + ten + "\n4 0 48 abc Wo" + title + "\n" + ten << tom;
-        QTest::newRow("beginning late") << "7 0 48 abc Big Bad 2 0 1.2.3.4:5 77 900\n" + title + "\n" + ten << tom;
+        QTest::newRow("beginning late") << "7 0 48 abc Big Bad 2 0 192.0.2.4:50005 77 900\n" + title + "\n" + ten
+                                        << tom;
     }
     void parses()
     {
@@ -95,7 +96,7 @@ private slots:
         QTest::newRow("cut off in the number") << title + tom + "1" << true;
         QTest::newRow("cut off in the name") << title + tom + "4 0 48 abc Big Bad Wolf Man Jr 2" << true;
         QTest::newRow("cut off after the address") << title + tom + "4 0 48 abc allies 0 192.0.2.8:50074" << true;
-        QTest::newRow("its end alone") << title + "Bad Wolf 2 0 1.2.3.4:5 77 900\n" + tom << true;
+        QTest::newRow("its end alone") << title + "Bad Wolf 2 0 192.0.2.4:50005 77 900\n" + tom << true;
         QTest::newRow("joined to the title") << title + "4 0 48 abc Wo" + title + tom << true;
         QTest::newRow("before the title") << tom + title << true;
         QTest::newRow("without a title nothing is certain") << tom + "1" << false;
@@ -112,7 +113,7 @@ private slots:
     {
         QString reply;
         for (int number = 0; number <= mostPlayers; ++number)
-            reply += QString::number(number) + QStringLiteral(" 0 48 g n 2 0 1.2.3.4:5 77 900\n");
+            reply += QString::number(number) + QStringLiteral(" 0 48 g n 2 0 192.0.2.4:50005 77 900\n");
         QCOMPARE(parsePlayerList(reply).players.size(), mostPlayers);
     }
 
@@ -188,16 +189,16 @@ private slots:
         QTest::newRow("nobody") << QList<PlayerRow>{} << false << QByteArray("\tID   Name GUID IP   Team ScorePing \n");
         QTest::newRow("columns as wide as needed")
             << QList<PlayerRow>{player(QStringLiteral("Big Bad Wolf"), QStringLiteral("12"))} << false
-            << QByteArray("\tID   Name          GUID IP         Team ScorePing \n"
-                          "\t12   Big Bad Wolf  g    1.2.3.4:5  2    0    48   \n");
+            << QByteArray("\tID   Name          GUID IP               Team ScorePing \n"
+                          "\t12   Big Bad Wolf  g    192.0.2.4:50005  2    0    48   \n");
         // Seven characters make the column nine wide; eleven bytes are cut to it.
         QTest::newRow("widths are characters, cuts are bytes")
             << QList<PlayerRow>{player(QString::fromUtf8("Ünïcödé"))} << false
-            << QByteArray("\tID   Name     GUID IP         Team ScorePing \n"
-                          "\t1    Ünïcödg    1.2.3.4:5  2    0    48   \n");
+            << QByteArray("\tID   Name     GUID IP               Team ScorePing \n"
+                          "\t1    Ünïcödg    192.0.2.4:50005  2    0    48   \n");
         QTest::newRow("commas are not quoted")
             << QList<PlayerRow>{player(QStringLiteral("A, B"))} << true
-            << QByteArray("ID,Name,GUID,IP,Team,Score,Ping\n1,A, B,g,1.2.3.4:5,2,0,48\n");
+            << QByteArray("ID,Name,GUID,IP,Team,Score,Ping\n1,A, B,g,192.0.2.4:50005,2,0,48\n");
     }
     void exports()
     {

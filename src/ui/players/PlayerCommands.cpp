@@ -30,6 +30,16 @@ static QString failureLine(const QString &name, const QString &reason)
     return QStringLiteral("\n  %1 (%2)").arg(name, reason);
 }
 
+static QStringList hiddenNames(const QList<ChosenPlayer> &players)
+{
+    QStringList names;
+    for (const ChosenPlayer &player : players) {
+        if (player.isHidden)
+            names.append(player.row.name);
+    }
+    return names;
+}
+
 PlayerCommands::PlayerCommands(KelServer &server, PlayerRoster &roster, ActionQueue &actions, Alerts &alerts,
                                QObject *parent)
     : QObject(parent), m_server(server), m_roster(roster), m_actions(actions), m_alerts(alerts)
@@ -65,8 +75,14 @@ void PlayerCommands::kickAll()
 QCoro::Task<> PlayerCommands::command(QString word, QList<ChosenPlayer> chosen, QString argument,
                                       std::chrono::seconds refreshAfter)
 {
-    const Turn turn = co_await m_actions.turn();
-    if (!turn || chosen.isEmpty())
+    // Its place in the queue counts from the press, but a question need not wait for those before it.
+    QCoro::Task<Turn> place = m_actions.turn();
+    const QStringList hidden = hiddenNames(chosen);
+    bool goesOn = !chosen.isEmpty();
+    if (!hidden.isEmpty() && word != QLatin1String("tell")) // a message names its recipients while it is written
+        goesOn = co_await mayHitHidden(word, hidden);
+    const Turn turn = co_await place;
+    if (!turn || !goesOn)
         co_return;
     bool isCertain = m_roster.isNew();
     if (!isCertain)
@@ -76,6 +92,17 @@ QCoro::Task<> PlayerCommands::command(QString word, QList<ChosenPlayer> chosen, 
     co_await sendCommandToSelectedPlayers(&turn, word, chosen, argument);
     if (turn && refreshAfter != noRefresh)
         emit refreshWanted(refreshAfter);
+}
+
+QCoro::Task<bool> PlayerCommands::mayHitHidden(QString word, QStringList hidden)
+{
+    const QString text = tr("These players are selected although the filter hides them: %1\n\nDo you want to send them "
+                            "the '%2' command as well?")
+                             .arg(hidden.join(QStringLiteral(", ")), word);
+    const QStringList buttons{tr("Send to All Selected"), tr("Cancel")};
+    const AlertManner manner{1, false};
+    const int pressed = co_await m_alerts.run(tr("Hidden Players Are Selected"), text, buttons, manner);
+    co_return pressed == 0;
 }
 
 QCoro::Task<bool> PlayerCommands::readListAgain(const Turn *turn)
@@ -100,6 +127,15 @@ QCoro::Task<> PlayerCommands::sendCommandToSelectedPlayers(const Turn *turn, QSt
 {
     QString failures;
     for (const ChosenPlayer &player : std::as_const(chosen)) {
+        if (!m_roster.isNew()) { // the commands before took long
+            const PlayerRoster::Fetch fetch = co_await m_roster.fetch();
+            if (!*turn || fetch.outcome == PlayerRoster::Fetch::CalledOff)
+                co_return;
+        }
+        if (!m_roster.isNew()) {
+            failures += failureLine(player.row.name, tr("the list of players could not be read again"));
+            continue;
+        }
         QString whyNot;
         const std::optional<PlayerRow> present = m_roster.find(player, &whyNot);
         if (!present) {
@@ -115,6 +151,8 @@ QCoro::Task<> PlayerCommands::sendCommandToSelectedPlayers(const Turn *turn, QSt
         if (!reply.isSuccess() || reply.text.contains(QLatin1String("is not active")))
             failures += failureLine(player.row.name, withoutOuterBlanks(reply.text));
     }
+    if (word != QLatin1String("tell"))
+        m_roster.outdate();
     if (failures.isEmpty())
         co_return;
     const QString text = tr("The following player(s) failed to process the '%1' command: ").arg(word) + failures;
@@ -136,6 +174,7 @@ QCoro::Task<> PlayerCommands::confirmAndKickAll()
     const Reply reply = co_await m_server.sendCommand(line);
     if (reply.isCancelled)
         co_return;
+    m_roster.outdate();
     if (!reply.isSuccess()) {
         const QString text = tr("KickAll returned an error: %1").arg(reply.text);
         co_await m_alerts.run(tr("Remote Command Failure"), text);

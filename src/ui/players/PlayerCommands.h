@@ -14,7 +14,7 @@ class KelServer;
 
 /// What an administrator does to players. Each operation is an action that waits for its turn and tells of all its
 /// failures in one alert. Numbers go to others when players leave: right before each command its player is looked up in
-/// the newest list, and an older list is read again first.
+/// the newest list, and an older list is read again first; so is one from before a command that puts players out.
 class PlayerCommands : public QObject
 {
     Q_OBJECT
@@ -39,6 +39,7 @@ private:
 
     QCoro::Task<> command(QString word, QList<ChosenPlayer> chosen, QString argument,
                           std::chrono::seconds refreshAfter);
+    QCoro::Task<bool> mayHitHidden(QString word, QStringList hidden);
     /// Tells why, if it cannot be read. The caller holds `turn`.
     /// @return whether it is known now who has which number.
     QCoro::Task<bool> readListAgain(const Turn *turn);

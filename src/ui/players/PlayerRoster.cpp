@@ -26,8 +26,9 @@ static QList<PlayerRow> withKeyOf(const PlayerRow &player, const QList<PlayerRow
 QList<ChosenPlayer> PlayerRoster::selected() const
 {
     QList<ChosenPlayer> chosen;
+    const QList<PlayerRow> shown = m_rows.shownObjects();
     for (const PlayerRow &player : m_rows.selectedObjects())
-        chosen.append({player, withKeyOf(player, players()).size() > 1});
+        chosen.append({player, withKeyOf(player, players()).size() > 1, !shown.contains(player)});
     return chosen;
 }
 
@@ -50,8 +51,10 @@ QCoro::Task<PlayerRoster::Fetch> PlayerRoster::fetch()
     const PlayerList list = parsePlayerList(reply.text);
     m_mayBeIncomplete = reply.mayBeIncomplete || list.isDamaged || (m_isTitleDue && !list.isTitled);
     m_isTitleDue = m_isTitleDue || list.isTitled;
-    if (!m_mayBeIncomplete)
+    if (!m_mayBeIncomplete) {
         m_askedAt = askedAt;
+        m_isOutdated = false;
+    }
     take(list);
     co_return Fetch{m_mayBeIncomplete ? Fetch::MaybeIncomplete : Fetch::Whole, {}};
 }
@@ -92,6 +95,7 @@ void PlayerRoster::forget()
     m_isFetched = false;
     m_isTitleDue = false;
     m_mayBeIncomplete = false;
+    m_isOutdated = false;
     m_rows.mergeContent({});
     emit changed();
 }
@@ -105,7 +109,7 @@ std::optional<std::chrono::seconds> PlayerRoster::age() const
 
 bool PlayerRoster::isNew() const
 {
-    return m_askedAt && !m_mayBeIncomplete && m_clock() - *m_askedAt <= newFor;
+    return m_askedAt && !m_mayBeIncomplete && !m_isOutdated && m_clock() - *m_askedAt <= newFor;
 }
 
 std::optional<PlayerRow> PlayerRoster::find(const ChosenPlayer &chosen, QString *whyNot) const

@@ -17,6 +17,7 @@ class KelServer;
 struct ChosenPlayer {
     PlayerRow row;
     bool hadDouble = false; ///< another one was listed with the same key: only his number tells him from that one
+    bool isHidden = false;  ///< by the filter
 };
 
 /// Who is on the server, by the newest list that it gave, and how old that list is. Main thread only.
@@ -49,6 +50,9 @@ public:
     QCoro::Task<Fetch> fetch();
     /// Nobody is known any more.
     void forget();
+    /// The server has been told to put players out: somebody new may have their numbers at once. However young the
+    /// list is, it is not new any more.
+    void outdate() { m_isOutdated = true; }
 
     /// Whether a list has come, be it incomplete.
     bool isFetched() const { return m_isFetched; }
@@ -56,7 +60,7 @@ public:
     std::optional<std::chrono::seconds> age() const;
     /// Whether somebody may be missing in the newest list.
     bool mayBeIncomplete() const { return m_mayBeIncomplete; }
-    /// Whether the newest list is complete and not older than newFor.
+    /// Whether the newest list is complete, not outdated and not older than newFor.
     bool isNew() const;
 
     /// @return who `chosen` is in the newest list, with his present number.
@@ -79,4 +83,5 @@ private:
     bool m_isFetched = false;
     bool m_isTitleDue = false; ///< this server has sent one before
     bool m_mayBeIncomplete = false;
+    bool m_isOutdated = false;
 };

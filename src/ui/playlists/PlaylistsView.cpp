@@ -41,7 +41,7 @@ PlaylistsView::PlaylistsView(KelServer &server, ActionQueue &actions, Alerts &al
     layOut();
     connectControls();
     currentPlaylistDidChange();
-    updateStartButton();
+    updateButtons();
     exclusionSelectionDidChange();
     showUnsentExclusions(m_playlists.hasUnsentExclusions());
     updatePlaceholders();
@@ -137,9 +137,9 @@ void PlaylistsView::connectControls()
     connect(m_playlists.exclusionListController.selection(), &QItemSelectionModel::selectionChanged, this,
             &PlaylistsView::exclusionSelectionDidChange);
     connect(m_playlists.playlistList.selection(), &QItemSelectionModel::selectionChanged, this,
-            &PlaylistsView::updateStartButton);
+            &PlaylistsView::updateButtons);
     connect(&m_server, &KelServer::isConnectedChanged, this, &PlaylistsView::updatePlaceholders);
-    connect(&m_server, &KelServer::isConnectedChanged, this, &PlaylistsView::updateStartButton);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &PlaylistsView::updateButtons);
 }
 
 void PlaylistsView::startPlaylistButtonPressed()
@@ -258,12 +258,17 @@ void PlaylistsView::currentPlaylistDidChange()
     playlistsTableView->viewport()->update(); // the mark moves
 }
 
-void PlaylistsView::updateStartButton()
+void PlaylistsView::updateButtons()
 {
     const bool canStart = m_server.isConnected() && m_playlists.playlistList.selection()->hasSelection();
     if (!canStart && startPlaylistButton->hasFocus())
         playlistsTableView->setFocus(); // else it would go on to the next button
     startPlaylistButton->setEnabled(canStart);
+    for (QPushButton *button : {addExclusionButton, applyExclusionsButton}) {
+        if (!m_server.isConnected() && button->hasFocus())
+            exclusionsTableView->setFocus();
+        button->setEnabled(m_server.isConnected());
+    }
 }
 
 void PlaylistsView::exclusionSelectionDidChange()

@@ -49,7 +49,7 @@ private:
     void layOut();
     void connectControls();
     void playlistDoubleClicked(const QModelIndex &index);
-    void updateStartButton();
+    void updateButtons();
     void currentPlaylistDidChange();
     void exclusionSelectionDidChange();
     void showUnsentExclusions(bool hasUnsent);

@@ -285,6 +285,84 @@ private slots:
         QCOMPARE(players.sent(), QStringList({"clientkick 1", "teamstatus", "banclient 1"}));
     }
 
+    void whoComesAfterAKickIsNotHitByTheNextPress_data()
+    {
+        QTest::addColumn<QString>("first");
+        QTest::addColumn<QString>("second");
+        QTest::addColumn<QString>("sent");
+        QTest::newRow("a double press") << "kickPlayerButton"
+                                        << "kickPlayerButton"
+                                        << "clientkick 2";
+        QTest::newRow("kick, then ban") << "kickPlayerButton"
+                                        << "banPlayerButton"
+                                        << "clientkick 2";
+        QTest::newRow("ban, then kick") << "banPlayerButton"
+                                        << "kickPlayerButton"
+                                        << "banclient 2";
+        QTest::newRow("temp ban twice") << "tempBanPlayerButton"
+                                        << "tempBanPlayerButton"
+                                        << "tempbanclient 2";
+        QTest::newRow("after everybody") << "kickAllButton"
+                                         << "kickPlayerButton"
+                                         << "kick all";
+    }
+    void whoComesAfterAKickIsNotHitByTheNextPress()
+    {
+        QFETCH(QString, first);
+        QFETCH(QString, second);
+        QFETCH(QString, sent);
+        Players players;
+        players.select({"Bob"});
+        players.list(line(1, "Ann") + lineOf(2, "New", 9)); // he gets the number that has become free
+        players.press(first.toLatin1().constData());
+        players.press(second.toLatin1().constData());
+        QCOMPARE(players.sent(), QStringList({sent, "teamstatus"}));
+        QVERIFY(players.alerts.texts().last().endsWith("\n  Bob (is not in the list any more)"));
+    }
+
+    void aMessageNeedsNoNewListForTheNextCommand()
+    {
+        Players players;
+        players.select({"Bob"});
+        players.press("messagePlayerButton");
+        players.write("bye");
+        players.press("kickPlayerButton");
+        QCOMPARE(players.sent(), QStringList({"tell 2 bye", "clientkick 2"}));
+    }
+
+    void theListGetsOldWhileOthersAreHit_data()
+    {
+        QTest::addColumn<Reply>("reply");
+        QTest::addColumn<QStringList>("sent");
+        QTest::addColumn<QStringList>("told");
+        const QString failed = "The following player(s) failed to process the 'clientkick' command: ";
+        QTest::newRow("read again") << ScriptedExchange::ok(lineOf(2, "New", 9) + lineOf(3, "Bob", 2))
+                                    << QStringList{"clientkick 1", "teamstatus", "clientkick 3"}
+                                    << QStringList{failed + "\n  Cy (is not in the list any more)"};
+        QTest::newRow("no answer") << ScriptedExchange::failure()
+                                   << QStringList{"clientkick 1", "teamstatus", "teamstatus"}
+                                   << QStringList{failed + "\n  Bob (the list of players could not be read again)" +
+                                                  "\n  Cy (the list of players could not be read again)"};
+    }
+    void theListGetsOldWhileOthersAreHit()
+    {
+        QFETCH(Reply, reply);
+        QFETCH(QStringList, sent);
+        Players players;
+        players.exchange.answer("teamstatus", reply);
+        players.select({"Ann", "Bob", "Cy"});
+        players.exchange.hold();
+        players.press("kickPlayerButton");
+        players.now += 6s;
+        for (int i = 1; i < sent.size(); ++i) {
+            players.exchange.release();
+            QTRY_COMPARE(players.exchange.sent(), sent.first(i + 1));
+        }
+        players.exchange.release();
+        QCOMPARE(players.sent(), sent);
+        QTEST(players.alerts.texts(), "told");
+    }
+
     void disconnectingWhileTheListIsReadAgainSendsNothing()
     {
         Players players;
@@ -386,6 +464,13 @@ private slots:
         QCOMPARE(players.told(), QString("3 shown · 2 selected · list 0 s old"));
         players.filter("ann");
         QCOMPARE(players.told(), QString("1 shown · 2 selected (1 hidden by the filter) · list 0 s old"));
+        players.alerts.answerWith(1);
+        players.press("kickPlayerButton");
+        QCOMPARE(players.sent(), QStringList()); // nobody is hit unseen
+        QCOMPARE(players.alerts.titles(), QStringList{"Hidden Players Are Selected"});
+        QVERIFY(players.alerts.texts().first().contains(": Cy\n"));
+        QCOMPARE(players.alerts.manners().first().defaultButton, 1);
+        players.alerts.answerWith(0);
         players.press("kickPlayerButton");
         QCOMPARE(players.sent(), QStringList({"clientkick 1", "clientkick 3"}));
         players.filter("bob");

@@ -92,6 +92,16 @@ private slots:
         QCOMPARE(playlists.playlists.exclusions().size(), 1); // what the server has
     }
 
+    void exclusionsAreLeftAloneWithoutAConnection()
+    {
+        Playlists playlists;
+        for (const char *name : {"addExclusionButton", "applyExclusionsButton"})
+            QVERIFY2(control<QPushButton>(playlists.view, name)->isEnabled(), name);
+        playlists.server.disconnect();
+        for (const char *name : {"addExclusionButton", "applyExclusionsButton"})
+            QVERIFY2(!control<QPushButton>(playlists.view, name)->isEnabled(), name);
+    }
+
     void startsByDoubleClickOrReturn_data()
     {
         QTest::addColumn<int>("selected"); // a row, or -1
