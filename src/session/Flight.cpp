@@ -93,9 +93,12 @@ void Flight::takeDatagram(const ReceivedDatagram &datagram, QByteArrayView bytes
         perform(isReadable ? m_machine.received(bytes, datagram.from, steady_clock::now()) : m_machine.failed());
         return;
     }
+    const unsigned doubled = outcome().doubled;
     QString text;
     if (isReadable)
         text = m_machine.takeLate(bytes, datagram.from);
+    if (outcome().doubled > doubled)
+        emit cameTwice();
     if (!text.isEmpty())
         emit cameLate(text);
     wipe(text);

@@ -40,6 +40,8 @@ signals:
     void finished();
     /// After the end: the reply lacked this.
     void cameLate(const QString &text);
+    /// After the end: the network has brought a part of the reply once more.
+    void cameTwice();
     /// Nothing can come any more.
     void landed();
 

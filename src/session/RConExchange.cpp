@@ -38,6 +38,7 @@ QCoro::Task<Reply> RConExchange::send(Request request, Arrived arrived)
     connect(flight, &Flight::arrived, this, [this, flight](const QString &text) { pass(flight, text); });
     connect(flight, &Flight::finished, this, [this, flight] { finish(flight); });
     connect(flight, &Flight::cameLate, this, [this, flight](const QString &text) { noteLate(flight, text); });
+    connect(flight, &Flight::cameTwice, this, [this] { m_stats.countDoubled(1); });
     connect(flight, &Flight::landed, flight, &QObject::deleteLater);
     auto waiter = std::make_unique<Waiter>();
     waiter->flight = flight;

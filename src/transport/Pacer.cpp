@@ -29,6 +29,7 @@ void Pacer::answered(TimePoint sentAt)
     m_distances.at(m_place++ % m_distances.size()) = distance;
     m_lastAnswered = m_lastSent = sentAt;
     m_ignoredInARow = 0;
+    m_answeredInTrial += distance <= longestTried() ? 1 : 0;
     if (distance <= m_failedAt + m_failedAt / 4)
         m_failures = 0;
     if (++m_score >= scoreOfTrust)
@@ -40,6 +41,7 @@ void Pacer::speedUp(TimePoint now)
     m_score = 0;
     if (m_gapBefore > Duration::zero()) { // what was tried has proved itself
         m_gapBefore = Duration::zero();
+        m_score = scoreAfterSlowing;
         return;
     }
     while (m_bad > Duration::zero() && now - m_badSince >= 30s) { // limits change
@@ -48,6 +50,8 @@ void Pacer::speedUp(TimePoint now)
     }
     const Duration shorter = std::max({Duration(shortestGap), m_gap / 2, (m_bad + m_gap) / 2});
     if (shorter < m_gap * 9 / 10) {
+        m_ignoredInTrial = 0;
+        m_answeredInTrial = 0;
         m_gapBefore = m_gap;
         m_gap = shorter;
     }
@@ -62,11 +66,20 @@ void Pacer::ignored(TimePoint sentAt)
     --m_score;
     if (++m_ignoredInARow >= ignoredBeforeRest)
         return rest(sentAt);
-    if (m_gapBefore > Duration::zero() && m_ignoredInARow >= 2) // what was tried has failed, whatever the reason
+    // What was tried has failed, whatever the reason.
+    if (m_gapBefore > Duration::zero() && (m_ignoredInARow >= 2 || hasTrialFailed(distance)))
         return slowDown(m_gap);
     const bool isChance = distance >= longestGap || (works && *works <= distance + distance / 10);
     if (!isChance)
         noteHaste(distance);
+}
+
+/// The wait for an answer that does not come is distance enough for the next request: what is too short is ignored
+/// every other time, and never twice in a row.
+bool Pacer::hasTrialFailed(Duration distance)
+{
+    m_ignoredInTrial += distance <= longestTried() ? 1 : 0;
+    return m_ignoredInTrial >= 2 && m_ignoredInTrial > 2 * m_answeredInTrial;
 }
 
 void Pacer::noteHaste(Duration distance)

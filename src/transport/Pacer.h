@@ -31,6 +31,8 @@ public:
 private:
     static constexpr int mostRests = 2;
 
+    bool hasTrialFailed(Duration distance);
+    Duration longestTried() const { return m_gap + m_gap / 4; }
     void noteHaste(Duration distance);
     void slowDown(Duration tooShort);
     void speedUp(TimePoint now);
@@ -46,6 +48,8 @@ private:
     int m_failures = 0; ///< at about m_failedAt, with no answer among them
     int m_score = 0;
     int m_ignoredInARow = 0;
+    int m_ignoredInTrial = 0; ///< at the shorter distance that is tried
+    int m_answeredInTrial = 0;
     int m_rests = 0;
     std::array<std::optional<Duration>, 8> m_distances; ///< of the last requests; none for ignored ones
     std::size_t m_place = 0;

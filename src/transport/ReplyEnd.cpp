@@ -21,13 +21,30 @@ bool isBareWord(const QString &command)
     });
 }
 
+bool isBlank(QStringView text)
+{
+    return text.trimmed().isEmpty();
+}
+
+/// Whether the quotes around the last field stand where such quotes do, behind a blank and before the end of the line:
+/// a value with a quote and a line feed in it makes fields of what stands between two.
+bool isLastFieldApart(QStringView reply, qsizetype closingQuote)
+{
+    qsizetype opening = reply.lastIndexOf(QLatin1Char('"'), closingQuote - 1);
+    while (opening > 0 && reply.at(opening - 1) == QLatin1Char('\\'))
+        opening = reply.lastIndexOf(QLatin1Char('"'), opening - 1);
+    const qsizetype lineFeed = reply.indexOf(QLatin1Char('\n'), closingQuote);
+    return opening > 0 && lineFeed > closingQuote && reply.at(opening - 1).isSpace() &&
+           isBlank(reply.sliced(closingQuote + 1, lineFeed - closingQuote - 1));
+}
+
 /// Name, value and value in force, then a line feed and no further quote. The fields alone would not do: a quote inside
 /// a value makes one more of them, and the datagram that brings it may be still on its way.
 bool isVariableTold(const QString &name, const QString &reply)
 {
     constexpr qsizetype fieldsOfReply = 3;
     const qsizetype lastQuote = reply.lastIndexOf(QLatin1Char('"'));
-    if (lastQuote < 0 || reply.indexOf(QLatin1Char('\n'), lastQuote) < 0)
+    if (lastQuote <= 0 || !isLastFieldApart(reply, lastQuote))
         return false;
     const QStringList fields = quotedStrings(reply);
     if (fields.size() != fieldsOfReply || quotedStrings(reply.left(lastQuote)).size() != fieldsOfReply - 1)

@@ -104,6 +104,7 @@ private slots:
         QVERIFY2(timer.elapsed() < 450, QByteArray::number(timer.elapsed()));
         QTRY_COMPARE(late, QStringList{"sv_x late\n"});
         QCOMPARE(exchange.link().stats.late(), 1u); // what was only doubled is not told
+        QCOMPARE(exchange.link().stats.doubled(), 1u);
         timer.start();
         QVERIFY(awaited(exchange.send(requestTo(peer, "sv_x"))).isSuccess());
         QVERIFY2(timer.elapsed() >= 490, QByteArray::number(timer.elapsed())); // trusts its ends no more

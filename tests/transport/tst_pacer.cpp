@@ -16,16 +16,18 @@ namespace
 
 constexpr int names = 175;
 constexpr int rounds = 4;
-constexpr auto frame = 50ms; // a server looks for requests that often
+constexpr auto frame = 50ms;   // a server looks for requests that often
+constexpr int latestTimer = 8; // milliseconds that a timer comes too late at most
 
 /// How a server limits requests, and the line to it.
 struct Server {
-    Duration roundTrip;
+    Duration roundTrip{};
     double loss = 0;            // each way
     Duration limit{};           // between two answered requests, zero for none
     bool countsIgnored = false; // an ignored request begins the limit anew
     int bucket = 0;             // requests that may come at once; one more for each limit that passes
     bool locksOut = false;      // more than 20 in 30 s, and nothing is answered for three minutes
+    bool isSteady = true;       // its frames, and our timers; else it answers at once, and timers come late
 };
 
 struct Course {
@@ -49,10 +51,17 @@ public:
         const TimePoint came = sent + m_server.roundTrip / 2;
         if (!accepts(came))
             return std::nullopt;
-        const TimePoint answered = came + frame - came.time_since_epoch() % frame;
+        const TimePoint answered = m_server.isSteady ? came + frame - came.time_since_epoch() % frame : came;
         if (happens(m_server.loss))
             return std::nullopt;
         return answered + m_server.roundTrip / 2;
+    }
+
+    Duration timerDelay()
+    {
+        if (m_server.isSteady)
+            return Duration::zero();
+        return std::chrono::milliseconds(happens(0.2) ? latestTimer : 0);
     }
 
 private:
@@ -114,7 +123,7 @@ Course ask(const Server &server, unsigned seed)
             course.hasStopped = true;
             break;
         }
-        now = std::max(now, *next);
+        now = std::max(now, *next) + simulated.timerDelay();
         const TimePoint sent = now;
         ++course.requests;
         const int roundsLeft = waiting.front() - 1;
@@ -157,6 +166,8 @@ private slots:
         row("60 ms, no limit", {.roundTrip = 60ms}, 18, 175, 19);
         row("150 ms, no limit", {.roundTrip = 150ms}, 36, 175, 37);
         row("near, one per 250 ms", {.roundTrip = 2ms, .limit = 250ms}, 58, 192, 101);
+        row("here, at once, one per 100 ms", {.limit = 100ms, .isSteady = false}, 25, 192, 30);
+        row("here, at once, one per 250 ms", {.limit = 250ms, .isSteady = false}, 52, 192, 66);
         row("60 ms, one per 500 ms", {.roundTrip = 60ms, .limit = 500ms}, 105, 192, 110);
         row("60 ms, one per second", {.roundTrip = 60ms, .limit = 1s}, 215, 196, 220);
         row("60 ms, one per second, ignored ones count", {.roundTrip = 60ms, .limit = 1s, .countsIgnored = true}, 220,

@@ -28,6 +28,9 @@ private slots:
         row("two fields", "sv_x", "\"sv_x\" is: \"1\"\n", false);
         row("four fields", "sv_x", "\"sv_x\" is: \"1\" in force: \"1\" was: \"2\"\n", false);
         row("a quote behind the third field", "sv_x", told + "\"", false);
+        row("a quote and a line feed in the value, cut behind it", "sv_x", "\"sv_x\" is: \"a\n\"b\" in force: \"a\n",
+            false);
+        row("something behind the third field", "sv_x", "\"sv_x\" is: \"1\" in force: \"1\" now\n", false);
         row("two words", "sv_x 1", told, false);
         row("two commands", "sv_x;sv_y", told, false);
         row("a value of 64 Ki", "sv_x", "\"sv_x\" is: \"" + QString(64 * 1024, u'a') + "\" in force: \"1\"\n", false);
@@ -63,8 +66,9 @@ private slots:
     void noPartTellsSomethingElse()
     {
         QFETCH(QString, form);
-        const QStringList values{"",      "1",  "a b", "\\\"",    "a\\\"b", "\\\"a\\\"", "\n", "a\nb",
-                                 "a\\\\", " a", "a ",  "a\\\"\n", ";",      "'",         "//", "2 total dvars\n"};
+        const QStringList values{"",      "1",    "a b",   "\\\"",    "a\\\"b", "\\\"a\\\"", "\n", "a\nb",
+                                 "a\\\\", " a",   "a ",    "a\\\"\n", ";",      "'",         "//", "2 total dvars\n",
+                                 "\"",    "a\"b", "\"a\"", "a\n\"b",  "\n\"",   "\n\"x"};
         int wholeParts = 0;
         for (const QString &value : values) {
             for (const QString &inForce : values) {
