@@ -131,10 +131,11 @@ class GameServer:
 
         self._start = {'password': password, 'mode': mode, 'variables': dict(variables or {}), 'players': list(players)}
         self._begin_game()
-        self._changed = threading.Condition()  # guards the three below
+        self._changed = threading.Condition()  # guards the four below
         self._requests = []
         self._sent = []
         self._restarts = []  # (seconds away, changes) that are asked for
+        self._is_away = False
         self._error = None
 
         # The server's thread alone uses these once it runs.
@@ -202,6 +203,11 @@ class GameServer:
         with self._changed:
             self._restarts.append((away, changes))
         self._wake()
+
+    def wait_until_away(self, timeout) -> bool:
+        """Whether the port is closed within `timeout` seconds; until then a request may still be answered."""
+        with self._changed:
+            return self._changed.wait_for(lambda: self._is_away or self._ending, timeout) and not self._ending
 
     def wait_until_back(self, timeout) -> bool:
         """Whether every restart that was asked for is over within `timeout` seconds."""
@@ -350,6 +356,9 @@ class GameServer:
     def _go_and_come_back(self, away, changes):
         self._socket.close()
         self._waiting.clear()
+        with self._changed:
+            self._is_away = True
+            self._changed.notify_all()
         back = min(time.monotonic() + away, self._end)
         while not self._ending and time.monotonic() < back:
             readable, _, _ = select.select([self._wake_end], [], [], max(0, back - time.monotonic()))
@@ -362,6 +371,7 @@ class GameServer:
         self._answered.clear()
         self._socket = self._open(self.port)
         with self._changed:
+            self._is_away = False
             self._restarts.pop(0)
             self._changed.notify_all()
 

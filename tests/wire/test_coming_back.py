@@ -17,6 +17,7 @@ class ComingBackTest(WireTest):
                 console.connect(server)
                 server.restart(away=3, mode=mode, players=['Old Tom', 'Kim'],
                                variables={**every_variable(), 'g_log': 'other.log'})
+                self.assertTrue(server.wait_until_away(2))
                 asked = console.tell('send v_asked')
                 silent = console.wait_for('link', 5, asked, kind='Silent')
                 back = console.wait_for('connected again', 8, silent.time)
@@ -39,6 +40,7 @@ class ComingBackTest(WireTest):
         console = self.start()
         console.connect(server)
         server.restart(away=3, password='another')
+        self.assertTrue(server.wait_until_away(2))
         asked = console.tell('send v_asked')
         console.wait_for('link', 5, asked, kind='Silent')
 
