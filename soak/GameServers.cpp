@@ -27,15 +27,21 @@ void print(const QStringList &lines)
 QStringList answer(const Servers &servers, const QStringList &words, std::array<qsizetype, GameServers::count> &told)
 {
     QStringList lines;
-    if (words.value(0) == QLatin1String("loss")) {
+    if (words.value(0) == QLatin1String("line")) {
         DemoFaults faults;
         faults.loss = words.value(1).toDouble();
+        faults.throttle = std::chrono::milliseconds(words.value(2).toInt());
         for (const auto &server : servers)
             server->setFaults(faults);
         return lines;
     }
     const auto number = static_cast<std::size_t>(words.value(1).toInt());
-    if (words.value(0) == QLatin1String("commands")) {
+    if (words.value(0) == QLatin1String("stop")) {
+        servers.at(number)->stop();
+    } else if (words.value(0) == QLatin1String("start")) {
+        if (!servers.at(number)->start())
+            qFatal("A server does not come back.");
+    } else if (words.value(0) == QLatin1String("commands")) {
         lines = servers.at(number)->commandsSeen().mid(told.at(number));
         told.at(number) += lines.size();
     } else {
@@ -115,9 +121,21 @@ QStringList GameServers::ask(const QString &request)
     return lines;
 }
 
-void GameServers::setLoss(double loss)
+void GameServers::setLine(double loss, int throttle)
 {
-    const QStringList nothing = ask(QStringLiteral("loss %1").arg(loss));
+    const QStringList nothing = ask(QStringLiteral("line %1 %2").arg(loss).arg(throttle));
+    Q_ASSERT(nothing.isEmpty());
+}
+
+void GameServers::stop(int server)
+{
+    const QStringList nothing = ask(QStringLiteral("stop %1").arg(server));
+    Q_ASSERT(nothing.isEmpty());
+}
+
+void GameServers::comeBack(int server)
+{
+    const QStringList nothing = ask(QStringLiteral("start %1").arg(server));
     Q_ASSERT(nothing.isEmpty());
 }
 

@@ -23,8 +23,12 @@ public:
     quint16 port(int server) const { return m_ports.at(server); }
     static QString password() { return QStringLiteral("demo"); }
 
-    /// From now on this share of the requests and of the datagrams of the replies gets lost.
-    void setLoss(double loss);
+    /// From now on this share of the requests and of the datagrams of the replies gets lost, and a request is ignored
+    /// that comes sooner than `throttle` milliseconds after the last one that was answered.
+    void setLine(double loss, int throttle);
+    /// The server goes away, and comes back as it was.
+    void stop(int server);
+    void comeBack(int server);
     /// The commands that arrived since the last call, oldest first.
     QStringList takeCommands(int server);
     /// The values of variables, in the order of their names.

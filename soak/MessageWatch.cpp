@@ -16,6 +16,11 @@ MessageWatch::MessageWatch(KelMessageRotation &messages, AppDelegate &applicatio
     });
     connect(&application.server(), &KelServer::connectionBegan, this, &MessageWatch::callOff);
     connect(&application.server(), &KelServer::isConnectedChanged, this, &MessageWatch::callOff);
+    connect(&application.server(), &KelServer::consoleNoteAppended, this, [this](const QString &note) {
+        // While the server does not answer, a message that is due is not sent.
+        if (note.startsWith(QLatin1String("skipped")) && std::exchange(m_isOnItsWay, false))
+            m_due.last().least = 0;
+    });
     connect(&application.actions(), &ActionQueue::idle, this, [this] { m_firstUnsettled = m_quickMessages.size(); });
 }
 

@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 static constexpr double loss = 0.1;
 static constexpr qint64 patience = 300'000; // milliseconds; loading a long configuration comes to its end by then
@@ -78,9 +79,10 @@ bool Soak::begin()
 
 void Soak::work(double untilSeconds)
 {
-    m_servers.setLoss(loss);
+    m_servers.setLine(loss, m_plan.throttle);
     m_heartbeat.start();
     while (seconds() < untilSeconds) {
+        stopOrStartServer();
         m_hand.act();
         m_heartbeat.beginAnew(); // several key strokes at once are the hand's doing
         wait(80 + m_hand.below(320));
@@ -88,7 +90,25 @@ void Soak::work(double untilSeconds)
             takeSample();
     }
     m_heartbeat.stop();
-    m_servers.setLoss(0);
+    if (const int server = std::exchange(m_stopped, -1); server >= 0)
+        m_servers.comeBack(server);
+    m_servers.setLine(0, 0);
+}
+
+/// A server that goes away comes back after some seconds, in which the hand goes on.
+void Soak::stopOrStartServer()
+{
+    constexpr double secondsAway = 8;
+    if (m_plan.secondsBetweenStops <= 0 || seconds() < m_nextStop)
+        return;
+    m_nextStop = seconds() + (m_stopped < 0 ? secondsAway : m_plan.secondsBetweenStops);
+    if (m_stopped >= 0) {
+        m_servers.comeBack(std::exchange(m_stopped, -1));
+        return;
+    }
+    m_stopped = serverInUse();
+    if (m_stopped >= 0)
+        m_servers.stop(m_stopped);
 }
 
 void Soak::takeSample()

@@ -26,7 +26,9 @@ public:
         double secondsBetweenRests = 180;
         int restsToWarmUp = 2;
         quint64 seed = 1;
-        QString folder; ///< for what is saved, and for the traffic log
+        int throttle = 0;               ///< milliseconds between requests that the servers answer
+        double secondsBetweenStops = 0; ///< of the server in use; 0: it never goes away
+        QString folder;                 ///< for what is saved, and for the traffic log
     };
 
     Soak(AppDelegate &application, GameServers &servers, const Plan &plan);
@@ -37,6 +39,7 @@ public:
 private:
     bool begin();
     void work(double untilSeconds);
+    void stopOrStartServer();
     bool rest();
     void forgetWhatGrowsByDesign();
     bool settle();
@@ -73,6 +76,8 @@ private:
     Heartbeat m_heartbeat;
     QElapsedTimer m_clock;
     double m_nextSample = 0;
+    double m_nextStop = 60; ///< or start, of the server in use
+    int m_stopped = -1;     ///< the server that is away
     QList<Gauge> m_samples; ///< one for each ten seconds of work
     QList<Gauge> m_rests;
     QStringList m_faults;

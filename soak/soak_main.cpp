@@ -28,6 +28,8 @@ static Soak::Plan planOf(const QCommandLineParser &parser, const QString &folder
     plan.secondsBetweenRests = std::clamp(plan.seconds / 20, 8.0, 180.0);
     plan.restsToWarmUp = plan.seconds < 600 ? 1 : 3;
     plan.seed = parser.value(QStringLiteral("seed")).toULongLong();
+    plan.throttle = parser.value(QStringLiteral("throttle")).toInt();
+    plan.secondsBetweenStops = parser.value(QStringLiteral("stops")).toDouble();
     plan.folder = folder;
     return plan;
 }
@@ -47,8 +49,11 @@ int main(int argc, char **argv)
     parser.addHelpOption();
     parser.addOptions(
         {{QStringLiteral("minutes"), QStringLiteral("How long."), QStringLiteral("N"), QStringLiteral("60")},
-         {QStringLiteral("seed"), QStringLiteral("Same number, same hand."), QStringLiteral("N"),
-          QStringLiteral("1")}});
+         {QStringLiteral("seed"), QStringLiteral("Same number, same hand."), QStringLiteral("N"), QStringLiteral("1")},
+         {QStringLiteral("throttle"), QStringLiteral("Servers ignore requests sooner than this after the last."),
+          QStringLiteral("MS"), QStringLiteral("0")},
+         {QStringLiteral("stops"), QStringLiteral("The server in use goes away so often, for 8 seconds. 0: never."),
+          QStringLiteral("SECONDS"), QStringLiteral("0")}});
     parser.process(application);
 
     const QTemporaryDir folder;
