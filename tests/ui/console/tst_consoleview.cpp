@@ -229,6 +229,29 @@ private slots:
         QCOMPARE(console.input->text(), u"a \u0436"_qs); // not lost
     }
 
+    void aLineThatWasCalledOffComesBack_data()
+    {
+        QTest::addColumn<QString>("typedMeanwhile");
+        QTest::addColumn<QString>("inTheField");
+        QTest::newRow("to the empty field") << ""
+                                            << "second";
+        QTest::newRow("not over another one") << "third"
+                                              << "third";
+    }
+    void aLineThatWasCalledOffComesBack()
+    {
+        QFETCH(QString, typedMeanwhile);
+        Console console;
+        console.exchange.hold();
+        console.type("first");
+        console.type("second"); // waits
+        QTest::keyClicks(console.input, typedMeanwhile);
+        console.actions.dropWaiting();
+        console.server.cancelExchange();
+        QCOMPARE(console.sent(), QStringList("first"));
+        QTEST(console.input->text(), "inTheField");
+    }
+
     void forgetsItsOldestLinesUnderTheReadersEyes()
     {
         TranscriptView transcript;

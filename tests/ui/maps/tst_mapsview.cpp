@@ -222,6 +222,9 @@ private slots:
         box->setChecked(true);
         QVERIFY(timer->isActive());
         QCOMPARE(timer->interval(), 86400 * 1000);
+        interval->setValue(7); // while it runs
+        QCOMPARE(timer->interval(), 7000);
+        interval->setValue(86400);
         maps.view.willDisconnect();
         QVERIFY(!timer->isActive());
         awaited(maps.view.didConnect());

@@ -414,6 +414,12 @@ private slots:
         QCOMPARE(players.told(), QString());
         players.connectToServer();
         QCOMPARE(players.told(), QString("0 shown · 0 selected")); // no list has come yet
+        players.exchange.hold();
+        players.press("refreshPlayersButton");
+        players.now += 4s; // a slow server tells how it was when it was asked
+        players.exchange.release();
+        QVERIFY(players.settle());
+        QCOMPARE(players.told(), QString("3 shown · 0 selected · list 4 s old"));
     }
 
     void aRefreshThatIsTickedStartsWithTheConnect()
@@ -724,6 +730,22 @@ private slots:
         QTRY_COMPARE(players.exchange.keptCount(), 1);
         players.exchange.release();
         QCOMPARE(players.sent(), QStringList({"clientkick 1", "teamstatus", "teamstatus"}));
+    }
+
+    void aRefreshThatWasCalledOffIsNotInTheWay()
+    {
+        Players players;
+        players.exchange.hold();
+        players.select({"Ann"});
+        players.press("kickPlayerButton");
+        players.press("refreshPlayersButton"); // waits
+        players.actions.dropWaiting();
+        players.server.cancelExchange();
+        QCOMPARE(players.sent(), QStringList{"clientkick 1"});
+        players.press("refreshPlayersButton");
+        QCOMPARE(players.exchange.sent().last(), QString("teamstatus"));
+        players.exchange.release();
+        QVERIFY(players.settle());
     }
 
     void savesTheListInItsOrder()
