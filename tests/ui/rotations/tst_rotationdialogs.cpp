@@ -198,6 +198,11 @@ private slots:
         QVERIFY(p.settle());
         QCOMPARE(p.store.asked, QStringList{"ask"});
         QVERIFY(p.pane.findChild<QDialog *>() == nullptr);
+        p.store.isGoingOn = true; // the next time
+        p.button(button.toLatin1()).click();
+        QTRY_VERIFY(p.pane.findChild<QDialog *>() != nullptr);
+        p.pane.findChild<QDialog *>()->reject();
+        QVERIFY(p.settle());
     }
 
     void returnOpensTheCurrentRotationOrTheFirst_data()

@@ -317,6 +317,13 @@ private slots:
         QCOMPARE(file.stored().first().password.value_or(QString()), QStringLiteral("two"));
         servers.view.storePassword(QStringLiteral("Home"), QStringLiteral("three"));
         QCOMPARE(password.text(), QStringLiteral("three"));
+        servers.save(QStringLiteral("Work"), QStringLiteral("192.0.2.2"), QStringLiteral("four"));
+        servers.table->selectAll(); // the last one is what the field shows
+        QCOMPARE(password.text(), QStringLiteral("four"));
+        password.setText(QStringLiteral("five"));
+        QTest::keyClick(&password, Qt::Key_Return);
+        QCOMPARE(file.stored().first().password.value_or(QString()), QStringLiteral("three"));
+        QCOMPARE(file.stored().last().password.value_or(QString()), QStringLiteral("five"));
     }
 
     void whatIsStoredOutlivesTheFirstChange()
