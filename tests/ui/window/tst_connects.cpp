@@ -355,6 +355,13 @@ private slots:
         QCOMPARE(window.focused(), field);
         if (field != "labelField")
             QCOMPARE(control<QLineEdit>(window.view, qPrintable(field))->selectedText(), isSaved ? "old" : "wrong");
+        window.exchange.answer("dvardump", ScriptedExchange::failure()); // which says nothing of the password
+        control<QLineEdit>(window.view, "labelField")->setFocus();
+        window.pressConnect("192.0.2.1", "50960", "right");
+        QTRY_COMPARE(window.alerts.openCount(), 1);
+        window.alerts.dismiss();
+        QVERIFY(window.settle());
+        QCOMPARE(window.focused(), "labelField");
     }
 
     void isBusyWhileAnExchangeRunsAndNotWhileItAsks()

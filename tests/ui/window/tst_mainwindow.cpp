@@ -174,6 +174,32 @@ private slots:
         QCOMPARE(window.sent(), QStringList()); // the players' tab is not in front
     }
 
+    void newTabsTakeTheFocusFromNobodyElse_data()
+    {
+        QTest::addColumn<QString>("page");
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<QString>("afterwards");
+        QTest::newRow("the form keeps it") << "mapsView"
+                                           << "labelField"
+                                           << "labelField";
+        QTest::newRow("a tab that goes hands it on") << "mapsView"
+                                                     << "mapListView"
+                                                     << "playersTableView";
+    }
+    void newTabsTakeTheFocusFromNobodyElse()
+    {
+        QFETCH(QString, page);
+        QFETCH(QString, before);
+        ConnectedWindow window;
+        window.bringToFront(page.toLatin1());
+        control<QWidget>(window.view, before.toLatin1())->setFocus();
+        window.exchange.answer("dvardump", ScriptedExchange::dump("sv_ranked \"2\"\nplaylist_enabled \"0\"\n"));
+        window.connectByForm();
+        QVERIFY(window.settle());
+        QCOMPARE(window.tabs()->tabText(1), QString("Playlists"));
+        QTEST(window.view.focusWidget()->objectName(), "afterwards");
+    }
+
     void theConfigBuildersSecondVisitSelectsAllRows()
     {
         ConnectedWindow window;
