@@ -239,8 +239,15 @@ private slots:
         QCOMPARE(window.exchange.requests().first().password, "asked");
     }
 
-    void whatIsBeingTypedIsAskedAboutOnClosing()
+    void whatIsBeingTypedIsAskedAbout_data()
     {
+        QTest::addColumn<bool>("isClosing");
+        QTest::newRow("on closing") << true;
+        QTest::newRow("on connecting") << false;
+    }
+    void whatIsBeingTypedIsAskedAbout()
+    {
+        QFETCH(bool, isClosing);
         Window window;
         const QString text(40000, QLatin1Char('a')); // more than a field takes by itself
         awaited(window.messageRotations.addMessageToCurrentRotation(text, QStringLiteral("3")));
@@ -257,7 +264,10 @@ private slots:
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_End);
         QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("b"));
         window.alerts.answerWith(2);
-        window.view.close();
+        if (isClosing)
+            window.view.close();
+        else
+            window.connectByForm();
         QVERIFY(window.settle() && window.view.isVisible());
         QCOMPARE(window.alerts.titles(), QStringList{"Unsaved Changes to Map Rotation"});
         QVERIFY(window.messageRotations.entries().first()->message == text + QLatin1Char('b'));

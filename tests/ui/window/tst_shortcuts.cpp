@@ -191,6 +191,12 @@ private slots:
         QVERIFY(!window.entry("&Server", "&Connect")->isEnabled()); // the form is empty
         QVERIFY(!window.entry("&Server", "&Disconnect")->isEnabled());
         menu->hide();
+        const QAction *open = window.entry("&File", "&Open Rotation…"); // which the players' tab lacks
+        menu = qobject_cast<QMenu *>(open->parent());
+        menu->popup(QPoint());
+        QVERIFY(!open->isEnabled());
+        menu->hide();
+        QVERIFY(open->isEnabled());
         window.view.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&window.view));
         control<QLineEdit>(window.view, "hostField")->setText("192.0.2.10");
