@@ -208,6 +208,8 @@ private slots:
         transcript.appendConsoleMessage(QString(60000, u'x') + '\n');
         QCOMPARE(transcript.blockCount(), 2);
         QCOMPARE(transcript.toPlainText(), QString(60000, u'x') + '\n');
+        transcript.appendConsoleMessage(QString(65535, u'x') + QString::fromUcs4(U"\U0001f600"));
+        QVERIFY(transcript.document()->findBlockByNumber(1).text().isValidUtf16()); // nor is a sign
     }
 
     void aRefusedLineStaysInTheField()

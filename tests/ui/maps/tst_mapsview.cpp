@@ -277,6 +277,25 @@ private slots:
         QCOMPARE(maps.exchange.sent().size(), 3);
     }
 
+    void aRefreshThatWasCalledOffIsNotInTheWay()
+    {
+        Maps maps;
+        maps.exchange.answerEverything(ScriptedExchange::ok());
+        maps.exchange.hold();
+        maps.press("restartMapButton");
+        maps.press("refreshCurrentMapButton"); // waits
+        maps.actions.dropWaiting();
+        maps.server.cancelExchange();
+        QCOMPARE(maps.sent(), QStringList{"map_restart"});
+        maps.press("refreshCurrentMapButton");
+        for (const char *command : {"g_gametype", "mapname"}) {
+            QTRY_COMPARE(maps.exchange.keptCount(), 1);
+            QCOMPARE(maps.exchange.sent().last(), QString(command));
+            maps.exchange.release();
+        }
+        QVERIFY(maps.settle());
+    }
+
     void outsideNamesAreTextsOfOneLine()
     {
         Maps maps;
@@ -386,6 +405,22 @@ private slots:
         maps.exchange.answerEverything(ScriptedExchange::ok());
         maps.press("loadMapButton");
         QCOMPARE(maps.sent(), QStringList({"setadmindvar g_gametype \"dom2\"", "map mp_r2"}));
+    }
+
+    void mapsAreLeftOutByTheModeOfThisServer()
+    {
+        Maps maps;
+        maps.exchange.answer("dvardump",
+                             ScriptedExchange::dump("sv_ranked \"2\"\nno_zoo \"1\"\nplaylist_enabled \"0\"\n"));
+        maps.connectToServer();
+        maps.write("maps", "<a><version>4.0</version><Map><name>Zoo</name><dvarName>mp_zoo</dvarName>"
+                           "<excludeDvar>no_zoo</excludeDvar></Map>"
+                           "<Map><name>Attic</name><dvarName>mp_attic</dvarName></Map></a>");
+        maps.loadCatalogues();
+        QCOMPARE(maps.listedMaps(), QStringList{"Attic"});
+        maps.exchange.answer("dvardump", ScriptedExchange::dump()); // unranked
+        maps.connectToServer();
+        QCOMPARE(maps.listedMaps(), QStringList({"Zoo", "Attic"}));
     }
 
     void itsMenuPressesItsButtons()

@@ -230,6 +230,14 @@ private slots:
         QVERIFY(sheet.isVisible() && sheet.focusWidget() == message);
     }
 
+    void oneSheetAddsMessages()
+    {
+        Messages messages;
+        for (int press = 0; press < 2; ++press)
+            messages.button("addMessageButton").click();
+        QCOMPARE(messages.view.findChildren<AddMessageToRotationWindowController *>().size(), 1);
+    }
+
     void itsMenuPressesItsButtons()
     {
         Messages messages;

@@ -170,6 +170,11 @@ private slots:
         players.select({"Ann"});
         QCOMPARE(enabled().size(), 12);
         QVERIFY(players.isEnabled("savePlayerListButton"));
+        players.view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&players.view));
+        control<QPushButton>(players.view, "messagePlayerButton")->setFocus();
+        players.select({});
+        QCOMPARE(players.view.focusWidget(), players.table); // and not "Kick All…"
         players.server.disconnect();
         QCOMPARE(enabled(), QStringList());
         QVERIFY(!players.isEnabled("savePlayerListButton"));

@@ -156,6 +156,20 @@ private slots:
         QCOMPARE(awaited(std::move(name)), QString());
     }
 
+    void aCancelledPanelSavesNothingAgain()
+    {
+        LetterStore store;
+        RecordedAlerts alerts;
+        ActionQueue actions;
+        RotationPane pane(store, messageRotationLabels(), actions, alerts);
+        pane.show();
+        control<QPushButton>(pane, "saveAsButton")->click();
+        control<QPushButton>(*pane.findChild<QDialog *>("SaveMessageRotationAsWindowController"), "cancelButton")
+            ->click();
+        QTRY_VERIFY(actions.isIdle());
+        QCOMPARE(store.asked, QStringList());
+    }
+
     void opensAndDeletesWhatIsSelected()
     {
         Pane p;

@@ -1,6 +1,7 @@
 #include "ActionQueue.h"
 #include "Controls.h"
 #include "DoubleClick.h"
+#include "FileSizeLimit.h"
 #include "PlaceholderTable.h"
 #include "RecordedAlerts.h"
 #include "SavedServers.h"
@@ -361,6 +362,23 @@ private slots:
         QVERIFY(servers.table->placeholder() != reason);
         QCOMPARE(servers.alerts.titles(), QStringList{"Saved Servers"}); // tells of the copy
         QCOMPARE(QDir(saved.folder.path()).entryList(QDir::Files).size(), 2);
+    }
+
+    void aDamagedListStaysNamedWhileNothingCanBeWritten()
+    {
+        const ServersFile saved;
+        QFile file(saved.path());
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("damaged") > 0);
+        file.close();
+        Servers servers(saved);
+        const QString reason = servers.table->placeholder();
+        {
+            const FileSizeLimit disk(0);
+            servers.save(QStringLiteral("Home"), QStringLiteral("192.0.2.1"), QStringLiteral("one"));
+        }
+        QCOMPARE(servers.table->placeholder(), reason);
+        QVERIFY(servers.settle());
+        QCOMPARE(servers.alerts.titles(), QStringList{"Saved Servers"});
     }
 
     void aFailedSaveIsReported()
