@@ -80,6 +80,20 @@ private slots:
         QVERIFY(loaded.playlists.playlistList.content().isEmpty());
     }
 
+    void equalExclusionsAreToldApart()
+    {
+        Shipped loaded;
+        QVERIFY(hasEnded(loaded.session.connectTo({{"playlist", "1"}, {"playlist_excludeMap", "a a"}})));
+        QVERIFY(hasEnded(loaded.catalogues.updateControls()));
+        auto &rows = loaded.playlists.exclusionListController;
+        for (int row = 0; row < 2; ++row)
+            QCOMPARE(rows.arranged()->index(row, 0).data().toString(), "a");
+        rows.selection()->select(rows.arranged()->index(1, 0),
+                                 QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        QVERIFY(hasEnded(loaded.catalogues.updateControls())); // as a refresh does
+        QCOMPARE(rows.selectedObjects().size(), 1);
+    }
+
     void followsTheServer_data()
     {
         QTest::addColumn<QStringList>("values"); // playlist, maps, gametypes, pairs

@@ -198,6 +198,12 @@ private slots:
         QCOMPARE(with.alerts.titles(),
                  QStringList({"Nothing to Load", "Nothing to Load"}) + QStringList(4, "Load Failed"));
         QVERIFY(with.exchange.sent().isEmpty());
+        with.alerts.hold();
+        with.load("// nothing\n");
+        QTRY_COMPARE(with.alerts.openCount(), 1);
+        QVERIFY(!with.progress.isShown()); // two sheets at once
+        with.alerts.dismiss();
+        QVERIFY(with.settle());
     }
 };
 

@@ -63,6 +63,8 @@ private slots:
         const QStringList tom{"3|Tom|900|192.0.2.7:50074|allies|10|45"};
         QTest::newRow("cut off") << title + "\n" + ten + "\n4 0 48 abc Big Bad Wolf Man Jr 2" << tom;
         QTest::newRow("doubled") << title + "\n" + ten + "\n4 0 48 abc Wo" + title + "\n" + ten << tom;
+        QTest::newRow("twice, and he has scored meanwhile")
+            << "3 5 50 900 Tom allies 0 192.0.2.7:50074 77 25000\n" + ten << tom;
         QTest::newRow("beginning late") << "7 0 48 abc Big Bad 2 0 192.0.2.4:50005 77 900\n" + title + "\n" + ten
                                         << tom;
     }

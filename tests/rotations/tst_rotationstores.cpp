@@ -43,10 +43,10 @@ private slots:
     void knowsWhatNoFileHolds_data()
     {
         QTest::addColumn<QString>("outcome"); // is it a change, and work that would be lost
-        for (const char *row :
-             {"opened 00", "added 11", "moved 01", "removed 11", "removed nothing 00", "edited 11",
-              "edited to the same 00", "added too many 00", "undone 11", "undone to what was saved 00",
-              "moved there and back 00", "undone and done again 11", "saved in vain 01", "undone after that 11"})
+        for (const char *row : {"opened 00", "added 11", "moved 01", "removed 11", "removed nothing 00", "edited 11",
+                                "edited to the same 00", "added too many 00", "replaced by too many 00", "undone 11",
+                                "undone to what was saved 00", "moved there and back 00", "undone and done again 11",
+                                "saved in vain 01", "undone after that 11"})
             QTest::newRow(row) << QString(row).right(2);
     }
     void knowsWhatNoFileHolds()
@@ -63,6 +63,8 @@ private slots:
             store.rows().moveObjectsInArrangedObjects({0}, 2);
         else if (act.startsWith("added"))
             awaited(store.addEntries(QList<MessageRotationInst>(act == "added" ? 1 : 9999)));
+        else if (act.startsWith("replaced"))
+            awaited(store.replaceEntries(QList<MessageRotationInst>(10001)));
         else if (act == "removed nothing")
             store.rows().deleteSelectionFromTableView();
         else if (act == "removed" || act.startsWith("undone") || act == "saved in vain")

@@ -150,6 +150,12 @@ private slots:
         builder.view.selectNoRows();
         QCOMPARE(control<QLabel>(builder.view, "configSummaryLabel")->text(),
                  QString("Saving writes 0 groups, 0 gametypes, 4 variables."));
+        QStringList fromTheEnd;
+        for (int row = table->model()->rowCount() - 1; row >= 0; --row) {
+            select(row, row); // one by one, until all are
+            fromTheEnd.append(nameIn(row));
+        }
+        QCOMPARE(names(table), fromTheEnd);
     }
 
     void savesWhatIsSelectedOrTellsWhyNot()

@@ -208,6 +208,8 @@ private slots:
         transcript.appendConsoleMessage(QString(60000, u'x') + '\n');
         QCOMPARE(transcript.blockCount(), 2);
         QCOMPARE(transcript.toPlainText(), QString(60000, u'x') + '\n');
+        transcript.appendConsoleMessage(QString(65535, u'x') + QString::fromUcs4(U"\U0001f600"));
+        QVERIFY(transcript.document()->findBlockByNumber(1).text().isValidUtf16()); // nor is a sign
     }
 
     void aRefusedLineStaysInTheField()
@@ -227,6 +229,29 @@ private slots:
         QCOMPARE(console.input->text(), "typed on");
         QTest::keyClick(console.input, Qt::Key_Up);
         QCOMPARE(console.input->text(), u"a \u0436"_qs); // not lost
+    }
+
+    void aLineThatWasCalledOffComesBack_data()
+    {
+        QTest::addColumn<QString>("typedMeanwhile");
+        QTest::addColumn<QString>("inTheField");
+        QTest::newRow("to the empty field") << ""
+                                            << "second";
+        QTest::newRow("not over another one") << "third"
+                                              << "third";
+    }
+    void aLineThatWasCalledOffComesBack()
+    {
+        QFETCH(QString, typedMeanwhile);
+        Console console;
+        console.exchange.hold();
+        console.type("first");
+        console.type("second"); // waits
+        QTest::keyClicks(console.input, typedMeanwhile);
+        console.actions.dropWaiting();
+        console.server.cancelExchange();
+        QCOMPARE(console.sent(), QStringList("first"));
+        QTEST(console.input->text(), "inTheField");
     }
 
     void forgetsItsOldestLinesUnderTheReadersEyes()

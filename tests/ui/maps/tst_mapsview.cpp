@@ -224,6 +224,9 @@ private slots:
         box->setChecked(true);
         QVERIFY(timer->isActive());
         QCOMPARE(timer->interval(), 86400 * 1000);
+        interval->setValue(7); // while it runs
+        QCOMPARE(timer->interval(), 7000);
+        interval->setValue(86400);
         maps.view.willDisconnect();
         QVERIFY(!timer->isActive());
         awaited(maps.view.didConnect());
@@ -294,6 +297,25 @@ private slots:
         maps.press("refreshCurrentMapButton");
         QVERIFY(maps.actions.isIdle()); // nothing to wait for, nothing sent
         QCOMPARE(maps.exchange.sent().size(), 3);
+    }
+
+    void aRefreshThatWasCalledOffIsNotInTheWay()
+    {
+        Maps maps;
+        maps.exchange.answerEverything(ScriptedExchange::ok());
+        maps.exchange.hold();
+        maps.press("restartMapButton");
+        maps.press("refreshCurrentMapButton"); // waits
+        maps.actions.dropWaiting();
+        maps.server.cancelExchange();
+        QCOMPARE(maps.sent(), QStringList{"map_restart"});
+        maps.press("refreshCurrentMapButton");
+        for (const char *command : {"g_gametype", "mapname"}) {
+            QTRY_COMPARE(maps.exchange.keptCount(), 1);
+            QCOMPARE(maps.exchange.sent().last(), QString(command));
+            maps.exchange.release();
+        }
+        QVERIFY(maps.settle());
     }
 
     void outsideNamesAreTextsOfOneLine()
@@ -405,6 +427,22 @@ private slots:
         maps.exchange.answerEverything(ScriptedExchange::ok());
         maps.press("loadMapButton");
         QCOMPARE(maps.sent(), QStringList({"setadmindvar g_gametype \"dom2\"", "map mp_r2"}));
+    }
+
+    void mapsAreLeftOutByTheModeOfThisServer()
+    {
+        Maps maps;
+        maps.exchange.answer("dvardump",
+                             ScriptedExchange::dump("sv_ranked \"2\"\nno_zoo \"1\"\nplaylist_enabled \"0\"\n"));
+        maps.connectToServer();
+        maps.write("maps", "<a><version>4.0</version><Map><name>Zoo</name><dvarName>mp_zoo</dvarName>"
+                           "<excludeDvar>no_zoo</excludeDvar></Map>"
+                           "<Map><name>Attic</name><dvarName>mp_attic</dvarName></Map></a>");
+        maps.loadCatalogues();
+        QCOMPARE(maps.listedMaps(), QStringList{"Attic"});
+        maps.exchange.answer("dvardump", ScriptedExchange::dump()); // unranked
+        maps.connectToServer();
+        QCOMPARE(maps.listedMaps(), QStringList({"Zoo", "Attic"}));
     }
 
     void itsMenuPressesItsButtons()

@@ -61,6 +61,20 @@ private slots:
         QCOMPARE(messages.onAir(), QString("Stopped"));
     }
 
+    void startsWithWhatIsBeingTyped()
+    {
+        Messages messages;
+        messages.exchange.answerEverything(ScriptedExchange::ok());
+        awaited(messages.messageRotations.addEntries({{"old", "60"}}));
+        messages.view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&messages.view));
+        auto *table = control<QTableView>(messages.view, "messageRotationTableView");
+        table->edit(table->model()->index(0, 0));
+        QTest::keyClicks(QApplication::focusWidget(), "typed");
+        messages.button("buttonStartMessageRotation").click(); // as its menu does, which takes no focus
+        QCOMPARE(messages.sent(), QStringList("say \"typed\""));
+    }
+
     void sendsAQuickMessageAsItStands()
     {
         Messages messages;
@@ -214,6 +228,14 @@ private slots:
         add->click(); // no room
         QCOMPARE(message->text() + duration->text(), QString("\u0142soon"));
         QVERIFY(sheet.isVisible() && sheet.focusWidget() == message);
+    }
+
+    void oneSheetAddsMessages()
+    {
+        Messages messages;
+        for (int press = 0; press < 2; ++press)
+            messages.button("addMessageButton").click();
+        QCOMPARE(messages.view.findChildren<AddMessageToRotationWindowController *>().size(), 1);
     }
 
     void itsMenuPressesItsButtons()

@@ -170,6 +170,11 @@ private slots:
         players.select({"Ann"});
         QCOMPARE(enabled().size(), 12);
         QVERIFY(players.isEnabled("savePlayerListButton"));
+        players.view.show();
+        QVERIFY(QTest::qWaitForWindowActive(&players.view));
+        control<QPushButton>(players.view, "messagePlayerButton")->setFocus();
+        players.select({});
+        QCOMPARE(players.view.focusWidget(), players.table); // and not "Kick All…"
         players.server.disconnect();
         QCOMPARE(enabled(), QStringList());
         QVERIFY(!players.isEnabled("savePlayerListButton"));
@@ -499,6 +504,12 @@ private slots:
         QCOMPARE(players.told(), QString());
         players.connectToServer();
         QCOMPARE(players.told(), QString("0 shown · 0 selected")); // no list has come yet
+        players.exchange.hold();
+        players.press("refreshPlayersButton");
+        players.now += 4s; // a slow server tells how it was when it was asked
+        players.exchange.release();
+        QVERIFY(players.settle());
+        QCOMPARE(players.told(), QString("3 shown · 0 selected · list 4 s old"));
     }
 
     void aRefreshThatIsTickedStartsWithTheConnect()
@@ -850,6 +861,22 @@ private slots:
         QTRY_COMPARE(players.exchange.keptCount(), 1);
         players.exchange.release();
         QCOMPARE(players.sent(), QStringList({"clientkick 1", "teamstatus", "teamstatus"}));
+    }
+
+    void aRefreshThatWasCalledOffIsNotInTheWay()
+    {
+        Players players;
+        players.exchange.hold();
+        players.select({"Ann"});
+        players.press("kickPlayerButton");
+        players.press("refreshPlayersButton"); // waits
+        players.actions.dropWaiting();
+        players.server.cancelExchange();
+        QCOMPARE(players.sent(), QStringList{"clientkick 1"});
+        players.press("refreshPlayersButton");
+        QCOMPARE(players.exchange.sent().last(), QString("teamstatus"));
+        players.exchange.release();
+        QVERIFY(players.settle());
     }
 
     void savesTheListInItsOrder()

@@ -156,6 +156,20 @@ private slots:
         QCOMPARE(awaited(std::move(name)), QString());
     }
 
+    void aCancelledPanelSavesNothingAgain()
+    {
+        LetterStore store;
+        RecordedAlerts alerts;
+        ActionQueue actions;
+        RotationPane pane(store, messageRotationLabels(), actions, alerts);
+        pane.show();
+        control<QPushButton>(pane, "saveAsButton")->click();
+        control<QPushButton>(*pane.findChild<QDialog *>("SaveMessageRotationAsWindowController"), "cancelButton")
+            ->click();
+        QTRY_VERIFY(actions.isIdle());
+        QCOMPARE(store.asked, QStringList());
+    }
+
     void opensAndDeletesWhatIsSelected()
     {
         Pane p;
@@ -198,6 +212,11 @@ private slots:
         QVERIFY(p.settle());
         QCOMPARE(p.store.asked, QStringList{"ask"});
         QVERIFY(p.pane.findChild<QDialog *>() == nullptr);
+        p.store.isGoingOn = true; // the next time
+        p.button(button.toLatin1()).click();
+        QTRY_VERIFY(p.pane.findChild<QDialog *>() != nullptr);
+        p.pane.findChild<QDialog *>()->reject();
+        QVERIFY(p.settle());
     }
 
     void returnOpensTheCurrentRotationOrTheFirst_data()

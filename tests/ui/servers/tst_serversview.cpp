@@ -1,6 +1,7 @@
 #include "ActionQueue.h"
 #include "Controls.h"
 #include "DoubleClick.h"
+#include "FileSizeLimit.h"
 #include "PlaceholderTable.h"
 #include "RecordedAlerts.h"
 #include "SavedServers.h"
@@ -317,6 +318,13 @@ private slots:
         QCOMPARE(file.stored().first().password.value_or(QString()), QStringLiteral("two"));
         servers.view.storePassword(QStringLiteral("Home"), QStringLiteral("three"));
         QCOMPARE(password.text(), QStringLiteral("three"));
+        servers.save(QStringLiteral("Work"), QStringLiteral("192.0.2.2"), QStringLiteral("four"));
+        servers.table->selectAll(); // the last one is what the field shows
+        QCOMPARE(password.text(), QStringLiteral("four"));
+        password.setText(QStringLiteral("five"));
+        QTest::keyClick(&password, Qt::Key_Return);
+        QCOMPARE(file.stored().first().password.value_or(QString()), QStringLiteral("three"));
+        QCOMPARE(file.stored().last().password.value_or(QString()), QStringLiteral("five"));
     }
 
     void whatIsStoredOutlivesTheFirstChange()
@@ -354,6 +362,23 @@ private slots:
         QVERIFY(servers.table->placeholder() != reason);
         QCOMPARE(servers.alerts.titles(), QStringList{"Saved Servers"}); // tells of the copy
         QCOMPARE(QDir(saved.folder.path()).entryList(QDir::Files).size(), 2);
+    }
+
+    void aDamagedListStaysNamedWhileNothingCanBeWritten()
+    {
+        const ServersFile saved;
+        QFile file(saved.path());
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("damaged") > 0);
+        file.close();
+        Servers servers(saved);
+        const QString reason = servers.table->placeholder();
+        {
+            const FileSizeLimit disk(0);
+            servers.save(QStringLiteral("Home"), QStringLiteral("192.0.2.1"), QStringLiteral("one"));
+        }
+        QCOMPARE(servers.table->placeholder(), reason);
+        QVERIFY(servers.settle());
+        QCOMPARE(servers.alerts.titles(), QStringList{"Saved Servers"});
     }
 
     void aFailedSaveIsReported()

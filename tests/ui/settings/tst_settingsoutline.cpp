@@ -318,7 +318,8 @@ private slots:
         SettingsFixture shown;
         shown.tree().setCurrentIndex(shown.valueOf("g_cam"));
         shown.tree().collapse(shown.outline().index(0, 0));
-        shown.filterField()->setText("g_time");
+        for (const char *typed : {"g", "g_time"}) // letter by letter
+            shown.filterField()->setText(typed);
         QCOMPARE(shown.shownNames(shown.tree()), QStringList({"Limits", "  Time limit"}));
         awaited(shown.server.setDvar("g_cam", "1")); // while it is hidden
         shown.filterField()->clear();

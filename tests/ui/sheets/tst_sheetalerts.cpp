@@ -47,6 +47,29 @@ private slots:
         QCOMPARE(awaited(std::move(asking)), 1); // dismissing is the last button
     }
 
+    void whatEndsAnAlertWithoutAButtonMeansTheLast_data()
+    {
+        QTest::addColumn<bool>("isDestroyed");
+        QTest::newRow("closed by its title bar") << false;
+        QTest::newRow("gone with its window") << true;
+    }
+    void whatEndsAnAlertWithoutAButtonMeansTheLast()
+    {
+        QFETCH(bool, isDestroyed);
+        QWidget window;
+        window.show();
+        SheetAlerts alerts;
+        alerts.setWindow(&window);
+        QCoro::Task<int> asking = alerts.run("Title", "text", {"Yes", "No"});
+        auto *box = window.findChild<QMessageBox *>("alert");
+        QVERIFY(box != nullptr);
+        if (isDestroyed)
+            delete box;
+        else
+            QVERIFY(box->close());
+        QCOMPARE(awaited(std::move(asking)), 1);
+    }
+
     void buttonsArePressedByKeys_data()
     {
         QTest::addColumn<QStringList>("buttons");

@@ -355,6 +355,38 @@ private slots:
         QCOMPARE(window.focused(), field);
         if (field != "labelField")
             QCOMPARE(control<QLineEdit>(window.view, qPrintable(field))->selectedText(), isSaved ? "old" : "wrong");
+        window.exchange.answer("dvardump", ScriptedExchange::failure()); // which says nothing of the password
+        control<QLineEdit>(window.view, "labelField")->setFocus();
+        window.pressConnect("192.0.2.1", "50960", "right");
+        QTRY_COMPARE(window.alerts.openCount(), 1);
+        window.alerts.dismiss();
+        QVERIFY(window.settle());
+        QCOMPARE(window.focused(), "labelField");
+    }
+
+    void whatIsSentDuringAConnectComesBack()
+    {
+        Window window;
+        window.exchange.hold();
+        window.pressConnect("192.0.2.1", "50960", "pw");
+        QTRY_COMPARE(window.exchange.keptCount(), 1);
+        window.messageRotations.setQuickMessageText("meant for another");
+        window.messageRotations.sendQuickMessage();
+        auto *indicator = control<QProgressBar>(window.view, "busyIndicator");
+        emit window.server.connectProgressed(1, 2);
+        while (!window.status().startsWith("Connected")) {
+            QTRY_VERIFY(window.exchange.keptCount() > 0);
+            window.exchange.release();
+            QCoreApplication::processEvents();
+        }
+        QVERIFY(!indicator->isTextVisible()); // what follows is no part of the connect
+        while (!window.actions.isIdle()) {
+            if (window.exchange.keptCount() > 0)
+                window.exchange.release();
+            QCoreApplication::processEvents();
+        }
+        QCOMPARE(window.exchange.sent().filter("meant"), QStringList());
+        QCOMPARE(window.messageRotations.quickMessageText(), "meant for another");
     }
 
     void isBusyWhileAnExchangeRunsAndNotWhileItAsks()

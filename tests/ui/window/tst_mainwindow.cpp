@@ -175,6 +175,32 @@ private slots:
         QCOMPARE(window.sent(), QStringList()); // the players' tab is not in front
     }
 
+    void newTabsTakeTheFocusFromNobodyElse_data()
+    {
+        QTest::addColumn<QString>("page");
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<QString>("afterwards");
+        QTest::newRow("the form keeps it") << "mapsView"
+                                           << "labelField"
+                                           << "labelField";
+        QTest::newRow("a tab that goes hands it on") << "mapsView"
+                                                     << "mapListView"
+                                                     << "playersTableView";
+    }
+    void newTabsTakeTheFocusFromNobodyElse()
+    {
+        QFETCH(QString, page);
+        QFETCH(QString, before);
+        ConnectedWindow window;
+        window.bringToFront(page.toLatin1());
+        control<QWidget>(window.view, before.toLatin1())->setFocus();
+        window.exchange.answer("dvardump", ScriptedExchange::dump("sv_ranked \"2\"\nplaylist_enabled \"0\"\n"));
+        window.connectByForm();
+        QVERIFY(window.settle());
+        QCOMPARE(window.tabs()->tabText(1), QString("Playlists"));
+        QTEST(window.view.focusWidget()->objectName(), "afterwards");
+    }
+
     void theConfigBuildersSecondVisitSelectsAllRows()
     {
         ConnectedWindow window;
@@ -214,8 +240,15 @@ private slots:
         QCOMPARE(window.exchange.requests().first().password, "asked");
     }
 
-    void whatIsBeingTypedIsAskedAboutOnClosing()
+    void whatIsBeingTypedIsAskedAbout_data()
     {
+        QTest::addColumn<bool>("isClosing");
+        QTest::newRow("on closing") << true;
+        QTest::newRow("on connecting") << false;
+    }
+    void whatIsBeingTypedIsAskedAbout()
+    {
+        QFETCH(bool, isClosing);
         Window window;
         const QString text(40000, QLatin1Char('a')); // more than a field takes by itself
         awaited(window.messageRotations.addMessageToCurrentRotation(text, QStringLiteral("3")));
@@ -232,7 +265,10 @@ private slots:
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_End);
         QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("b"));
         window.alerts.answerWith(2);
-        window.view.close();
+        if (isClosing)
+            window.view.close();
+        else
+            window.connectByForm();
         QVERIFY(window.settle() && window.view.isVisible());
         QCOMPARE(window.alerts.titles(), QStringList{"Unsaved Changes to Map Rotation"});
         QVERIFY(window.messageRotations.entries().first()->message == text + QLatin1Char('b'));

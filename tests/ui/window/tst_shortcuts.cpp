@@ -182,6 +182,32 @@ private slots:
         QTEST(action->shortcut(), "key");
     }
 
+    void aLookIntoTheMenuTakesNoKeyAway()
+    {
+        ShortcutWindow window;
+        auto *menu = qobject_cast<QMenu *>(window.entry("&Server", "&Disconnect")->parent());
+        control<QPushButton>(window.view, "disconnectButton")->click();
+        menu->popup(QPoint());
+        QVERIFY(!window.entry("&Server", "&Connect")->isEnabled()); // the form is empty
+        QVERIFY(!window.entry("&Server", "&Disconnect")->isEnabled());
+        menu->hide();
+        const QAction *open = window.entry("&File", "&Open Rotation…"); // which the players' tab lacks
+        menu = qobject_cast<QMenu *>(open->parent());
+        menu->popup(QPoint());
+        QVERIFY(!open->isEnabled());
+        menu->hide();
+        QVERIFY(open->isEnabled());
+        window.view.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window.view));
+        control<QLineEdit>(window.view, "hostField")->setText("192.0.2.10");
+        control<QLineEdit>(window.view, "portField")->setText("50961");
+        control<QLineEdit>(window.view, "passwordField")->setText("pw");
+        QTest::keyClick(window.focus("playersView", "hostField"), Qt::Key_Return, Qt::ControlModifier);
+        QVERIFY(window.settle() && window.server.isConnected());
+        QTest::keyClick(window.focus("playersView", "playersTableView"), Qt::Key_D, Qt::ControlModifier);
+        QVERIFY(!window.server.isConnected());
+    }
+
     void theKeyOfDisconnectDeletesInATextField()
     {
         const QKeySequence key(Qt::CTRL | Qt::Key_D);

@@ -133,6 +133,36 @@ private slots:
         QVERIFY(window.view.isVisible());
     }
 
+    void whatIsEditedAfterNoIsAskedAboutAgain_data()
+    {
+        QTest::addColumn<bool>("areMaps");
+        QTest::newRow("messages") << false;
+        QTest::newRow("maps") << true;
+    }
+    void whatIsEditedAfterNoIsAskedAboutAgain()
+    {
+        QFETCH(bool, areMaps);
+        UnsavedWindow window;
+        window.view.show();
+        window.connectToServer();
+        window.exchange.hold();
+        control<QPushButton>(window.view, "fastRestartMapButton")->click();
+        window.edit();
+        window.view.close();
+        QTRY_COMPARE(window.alerts.openCount(), 1);
+        const auto editOnceMore = [&window, areMaps] { // when nothing runs any more, but the window is still there
+            if (areMaps)
+                const QCoro::Task<> added = window.mapRotations.addEntries({{"map", "gametype"}});
+            else
+                const QCoro::Task<> added = window.messageRotations.addEntries({{"b", "1"}});
+        };
+        QObject::connect(&window.actions, &ActionQueue::idle, &window.view, editOnceMore, Qt::SingleShotConnection);
+        window.alerts.dismiss(1);
+        QTRY_COMPARE(window.alerts.openCount(), 1);
+        window.alerts.dismiss(2);
+        QVERIFY(window.settle() && window.view.isVisible());
+    }
+
     void whatWasNotReplacedStaysUnsaved_data()
     {
         QTest::addColumn<bool>("isClosing");
