@@ -92,6 +92,8 @@ public:
     QCoro::Task<Fetched> fetchDvar(QString name);
     /// Asks once for something small, only to hear whether the server answers: link() tells.
     QCoro::Task<> probe();
+    /// Looks the server's name up anew. The next request goes to the first address unless the old one is still there.
+    QCoro::Task<> lookUpAgain();
     /// Whether the value of a variable is still to be asked for.
     bool isAwaited(const QString &name) const { return m_awaited.contains(name); }
     void setAwaited(const QString &name, bool isAwaited);

@@ -253,6 +253,16 @@ QCoro::Task<> KelServer::probe()
     Q_UNUSED(reply)
 }
 
+QCoro::Task<> KelServer::lookUpAgain()
+{
+    const quint64 connection = m_connection;
+    if (m_hostLookup == nullptr)
+        co_return;
+    const HostAddresses found = co_await m_hostLookup->find(m_host);
+    if (connection == m_connection && !found.addresses.isEmpty() && !found.addresses.contains(m_address))
+        m_address = found.addresses.first();
+}
+
 /// Gathered: with each value that comes, every table that shows some looks all of them up.
 void KelServer::announceDvars()
 {

@@ -26,8 +26,13 @@ void Link::close()
 
 void Link::retry()
 {
-    if (m_kind == Kind::Refused)
-        become(Kind::Silent);
+    if (m_kind != Kind::Refused)
+        return;
+    if (!m_silentSince.isValid()) { // it had answered until it refused
+        m_silentFrom = steady_clock::now();
+        m_silentSince = QDateTime::currentDateTime();
+    }
+    become(Kind::Silent);
 }
 
 void Link::noteReply(const Request &request, const Reply &reply, steady_clock::time_point sentAt)

@@ -78,7 +78,9 @@ QCoro::Task<> Reconnecting::probeOnce(quint64 connection)
     if (!turn || isOver())
         co_return;
     co_await m_server.probe();
-    ++m_probes;
+    constexpr int probesBeforeLookUp = 3; // the name may stand for another address now
+    if (++m_probes == probesBeforeLookUp && turn && !isOver())
+        co_await m_server.lookUpAgain();
     if (turn && !isOver() && m_server.link().silentFor() < probesLast)
         m_timer.start(distanceAfter(m_probes));
 }

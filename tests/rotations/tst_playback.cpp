@@ -50,6 +50,22 @@ class PlaybackTest : public QObject
 {
     Q_OBJECT
 private slots:
+    void aServerThatDoesNotAnswerIsToldNothing()
+    {
+        Player f;
+        awaited(f.messages.addMessageToCurrentRotation("a", "3"));
+        QSignalSpy notes(&f.server, &KelServer::consoleNoteAppended);
+        f.exchange.answer("status", ScriptedExchange::failure());
+        awaited(f.server.sendCommand("status"));
+        QCOMPARE(f.take("start"), " 100 3"); // nothing is sent, and it goes on
+        QCOMPARE(notes.size(), 1);
+        QVERIFY(notes.first().first().toString().startsWith("skipped") && f.alerts.shown().isEmpty());
+        f.exchange.answer("status", ScriptedExchange::ok("fine"));
+        awaited(f.server.sendCommand("status"));
+        f.preferences.setValue("checkBoxLoopMessages", true);
+        QCOMPARE(f.take("timer"), "say \"a\" 100 3");
+    }
+
     void plays_data()
     {
         QTest::addColumn<QString>("durations");

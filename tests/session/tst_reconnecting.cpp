@@ -15,6 +15,20 @@
 namespace
 {
 
+/// Its name stands for another address from now on.
+class MovedHost final : public HostLookup
+{
+public:
+    QCoro::Task<HostAddresses> find(QString) override
+    {
+        ++times;
+        co_return HostAddresses{{"192.0.2.9"}, {}, false};
+    }
+    void cancel() override {}
+
+    int times = 0;
+};
+
 struct Session {
     Session()
     {
@@ -148,6 +162,35 @@ private slots:
         QSignalSpy back(&session.reconnecting, &Reconnecting::cameBack);
         session.reconnecting.tryPassword("secret");
         QTRY_COMPARE(back.size(), 1);
+    }
+
+    void aServerThatMovedIsLookedUpAgain()
+    {
+        MovedHost lookup;
+        Session session;
+        session.server.setHostLookup(&lookup);
+        session.fallSilent();
+        for (int probe = 0; probe < 4; ++probe) {
+            session.reconnecting.tryNow();
+            QVERIFY(session.isIdle());
+        }
+        QStringList addresses;
+        for (const Request &request : session.exchange.requests())
+            addresses.append(request.address);
+        QCOMPARE(addresses.mid(0, 3), QStringList(3, "192.0.2.1"));
+        QCOMPARE(addresses.value(3), "192.0.2.9");
+        QCOMPARE(lookup.times, 1);
+    }
+
+    void anotherPasswordAfterARefusalIsSilenceUntilItIsTaken()
+    {
+        Session session;
+        session.exchange.answer("status", ScriptedExchange::failure("Invalid Password.", RConResultInvalidPassword));
+        awaited(session.server.sendCommand("status"));
+        QCOMPARE(session.server.link().kind(), Link::Kind::Refused);
+        session.server.link().retry();
+        QCOMPARE(session.server.link().kind(), Link::Kind::Silent);
+        QVERIFY(session.server.link().silentSince().isValid()); // else it would be probed for ever
     }
 
     void disconnectingEndsIt()
