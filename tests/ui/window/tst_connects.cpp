@@ -372,14 +372,11 @@ private slots:
         QTRY_COMPARE(window.exchange.keptCount(), 1);
         window.messageRotations.setQuickMessageText("meant for another");
         window.messageRotations.sendQuickMessage();
-        auto *indicator = control<QProgressBar>(window.view, "busyIndicator");
-        emit window.server.connectProgressed(1, 2);
         while (!window.status().startsWith("Connected")) {
             QTRY_VERIFY(window.exchange.keptCount() > 0);
             window.exchange.release();
             QCoreApplication::processEvents();
         }
-        QVERIFY(!indicator->isTextVisible()); // what follows is no part of the connect
         while (!window.actions.isIdle()) {
             if (window.exchange.keptCount() > 0)
                 window.exchange.release();
