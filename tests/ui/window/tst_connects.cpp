@@ -142,7 +142,11 @@ private slots:
     void disconnectLeavesNothingOfTheServer()
     {
         BusyWindow window;
+        emit window.fetcher.progressed(2, 3);
+        const auto *progress = control<QLabel>(window.view, "progressLabel");
+        QVERIFY(progress->isVisibleTo(&window.view));
         window.pressDisconnect();
+        QVERIFY(!progress->isVisibleTo(&window.view));
         QVERIFY(!window.isPasswordKnown());
         QVERIFY(!window.isPlaying());
         QVERIFY(!window.isRefreshingMaps());
