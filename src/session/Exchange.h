@@ -24,6 +24,7 @@ struct Request {
     bool isSingle = false;     ///< one datagram is the whole reply
     bool isBackground = false; ///< nobody waits for it: sent once, never repeated
     QString address = {};      ///< dotted IPv4 that the host was found to have
+    bool isProbe = false;      ///< of a server that is silent: unanswered, it tells nothing of haste
 };
 
 /// What became of a request: the server's text, or the text of the result code on failure.

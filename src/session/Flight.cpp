@@ -18,7 +18,7 @@ static TrafficLog::Kind logKind(const Request &request)
 }
 
 Flight::Flight(const Request &request, RCon::Task task, std::unique_ptr<DatagramPacket> packet)
-    : m_command(request.command), m_isBackground(request.isBackground),
+    : m_command(request.command), m_isBackground(request.isBackground), m_isProbe(request.isProbe),
       m_requestText(request.password + u' ' + request.command), m_packet(std::move(packet)),
       m_log(request.host, request.port, logKind(request)), m_machine(std::move(task), m_log)
 {

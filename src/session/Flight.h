@@ -32,6 +32,7 @@ public:
     RCon &machine() { return m_machine; }
     const QString &command() const { return m_command; }
     bool isBackground() const { return m_isBackground; }
+    bool isProbe() const { return m_isProbe; }
     RCon::TimePoint sentAt() const { return m_sentAt; }
     bool isFinished() const { return m_machine.isFinished(); }
 
@@ -55,6 +56,7 @@ private:
 
     QString m_command;
     bool m_isBackground;
+    bool m_isProbe;
     Wiped<QString> m_requestText;
     std::unique_ptr<DatagramPacket> m_packet;
     TrafficLog m_log;

@@ -249,6 +249,7 @@ QCoro::Task<> KelServer::probe()
 {
     Request request = requestFor(QStringLiteral("sv_hostname"), rconPassword());
     request.isBackground = true;
+    request.isProbe = true;
     const Reply reply = co_await send(request);
     Q_UNUSED(reply)
 }

@@ -35,6 +35,11 @@ void Link::retry()
     become(Kind::Silent);
 }
 
+void Link::noteSent()
+{
+    QMetaObject::invokeMethod(this, &Link::figuresChanged, Qt::QueuedConnection);
+}
+
 void Link::noteReply(const Request &request, const Reply &reply, steady_clock::time_point sentAt)
 {
     emit figuresChanged();

@@ -37,8 +37,8 @@ public:
     void close();
     /// Another password is tried.
     void retry();
-    /// A request is on its way.
-    void noteSent() { emit figuresChanged(); }
+    /// A request is about to be sent; figuresChanged() follows when the exchange has it.
+    void noteSent();
     /// What became of it.
     void noteReply(const Request &request, const Reply &reply, std::chrono::steady_clock::time_point sentAt);
 

@@ -141,7 +141,7 @@ void RConExchange::noteOutcome(const Flight &flight)
     m_stats.countDoubled(outcome.doubled);
     if (!outcome.firstAnswerAfter) {
         m_stats.remainedUnanswered();
-        if (flight.isBackground())
+        if (flight.isBackground() && !flight.isProbe())
             m_pacer.ignored(flight.sentAt());
         return;
     }

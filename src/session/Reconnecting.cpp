@@ -92,10 +92,11 @@ void Reconnecting::resume(milliseconds silence)
 
 QCoro::Task<> Reconnecting::reread(quint64 connection, milliseconds silence)
 {
-    const QString hostname = m_server.dvarList().value(hostnameDvar());
     const ActionQueue::Turn turn = co_await m_actions.turn();
     if (!turn || connection != m_server.connection())
         co_return;
+    // Not before the turn: the answer that told may have been the one to a new name.
+    const QString hostname = m_server.dvarList().value(hostnameDvar());
     const std::optional<DvarTable> dumped = co_await m_server.dumpDvars();
     if (!turn || !dumped || connection != m_server.connection())
         co_return;

@@ -164,6 +164,20 @@ private slots:
         QCOMPARE(reply.text, RCon::resultStr(RConResultTimeout) + " 127.0.0.2 answered instead.");
     }
 
+    /// Whoever waits for a server to come back learns nothing of its haste, however often he asks.
+    void probes()
+    {
+        ScriptedPeer peer({});
+        RConExchange exchange;
+        Request probe = requestTo(peer, QStringLiteral("sv_hostname"));
+        probe.isBackground = true;
+        probe.isProbe = true;
+        for (int i = 0; i < 6; ++i)
+            QCOMPARE(awaited(exchange.send(probe)).result, RConResultTimeout);
+        QVERIFY(!exchange.link().isPaced);
+        QCOMPARE(exchange.link().backgroundDelay, std::optional(0ms));
+    }
+
     void badHost()
     {
         RConExchange exchange;

@@ -68,12 +68,32 @@ struct Session {
     Reconnecting reconnecting{server, actions, alerts, fetcher};
 };
 
+QCoro::Task<> rename(Session &session)
+{
+    const ActionQueue::Turn turn = co_await session.actions.turn();
+    co_await session.server.setDvar("sv_hostname", "new");
+}
+
 } // namespace
 
 class ReconnectingTest : public QObject
 {
     Q_OBJECT
 private slots:
+    void aNewNameThatWasJustGivenIsNoOtherServer()
+    {
+        Session session;
+        QSignalSpy back(&session.reconnecting, &Reconnecting::cameBack);
+        session.fallSilent();
+        session.exchange.answer("setadmindvar sv_hostname \"new\"", ScriptedExchange::ok());
+        Reply dump = ScriptedExchange::dump();
+        dump.text.replace("\"h\"", "\"new\"");
+        session.exchange.answer("dvardump", dump);
+        session.actions.start(rename(session));
+        QTRY_COMPARE(back.size(), 1);
+        QVERIFY(session.alerts.shown().isEmpty());
+    }
+
     void looksUntilTheServerIsBack()
     {
         Session session;

@@ -124,10 +124,7 @@ void PlayersView::connectControls()
     connect(savePlayerListButton, &QPushButton::clicked, this, &PlayersView::savePlayerListButtonPressed);
     connect(autoUpdatePlayers, &QCheckBox::toggled, this, &PlayersView::autoupdatePlayerChanged);
     connect(autoUpdatePlayersTime, &QSpinBox::valueChanged, this, &PlayersView::autoupdatePlayerTimeChanged);
-    connect(autoupdatePlayerTimer, &QTimer::timeout, this, [this] {
-        if (m_server.link().mayAskByItself())
-            refreshPlayersButtonPressed();
-    });
+    connect(autoupdatePlayerTimer, &QTimer::timeout, this, &PlayersView::refreshByItself);
     connect(playerSendMessagePanel, &QDialog::finished, this, &PlayersView::sendMessagePanelDidEnd);
     connect(playerFilterField, &QLineEdit::textChanged, this, [this](const QString &text) {
         m_roster->rows().setFilterText(text);
@@ -145,9 +142,8 @@ void PlayersView::connectSession()
     connect(&m_server, &KelServer::didConnect, this, [this] { m_isConnecting = false; });
     connect(m_roster, &PlayerRoster::changed, this, &PlayersView::updatePlaceholder);
     connect(m_roster, &PlayerRoster::changed, this, &PlayersView::updateControls);
-    connect(m_commands, &PlayerCommands::refreshWanted, this, [this](std::chrono::seconds delay) {
-        QTimer::singleShot(delay, this, &PlayersView::refreshPlayersButtonPressed);
-    });
+    connect(m_commands, &PlayerCommands::refreshWanted, this,
+            [this](std::chrono::seconds delay) { QTimer::singleShot(delay, this, &PlayersView::refreshByItself); });
 }
 
 void PlayersView::fillMenu(QMenu &menu)
@@ -187,6 +183,13 @@ void PlayersView::setInFront(bool isInFront)
     m_isInFront = isInFront;
     setActsInWindow(m_refreshAction, isInFront);
     if (isInFront && !m_isConnecting)
+        refreshByItself();
+}
+
+/// A server that is silent or refuses the password gets no request that nobody pressed a button for.
+void PlayersView::refreshByItself()
+{
+    if (m_server.link().mayAskByItself())
         refreshPlayersButtonPressed();
 }
 

@@ -66,6 +66,7 @@ private:
     void connectionDidBegin();
     void connectionDidChange(bool isConnected);
     void setupAutoupdatePlayerTimer();
+    void refreshByItself();
     bool isRefreshDue() const;
     QCoro::Task<> refresh();
 

@@ -33,7 +33,7 @@ Connecting::Connecting(const Workplace &workplace, const Parts &parts, QObject *
     connect(&workplace.server, &KelServer::passwordRefused, this, [this] { m_isPasswordRefused = true; });
     connect(&workplace.server, &KelServer::lookUpBegan, this,
             [this](const QString &host) { m_parts.status.setStatus(tr("Looking up %1…").arg(host)); });
-    connect(&workplace.server, &KelServer::lookUpEnded, this, &Connecting::showConnecting);
+    connect(&workplace.server, &KelServer::lookUpEnded, this, [this] { showConnecting(m_target.label); });
     connect(&workplace.reconnecting, &Reconnecting::cameBack, this, &Connecting::comeBack);
     connect(&workplace.reconnecting, &Reconnecting::disconnectWanted, this, &Connecting::disconnectFromServer);
     m_welcomeBack.setSingleShot(true);
@@ -71,9 +71,7 @@ void Connecting::connectTo(ConnectTarget target)
     ++m_connects;
     m_parts.servers.setConnecting(true);
     m_statusBeforeConnect = m_parts.status.status();
-    m_target = target;
-    m_target.password = {}; // the session has it
-    showConnecting();
+    showConnecting(target.label);
     m_workplace.actions.start(connectAction(std::move(target)));
 }
 
@@ -89,6 +87,8 @@ QCoro::Task<> Connecting::connectAction(ConnectTarget target)
         goesOn = co_await m_parts.unsavedWork.settle();
     if (turn && goesOn) { // whatever comes of this connect, nothing goes to the former server any more
         endConnection();
+        m_target = target;
+        m_target.password = {}; // the session has it
         co_await loadGameData();
     }
     if (turn && goesOn)
@@ -127,7 +127,7 @@ QCoro::Task<> Connecting::loadGameData()
 
 QCoro::Task<> Connecting::connectToServerWithLabel(ConnectTarget target)
 {
-    showConnecting();
+    showConnecting(target.label);
     m_isPasswordRefused = false;
     co_await m_workplace.server.connectToHost(target.host, target.port, target.password);
     m_workplace.server.setPasswordTextBox(target.passwordTextBox);
@@ -135,10 +135,10 @@ QCoro::Task<> Connecting::connectToServerWithLabel(ConnectTarget target)
         m_workplace.server.forgetVariables();
 }
 
-void Connecting::showConnecting()
+void Connecting::showConnecting(const QString &label)
 {
     m_welcomeBack.stop();
-    m_parts.status.setStatus(tr("Connecting to %1...").arg(m_target.label));
+    m_parts.status.setStatus(tr("Connecting to %1...").arg(label));
 }
 
 void Connecting::showConnected()

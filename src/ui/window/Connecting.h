@@ -65,7 +65,7 @@ private:
     ConnectTarget savedTarget(const SavedServer &server) const;
     void askForPassword(const ConnectTarget &target);
     void endConnection();
-    void showConnecting();
+    void showConnecting(const QString &label);
     void showConnected();
     void comeBack(std::chrono::milliseconds silence, int differences);
     QCoro::Task<> showWhatCameBack();
@@ -77,7 +77,7 @@ private:
     Workplace m_workplace;
     Parts m_parts;
     QString m_statusBeforeConnect;
-    ConnectTarget m_target;           ///< of the latest connect
+    ConnectTarget m_target;           ///< of the latest connect that began
     QTimer m_welcomeBack;             ///< while the status line tells of a server that came back
     QString m_triedPassword;          ///< until the server has taken it
     int m_connects = 0;               ///< that wait or are under way

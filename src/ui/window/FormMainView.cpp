@@ -82,6 +82,7 @@ void FormMainView::connectParts()
     connect(&server, &KelServer::connectionBegan, &actions, &ActionQueue::refuseWaiting);
     connect(&server, &KelServer::isConnectedChanged, serversView, &ServersView::setConnected);
     connect(&m_workplace.fetcher, &DvarFetcher::progressed, statusLine, &StatusLine::setProgress);
+    connect(&server, &KelServer::isConnectedChanged, statusLine, [this] { statusLine->setProgress(0, 0); });
     connect(&m_workplace.fetcher, &DvarFetcher::finished, this, &FormMainView::tellOfUnknownSettings);
     auto *link = new LinkStatus(server.link(), statusLine);
     connect(link, &LinkStatus::tryNowRequested, &m_workplace.reconnecting, &Reconnecting::tryNow);

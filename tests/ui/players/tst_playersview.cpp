@@ -807,6 +807,9 @@ private slots:
         auto *timer = players.view.findChild<QTimer *>("autoupdatePlayerTimer");
         emit timer->timeout({});
         QVERIFY(players.actions.isIdle());
+        players.view.setInFront(false);
+        players.view.setInFront(true);
+        QVERIFY(players.actions.isIdle());
         players.press("refreshPlayersButton"); // a person may
         QCOMPARE(players.sent(), QStringList{"teamstatus"});
     }

@@ -142,7 +142,11 @@ private slots:
     void disconnectLeavesNothingOfTheServer()
     {
         BusyWindow window;
+        emit window.fetcher.progressed(2, 3);
+        const auto *progress = control<QLabel>(window.view, "progressLabel");
+        QVERIFY(progress->isVisibleTo(&window.view));
         window.pressDisconnect();
+        QVERIFY(!progress->isVisibleTo(&window.view));
         QVERIFY(!window.isPasswordKnown());
         QVERIFY(!window.isPlaying());
         QVERIFY(!window.isRefreshingMaps());
@@ -164,6 +168,35 @@ private slots:
         QVERIFY(window.server.isConnected() && window.isPlaying() && window.isPasswordKnown());
         QCOMPARE(window.sent(), QStringList());
         QVERIFY(control<QPushButton>(window.view, "connectButton")->isEnabled());
+    }
+
+    void theServerKeepsItsNameAfterCancelAtTheQuestion()
+    {
+        Window window;
+        window.exchange.answer("dvardump", ScriptedExchange::dump());
+        window.save({"Home", "192.0.2.1", "50960", QStringLiteral("first")});
+        window.save({"Other", "192.0.2.2", "50961", QStringLiteral("second")});
+        window.view.connectByCommandLine("Home", {});
+        QVERIFY(window.settle());
+        awaited(window.messageRotations.addMessageToCurrentRotation("unsaved", "5"));
+        window.alerts.answerWith(2);
+        window.view.connectByCommandLine("Other", {});
+        QVERIFY(window.settle());
+        QCOMPARE(window.status(), "Connected to Home (Unranked)");
+        window.exchange.answerEverything(ScriptedExchange::failure("refused", RConResultInvalidPassword));
+        control<QPushButton>(window.view, "refreshPlayersButton")->click();
+        QVERIFY(window.settle());
+        control<QPushButton>(window.view, "linkPasswordButton")->click();
+        QInputDialog *prompt = window.prompt();
+        QVERIFY(prompt != nullptr);
+        QVERIFY2(prompt->labelText().endsWith("192.0.2.1"), qPrintable(prompt->labelText()));
+        window.exchange.answerEverything(ScriptedExchange::ok());
+        prompt->setTextValue("changed");
+        prompt->accept();
+        QTRY_VERIFY(window.status().startsWith("Connected again"));
+        QVERIFY(window.settle());
+        QCOMPARE(window.savedServers.password("Home").value_or(QString()), "changed");
+        QCOMPARE(window.savedServers.password("Other").value_or(QString()), "second");
     }
 
     void aSecondConnectIsNotAcceptedWhileOneRuns()

@@ -49,6 +49,20 @@ private slots:
         QTEST(LinkText(link, steady_clock::now()).shortText(), "text");
     }
 
+    /// The session tells of a request just before the exchange takes it.
+    void aRequestThatWaitsIsTold()
+    {
+        ScriptedExchange exchange;
+        Link link(exchange);
+        LinkStatus status(link);
+        link.open();
+        link.noteSent();
+        LinkState line;
+        line.waitingSince = steady_clock::now() - 1800ms;
+        exchange.setLink(line);
+        QTRY_COMPARE(status.findChild<QLabel *>("linkLabel")->text(), "Waiting 2 s…");
+    }
+
     void whatCanBeDone()
     {
         ScriptedExchange exchange;
