@@ -131,8 +131,16 @@ QCoro::Task<> DvarFetcher::fetchNext(quint64 connection)
     if (isOfConnection && !m_queue.isEmpty()) {
         const QString name = m_queue.first();
         const KelServer::Fetched fetched = co_await m_server.fetchDvar(name);
-        if (turn && connection == m_server.connection())
+        const bool isSettling = turn && connection == m_server.connection();
+        if (isSettling)
             settle(name, fetched);
+        m_noAnswersInARow = fetched == KelServer::Fetched::NoAnswer ? m_noAnswersInARow + 1 : 0;
+        // Sent once each, they may have been ignored for their haste. Is anybody there?
+        constexpr int unansweredToDoubt = 5;
+        if (isSettling && m_noAnswersInARow == unansweredToDoubt) {
+            m_noAnswersInARow = 0;
+            co_await m_server.probePatiently();
+        }
     }
     m_isStepUnderWay = false;
     schedule();

@@ -74,5 +74,6 @@ private:
     QTimer m_timer; ///< until the next may be asked for, outside of any turn
     std::vector<QPromise<void>> m_waiting;
     bool m_isStepUnderWay = false;
+    int m_noAnswersInARow = 0;
     bool m_isLookedAt = false; ///< somebody waits, also where the server wants to be left alone
 };

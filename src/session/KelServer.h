@@ -92,6 +92,8 @@ public:
     QCoro::Task<Fetched> fetchDvar(QString name);
     /// Asks once for something small, only to hear whether the server answers: link() tells.
     QCoro::Task<> probe();
+    /// The same as patiently as a person's command: link() calls the server silent if nothing comes.
+    QCoro::Task<> probePatiently();
     /// Looks the server's name up anew. The next request goes to the first address unless the old one is still there.
     QCoro::Task<> lookUpAgain();
     /// Whether the value of a variable is still to be asked for.

@@ -254,6 +254,13 @@ QCoro::Task<> KelServer::probe()
     Q_UNUSED(reply)
 }
 
+QCoro::Task<> KelServer::probePatiently()
+{
+    const Request request = requestFor(QStringLiteral("sv_hostname"), rconPassword());
+    const Reply reply = co_await send(request);
+    Q_UNUSED(reply)
+}
+
 QCoro::Task<> KelServer::lookUpAgain()
 {
     const quint64 connection = m_connection;

@@ -93,7 +93,7 @@ LinkState RConExchange::link() const
     LinkState state;
     state.stats = m_stats;
     state.gap = std::chrono::ceil<milliseconds>(m_pacer.gap());
-    state.isPaced = m_pacer.gap() > 2 * Pacer::shortestGap;
+    state.isPaced = m_pacer.isMeasured() && m_pacer.gap() > 2 * Pacer::shortestGap;
     state.backgroundDelay = std::nullopt;
     if (const std::optional<Pacer::TimePoint> next = m_pacer.next())
         state.backgroundDelay = std::max(milliseconds(0), std::chrono::ceil<milliseconds>(*next - now));

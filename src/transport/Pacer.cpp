@@ -91,6 +91,7 @@ void Pacer::noteHaste(Duration distance)
 
 void Pacer::slowDown(Duration tooShort)
 {
+    m_isMeasured = true;
     m_bad = tooShort;
     m_badSince = m_lastSent.value_or(TimePoint());
     const std::optional<Duration> works = shortestAnswered();
@@ -109,6 +110,7 @@ void Pacer::slowDown(Duration tooShort)
 /// Who ignores every distance may count what he ignores, and punish the administrator's own commands for it.
 void Pacer::rest(TimePoint now)
 {
+    m_isMeasured = false;
     ++m_rests;
     m_ignoredInARow = 0;
     m_restsUntil = now + (m_rests == 1 ? 10s : 30s);

@@ -26,6 +26,8 @@ public:
     std::optional<TimePoint> next() const;
     /// The distance that the server seems to want.
     Duration gap() const { return m_gap; }
+    /// Whether the distance comes of what was answered and ignored, and not of a rest.
+    bool isMeasured() const { return m_isMeasured; }
     bool hasStopped() const { return m_rests > mostRests; }
 
 private:
@@ -51,6 +53,7 @@ private:
     int m_ignoredInTrial = 0; ///< at the shorter distance that is tried
     int m_answeredInTrial = 0;
     int m_rests = 0;
+    bool m_isMeasured = false;
     std::array<std::optional<Duration>, 8> m_distances; ///< of the last requests; none for ignored ones
     std::size_t m_place = 0;
     std::optional<TimePoint> m_lastAnswered; ///< when the last answered request was sent

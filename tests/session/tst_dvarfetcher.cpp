@@ -175,6 +175,17 @@ private slots:
         QVERIFY(session.isDone());
     }
 
+    void aServerThatDiesMeanwhileIsCalledSilent()
+    {
+        Session session;
+        session.catalogues.settings = QStringList{"g_1", "g_2", "g_3", "g_4", "g_5", "g_6", "g_7"};
+        session.connect(); // and nothing is answered any more
+        QTRY_COMPARE(session.server.link().kind(), Link::Kind::Silent);
+        QTRY_VERIFY(session.actions.isIdle());
+        QCOMPARE(session.exchange.sent(), QStringList({"g_1", "g_2", "g_3", "g_4", "g_5", "sv_hostname"}));
+        QVERIFY(!session.exchange.requests().last().isBackground);
+    }
+
     void ends_data()
     {
         QTest::addColumn<int>("how");
