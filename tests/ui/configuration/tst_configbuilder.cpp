@@ -279,7 +279,8 @@ private slots:
         QCOMPARE(count.data().toString(), QString("1")); // the server's name
         const QString before = summary->text();
         int changes = 0;
-        connect(builder.groups()->model(), &QAbstractItemModel::dataChanged, this, [&changes] { ++changes; });
+        const QObject listening; // goes before what it counts
+        connect(builder.groups()->model(), &QAbstractItemModel::dataChanged, &listening, [&changes] { ++changes; });
         builder.releaseEverything();
         const auto all = builder.settings.sortedSettingsValues().first()->settings().size();
         QTRY_COMPARE(count.data().toString(), QString::number(all));
