@@ -6,7 +6,9 @@
 #include "ConfigurationText.h"
 #include "DvarSetting.h"
 #include "DvarSettingList.h"
+#include "GameText.h"
 #include "KelServer.h"
+#include "Secrets.h"
 
 #include <QSet>
 #include <QStringConverter>
@@ -97,7 +99,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     QHash<QString, QString> dvars;
     for (const ConfigurationEntry &entry : entries)
         dvars.insert(entry.dvar, entry.value);
-    checkComparison(entries, dvars);
+    QHash<QString, QString> loaded; // what a server holds that the file has been sent to
+    for (const ConfigurationEntry &entry : entries)
+        loaded.insert(entry.dvar, holdsPassword(entry.dvar) ? entry.value : GameText::of(entry.value).text());
+    checkComparison(entries, loaded);
     checkWriting(entries, dvars);
     return 0;
 }
