@@ -1,11 +1,15 @@
+#include "ActionQueue.h"
 #include "CatalogueReader.h"
+#include "DvarFetcher.h"
 #include "DvarSettingCategory.h"
 #include "DvarSettingOutlineView.h"
 #include "KelServer.h"
 #include "KelSettings.h"
+#include "Preferences.h"
 #include "RecordedAlerts.h"
 #include "ScriptedExchange.h"
 #include "SettingsOutlineModel.h"
+#include "UnknownDvars.h"
 
 #include <QApplication>
 #include <QCoroTask>
@@ -63,6 +67,10 @@ struct Loaded {
     ScriptedExchange exchange;
     RecordedAlerts alerts;
     KelServer server{exchange, alerts};
+    ActionQueue actions;
+    Preferences preferences{folder.filePath(QStringLiteral("preferences.ini"))};
+    UnknownDvars unknownDvars{preferences};
+    DvarFetcher fetcher{server, actions, unknownDvars};
     CatalogueReader reader{{folder.path(), folder.path()}, alerts, [] {
                            }};
     KelSettings settings{{server, alerts}, reader};
@@ -80,7 +88,7 @@ static void expandAndPaint(benchmark::State &state)
 {
     Loaded loaded;
     loaded.load();
-    SettingsOutlineModel model(loaded.server);
+    SettingsOutlineModel model(loaded.server, loaded.fetcher);
     model.setCategories(loaded.settings.selectedSettings());
     DvarSettingOutlineView view(model);
     view.resize(760, 400);
@@ -97,7 +105,7 @@ static void scrollAndPaint(benchmark::State &state)
 {
     Loaded loaded;
     loaded.load();
-    SettingsOutlineModel model(loaded.server);
+    SettingsOutlineModel model(loaded.server, loaded.fetcher);
     model.setCategories(loaded.settings.selectedSettings());
     DvarSettingOutlineView view(model);
     view.resize(760, 400);
