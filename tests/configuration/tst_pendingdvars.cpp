@@ -1,15 +1,8 @@
-#include "ActionQueue.h"
-#include "DvarFetcher.h"
-#include "FewCatalogues.h"
+#include "FetchingSession.h"
 #include "PendingDvars.h"
-#include "Preferences.h"
-#include "RecordedAlerts.h"
 #include "RecordedProgress.h"
-#include "ScriptedExchange.h"
-#include "UnknownDvars.h"
 #include "Wait.h"
 
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <optional>
@@ -20,7 +13,7 @@ namespace
 {
 
 /// A server that tells g_a, g_b and scr_a when it is asked, and does not know g_c.
-struct Session {
+struct Session : FetchingSession {
     Session()
     {
         exchange.answer("dvardump", ScriptedExchange::dump());
@@ -69,15 +62,6 @@ struct Session {
         }
     }
 
-    QTemporaryDir folder;
-    Preferences preferences{folder.filePath("preferences.ini")};
-    UnknownDvars unknownDvars{preferences};
-    FewCatalogues catalogues;
-    ScriptedExchange exchange;
-    RecordedAlerts alerts;
-    KelServer server{exchange, alerts};
-    ActionQueue actions;
-    DvarFetcher fetcher{server, actions, unknownDvars};
     RecordedProgress progress;
     PendingDvars pending{server, actions, fetcher, progress};
     std::optional<End> end;

@@ -1,14 +1,7 @@
-#include "ActionQueue.h"
-#include "DvarFetcher.h"
-#include "FewCatalogues.h"
-#include "Preferences.h"
-#include "RecordedAlerts.h"
-#include "ScriptedExchange.h"
-#include "UnknownDvars.h"
+#include "FetchingSession.h"
 #include "Wait.h"
 
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace std::chrono_literals;
@@ -26,7 +19,7 @@ Reply unknown(const QString &name)
     return ScriptedExchange::ok(QStringLiteral("Unknown command \"%1\"\n").arg(name));
 }
 
-struct Session {
+struct Session : FetchingSession {
     explicit Session(const QStringList &unknownNames = {})
     {
         exchange.answer("dvardump", ScriptedExchange::dump());
@@ -54,16 +47,6 @@ struct Session {
     {
         return QTest::qWaitFor([this] { return !fetcher.isAsking() && actions.isIdle(); });
     }
-
-    QTemporaryDir folder;
-    Preferences preferences{folder.filePath("preferences.ini")};
-    UnknownDvars unknownDvars{preferences};
-    FewCatalogues catalogues;
-    ScriptedExchange exchange;
-    RecordedAlerts alerts;
-    KelServer server{exchange, alerts};
-    ActionQueue actions;
-    DvarFetcher fetcher{server, actions, unknownDvars};
 };
 
 } // namespace

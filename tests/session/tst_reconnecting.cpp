@@ -1,15 +1,8 @@
-#include "ActionQueue.h"
-#include "DvarFetcher.h"
-#include "FewCatalogues.h"
-#include "Preferences.h"
+#include "FetchingSession.h"
 #include "Reconnecting.h"
-#include "RecordedAlerts.h"
-#include "ScriptedExchange.h"
-#include "UnknownDvars.h"
 #include "Wait.h"
 
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 namespace
@@ -29,7 +22,7 @@ public:
     int times = 0;
 };
 
-struct Session {
+struct Session : FetchingSession {
     Session()
     {
         exchange.answer("dvardump", ScriptedExchange::dump("sv_ranked \"0\"\nplaylist_enabled \"0\"\n"
@@ -56,15 +49,6 @@ struct Session {
         return QTest::qWaitFor([this] { return actions.isIdle(); });
     }
 
-    QTemporaryDir folder;
-    Preferences preferences{folder.filePath("preferences.ini")};
-    UnknownDvars unknownDvars{preferences};
-    FewCatalogues catalogues;
-    ScriptedExchange exchange;
-    RecordedAlerts alerts;
-    KelServer server{exchange, alerts};
-    ActionQueue actions;
-    DvarFetcher fetcher{server, actions, unknownDvars};
     Reconnecting reconnecting{server, actions, alerts, fetcher};
 };
 
