@@ -146,10 +146,14 @@ void RConExchange::noteOutcome(const Flight &flight)
         return;
     }
     const steady_clock::time_point answeredAt = flight.sentAt() + *outcome.firstAnswerAfter;
-    if (outcome.sends == 1)
+    // A program that was stopped, or held up, reads its answers late: the line is no slower for that.
+    if (outcome.sends == 1 && outcome.wasReadLate)
+        m_stats.answeredUnmeasured(answeredAt);
+    else if (outcome.sends == 1)
         m_stats.answered(*outcome.firstAnswerAfter, answeredAt);
     else
-        m_stats.answeredAmbiguously(*outcome.firstAnswerAfter, answeredAt);
+        m_stats.answeredAmbiguously(outcome.wasReadLate ? LinkStats::Duration::zero() : *outcome.firstAnswerAfter,
+                                    answeredAt);
     if (flight.isBackground())
         m_pacer.answered(flight.sentAt());
     else
@@ -164,7 +168,7 @@ Reply RConExchange::replyOf(Flight &flight)
     reply.sends = static_cast<int>(outcome.sends);
     reply.doubled = static_cast<int>(outcome.doubled);
     reply.mayBeIncomplete = m_ways.noteReply(flight.command(), outcome);
-    if (outcome.sends == 1 && outcome.firstAnswerAfter)
+    if (outcome.sends == 1 && outcome.firstAnswerAfter && !outcome.wasReadLate)
         reply.roundTrip = std::chrono::round<milliseconds>(*outcome.firstAnswerAfter);
     const std::optional<Endpoint> stranger = outcome.plausibleStranger;
     reply.text = flight.machine().takeText();

@@ -18,6 +18,12 @@ void LinkStats::answered(Duration roundTrip, TimePoint now)
     countSend(false);
 }
 
+void LinkStats::answeredUnmeasured(TimePoint now)
+{
+    m_lastHeard = now;
+    countSend(false);
+}
+
 void LinkStats::answeredAmbiguously(Duration sinceFirstSend, TimePoint now)
 {
     // Kept until an answer to a first send tells the round trip: a line slower than the first wait would never be

@@ -18,6 +18,8 @@ public:
 
     /// The first send was answered: the only kind of answer that tells the round trip.
     void answered(Duration roundTrip, TimePoint now);
+    /// The first send was answered, and the answer had to wait until it was read: its round trip is not known.
+    void answeredUnmeasured(TimePoint now);
     /// An answer came after the request had been repeated, and it is not known which send it answers. The first wait
     /// was too short, or something was lost.
     /// @param sinceFirstSend  the longest that the round trip can be.

@@ -96,8 +96,10 @@ RCon::Step RCon::received(QByteArrayView datagram, const Endpoint &from, TimePoi
     }
     if (datagram.isEmpty())
         return finish(m_outcome.datagrams == 0 ? RConResultNullReply : RConResultSuccess);
-    if (!m_outcome.firstAnswerAfter)
+    if (!m_outcome.firstAnswerAfter) {
         m_outcome.firstAnswerAfter = now - m_firstSend;
+        m_outcome.wasReadLate = now >= m_until;
+    }
     QString text;
     const RConResult result = textOf(datagram, &text);
     if (result != RConResultSuccess)

@@ -51,7 +51,8 @@ public:
         bool isEndKnown = false;
         /// From the first send to the first datagram; none as long as nothing has come.
         std::optional<std::chrono::steady_clock::duration> firstAnswerAfter;
-        unsigned strangers = 0;                    ///< datagrams from other addresses
+        bool wasReadLate = false; ///< the first datagram was read when its wait was over: nobody knows when it came
+        unsigned strangers = 0;   ///< datagrams from other addresses
         std::optional<Endpoint> plausibleStranger; ///< one of them that answers like a game server
     };
 

@@ -150,6 +150,10 @@ private slots:
         const Reply reply = awaited(std::move(sending));
         QVERIFY(reply.isSuccess());
         QCOMPARE(reply.sends, 1);
+        QCOMPARE(reply.roundTrip, -1ms); // when it came is not known
+        const LinkStats stats = exchange.link().stats;
+        QVERIFY(!stats.roundTrip() && stats.lastHeard());
+        QCOMPARE(stats.firstWait(), LinkStats::Duration(LinkStats::shortestWait));
     }
 
     void strangers()
