@@ -149,7 +149,7 @@ void CurrentMapPane::refreshCurrentMapButtonPressed()
     if (m_isRefreshWaiting || !m_server.isConnected())
         return;
     m_isRefreshWaiting = true;
-    m_actions.start(refresh());
+    m_actions.start(refresh(m_server.link().mayAskByItself()));
 }
 
 void CurrentMapPane::updateMapsTimer()
@@ -158,11 +158,12 @@ void CurrentMapPane::updateMapsTimer()
         refreshCurrentMapButtonPressed();
 }
 
-QCoro::Task<> CurrentMapPane::refresh()
+QCoro::Task<> CurrentMapPane::refresh(bool wasAnswering)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
     m_isRefreshWaiting = false;
-    if (!turn || !m_server.isConnected())
+    const bool hasFailed = wasAnswering && !m_server.link().mayAskByItself(); // while this one waited
+    if (!turn || !m_server.isConnected() || hasFailed)
         co_return;
     const std::optional<QString> gametype = co_await updateGametype();
     if (gametype)
@@ -179,6 +180,10 @@ QCoro::Task<std::optional<QString>> CurrentMapPane::updateGametype()
     if (reply.isSuccess())
         gametype = m_gametypes.findGametypeByDvar(parseMapResponse(reply.text));
     showGametype(gametype);
+    if (!m_server.link().mayAskByItself()) {
+        showMap({});
+        co_return std::optional<QString>();
+    }
     co_return std::optional<QString>(gametype);
 }
 
@@ -192,6 +197,8 @@ QCoro::Task<std::optional<QString>> CurrentMapPane::updateMap()
     if (reply.isSuccess())
         map = m_maps.findMapByDvar(parseMapResponse(reply.text));
     showMap(map);
+    if (!m_server.link().mayAskByItself())
+        co_return std::optional<QString>();
     co_return std::optional<QString>(map);
 }
 

@@ -32,7 +32,8 @@ public:
 
     /// Asks the server for the gametype and shows it; empty when the server does not tell. Takes no turn: the action
     /// that calls it has one.
-    /// @return what is shown. Nothing when the connection has ended or the question was called off: then all stays.
+    /// @return what is shown. Nothing when the connection has ended or the question was called off: then all stays. Nor
+    /// when the server is silent or refuses the password: then the map is empty too, and nothing more is to be asked.
     QCoro::Task<std::optional<QString>> updateGametype();
     /// The same for the map.
     QCoro::Task<std::optional<QString>> updateMap();
@@ -59,7 +60,7 @@ private:
     void connectControls();
     void forgetServer();
     void connectionDidChange(bool isConnected);
-    QCoro::Task<> refresh();
+    QCoro::Task<> refresh(bool wasAnswering);
     QCoro::Task<> command(QString line);
 
     ElidingField *currentGameTypeField;

@@ -248,14 +248,15 @@ void PlayersView::refreshPlayersButtonPressed()
     if (m_isRefreshWaiting || !isRefreshDue())
         return;
     m_isRefreshWaiting = true;
-    m_actions.start(refresh());
+    m_actions.start(refresh(m_server.link().mayAskByItself()));
 }
 
-QCoro::Task<> PlayersView::refresh()
+QCoro::Task<> PlayersView::refresh(bool wasAnswering)
 {
     const ActionQueue::Turn turn = co_await m_actions.turn();
     m_isRefreshWaiting = false;
-    if (!turn)
+    const bool hasFailed = wasAnswering && !m_server.link().mayAskByItself(); // while this one waited
+    if (!turn || hasFailed)
         co_return;
     co_await updatePlayerList();
 }

@@ -68,7 +68,7 @@ private:
     void setupAutoupdatePlayerTimer();
     void refreshByItself();
     bool isRefreshDue() const;
-    QCoro::Task<> refresh();
+    QCoro::Task<> refresh(bool wasAnswering);
 
     QPushButton *refreshPlayersButton;
     QPushButton *kickPlayerButton;

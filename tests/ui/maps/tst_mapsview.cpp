@@ -62,6 +62,24 @@ private slots:
         QCOMPARE(maps.alerts.shown().size(), 0);
     }
 
+    void nothingMoreIsAskedOfAServerThatFails_data()
+    {
+        QTest::addColumn<RConResult>("result");
+        QTest::newRow("refused") << RConResultInvalidPassword;
+        QTest::newRow("silent") << RConResultTimeout;
+    }
+    void nothingMoreIsAskedOfAServerThatFails()
+    {
+        QFETCH(RConResult, result);
+        Maps maps;
+        awaited(maps.view.updateMapList(7));
+        maps.exchange.answer("g_gametype", ScriptedExchange::failure("", result));
+        maps.exchange.forgetSent();
+        control<CurrentMapPane>(maps.view, "currentMapPane")->updateMapsTimer();
+        QCOMPARE(maps.sent(), QStringList{"g_gametype"});
+        QCOMPARE(maps.current(), QStringList({"", ""}));
+    }
+
     void disconnectingInTheMiddleChangesNothing_data()
     {
         QTest::addColumn<int>("answered"); // queries before the end
