@@ -6,6 +6,7 @@
 #include <QObject>
 
 #include <chrono>
+#include <optional>
 
 /// Whether the server that the session is connected to answers. It is judged only by requests that wait: nothing is
 /// sent to find out, as every request carries the password in clear. Main thread only.
@@ -27,8 +28,9 @@ public:
     Kind kind() const { return m_kind; }
     /// Whether refreshes, messages that are due and the like may ask; what a person does goes out all the same.
     bool mayAskByItself() const { return m_kind == Kind::Answering; }
-    /// When the request was sent that first got no answer; invalid unless silent.
-    QDateTime silentSince() const { return m_silentSince; }
+    /// When the request was sent that first got no answer, as the clock on the wall goes now; invalid unless silent.
+    QDateTime silentSince() const;
+    /// How long ago that was, counting the time in which the machine slept.
     std::chrono::milliseconds silentFor() const;
     /// What is measured of the line.
     LinkState figures() const { return m_exchange.link(); }
@@ -49,10 +51,10 @@ signals:
     void answersAgain(std::chrono::milliseconds silence);
 
 private:
+    void beginSilence(std::chrono::steady_clock::time_point sentAt);
     void become(Kind kind);
 
     Exchange &m_exchange;
     Kind m_kind = Kind::Closed;
-    QDateTime m_silentSince;
-    std::chrono::steady_clock::time_point m_silentFrom;
+    std::optional<std::chrono::milliseconds> m_silentFrom; ///< since the machine was started
 };

@@ -10,6 +10,7 @@
 
 using namespace std::chrono_literals;
 using std::chrono::milliseconds;
+using std::chrono::steady_clock;
 
 namespace
 {
@@ -43,8 +44,10 @@ void Reconnecting::followLink()
 {
     m_timer.stop();
     m_probes = 0;
-    if (m_server.link().kind() == Link::Kind::Silent)
-        m_timer.start(distanceAfter(m_probes));
+    if (m_server.link().kind() != Link::Kind::Silent)
+        return;
+    m_lookingFrom = steady_clock::now();
+    m_timer.start(distanceAfter(m_probes));
 }
 
 void Reconnecting::tryNow()
@@ -81,7 +84,7 @@ QCoro::Task<> Reconnecting::probeOnce(quint64 connection)
     constexpr int probesBeforeLookUp = 3; // the name may stand for another address now
     if (++m_probes == probesBeforeLookUp && turn && !isOver())
         co_await m_server.lookUpAgain();
-    if (turn && !isOver() && m_server.link().silentFor() < probesLast)
+    if (turn && !isOver() && steady_clock::now() - m_lookingFrom < probesLast)
         m_timer.start(distanceAfter(m_probes));
 }
 

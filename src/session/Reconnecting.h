@@ -46,6 +46,7 @@ private:
     Alerts &m_alerts;
     DvarFetcher &m_fetcher;
     QTimer m_timer;
-    int m_probes = 0; ///< since the server fell silent
+    std::chrono::steady_clock::time_point m_lookingFrom; ///< the time in which the machine sleeps does not count
+    int m_probes = 0;                                    ///< since the server fell silent
     bool m_isProbeWaiting = false;
 };

@@ -2,6 +2,7 @@
 
 #include "LinkText.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -15,6 +16,7 @@ LinkStatus::LinkStatus(Link &link, QWidget *parent)
     setObjectName(QStringLiteral("linkStatus"));
     linkLabel->setObjectName(QStringLiteral("linkLabel"));
     linkLabel->setTextFormat(Qt::PlainText);
+    linkLabel->installEventFilter(this);
     tryNowButton->setObjectName(QStringLiteral("tryNowButton"));
     tryNowButton->setToolTip(tr("Look at once whether the server answers again"));
     linkPasswordButton->setObjectName(QStringLiteral("linkPasswordButton"));
@@ -33,6 +35,14 @@ LinkStatus::LinkStatus(Link &link, QWidget *parent)
     connect(tryNowButton, &QPushButton::clicked, this, &LinkStatus::tryNowRequested);
     connect(linkPasswordButton, &QPushButton::clicked, this, &LinkStatus::passwordRequested);
     showLink();
+}
+
+/// The tool tip tells how long ago something was: nothing else makes it anew while the line is idle.
+bool LinkStatus::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == linkLabel && event->type() == QEvent::ToolTip)
+        showLink();
+    return QWidget::eventFilter(watched, event);
 }
 
 void LinkStatus::showLink()

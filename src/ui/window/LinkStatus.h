@@ -21,6 +21,9 @@ signals:
     void tryNowRequested();
     void passwordRequested();
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void showLink();
 
