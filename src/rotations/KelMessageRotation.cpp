@@ -149,18 +149,24 @@ void KelMessageRotation::displayCurrentMessage()
 QCoro::Task<> KelMessageRotation::showMessage(std::shared_ptr<const MessageRotationInst> entry, QString line,
                                               quint64 showing)
 {
-    const ActionQueue::Turn turn = co_await m_actions.turn();
     qint64 shortestWait = 0;
-    const Link::Kind link = m_server.link().kind();
-    if (turn && showing == m_showing && (link == Link::Kind::Silent || link == Link::Kind::Refused)) {
-        m_server.appendConsoleNote(tr("skipped, as the server does not answer: %1").arg(line));
-        shortestWait = 1;
-    } else if (turn && showing == m_showing) {
-        const Reply reply = co_await m_server.sendCommand(line);
-        if (turn && !reply.isCancelled && !reply.isSuccess()) {
-            co_await tellOfFailure(reply.text);
-            shortestWait = 1; // or one alert would follow the other, with no moment to press Stop
+    std::optional<QString> failure;
+    {
+        const ActionQueue::Turn turn = co_await m_actions.turn();
+        const Link::Kind link = m_server.link().kind();
+        if (turn && showing == m_showing && (link == Link::Kind::Silent || link == Link::Kind::Refused)) {
+            m_server.appendConsoleNote(tr("skipped, as the server does not answer: %1").arg(line));
+            shortestWait = 1;
+        } else if (turn && showing == m_showing) {
+            const Reply reply = co_await m_server.sendCommand(line);
+            if (turn && !reply.isCancelled && !reply.isSuccess())
+                failure = reply.text;
         }
+    }
+    // Without the turn: nobody may be there to close the alert, and the server is to be looked for meanwhile.
+    if (failure) {
+        co_await tellOfFailure(*failure);
+        shortestWait = 1; // or one alert would follow the other, with no moment to press Stop
     }
     // A turn that was refused because another connection began only costs this one message.
     if (showing == m_showing && !m_actions.isClosed()) {

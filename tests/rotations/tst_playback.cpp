@@ -122,6 +122,24 @@ private slots:
         QVERIFY(f.alerts.shown().isEmpty());
     }
 
+    /// Nobody may be there to close it, and only who has a turn finds out that the server is back.
+    void anOpenAlertKeepsNobodyWaiting()
+    {
+        Player f;
+        awaited(f.messages.addMessageToCurrentRotation("a", "3"));
+        f.alerts.hold();
+        f.exchange.answerEverything(ScriptedExchange::failure("gone"));
+        f.exchange.answer("say \"q\"", ScriptedExchange::ok());
+        f.messages.startRotation();
+        QTRY_COMPARE(f.alerts.openCount(), 1);
+        f.messages.setQuickMessageText("q");
+        f.messages.sendQuickMessage();
+        const bool isSent = QTest::qWaitFor([&f] { return f.exchange.sent().last() == "say \"q\""; });
+        f.alerts.dismiss();
+        QCOMPARE(f.take({}), " 100 3");
+        QVERIFY(isSent);
+    }
+
     void quotesAndFailures()
     {
         Player f;
