@@ -161,6 +161,7 @@ signals:
     void consoleNoteAppended(const QString &note);
     void commandHistoryChanged();
     void lookUpBegan(const QString &host);
+    /// Its addresses are known, or that there are none; not told once it was called off.
     void lookUpEnded();
     /// Whether a request that somebody waits for is on its way, or its reply.
     void exchangeUnderWayChanged(bool isUnderWay);

@@ -101,9 +101,11 @@ QCoro::Task<HostAddresses> KelServer::lookUp(QString host)
 {
     HostAddresses found{{host}, {}, false};
     if (m_hostLookup != nullptr) {
+        const quint64 cancellations = m_cancellations;
         emit lookUpBegan(host);
         found = co_await m_hostLookup->find(host);
-        emit lookUpEnded();
+        if (!found.isCancelled && cancellations == m_cancellations)
+            emit lookUpEnded();
     }
     co_return found;
 }

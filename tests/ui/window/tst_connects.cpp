@@ -1,4 +1,5 @@
 #include "Controls.h"
+#include "HostLookup.h"
 #include "ServersView.h"
 #include "WindowFixture.h"
 
@@ -14,6 +15,9 @@
 #include <QTabWidget>
 #include <QTimer>
 #include <QTreeView>
+
+#include <memory>
+#include <semaphore>
 
 /// Connects as somebody does who sits before it.
 struct Window : WindowFixture {
@@ -122,6 +126,23 @@ private slots:
         QCOMPARE(window.shownSettings(), 0);
         QVERIFY(!control<QPushButton>(window.view, "saveConfigButton")->isEnabled());
         QVERIFY(!control<QPushButton>(window.view, "disconnectButton")->isEnabled());
+    }
+
+    void disconnectingWhileTheNameIsLookedUp()
+    {
+        const auto answered = std::make_shared<std::binary_semaphore>(0);
+        SystemHostLookup lookup([answered](const QByteArray &) {
+            answered->acquire();
+            return HostAddresses{{"203.0.113.5"}, {}, false};
+        });
+        Window window;
+        window.server.setHostLookup(&lookup);
+        window.pressConnect("play.example.org", "50961", "x");
+        QTRY_COMPARE(window.status(), "Looking up play.example.org…");
+        window.pressDisconnect();
+        QVERIFY(window.settle());
+        QCOMPARE(window.status(), "Not connected");
+        answered->release(); // it answers in the end, to nobody
     }
 
     void theFormerConnectionHasEndedWhenTheNewServerIsAsked()
