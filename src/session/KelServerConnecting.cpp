@@ -222,8 +222,12 @@ QCoro::Task<KelServer::Fetched> KelServer::fetchDvar(QString name)
         co_return Fetched::NoAnswer;
     const std::optional<QString> value = toldValue(reply.text);
     setAwaited(name, false);
-    if (!value)
+    if (!value) {
+        // It may have known the variable before it restarted. Without those that every server has there is no session.
+        if (isUnknownDvar(reply.text) && !requiredDvars().contains(name))
+            m_dvars.remove(name);
         co_return Fetched::Unknown;
+    }
     const bool isNew = !m_dvars.contains(name);
     m_dvars.insert(name, *value);
     if (isNew)

@@ -108,6 +108,22 @@ private slots:
         QVERIFY(session.alerts.shown().isEmpty() && session.server.isConnected());
     }
 
+    void whatTheServerNoLongerKnowsIsForgotten()
+    {
+        Session session;
+        QSignalSpy back(&session.reconnecting, &Reconnecting::cameBack);
+        session.fallSilent();
+        session.exchange.answer("sv_hostname", ScriptedExchange::ok("\"sv_hostname\" is: \"h\" in force: \"h\"\n"));
+        session.exchange.answer("dvardump", ScriptedExchange::dump("sv_ranked \"0\"\nplaylist_enabled \"0\"\n"));
+        session.exchange.answerEverything(ScriptedExchange::ok("Unknown command\n"));
+        session.reconnecting.tryNow();
+        QVERIFY(back.wait());
+        QTRY_VERIFY(!session.fetcher.isAsking() && session.actions.isIdle());
+        QVERIFY(!session.server.dvarList().contains("g_a"));
+        QCOMPARE(session.server.dvarList().value("sv_ranked"), "0"); // the mode would be another one without it
+        QVERIFY(session.server.dvarList().contains("rcon_password"));
+    }
+
     void whatAPersonDoesFindsOutAsWell()
     {
         Session session;
