@@ -1,7 +1,6 @@
 #include "DatagramPacket.h"
 
 #include "QuotedStrings.h"
-#include "Secrets.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
@@ -105,14 +104,10 @@ void DatagramPacket::close()
 
 bool DatagramPacket::send(const QString &requestText)
 {
-    Wiped<QByteArray> datagram; // it holds the password
-    datagram->reserve(requestHeader.size() + requestText.size() + 1);
-    datagram->append(requestHeader);
-    if (isLatin1(requestText)) {
-        for (const QChar character : requestText)
-            datagram->append(character.toLatin1());
-    }
-    datagram->append('\0');
+    QByteArray datagram = requestHeader.toByteArray();
+    if (isLatin1(requestText))
+        datagram += requestText.toLatin1();
+    datagram += '\0';
 
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -120,14 +115,14 @@ bool DatagramPacket::send(const QString &requestText)
     address.sin_port = htons(m_server.port);
     ssize_t sent = -1;
     do {
-        sent = ::sendto(m_socket, datagram->constData(), std::size_t(datagram->size()), MSG_DONTWAIT,
+        sent = ::sendto(m_socket, datagram.constData(), std::size_t(datagram.size()), MSG_DONTWAIT,
                         reinterpret_cast<const sockaddr *>(&address), sizeof address);
     } while (sent < 0 && errno == EINTR);
     if (sent < 0) {
         const int errorNumber = errno;
         qCWarning(transport, "errno=%d (%s)", errorNumber, systemText(errorNumber).c_str());
     }
-    return sent == datagram->size();
+    return sent == datagram.size();
 }
 
 ReceivedDatagram DatagramPacket::receive(std::span<char> buffer)

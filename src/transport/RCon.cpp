@@ -1,7 +1,6 @@
 #include "RCon.h"
 
 #include "DatagramPacket.h"
-#include "Secrets.h"
 #include "TrafficLog.h"
 
 #include <QCoreApplication>
@@ -41,11 +40,6 @@ RConResult textOf(QByteArrayView datagram, QString *text)
 } // namespace
 
 RCon::RCon(Task task, TrafficLog &log) : m_task(std::move(task)), m_log(log) {}
-
-RCon::~RCon()
-{
-    wipe(m_outcome.text); // a list of all variables has the password among them
-}
 
 RCon::Step RCon::start(TimePoint now)
 {
@@ -112,7 +106,7 @@ RCon::Step RCon::received(QByteArrayView datagram, const Endpoint &from, TimePoi
 RCon::Step RCon::gather(QString text, TimePoint now)
 {
     ++m_outcome.datagrams;
-    appendWithoutTrace(m_outcome.text, text);
+    m_outcome.text += text;
     m_until = now + silences.at(m_outcome.sends - 1);
     const bool isFirst = m_outcome.datagrams == 1;
     // What answers a write with nothing has answered with nothing only if that is the first that came.
@@ -133,10 +127,8 @@ RCon::Step RCon::finish(RConResult result)
     m_log.writeResult(m_outcome.sends, QString::fromLatin1(resultTexts[result]), isSuccess ? m_outcome.datagrams : 0);
     if (m_outcome.isEndKnown)
         m_log.writeKnownEnd(m_outcome.sends);
-    if (!isSuccess) {
-        wipe(m_outcome.text);
+    if (!isSuccess)
         m_outcome.text = resultStr(result);
-    }
     return Step{};
 }
 
@@ -148,10 +140,7 @@ QString RCon::takeLate(QByteArrayView datagram, const Endpoint &from)
     const bool isKnown = m_seen.contains(qHash(datagram));
     noteSeen(datagram);
     m_log.writeLate(m_outcome.sends, datagram.size(), isKnown);
-    if (!isKnown)
-        return text;
-    wipe(text);
-    return {};
+    return isKnown ? QString() : text;
 }
 
 void RCon::noteStranger(QByteArrayView datagram, const Endpoint &from)
@@ -172,11 +161,6 @@ void RCon::noteSeen(QByteArrayView datagram)
     // What came twice must not stand for what is missing.
     if (times > 1 && m_task.end.kind() == ReplyEnd::Kind::Dump)
         m_task.end.trustNothing();
-}
-
-QString RCon::takeText()
-{
-    return std::exchange(m_outcome.text, QString());
 }
 
 QString RCon::resultStr(RConResult result)
