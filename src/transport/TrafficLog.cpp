@@ -2,14 +2,14 @@
 
 #include "LineWriter.h"
 
-#include <QDateTime>
 #include <QRegularExpression>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
+#include <array>
+#include <ctime>
 
 namespace
 {
@@ -33,15 +33,13 @@ int openLogFile()
 
 QString now()
 {
-    const QDateTime time = QDateTime::currentDateTime();
-    const int offsetMinutes = time.offsetFromUtc() / 60;
-    const int distance = std::abs(offsetMinutes);
-    const QChar sign(offsetMinutes < 0 ? u'-' : u'+');
-    const QString zone = QStringLiteral("%1%2%3")
-                             .arg(sign)
-                             .arg(distance / 60, 2, 10, QChar(u'0'))
-                             .arg(distance % 60, 2, 10, QChar(u'0'));
-    return time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss ")) + zone;
+    const std::time_t time = std::time(nullptr);
+    std::tm local{};
+    ::tzset();
+    ::localtime_r(&time, &local);
+    std::array<char, 64> text{};
+    static_cast<void>(std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S %z", &local));
+    return QString::fromLatin1(text.data());
 }
 
 /// A command that sets a password, with stars for the password and what follows it.
@@ -65,39 +63,35 @@ TrafficLog::TrafficLog(const QString &host, int port, Kind kind) : m_host(host),
         static_cast<void>(::close(descriptor));
 }
 
+void TrafficLog::write(const char *verb, unsigned attempt, const QString &what)
+{
+    if (m_file.isOpen())
+        writeFormat(&m_file, QStringLiteral("%1 (%2:%3) %4(%5): %6\n"), now(), m_host, QString::number(m_port),
+                    QLatin1String(verb), QString::number(attempt), what);
+}
+
 void TrafficLog::writeSend(unsigned attempt, const QString &command)
 {
-    if (!file())
-        return;
-    const QString verb = m_kind == Kind::Send ? QStringLiteral("Send") : QStringLiteral("SendSingle");
-    writeFormat(file(), QStringLiteral("%1 (%2:%3) %4(%5): %6\n"), now(), m_host, m_port, verb, attempt,
-                withoutPassword(command));
+    write(m_kind == Kind::Send ? "Send" : "SendSingle", attempt, withoutPassword(command));
 }
 
 void TrafficLog::writeResult(unsigned attempt, const QString &resultText, quint32 packets)
 {
-    if (!file())
-        return;
     QString tail;
     if (m_kind == Kind::Send)
         tail = QStringLiteral(" numPackets=%1").arg(packets);
     else if (attempt == 1)
         tail = QStringLiteral("@"); // part of the format that readers of these logs know
-    writeFormat(file(), QStringLiteral("%1 (%2:%3)  Res(%4): %5%6\n"), now(), m_host, m_port, attempt, resultText,
-                tail);
+    write(" Res", attempt, resultText + tail);
 }
 
 void TrafficLog::writeKnownEnd(unsigned attempt)
 {
-    if (file())
-        writeFormat(file(), QStringLiteral("%1 (%2:%3)  End(%4): known\n"), now(), m_host, m_port, attempt);
+    write(" End", attempt, QStringLiteral("known"));
 }
 
 void TrafficLog::writeLate(unsigned attempt, qsizetype bytes, bool isKnown)
 {
-    if (!file())
-        return;
-    const QString what = isKnown ? QStringLiteral("seen before") : QStringLiteral("new");
-    writeFormat(file(), QStringLiteral("%1 (%2:%3)  Late(%4): %5 bytes, %6\n"), now(), m_host, m_port, attempt, bytes,
-                what);
+    const QString what = isKnown ? QStringLiteral("%1 bytes, seen before") : QStringLiteral("%1 bytes, new");
+    write(" Late", attempt, what.arg(bytes));
 }
