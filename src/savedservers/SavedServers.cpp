@@ -9,16 +9,11 @@
 static constexpr qint64 largestFile = 2 << 20;
 static constexpr qsizetype longestText = 10'000;
 static constexpr QLatin1String encryptionPassword("VendRulpGam");
-static const QString hostKey = QStringLiteral("host");
-static const QString portKey = QStringLiteral("port");
-static const QString passwordKey = QStringLiteral("password");
-static const QString stringKind = QStringLiteral("string");
-static const QString dataKind = QStringLiteral("data");
-
-static bool isEntry(const QVariant &value)
-{
-    return value.typeId() == QMetaType::QVariantMap;
-}
+static constexpr QLatin1String hostKey("host");
+static constexpr QLatin1String portKey("port");
+static constexpr QLatin1String passwordKey("password");
+static constexpr QLatin1String stringKind("string");
+static constexpr QLatin1String dataKind("data");
 
 /// A port that was written by hand may be a number.
 static QString textOf(const QVariant &value)
@@ -69,7 +64,7 @@ bool SavedServers::takeContent(const QByteArray &content)
 
 bool SavedServers::contains(const QString &label) const
 {
-    return isEntry(m_document.value(label));
+    return m_document.value(label).typeId() == QMetaType::QVariantMap;
 }
 
 QList<SavedServer> SavedServers::servers() const

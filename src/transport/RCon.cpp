@@ -32,11 +32,6 @@ constexpr std::array<const char *, 6> resultTexts{
     QT_TRANSLATE_NOOP("RCon", "RConResultError"),
 };
 
-RConResult textOf(QByteArrayView datagram, QString *text)
-{
-    return DatagramPacket::getString(text, datagram.data(), static_cast<std::size_t>(datagram.size()));
-}
-
 } // namespace
 
 RCon::RCon(Task task, TrafficLog &log) : m_task(std::move(task)), m_log(log) {}
@@ -93,7 +88,7 @@ RCon::Step RCon::received(QByteArrayView datagram, const Endpoint &from, TimePoi
     if (!m_outcome.firstAnswerAfter)
         m_outcome.firstAnswerAfter = now - m_firstSend;
     QString text;
-    const RConResult result = textOf(datagram, &text);
+    const RConResult result = DatagramPacket::getString(&text, datagram);
     if (result != RConResultSuccess)
         return finish(result);
     // A server that never falls silent must not fill the memory.
@@ -135,7 +130,7 @@ RCon::Step RCon::finish(RConResult result)
 QString RCon::takeLate(QByteArrayView datagram, const Endpoint &from)
 {
     QString text;
-    if (from.address != m_task.server.address || textOf(datagram, &text) != RConResultSuccess)
+    if (from.address != m_task.server.address || DatagramPacket::getString(&text, datagram) != RConResultSuccess)
         return {};
     const bool isKnown = m_seen.contains(qHash(datagram));
     noteSeen(datagram);
@@ -146,9 +141,7 @@ QString RCon::takeLate(QByteArrayView datagram, const Endpoint &from)
 void RCon::noteStranger(QByteArrayView datagram, const Endpoint &from)
 {
     ++m_outcome.strangers;
-    const RConResult validity =
-        DatagramPacket::validateDataPacket(datagram.data(), static_cast<std::size_t>(datagram.size()));
-    if (validity != RConResultInvalidPacket)
+    if (DatagramPacket::validateDataPacket(datagram) != RConResultInvalidPacket)
         m_outcome.plausibleStranger = from;
 }
 

@@ -2,34 +2,14 @@
 
 #include "LineWriter.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <array>
 #include <ctime>
 
 namespace
 {
-
-/// The descriptor of the log file, -1 when nothing is to be logged.
-int openLogFile()
-{
-    if (qgetenv("FerrowRconLog") != "1")
-        return -1;
-    // Not waiting keeps a pipe of that name from holding the exchange; asking the open file leaves no gap to swap it
-    // in.
-    const int descriptor = ::open("log.txt", O_WRONLY | O_APPEND | O_NONBLOCK | O_CLOEXEC);
-    struct stat status {
-    };
-    if (descriptor >= 0 && (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))) {
-        static_cast<void>(::close(descriptor));
-        return -1;
-    }
-    return descriptor;
-}
 
 QString now()
 {
@@ -54,13 +34,13 @@ QString withoutPassword(const QString &command)
 
 } // namespace
 
-TrafficLog::TrafficLog(const QString &host, int port, Kind kind) : m_host(host), m_port(port), m_kind(kind)
+TrafficLog::TrafficLog(const QString &host, int port, Kind kind)
+    : m_host(host), m_port(port), m_kind(kind), m_file(QStringLiteral("log.txt"))
 {
-    const int descriptor = openLogFile();
-    // Unbuffered, so that each line is one write at the end of the file.
-    const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered;
-    if (descriptor >= 0 && !m_file.open(descriptor, mode, QFileDevice::AutoCloseHandle))
-        static_cast<void>(::close(descriptor));
+    // Unbuffered, so that each line is one write at the end of the file. A pipe would hold the exchange.
+    if (qgetenv("FerrowRconLog") == "1" && QFileInfo(m_file).isFile())
+        static_cast<void>(
+            m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::ExistingOnly | QIODevice::Unbuffered));
 }
 
 void TrafficLog::write(const char *verb, unsigned attempt, const QString &what)

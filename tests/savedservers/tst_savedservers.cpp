@@ -1,4 +1,3 @@
-#include "FileSizeLimit.h"
 #include "PasswordEncryption.h"
 #include "SavedServers.h"
 
@@ -285,26 +284,6 @@ private slots:
         QCOMPARE(list.setPassword("mine", "q").keptCopy, QString());
         QCOMPARE(list.load().error, QString());
         QCOMPARE(rowsOf(list), QStringList("mine|h|1|q"));
-    }
-
-    void fullDiskLeavesTheFileAndIsTold()
-    {
-        SavedServers list(m_path, "alice");
-        QCOMPARE(list.load().error, QString());
-        put("foreign");
-        {
-            const FileSizeLimit full(64);
-            for (const char *label : {"a", "b"}) {
-                const QString error = list.save({label, "h", "1", "p"}).error;
-                QVERIFY2(error.contains(m_path), qPrintable(error));
-            }
-        }
-        QCOMPARE(contentOf(m_path), QByteArray("foreign"));
-        QCOMPARE(asides().size(), 1); // the second try needs no second copy
-        // The obstacle gone, the next change brings the earlier ones with it.
-        QCOMPARE(list.save({"c", "h", "1", "p"}).error, QString());
-        QCOMPARE(list.load().error, QString());
-        QCOMPARE(rowsOf(list), QStringList({"a|h|1|p", "b|h|1|p", "c|h|1|p"}));
     }
 
     void findsWhatATextMeans_data()

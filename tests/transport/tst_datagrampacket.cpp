@@ -69,11 +69,10 @@ private slots:
     {
         QFETCH(QByteArray, datagram);
         QFETCH(unsigned, result);
-        const auto length = size_t(datagram.size());
         QString text = before;
-        QCOMPARE(unsigned(DatagramPacket::getString(&text, datagram.constData(), length)), result);
+        QCOMPARE(unsigned(DatagramPacket::getString(&text, datagram)), result);
         QTEST(text, "text");
-        QCOMPARE(unsigned(DatagramPacket::getString(nullptr, datagram.constData(), length)), result);
+        QCOMPARE(unsigned(DatagramPacket::getString(nullptr, datagram)), result);
     }
 
     void hosts()
