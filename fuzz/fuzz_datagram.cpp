@@ -6,9 +6,9 @@
 
 static void checkPayloadLengths(const QByteArray &packet)
 {
-    const auto length = static_cast<std::size_t>(packet.size());
-    for (std::size_t start = 0; start <= length + 1; ++start) {
-        const std::size_t payload = DatagramPacket::getDataPacketPayloadLength(packet.constData(), length, start);
+    const qsizetype length = packet.size();
+    for (qsizetype start = 0; start <= length + 1; ++start) {
+        const qsizetype payload = DatagramPacket::getDataPacketPayloadLength(packet, start);
         require(payload <= length - std::min(start, length), "a payload ends within its datagram");
     }
 }
@@ -20,19 +20,18 @@ static void checkPlainText(const QString &text)
         return;
     const QByteArray packet = QByteArray("\xff\xff\xff\xff\x01print\n", 11) + text.toLatin1();
     QString again;
-    const RConResult result =
-        DatagramPacket::getString(&again, packet.constData(), static_cast<std::size_t>(packet.size()));
+    const RConResult result = DatagramPacket::getString(&again, packet);
     require(result == RConResultInvalidPassword || again == text, "a plain text arrives unchanged");
 }
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QByteArray packet = fuzzedBytes(data, size);
-    const RConResult validity = DatagramPacket::validateDataPacket(packet.constData(), size);
+    const RConResult validity = DatagramPacket::validateDataPacket(packet);
     const QString before = QStringLiteral("before");
     QString text = before;
-    const RConResult result = DatagramPacket::getString(&text, packet.constData(), size);
-    require(DatagramPacket::getString(nullptr, packet.constData(), size) == result, "the text is optional");
+    const RConResult result = DatagramPacket::getString(&text, packet);
+    require(DatagramPacket::getString(nullptr, packet) == result, "the text is optional");
     require(result == validity || (validity == RConResultSuccess && result == RConResultInvalidPassword),
             "the frame decides, and then a refusal");
     if (validity == RConResultSuccess && result == RConResultInvalidPassword)

@@ -1,11 +1,11 @@
 #include "AppDelegate.h"
 
 #include "Appearance.h"
+#include "AtomicFile.h"
 #include "DemoServer.h"
 #include "FormMainView.h"
 #include "IconKeepingStyle.h"
 #include "PasswordEncryption.h"
-#include "PrivateFolder.h"
 #include "ResourceFolder.h"
 
 #include <QApplication>
@@ -73,7 +73,7 @@ QString AppDelegate::applicationSupportDirectory()
         const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
         const QString folder = base + QStringLiteral("/Kelvard Ferrow Remote Console");
         // A folder that cannot be made shows when something is written into it.
-        static_cast<void>(makePrivateFolder(folder));
+        static_cast<void>(AtomicFile::makePrivateFolder(folder));
         return folder;
     }();
     return path;

@@ -1,12 +1,11 @@
 #include "ProcessPrivacy.h"
 
-#include "Secrets.h"
-
 #include <sys/resource.h>
 #ifdef Q_OS_LINUX
 #include <sys/prctl.h>
 #endif
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -16,7 +15,8 @@ QString ProcessPrivacy::takeFromEnvironment(const char *name)
     if (value == nullptr)
         return {};
     QString text = QString::fromLocal8Bit(value);
-    wipe(std::span<char>(value, std::strlen(value)));
+    // Where the system shows the start of the process, removing the variable would leave its value.
+    std::fill_n(static_cast<volatile char *>(value), std::strlen(value), '\0');
     qunsetenv(name);
     return text;
 }

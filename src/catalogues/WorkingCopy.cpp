@@ -1,7 +1,6 @@
 #include "WorkingCopy.h"
 
 #include "AtomicFile.h"
-#include "PrivateFolder.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -69,7 +68,7 @@ WorkingCopy::Result WorkingCopy::refreshAndRead() const
 
     QString reason;
     if (isShipped && isOutdated()) {
-        const bool isFolderThere = makePrivateFolder(QFileInfo(m_path).path());
+        const bool isFolderThere = AtomicFile::makePrivateFolder(QFileInfo(m_path).path());
         const bool isCopied = isFolderThere && AtomicFile::copy(m_defaultPath, m_path, &reason);
         if (!isFolderThere)
             reason = tr("The folder cannot be made.");

@@ -1,6 +1,6 @@
 #include "ConfigurationFile.h"
 
-#include "BoundedFile.h"
+#include "GuardedFile.h"
 #include "QuotedStrings.h"
 
 #include <QSet>
@@ -56,7 +56,7 @@ std::optional<QString> ConfigurationFile::decoded(const QByteArray &bytes)
 ConfigurationFile::Content ConfigurationFile::read(const QString &path)
 {
     QString error;
-    const std::optional<QByteArray> bytes = BoundedFile::read(path, largestSize, &error);
+    const std::optional<QByteArray> bytes = GuardedFile::readBounded(path, largestSize, &error);
     if (!bytes)
         return {std::nullopt, error};
     std::optional<QString> text = decoded(*bytes);

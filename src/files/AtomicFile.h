@@ -2,12 +2,8 @@
 
 #include <QByteArray>
 #include <QCoreApplication>
-#include <QDateTime>
 #include <QFileDevice>
 #include <QString>
-
-class QFile;
-class QFileInfo;
 
 /// Files that are replaced as a whole: whoever looks finds the old content or the new one, never a part, and a failure
 /// leaves the old one in place. Until it is whole, the new one is called "NAME.xxxxxx.ferrow-part", with six small
@@ -36,9 +32,8 @@ public:
     /// than a minute. Younger ones may be another program's, which is still at it.
     static void removeUnfinished(const QString &path);
 
-private:
-    static bool open(QFile &file, QFileDevice::Permissions permissions, const QFileInfo &former, QString *error);
-    static bool fill(QFile &file, const QByteArray &content, const QDateTime &modified, QString *error);
-    static bool replace(const QString &path, const QByteArray &content, const QDateTime &modified,
-                        QFileDevice::Permissions permissions, QString *error);
+    /// Makes the folder `path` and what is missing above it. The folder is for its owner only from the first moment,
+    /// and becomes so where it was there with wider rights.
+    /// @return whether there is such a folder now.
+    [[nodiscard]] static bool makePrivateFolder(const QString &path);
 };

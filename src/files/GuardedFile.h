@@ -21,6 +21,11 @@ public:
         bool isSuccess() const { return error.isEmpty(); }
     };
 
+    /// What any file at `path` holds; nothing when that is more than `largestSize` bytes, or cannot be read. May block
+    /// for as long as the disk does. Any thread.
+    /// @param error  the reason in the user's language; may be null.
+    static std::optional<QByteArray> readBounded(const QString &path, qint64 largestSize, QString *error = nullptr);
+
     /// @param largestSize  in bytes; a larger file counts as damaged.
     GuardedFile(QString path, qint64 largestSize);
 

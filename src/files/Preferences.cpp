@@ -1,8 +1,8 @@
 #include "Preferences.h"
 
 #include "AtomicFile.h"
-#include "PrivateFolder.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -15,28 +15,17 @@ static QString usersOwnFile()
     return folder + QStringLiteral("/Kelvard Ferrow Remote Console/ferrow-rcon.ini");
 }
 
-/// A pipe would wait for its writer, a device would be replaced by a file.
-static QString orNothing(const QString &path)
-{
-    const QFileInfo file(path);
-    return file.exists() && !file.isFile() ? QString() : path;
-}
-
-/// Before anything is in it: QSettings keeps the rights of a file that is there.
+/// Before anything is in it: QSettings keeps the rights of a file that is there. What cannot be made here cannot be
+/// written by QSettings either.
 static void makePrivate(const QString &path)
 {
-    const QString folder = QFileInfo(path).path();
     QFile file(path);
-    if (path.isEmpty() || ((path == usersOwnFile() || !QFileInfo::exists(folder)) && !makePrivateFolder(folder)))
-        return; // then it cannot be written either
-    if (file.exists())
+    if (QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::Append))
         static_cast<void>(file.setPermissions(AtomicFile::ownerOnly));
-    else
-        static_cast<void>(file.open(QIODevice::NewOnly | QIODevice::WriteOnly, AtomicFile::ownerOnly));
 }
 
 Preferences::Preferences(const QString &fileName)
-    : m_settings(orNothing(fileName.isEmpty() ? usersOwnFile() : fileName), QSettings::IniFormat)
+    : m_settings(fileName.isEmpty() ? usersOwnFile() : fileName, QSettings::IniFormat)
 {
 }
 

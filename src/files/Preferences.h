@@ -9,7 +9,6 @@ class Preferences
 {
 public:
     /// Keeps the settings in `fileName`, or in the user's own place when it is empty; its owner alone can read them.
-    /// With something there that is no file they are kept for this run only.
     explicit Preferences(const QString &fileName = {});
 
     /// A registered default applies only where the user has set nothing, and is never written.

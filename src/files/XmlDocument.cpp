@@ -1,8 +1,6 @@
 #include "XmlDocument.h"
 
-#include "BoundedFile.h"
-
-#include <algorithm>
+#include "GuardedFile.h"
 
 static void report(QString *error, const QString &reason)
 {
@@ -12,37 +10,29 @@ static void report(QString *error, const QString &reason)
 
 namespace
 {
-struct Shape {
-    int depth = 0;
+/// Stops where the elements are nested too deep. pugixml walks without recursion.
+struct Shape : pugi::xml_tree_walker {
+    bool for_each(pugi::xml_node &node) override
+    {
+        isTooDeep = depth() >= XmlDocument::MaximumDepth;
+        elementCount += node.type() == pugi::node_element ? 1 : 0;
+        return !isTooDeep;
+    }
+
+    bool isTooDeep = false;
     int elementCount = 0;
 };
-} // namespace
 
-/// Walks without recursion, as the depth is what is in question, and no deeper than it must.
-static Shape shapeOf(pugi::xml_node root)
+class ByteArrayWriter final : public pugi::xml_writer
 {
-    Shape shape;
-    int depth = 0;
-    pugi::xml_node node = root;
-    while (true) {
-        if (node.type() == pugi::node_element)
-            ++shape.elementCount;
-        if (node.first_child()) {
-            shape.depth = std::max(shape.depth, ++depth);
-            if (depth > XmlDocument::MaximumDepth)
-                return shape;
-            node = node.first_child();
-            continue;
-        }
-        while (node != root && !node.next_sibling()) {
-            node = node.parent();
-            --depth;
-        }
-        if (node == root)
-            return shape;
-        node = node.next_sibling();
+public:
+    void write(const void *data, std::size_t size) override
+    {
+        bytes.append(static_cast<const char *>(data), static_cast<qsizetype>(size));
     }
-}
+    QByteArray bytes;
+};
+} // namespace
 
 static void appendUtf8(const char *utf8, QString &text)
 {
@@ -65,7 +55,7 @@ XmlDocument::XmlDocument() : m_document(std::make_unique<pugi::xml_document>()) 
 
 std::optional<XmlDocument> XmlDocument::read(const QString &path, QString *error, const XmlReading &reading)
 {
-    const std::optional<QByteArray> bytes = BoundedFile::read(path, reading.maximumSize, error);
+    const std::optional<QByteArray> bytes = GuardedFile::readBounded(path, reading.maximumSize, error);
     return bytes ? parse(*bytes, error, reading) : std::nullopt;
 }
 
@@ -86,8 +76,9 @@ std::optional<XmlDocument> XmlDocument::parse(const QByteArray &bytes, QString *
         report(error, tr("Line %1: %2.").arg(line).arg(reason));
         return std::nullopt;
     }
-    const Shape shape = shapeOf(*document.m_document);
-    if (shape.depth > MaximumDepth) {
+    Shape shape;
+    static_cast<void>(document.m_document->traverse(shape));
+    if (shape.isTooDeep) {
         report(error, tr("Its elements are nested more than %1 deep.").arg(MaximumDepth));
         return std::nullopt;
     }
@@ -133,4 +124,18 @@ QString xmlChildText(pugi::xml_node element, const char *name)
     for (const pugi::xml_node child : element.children(name))
         last = child;
     return last ? xmlText(last) : QString();
+}
+
+void appendTextElement(pugi::xml_node parent, const char *name, const QString &text)
+{
+    parent.append_child(name).append_child(pugi::node_pcdata).set_value(text.toUtf8().constData());
+}
+
+QByteArray documentBytes(const pugi::xml_document &document, XmlLayout layout)
+{
+    ByteArrayWriter writer;
+    const unsigned int flags = layout == XmlLayout::Indented ? pugi::format_indent : pugi::format_raw;
+    document.save(writer, "\t", flags | pugi::format_no_declaration, pugi::encoding_utf8);
+    // Readers take a plain carriage return for a line feed.
+    return writer.bytes.replace("\r", "&#13;");
 }

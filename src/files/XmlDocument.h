@@ -48,3 +48,12 @@ std::vector<pugi::xml_node> xmlElements(pugi::xml_node node, const char *query);
 QString xmlText(pugi::xml_node element);
 /// The text of the last direct child with that name; null when there is none, empty when it holds nothing.
 QString xmlChildText(pugi::xml_node element, const char *name);
+/// Adds a child that holds `text`.
+void appendTextElement(pugi::xml_node parent, const char *name, const QString &text);
+
+enum class XmlLayout {
+    Compact, ///< no declaration, no blanks between elements
+    Indented ///< each element on its line, behind tabs
+};
+/// The document as UTF-8.
+QByteArray documentBytes(const pugi::xml_document &document, XmlLayout layout = XmlLayout::Compact);

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "Alerts.h"
+#include "GuardedFile.h"
 #include "Preferences.h"
 #include "RSRTVArrayController.h"
 #include "RotationDocument.h"
-#include "RotationFile.h"
 #include "RotationStore.h"
 #include "SortedKeys.h"
 
@@ -100,7 +100,7 @@ public:
         Dictionary changed = dictionary();
         changed.remove(name);
         m_rotations = changed;
-        const RotationFile::Outcome outcome = writeFile();
+        const GuardedFile::Outcome outcome = writeFile();
         openRotationNamed(currentRotation());
         co_await tell(outcome);
     }
@@ -108,7 +108,7 @@ public:
     /// Writes all rotations into the file, or removes it when there are none. @return whether that succeeded.
     QCoro::Task<bool> saveMessageRotation()
     {
-        const RotationFile::Outcome outcome = writeFile();
+        const GuardedFile::Outcome outcome = writeFile();
         co_await tell(outcome);
         co_return outcome.isSuccess();
     }
@@ -119,7 +119,7 @@ public:
         rotation.name = name;
         rotation.rotationList = copiesOf(entries());
         store(rotation);
-        const RotationFile::Outcome outcome = writeFile();
+        const GuardedFile::Outcome outcome = writeFile();
         setCurrentRotation(name);
         takeTableAsSaved();
         co_await tell(outcome);
@@ -176,8 +176,8 @@ protected:
     RotationStoreOf(Preferences &preferences, Alerts &alerts, const QString &folder, Columns columns,
                     std::optional<Dictionary> rotations, QObject *parent)
         : RotationStore(parent), m_preferences(preferences), m_alerts(alerts),
-          m_file(QDir(folder).filePath(QLatin1String(Kind::fileName))), m_rotations(std::move(rotations)),
-          m_keptRotations(m_rotations), m_table(std::move(columns))
+          m_file(QDir(folder).filePath(QLatin1String(Kind::fileName)), rotationReading.maximumSize),
+          m_rotations(std::move(rotations)), m_keptRotations(m_rotations), m_table(std::move(columns))
     {
         connect(&m_table, &QAbstractItemModel::rowsRemoved, this, [this] { noteChange(); });
         connect(&m_table, &QAbstractItemModel::dataChanged, this, [this] { noteChange(); });
@@ -196,8 +196,11 @@ protected:
         if (!m_file.exists())
             co_return;
         QString error;
-        const std::optional<XmlDocument> document = m_file.readDocument(&error);
+        std::optional<XmlDocument> document;
+        if (const std::optional<QByteArray> bytes = m_file.read(&error))
+            document = XmlDocument::parse(*bytes, &error, rotationReading);
         if (!document) {
+            m_file.markDamaged();
             const QString text =
                 RotationStore::tr(
                     "\"%1\" could not be read: %2\n\nThe file stays as it is, and is kept as a copy when you save.")
@@ -265,9 +268,9 @@ private:
         emit unsavedWorkTouched();
     }
 
-    RotationFile::Outcome writeFile()
+    GuardedFile::Outcome writeFile()
     {
-        RotationFile::Outcome outcome;
+        GuardedFile::Outcome outcome;
         if (dictionary().isEmpty()) {
             outcome = m_file.remove();
         } else {
@@ -283,7 +286,7 @@ private:
         return outcome;
     }
 
-    QCoro::Task<> tell(RotationFile::Outcome outcome)
+    QCoro::Task<> tell(GuardedFile::Outcome outcome)
     {
         QString text;
         if (!outcome.isSuccess()) {
@@ -335,7 +338,7 @@ private:
 
     Preferences &m_preferences;
     Alerts &m_alerts;
-    RotationFile m_file;
+    GuardedFile m_file;
     std::optional<Dictionary> m_rotations;
     std::optional<Dictionary> m_keptRotations; ///< without what could not be written
     QString m_version;

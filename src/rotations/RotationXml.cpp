@@ -1,18 +1,5 @@
 #include "RotationXml.h"
 
-namespace
-{
-class ByteArrayWriter final : public pugi::xml_writer
-{
-public:
-    void write(const void *data, std::size_t size) override
-    {
-        bytes.append(static_cast<const char *>(data), static_cast<qsizetype>(size));
-    }
-    QByteArray bytes;
-};
-} // namespace
-
 /// @return whether the character at `place` may stand there; a surrogate only beside its other half.
 static bool isStorableAt(const QString &text, qsizetype place)
 {
@@ -47,17 +34,4 @@ QString rotationText(pugi::xml_node element, const char *name)
             kept += text.at(place);
     }
     return kept;
-}
-
-void appendTextElement(pugi::xml_node parent, const char *name, const QString &text)
-{
-    parent.append_child(name).append_child(pugi::node_pcdata).set_value(text.toUtf8().constData());
-}
-
-QByteArray documentBytes(const pugi::xml_document &document)
-{
-    ByteArrayWriter writer;
-    document.save(writer, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
-    // Readers take a plain carriage return for a line feed.
-    return writer.bytes.replace("\r", "&#13;");
 }

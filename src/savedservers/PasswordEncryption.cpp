@@ -1,7 +1,5 @@
 #include "PasswordEncryption.h"
 
-#include "Secrets.h"
-
 #include <openssl/evp.h>
 
 #include <QStringDecoder>
@@ -20,11 +18,6 @@ struct CipherContextDeleter {
 };
 using CipherContext = std::unique_ptr<EVP_CIPHER_CTX, CipherContextDeleter>;
 
-static void wipe(Aes256Key &key)
-{
-    wipe(std::span(reinterpret_cast<char *>(key.data()), key.size()));
-}
-
 static const unsigned char *octets(const QByteArray &bytes)
 {
     return reinterpret_cast<const unsigned char *>(bytes.constData());
@@ -32,13 +25,10 @@ static const unsigned char *octets(const QByteArray &bytes)
 
 std::optional<Aes256Key> keyFromPassword(const QString &password, const QString &salt)
 {
-    QString text = QStringLiteral("MintLeaf|%1|%2").arg(password, salt);
-    QByteArray bytes = text.toUtf8();
+    const QByteArray bytes = QStringLiteral("MintLeaf|%1|%2").arg(password, salt).toUtf8();
     Aes256Key key{};
     const int done =
         EVP_Digest(bytes.constData(), static_cast<size_t>(bytes.size()), key.data(), nullptr, EVP_sha256(), nullptr);
-    wipe(bytes);
-    wipe(text);
     if (done != 1)
         return std::nullopt;
     return key;
@@ -62,10 +52,8 @@ static std::optional<QByteArray> crypt(const QByteArray &data, const Aes256Key &
                           static_cast<int>(direction)) == 1 &&
         EVP_CipherUpdate(context.get(), out, &length, octets(data), static_cast<int>(data.size())) == 1 &&
         EVP_CipherFinal_ex(context.get(), out + length, &lastLength) == 1;
-    if (!isDone) {
-        wipe(result);
+    if (!isDone)
         return std::nullopt;
-    }
     result.truncate(length + lastLength);
     return result;
 }
@@ -82,34 +70,22 @@ std::optional<QByteArray> aes256Decrypt(const QByteArray &data, const Aes256Key 
 
 std::optional<QByteArray> AES256EncryptWithPassword(const QString &text, const QString &password, const QString &salt)
 {
-    std::optional<Aes256Key> key = keyFromPassword(password, salt);
-    if (!key)
-        return std::nullopt;
-    QByteArray bytes = text.toUtf8();
-    std::optional<QByteArray> result = aes256Encrypt(bytes, *key);
-    wipe(*key);
-    wipe(bytes);
-    return result;
+    const std::optional<Aes256Key> key = keyFromPassword(password, salt);
+    return key ? aes256Encrypt(text.toUtf8(), *key) : std::nullopt;
 }
 
 std::optional<QString> AES256DecryptWithPassword(const QByteArray &data, const QString &password, const QString &salt)
 {
-    std::optional<Aes256Key> key = keyFromPassword(password, salt);
-    if (!key)
-        return std::nullopt;
-    std::optional<QByteArray> bytes = aes256Decrypt(data, *key);
-    wipe(*key);
+    const std::optional<Aes256Key> key = keyFromPassword(password, salt);
+    const std::optional<QByteArray> bytes = key ? aes256Decrypt(data, *key) : std::nullopt;
     if (!bytes)
         return std::nullopt;
     // Stateless: a character that breaks off at the end is an error. ConvertInitialBom: a mark at the start is text.
     QStringDecoder decoder(QStringDecoder::Utf8,
                            QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-    QString text = decoder.decode(*bytes);
-    wipe(*bytes);
-    if (decoder.hasError()) {
-        wipe(text);
+    const QString text = decoder.decode(*bytes);
+    if (decoder.hasError())
         return std::nullopt;
-    }
     return text;
 }
 

@@ -11,14 +11,13 @@
 /// other accounts; it is no protection against somebody who has this program. Any thread.
 using Aes256Key = std::array<unsigned char, 32>;
 
-/// The SHA-256 digest of "MintLeaf|password|salt" in UTF-8, which the caller wipes after use; nothing if there is no
-/// memory for it.
+/// The SHA-256 digest of "MintLeaf|password|salt" in UTF-8; nothing if there is no memory for it.
 std::optional<Aes256Key> keyFromPassword(const QString &password, const QString &salt);
 
 /// @return one to sixteen bytes more than `data`, a multiple of sixteen; nothing if `data` is too long for one call.
 std::optional<QByteArray> aes256Encrypt(const QByteArray &data, const Aes256Key &key);
 
-/// @return the bytes, which the caller wipes if they are a secret; nothing if the length or the padding is wrong.
+/// @return the bytes; nothing if the length or the padding is wrong.
 std::optional<QByteArray> aes256Decrypt(const QByteArray &data, const Aes256Key &key);
 
 /// Encrypts the UTF-8 form of `text`.

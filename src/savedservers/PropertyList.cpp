@@ -1,151 +1,187 @@
 #include "PropertyList.h"
 
-#include <QSet>
-#include <QStringDecoder>
-#include <QXmlStreamReader>
+#include "XmlDocument.h"
 
-#include <plist/plist.h>
+#include <QDateTime>
+#include <QRegularExpression>
+#include <QStringDecoder>
 
 #include <algorithm>
-#include <cstdlib>
-#include <optional>
+#include <bit>
+#include <cmath>
 
-// What reading a property list may cost. libplist follows nesting by recursion until the stack ends, and copies a value
-// for every reference to it, so both are measured before it sees a file. It writes in the square of the number of
-// values.
-static constexpr int deepestLevel = 32;
-static constexpr quint64 largestCost = 16 << 20;
-static constexpr quint64 nodeCost = 256;
-static constexpr quint64 mostXmlElements = 1 << 16;
-static constexpr quint64 mostQuotes = 4096;
-static constexpr quint64 mostBytesMoved = 1 << 28;
+/// Dictionaries and arrays within one another. As XML each is a level, below the root element; a text takes two more.
+static constexpr int deepestLevel = XmlDocument::MaximumDepth - 4;
 
 namespace
 {
 
-/// Walks the objects of a binary property list as they will be read.
-class BinaryPlistWalk
+/// What is damaged makes values without a meaning, which whole() does not let out.
+class Reader
+{
+protected:
+    void require(bool isSound) { m_isSound = m_isSound && isSound; }
+    QVariant whole(const QVariant &value) const { return m_isSound ? value : QVariant(); }
+
+    void put(const QVariant &key, QLatin1String kindOfKeys, const QVariant &value, QVariantMap *dictionary)
+    {
+        const auto text = key.value<PropertyText>();
+        // Of a key that stands there twice one program would read the first value, and another one the last.
+        require(text.kind == kindOfKeys && !dictionary->contains(text.text));
+        dictionary->insert(text.text, value);
+    }
+
+    bool m_isSound = true;
+};
+
+/// Builds the values of a binary property list.
+class BinaryReader : private Reader
 {
 public:
-    explicit BinaryPlistWalk(const QByteArray &data) : m_data(data) {}
+    explicit BinaryReader(QByteArrayView bytes) : m_bytes(bytes) {}
 
-    bool isHarmless()
+    QVariant root()
     {
         constexpr quint64 trailerSize = 32;
-        const quint64 trailer = size() - trailerSize;
-        if (size() < trailerSize + 8)
-            return false;
+        const quint64 trailer = size() - std::min(size(), trailerSize);
         m_offsetSize = number(trailer + 6, 1);
         m_referenceSize = number(trailer + 7, 1);
         m_objectCount = number(trailer + 8, 8);
         m_offsetTable = number(trailer + 24, 8);
-        const bool isSound = m_offsetSize >= 1 && m_offsetSize <= 8 && m_referenceSize >= 1 && m_referenceSize <= 8 &&
-                             m_offsetTable < trailer && m_objectCount <= (trailer - m_offsetTable) / m_offsetSize;
-        return isSound && walk(number(trailer + 16, 8), deepestLevel);
+        require(m_objectCount <= trailer && m_offsetTable <= trailer);
+        const QVariant value = valueAt(number(trailer + 16, 8), deepestLevel);
+        return whole(value);
     }
 
 private:
-    struct Object {
-        enum Kind : quint64 { Ascii = 5, Utf16 = 6, Uid = 8, Array = 0xa, Set = 0xc, Dictionary = 0xd };
+    quint64 size() const { return static_cast<quint64>(m_bytes.size()); }
 
-        quint64 kind;
-        quint64 position; ///< of its content
-        quint64 count;
+    QByteArrayView bytesAt(quint64 position, quint64 count)
+    {
+        require(position <= size() && count <= size() - position);
+        return m_isSound ? m_bytes.sliced(static_cast<qsizetype>(position), static_cast<qsizetype>(count))
+                         : QByteArrayView();
+    }
 
-        bool isText() const { return kind == Ascii || kind == Utf16; }
-        quint64 width() const { return kind == Utf16 ? 2 : 1; }
-    };
-
-    quint64 size() const { return static_cast<quint64>(m_data.size()); }
-
-    quint64 number(quint64 position, quint64 width) const
+    quint64 number(quint64 position, quint64 width)
     {
         quint64 value = 0;
-        for (quint64 i = position; i < position + width && i < size(); ++i)
-            value = value << 8 | static_cast<quint8>(m_data[static_cast<qsizetype>(i)]);
+        for (const char byte : bytesAt(position, width))
+            value = value << 8 | static_cast<quint8>(byte);
         return value;
     }
 
-    bool take(quint64 bytes) { return (m_cost += bytes + nodeCost) <= largestCost; }
-
-    /// libplist ends the program over a key with a zero in it, and writes a text that is not ASCII where it should be
-    /// differently from how it has read it.
-    bool isWholeText(const Object &text) const
+    QVariant valueAt(quint64 index, int levels)
     {
-        const quint64 largest = text.width() == 1 ? 0x7f : 0xffff;
-        bool isWhole = text.position <= size() && text.count <= (size() - text.position) / text.width();
-        for (quint64 i = 0; i < text.count && isWhole; ++i) {
-            const quint64 character = number(text.position + i * text.width(), text.width());
-            isWhole = character != 0 && character <= largest;
-        }
-        return isWhole;
-    }
-
-    std::optional<Object> objectAt(quint64 index) const
-    {
-        if (index >= m_objectCount)
-            return std::nullopt;
+        constexpr quint64 largestCost = 16 << 20;
+        constexpr quint64 valueCost = 256;
+        constexpr quint64 firstCountedKind = 0x4;
+        require(index < m_objectCount);
         quint64 position = number(m_offsetTable + index * m_offsetSize, m_offsetSize);
-        if (position >= m_offsetTable)
-            return std::nullopt;
         const quint64 marker = number(position++, 1);
+        const quint64 kind = marker >> 4;
         quint64 count = marker & 0x0f;
-        if (count == 0x0f) {
-            const quint64 exponent = number(position++, 1) & 0x0f;
-            if (exponent > 3)
-                return std::nullopt;
-            count = number(position, quint64(1) << exponent);
-            position += quint64(1) << exponent;
+        if (kind >= firstCountedKind && count == 0x0f) { // it follows as an integer of its own
+            const quint64 width = quint64(1) << (number(position++, 1) & 0x0f);
+            count = number(position, width);
+            position += width;
         }
-        return Object{marker >> 4, position, count};
+        // A list may refer to a value many times, and to itself, so what it unfolds to is bounded.
+        m_cost += std::min(count, size()) + valueCost;
+        require(levels >= 0 && count <= size() && m_cost <= largestCost);
+        return m_isSound ? value(kind, position, count, levels) : QVariant();
     }
 
-    quint64 reference(const Object &object, quint64 index) const
+    QVariant value(quint64 kind, quint64 position, quint64 count, int levels)
     {
-        return number(object.position + index * m_referenceSize, m_referenceSize);
-    }
-
-    bool walk(quint64 index, int levels)
-    {
-        const std::optional<Object> object = objectAt(index);
-        if (!object || levels == 0 || object->kind == Object::Uid) // which is a dictionary once it is XML
-            return false;
-        if (object->isText() && !isWholeText(*object))
-            return false;
-        const quint64 lists = object->kind == Object::Dictionary ? 2 : 1; // the keys, then the values
-        if (lists == 1 && object->kind != Object::Array && object->kind != Object::Set)
-            return take(std::min(object->count, size()) * 3); // from UTF-16 to UTF-8
-        if (object->position > size() || object->count > (size() - object->position) / m_referenceSize / lists)
-            return false;
-        for (quint64 i = 0; i < object->count * lists; ++i) {
-            if (!walk(reference(*object, i), levels - 1))
-                return false;
+        switch (kind) {
+        case 0x0:
+            require(count == 8 || count == 9); // else it is a null, which XML does not have
+            return made(count == 9 ? "true" : "false", {});
+        case 0x1:
+            return made("integer", integer(position, quint64(1) << count));
+        case 0x2:
+            return made("real", QString::number(real(position, quint64(1) << count), 'g', 17));
+        case 0x3:
+            return made("date", date(real(position, quint64(1) << count)));
+        case 0x4:
+            return made("data", QString::fromLatin1(bytesAt(position, count).toByteArray().toBase64()));
+        case 0x5:
+            return made("string", text(bytesAt(position, count), QStringDecoder::Utf8));
+        case 0x6:
+            return made("string", text(bytesAt(position, count * 2), QStringDecoder::Utf16BE));
+        case 0xa:
+            return array(position, count, levels - 1);
+        case 0xd:
+            return dictionary(position, count, levels - 1);
+        default: // a set, or a reference within an archive
+            require(false);
+            return {};
         }
-        return (lists == 1 || hasKeysOfItsOwn(*object)) && take(0);
     }
 
-    /// Of a key that stands there twice one program would read the first value, and another one the last.
-    bool hasKeysOfItsOwn(const Object &dictionary) const
+    static QVariant made(const char *kind, const QString &text)
     {
-        QSet<QString> keys;
-        for (quint64 i = 0; i < dictionary.count; ++i) {
-            const std::optional<Object> key = objectAt(reference(dictionary, i));
-            if (!key || !key->isText())
-                return false;
-            keys.insert(textOf(*key));
-        }
-        return static_cast<quint64>(keys.size()) == dictionary.count;
+        return QVariant::fromValue(PropertyText{QLatin1String(kind), text});
     }
 
-    QString textOf(const Object &object) const
+    QString integer(quint64 position, quint64 width)
     {
-        QString text;
-        for (quint64 i = 0; i < object.count; ++i)
-            text += QChar(static_cast<char16_t>(number(object.position + i * object.width(), object.width())));
+        if (width <= 8)
+            return QString::number(static_cast<qint64>(number(position, width)));
+        require(width == 16 && number(position, 8) == 0); // the larger half of those without a sign
+        return QString::number(number(position + 8, 8));
+    }
+
+    double real(quint64 position, quint64 width)
+    {
+        require(width == 4 || width == 8);
+        const quint64 bits = number(position, width);
+        return width == 4 ? std::bit_cast<float>(static_cast<quint32>(bits)) : std::bit_cast<double>(bits);
+    }
+
+    /// @param seconds  since the start of 2001.
+    QString date(double seconds)
+    {
+        constexpr double mostSeconds = 5e10; // so that the year has four digits
+        constexpr qint64 start = 978'307'200;
+        require(std::abs(seconds) < mostSeconds); // also false where it is no number
+        const qint64 sinceEpoch = start + (m_isSound ? static_cast<qint64>(seconds) : 0);
+        return QDateTime::fromSecsSinceEpoch(sinceEpoch, Qt::UTC).toString(Qt::ISODate);
+    }
+
+    QString text(QByteArrayView bytes, QStringDecoder::Encoding encoding)
+    {
+        QStringDecoder decoder(encoding, QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+        const QString text = decoder.decode(bytes);
+        require(!decoder.hasError() && text.isValidUtf16() && !text.contains(QChar::Null));
         return text;
     }
 
-    const QByteArray &m_data;
+    QVariant item(quint64 list, quint64 place, int levels)
+    {
+        return valueAt(number(list + place * m_referenceSize, m_referenceSize), levels);
+    }
+
+    QVariantList array(quint64 position, quint64 count, int levels)
+    {
+        QVariantList items;
+        for (quint64 i = 0; i < count && m_isSound; ++i)
+            items.append(item(position, i, levels));
+        return items;
+    }
+
+    QVariantMap dictionary(quint64 position, quint64 count, int levels)
+    {
+        QVariantMap items;
+        for (quint64 i = 0; i < count && m_isSound; ++i) {
+            const QVariant key = item(position, i, levels);
+            put(key, QLatin1String("string"), item(position, count + i, levels), &items);
+        }
+        return items;
+    }
+
+    QByteArrayView m_bytes;
     quint64 m_cost = 0;
     quint64 m_offsetSize = 0;
     quint64 m_referenceSize = 0;
@@ -153,88 +189,92 @@ private:
     quint64 m_offsetTable = 0;
 };
 
+/// Builds the values of a property list in XML.
+class XmlReader : private Reader
+{
+public:
+    QVariant root(const QByteArray &data)
+    {
+        static const QRegularExpression zeroCharacter(QStringLiteral("&#x?0+;")); // would end a text before its end
+        require(data.isValidUtf8() && !data.contains('\0') && !data.contains("<!ENTITY") &&
+                !QString::fromUtf8(data).contains(zeroCharacter));
+        XmlReading reading;
+        reading.keepsBlankTexts = true;
+        const std::optional<XmlDocument> document = XmlDocument::parse(data, nullptr, reading);
+        const auto roots =
+            document ? document->elements("/*[last() = 1]/self::plist/*") : std::vector<pugi::xml_node>();
+        return m_isSound && roots.size() == 1 ? whole(valueOf(roots.front())) : QVariant();
+    }
+
+private:
+    QVariant valueOf(pugi::xml_node element)
+    {
+        const QString kind = QString::fromUtf8(element.name());
+        QVariantList items;
+        for (const pugi::xml_node child : element.children()) {
+            if (child.type() == pugi::node_element)
+                items.append(valueOf(child));
+            else // a numeric reference may have made something of it that is no text
+                require(QByteArrayView(child.value()).isValidUtf8());
+        }
+        if (kind == QLatin1String("array"))
+            return items;
+        if (kind == QLatin1String("dict"))
+            return dictionary(items);
+        require(items.isEmpty());
+        return QVariant::fromValue(PropertyText{kind, xmlText(element)});
+    }
+
+    QVariantMap dictionary(const QVariantList &keysAndValues)
+    {
+        require(keysAndValues.size() % 2 == 0);
+        QVariantMap items;
+        for (qsizetype i = 0; i < keysAndValues.size() && m_isSound; i += 2)
+            put(keysAndValues.at(i), QLatin1String("key"), keysAndValues.at(i + 1), &items);
+        return items;
+    }
+};
+
 } // namespace
 
-/// Whether reading takes a time in proportion. libplist moves the rest of a text for every reference in it, and Qt
-/// compares every attribute with all of its tag: minutes, for a file of a few megabytes made for it.
-static bool isQuickXml(const QByteArray &data)
+std::optional<PropertyList> parsedPropertyList(const QByteArray &data)
 {
-    quint64 quotes = 0;
-    quint64 references = 0;
-    quint64 textLength = 0;
-    quint64 moved = 0;
-    for (const char byte : data) {
-        ++textLength;
-        if (byte == '"' || byte == '\'')
-            ++quotes;
-        else if (byte == '&')
-            ++references;
-        if (byte != '<')
-            continue;
-        moved += references * textLength;
-        references = 0;
-        textLength = 0;
-    }
-    return quotes <= mostQuotes && moved <= mostBytesMoved;
+    const QVariant root = data.startsWith("bplist00") ? BinaryReader(data).root() : XmlReader().root(data);
+    if (root.typeId() != QMetaType::QVariantMap)
+        return std::nullopt;
+    return root.toMap();
 }
 
-/// Stricter than libplist, so that both see the same elements: well-formed UTF-8, no definitions of its own, and no
-/// attribute that could hide the end of a tag.
-static bool isHarmlessXml(const QByteArray &data)
+static void append(pugi::xml_node parent, const QVariant &value)
 {
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString text = decoder.decode(data);
-    if (decoder.hasError())
-        return false;
-    QXmlStreamReader reader(text);
-    quint64 elements = 0;
-    int level = 0;
-    while (!reader.atEnd()) {
-        reader.readNext();
-        if (reader.isDTD() && reader.text().contains(QLatin1Char('[')))
-            return false;
-        if (reader.isEndElement())
-            --level;
-        if (!reader.isStartElement())
-            continue;
-        const bool isPlain = reader.attributes().isEmpty() || (level == 0 && reader.name() == QLatin1String("plist"));
-        if (++level > deepestLevel || !isPlain || ++elements > mostXmlElements)
-            return false;
+    if (value.typeId() == QMetaType::QVariantMap) {
+        const QVariantMap items = value.toMap();
+        const pugi::xml_node element = parent.append_child("dict");
+        for (auto item = items.cbegin(); item != items.cend(); ++item) {
+            appendTextElement(element, "key", item.key());
+            append(element, item.value());
+        }
+    } else if (value.typeId() == QMetaType::QVariantList) {
+        const pugi::xml_node element = parent.append_child("array");
+        for (const QVariant &item : value.toList())
+            append(element, item);
+    } else {
+        const auto scalar = value.value<PropertyText>();
+        appendTextElement(parent, scalar.kind.toUtf8().constData(), scalar.text);
     }
-    return !reader.hasError();
 }
 
-void PropertyListDeleter::operator()(void *node) const
+QByteArray propertyListBytes(const PropertyList &list, qsizetype largestSize)
 {
-    plist_free(node);
-}
-
-PropertyList parsedPropertyList(const QByteArray &data)
-{
-    plist_t root = nullptr;
-    const auto length = static_cast<uint32_t>(data.size());
-    if (data.startsWith("bplist00")) {
-        if (BinaryPlistWalk(data).isHarmless())
-            plist_from_bin(data.constData(), length, &root);
-    } else if (isQuickXml(data) && isHarmlessXml(data)) {
-        plist_from_xml(data.constData(), length, &root);
-    }
-    PropertyList owner(root);
-    if (root != nullptr && plist_get_node_type(root) != PLIST_DICT)
-        owner.reset();
-    return owner;
-}
-
-QByteArray propertyListBytes(void *dictionary, qsizetype largestSize)
-{
-    for (const auto writer : {plist_to_xml, plist_to_bin}) {
-        char *buffer = nullptr;
-        uint32_t length = 0;
-        writer(dictionary, &buffer, &length);
-        const std::unique_ptr<char, decltype(&std::free)> owner(buffer, &std::free);
-        const QByteArray bytes(buffer, static_cast<qsizetype>(length));
-        if (bytes.size() <= largestSize && parsedPropertyList(bytes) != nullptr)
-            return bytes;
-    }
-    return {};
+    pugi::xml_document document;
+    pugi::xml_node declaration = document.append_child(pugi::node_declaration);
+    declaration.append_attribute("version").set_value("1.0");
+    declaration.append_attribute("encoding").set_value("UTF-8");
+    document.append_child(pugi::node_doctype)
+        .set_value("plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\"");
+    pugi::xml_node root = document.append_child("plist");
+    root.append_attribute("version").set_value("1.0");
+    append(root, list);
+    const QByteArray bytes = documentBytes(document, XmlLayout::Indented);
+    return bytes.size() <= largestSize && parsedPropertyList(bytes) ? bytes : QByteArray();
 }

@@ -6,53 +6,20 @@
 
 #include <QDir>
 
-#include <plist/plist.h>
-
-#include <cstdlib>
-#include <functional>
-
 static constexpr qint64 largestFile = 2 << 20;
 static constexpr qsizetype longestText = 10'000;
 static constexpr QLatin1String encryptionPassword("VendRulpGam");
+static constexpr QLatin1String hostKey("host");
+static constexpr QLatin1String portKey("port");
+static constexpr QLatin1String passwordKey("password");
+static constexpr QLatin1String stringKind("string");
+static constexpr QLatin1String dataKind("data");
 
-using Text = std::unique_ptr<char, decltype(&std::free)>;
-
-static QString textOf(plist_t entry, const char *key)
+/// A port that was written by hand may be a number.
+static QString textOf(const QVariant &value)
 {
-    const plist_t node = plist_dict_get_item(entry, key);
-    if (node != nullptr && plist_get_node_type(node) == PLIST_STRING)
-        return QString::fromUtf8(plist_get_string_ptr(node, nullptr));
-    if (node == nullptr || plist_get_node_type(node) != PLIST_UINT)
-        return {};
-    uint64_t number = 0; // a port that somebody has written by hand
-    plist_get_uint_val(node, &number);
-    return QString::number(number);
-}
-
-static std::optional<QString> passwordOf(plist_t entry, const QString &loginName)
-{
-    const plist_t node = plist_dict_get_item(entry, "password");
-    if (node == nullptr || plist_get_node_type(node) != PLIST_DATA)
-        return std::nullopt;
-    uint64_t length = 0;
-    const char *bytes = plist_get_data_ptr(node, &length);
-    return AES256DecryptWithPassword(QByteArray(bytes, static_cast<qsizetype>(length)), encryptionPassword, loginName);
-}
-
-static void forEachItem(plist_t dictionary, const std::function<void(const char *key, plist_t item)> &visit)
-{
-    plist_dict_iter place = nullptr;
-    plist_dict_new_iter(dictionary, &place);
-    const std::unique_ptr<void, decltype(&std::free)> placeOwner(place, &std::free);
-    for (;;) {
-        char *key = nullptr;
-        plist_t item = nullptr;
-        plist_dict_next_item(dictionary, place, &key, &item);
-        const Text keyOwner(key, &std::free);
-        if (item == nullptr)
-            return;
-        visit(key, item);
-    }
+    const auto [kind, text] = value.value<PropertyText>();
+    return kind == stringKind || kind == QLatin1String("integer") ? text : QString();
 }
 
 static bool isStorable(const QString &text)
@@ -61,14 +28,13 @@ static bool isStorable(const QString &text)
 }
 
 SavedServers::SavedServers(QString path, QString loginName)
-    : m_file(std::move(path), largestFile), m_loginName(std::move(loginName)), m_document(plist_new_dict())
+    : m_file(std::move(path), largestFile), m_loginName(std::move(loginName))
 {
 }
 
 SavedServersOutcome SavedServers::load()
 {
-    m_document.reset(plist_new_dict());
-    m_servers.clear();
+    m_document.clear();
     if (!m_file.exists())
         return {};
 
@@ -88,43 +54,38 @@ SavedServersOutcome SavedServers::load()
 
 bool SavedServers::takeContent(const QByteArray &content)
 {
-    PropertyList document = parsedPropertyList(content);
+    const std::optional<PropertyList> document = parsedPropertyList(content);
     // What could be read but never be written again would block every later change.
-    if (document == nullptr || propertyListBytes(document.get(), largestFile).isEmpty())
+    if (!document || propertyListBytes(*document, largestFile).isEmpty())
         return false;
-    m_document = std::move(document);
-    m_servers.clear();
-    readEntries();
+    m_document = *document;
     return true;
 }
 
-void SavedServers::readEntries()
+bool SavedServers::contains(const QString &label) const
 {
-    forEachItem(m_document.get(), [this](const char *key, plist_t entry) {
-        if (plist_get_node_type(entry) == PLIST_DICT)
-            readEntry(QString::fromUtf8(key), entry);
-    });
-}
-
-void SavedServers::readEntry(const QString &label, void *entry)
-{
-    m_servers.insert(label, {label, textOf(entry, "host"), textOf(entry, "port"), std::nullopt});
+    return m_document.value(label).typeId() == QMetaType::QVariantMap;
 }
 
 QList<SavedServer> SavedServers::servers() const
 {
-    return valuesSortedByKey(m_servers);
+    QList<SavedServer> servers;
+    for (const QString &label : sortedKeys(m_document)) {
+        const QVariantMap entry = m_document.value(label).toMap();
+        if (contains(label))
+            servers.append({label, textOf(entry.value(hostKey)), textOf(entry.value(portKey)), std::nullopt});
+    }
+    return servers;
 }
 
 std::optional<SavedServer> SavedServers::find(const QString &text) const
 {
-    const auto exact = m_servers.constFind(text);
-    if (exact != m_servers.constEnd())
-        return *exact;
     const QList<SavedServer> all = servers();
-    for (const SavedServer &server : all) {
-        if (server.label.compare(text, Qt::CaseInsensitive) == 0)
-            return server;
+    for (const Qt::CaseSensitivity sensitivity : {Qt::CaseSensitive, Qt::CaseInsensitive}) {
+        for (const SavedServer &server : all) {
+            if (server.label.compare(text, sensitivity) == 0)
+                return server;
+        }
     }
     const HostAndPort wanted = splitHostAndPort(text);
     std::optional<SavedServer> found;
@@ -141,9 +102,11 @@ std::optional<SavedServer> SavedServers::find(const QString &text) const
 
 std::optional<QString> SavedServers::password(const QString &label) const
 {
-    if (!m_servers.contains(label))
+    const auto secret = m_document.value(label).toMap().value(passwordKey).value<PropertyText>();
+    if (secret.kind != dataKind)
         return std::nullopt;
-    return passwordOf(plist_dict_get_item(m_document.get(), label.toUtf8().constData()), m_loginName);
+    const QByteArray encrypted = QByteArray::fromBase64(secret.text.toUtf8());
+    return AES256DecryptWithPassword(encrypted, encryptionPassword, m_loginName);
 }
 
 SavedServersOutcome SavedServers::save(const SavedServer &entry)
@@ -156,33 +119,28 @@ SavedServersOutcome SavedServers::save(const SavedServer &entry)
             tr("The server was not saved: one of its texts is too long or holds a character that cannot be stored."),
             {}};
 
-    const QByteArray label = entry.label.toUtf8();
-    plist_t node = plist_dict_get_item(m_document.get(), label.constData());
-    if (node == nullptr || plist_get_node_type(node) != PLIST_DICT) {
-        if (node != nullptr)
-            m_file.markDamaged();
-        node = plist_new_dict();
-        plist_dict_set_item(m_document.get(), label.constData(), node);
-    }
-    plist_dict_set_item(node, "host", plist_new_string(entry.host.toUtf8().constData()));
-    plist_dict_set_item(node, "port", plist_new_string(entry.port.toUtf8().constData()));
-    m_servers.insert(entry.label, {entry.label, entry.host, entry.port, std::nullopt});
+    if (m_document.contains(entry.label) && !contains(entry.label))
+        m_file.markDamaged();
+    QVariantMap changed = m_document.value(entry.label).toMap();
+    changed.insert(hostKey, QVariant::fromValue(PropertyText{stringKind, entry.host}));
+    changed.insert(portKey, QVariant::fromValue(PropertyText{stringKind, entry.port}));
+    m_document.insert(entry.label, changed);
     return entry.password ? setPassword(entry.label, *entry.password) : write();
 }
 
 SavedServersOutcome SavedServers::setPassword(const QString &label, const QString &password)
 {
-    if (!m_servers.contains(label))
+    if (!contains(label))
         return {tr("There is no saved server \"%1\" any more; its password was not stored.").arg(label), {}};
     if (password.size() > longestText)
         return {tr("The password of \"%1\" is too long to be stored.").arg(label), {}};
-    const plist_t entry = plist_dict_get_item(m_document.get(), label.toUtf8().constData());
+    QVariantMap entry = m_document.value(label).toMap();
     const auto secret = AES256EncryptWithPassword(password, encryptionPassword, m_loginName);
     if (secret)
-        plist_dict_set_item(entry, "password",
-                            plist_new_data(secret->constData(), static_cast<uint64_t>(secret->size())));
+        entry.insert(passwordKey, QVariant::fromValue(PropertyText{dataKind, QString::fromLatin1(secret->toBase64())}));
     else
-        plist_dict_remove_item(entry, "password");
+        entry.remove(passwordKey);
+    m_document.insert(label, entry);
     SavedServersOutcome outcome = write();
     if (!secret && outcome.error.isEmpty())
         outcome.error = tr("The password of \"%1\" could not be encrypted. It was saved without it.").arg(label);
@@ -193,22 +151,18 @@ SavedServersOutcome SavedServers::remove(const QStringList &labels)
 {
     bool isChanged = false;
     for (const QString &label : labels) {
-        if (m_servers.remove(label) == 0)
-            continue;
-        plist_dict_remove_item(m_document.get(), label.toUtf8().constData());
-        isChanged = true;
+        if (contains(label))
+            isChanged = m_document.remove(label) != 0;
     }
     return isChanged ? write() : SavedServersOutcome();
 }
 
 PropertyList SavedServers::entries(const QStringList &labels) const
 {
-    PropertyList copies(plist_new_dict());
+    PropertyList copies;
     for (const QString &label : labels) {
-        const QByteArray key = label.toUtf8();
-        if (m_servers.contains(label))
-            plist_dict_set_item(copies.get(), key.constData(),
-                                plist_copy(plist_dict_get_item(m_document.get(), key.constData())));
+        if (contains(label))
+            copies.insert(label, m_document.value(label));
     }
     return copies;
 }
@@ -217,16 +171,14 @@ SavedServersOutcome SavedServers::restore(const PropertyList &entries)
 {
     bool isChanged = false;
     QStringList taken;
-    forEachItem(entries.get(), [&](const char *key, plist_t entry) {
-        const QString label = QString::fromUtf8(key);
-        if (plist_dict_get_item(m_document.get(), key) != nullptr) {
-            taken.append(label);
-            return;
+    for (auto entry = entries.cbegin(); entry != entries.cend(); ++entry) {
+        if (m_document.contains(entry.key())) {
+            taken.append(entry.key());
+            continue;
         }
-        plist_dict_set_item(m_document.get(), key, plist_copy(entry));
-        readEntry(label, entry);
+        m_document.insert(entry.key(), entry.value());
         isChanged = true;
-    });
+    }
     SavedServersOutcome outcome = isChanged ? write() : SavedServersOutcome();
     if (!taken.isEmpty() && outcome.error.isEmpty())
         outcome.error = tr("Another server has been saved as \"%1\" meanwhile. It stays, and the deleted one was not "
@@ -238,7 +190,7 @@ SavedServersOutcome SavedServers::restore(const PropertyList &entries)
 SavedServersOutcome SavedServers::write()
 {
     SavedServersOutcome outcome;
-    const QByteArray bytes = propertyListBytes(m_document.get(), largestFile);
+    const QByteArray bytes = propertyListBytes(m_document, largestFile);
     if (bytes.isEmpty())
         outcome.error = tr("The list is too large.");
     else

@@ -5,7 +5,6 @@
 
 #include <QCoreApplication>
 #include <QList>
-#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -74,12 +73,10 @@ public:
     [[nodiscard]] SavedServersOutcome setPassword(const QString &label, const QString &password);
 
 private:
-    void readEntries();
-    void readEntry(const QString &label, void *entry);
+    bool contains(const QString &label) const;
     SavedServersOutcome write();
 
     GuardedFile m_file;
     QString m_loginName;
-    PropertyList m_document;              // the whole file, with what this version does not know
-    QMap<QString, SavedServer> m_servers; // without their passwords
+    PropertyList m_document; // the whole file, with what this version does not know
 };

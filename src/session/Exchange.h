@@ -2,7 +2,6 @@
 
 #include "LinkStats.h"
 #include "RConResult.h"
-#include "Secrets.h"
 
 #include <QCoroTask>
 
@@ -12,11 +11,8 @@
 #include <functional>
 #include <optional>
 
-/// One command for one server. The last copy of it wipes the password: a request may be on its way when the session
-/// forgets it.
+/// One command for one server.
 struct Request {
-    ~Request() { wipe(password); }
-
     QString host; ///< as typed; dotted IPv4 where no address stands
     int port = 0;
     QString password;

@@ -45,7 +45,6 @@ void Flight::start()
 void Flight::abandon()
 {
     disconnect();
-    wipe(*m_requestText);
     m_timer.stop();
     listen(false);
 }
@@ -61,7 +60,6 @@ void Flight::perform(RCon::Step step)
 {
     if (!step.text.isEmpty()) {
         emit arrived(step.text);
-        wipe(step.text);
         if (!m_notifier->isEnabled()) // whoever took it has called the request off
             return;
     }
@@ -70,19 +68,19 @@ void Flight::perform(RCon::Step step)
         return;
     }
     if (step.kind == RCon::Step::Kind::Send)
-        static_cast<void>(m_packet->send(*m_requestText)); // a failure is in the system log, and nothing will come
+        static_cast<void>(m_packet->send(m_requestText)); // a failure is in the system log, and nothing will come
     m_timer.start(std::chrono::ceil<std::chrono::milliseconds>(step.until - steady_clock::now()));
 }
 
 void Flight::readWaiting()
 {
     constexpr int mostAtOnce = 64; // a flood must not hold up the window
-    Wiped<std::array<char, DatagramPacket::mostBytes>> buffer;
+    std::array<char, DatagramPacket::mostBytes> buffer;
     for (int i = 0; i < mostAtOnce && m_notifier->isEnabled(); ++i) {
-        const ReceivedDatagram datagram = m_packet->receive(*buffer);
+        const ReceivedDatagram datagram = m_packet->receive(buffer);
         if (datagram.kind == ReceivedDatagram::Kind::Nothing)
             return;
-        takeDatagram(datagram, QByteArrayView(buffer->data(), static_cast<qsizetype>(datagram.length)));
+        takeDatagram(datagram, QByteArrayView(buffer.data(), static_cast<qsizetype>(datagram.length)));
     }
 }
 
@@ -101,7 +99,6 @@ void Flight::takeDatagram(const ReceivedDatagram &datagram, QByteArrayView bytes
         emit cameTwice();
     if (!text.isEmpty())
         emit cameLate(text);
-    wipe(text);
 }
 
 void Flight::timeIsUp()
@@ -118,7 +115,6 @@ void Flight::timeIsUp()
 
 void Flight::end()
 {
-    wipe(*m_requestText); // it is not sent again
     m_timer.stop();
     listen(outcome().isEndKnown);
     emit finished();

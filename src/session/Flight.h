@@ -3,7 +3,6 @@
 #include "DatagramPacket.h"
 #include "Exchange.h"
 #include "RCon.h"
-#include "Secrets.h"
 #include "TrafficLog.h"
 
 #include <QObject>
@@ -29,7 +28,6 @@ public:
     void abandon();
 
     const RCon::Outcome &outcome() const { return m_machine.outcome(); }
-    RCon &machine() { return m_machine; }
     const QString &command() const { return m_command; }
     bool isBackground() const { return m_isBackground; }
     bool isProbe() const { return m_isProbe; }
@@ -57,7 +55,7 @@ private:
     QString m_command;
     bool m_isBackground;
     bool m_isProbe;
-    Wiped<QString> m_requestText;
+    QString m_requestText;
     std::unique_ptr<DatagramPacket> m_packet;
     TrafficLog m_log;
     RCon m_machine;

@@ -71,7 +71,6 @@ KelServer::KelServer(Exchange &exchange, Alerts &alerts, QObject *parent)
 KelServer::~KelServer()
 {
     m_exchange.setCameLate({});
-    wipe(m_dvars[QStringLiteral("rcon_password")]);
 }
 
 KelServer *KelServer::sharedKelServer()
@@ -88,11 +87,8 @@ void KelServer::disconnect()
 
 void KelServer::forgetPassword()
 {
-    QString password = m_dvars.take(QStringLiteral("rcon_password"));
-    if (password.isNull())
-        return;
-    emit dvarListChanged(); // whoever has a copy lets go of it
-    wipe(password);
+    if (m_dvars.remove(QStringLiteral("rcon_password")) > 0)
+        emit dvarListChanged(); // whoever has a copy lets go of it
 }
 
 void KelServer::forgetVariables()

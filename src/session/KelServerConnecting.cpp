@@ -6,7 +6,6 @@
 #include "HostLookup.h"
 #include "Number.h"
 #include "QuotedStrings.h"
-#include "Secrets.h"
 
 #include <limits>
 
@@ -74,7 +73,6 @@ QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString p
     setConnected(true);
     emit connectionBegan();
     takeDump(reply.text);
-    wipe(reply.text); // the password is among the variables
     if (reply.mayBeIncomplete)
         co_await dumpOnceMore(password);
     if (cancellations != m_cancellations)
@@ -120,7 +118,6 @@ QCoro::Task<> KelServer::dumpOnceMore(QString password)
     Reply reply = co_await ask(QStringLiteral("dvardump"), password);
     if (!reply.isCancelled && reply.isSuccess() && cancellations == m_cancellations)
         takeDump(reply.text);
-    wipe(reply.text);
 }
 
 QCoro::Task<> KelServer::followCatalogues()
@@ -296,7 +293,6 @@ QCoro::Task<std::optional<DvarTable>> KelServer::dumpDvars()
         if (const auto dvar = dumpedDvar(line); dvar && dumped->size() < mostDumpedDvars)
             dumped->insert(dvar->first, dvar->second);
     }
-    wipe(reply.text);
     co_return dumped;
 }
 

@@ -48,7 +48,7 @@ QCoro::Task<Reply> RConExchange::send(Request request, Arrived arrived)
     m_waiters.push_back(std::move(waiter));
     flight->start();
     co_await pending;
-    co_return pending.takeResult(); // no copy stays, so that the reply's reader can wipe it
+    co_return pending.takeResult();
 }
 
 void RConExchange::cancel()
@@ -160,7 +160,7 @@ void RConExchange::noteOutcome(const Flight &flight)
         m_pacer.noteOther(flight.sentAt());
 }
 
-Reply RConExchange::replyOf(Flight &flight)
+Reply RConExchange::replyOf(const Flight &flight)
 {
     const RCon::Outcome &outcome = flight.outcome();
     Reply reply;
@@ -171,7 +171,7 @@ Reply RConExchange::replyOf(Flight &flight)
     if (outcome.sends == 1 && outcome.firstAnswerAfter && !outcome.wasReadLate)
         reply.roundTrip = std::chrono::round<milliseconds>(*outcome.firstAnswerAfter);
     const std::optional<Endpoint> stranger = outcome.plausibleStranger;
-    reply.text = flight.machine().takeText();
+    reply.text = outcome.text;
     if (reply.result == RConResultTimeout && stranger)
         reply.text += u' ' + tr("%1 answered instead.").arg(stranger->addressText());
     return reply;

@@ -39,7 +39,7 @@ private:
     void pass(const Flight *flight, const QString &text);
     void finish(Flight *flight);
     void noteOutcome(const Flight &flight);
-    Reply replyOf(Flight &flight);
+    Reply replyOf(const Flight &flight);
     void noteLate(Flight *flight, const QString &text);
 
     std::vector<std::unique_ptr<Waiter>> m_waiters;

@@ -3,6 +3,7 @@
 #include <QTextBoundaryFinder>
 
 #include <algorithm>
+#include <array>
 #include <optional>
 
 namespace
@@ -30,6 +31,21 @@ bool isUnseen(QChar c)
     return (code >= 0x200b && code <= 0x200f) || code == 0x2060 || code == 0xfeff || (code >= 0xfe00 && code <= 0xfe0f);
 }
 
+struct Replacement {
+    QStringView characters;
+    QLatin1String text;
+};
+
+constexpr std::array replacements{
+    Replacement{u"\u2018\u2019\u201a\u201b\u2032\u2039\u203a", QLatin1String("'")}, // quotes and prime
+    // A double prime stands for inches and seconds: a double quote would open a value.
+    Replacement{u"\u2033", QLatin1String("''")},
+    Replacement{u"\u2010\u2011\u2012\u2013\u2014\u2015\u2212", QLatin1String("-")}, // hyphens, dashes and minus
+    Replacement{u"\u2022", QLatin1String("*")},                                     // bullet
+    Replacement{u"\u2025", QLatin1String("..")},
+    Replacement{u"\u2026", QLatin1String("...")},
+};
+
 /// What stands for `c`, double quotes apart; nothing if the game has nothing like it.
 std::optional<QString> plain(QChar c)
 {
@@ -39,34 +55,11 @@ std::optional<QString> plain(QChar c)
         return QString();
     if (c.isSpace())
         return QStringLiteral(" ");
-    switch (c.unicode()) {
-    case 0x2018: // single quotes
-    case 0x2019:
-    case 0x201a:
-    case 0x201b:
-    case 0x2032: // prime
-    case 0x2039: // single angle quotes
-    case 0x203a:
-        return QStringLiteral("'");
-    case 0x2033: // double prime, which stands for inches and seconds: a double quote would open a value
-        return QStringLiteral("''");
-    case 0x2010: // hyphens and dashes
-    case 0x2011:
-    case 0x2012:
-    case 0x2013:
-    case 0x2014:
-    case 0x2015:
-    case 0x2212: // minus
-        return QStringLiteral("-");
-    case 0x2022: // bullet
-        return QStringLiteral("*");
-    case 0x2025:
-        return QStringLiteral("..");
-    case 0x2026:
-        return QStringLiteral("...");
-    default:
-        return std::nullopt;
+    for (const Replacement &each : replacements) {
+        if (each.characters.contains(c))
+            return each.text;
     }
+    return std::nullopt;
 }
 
 /// Knows, from the first character of a line to its last, what a double quote at this place means.

@@ -1,7 +1,6 @@
 #include "DatagramPacket.h"
 
 #include "QuotedStrings.h"
-#include "Secrets.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
@@ -15,7 +14,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <string>
 #include <system_error>
 
@@ -24,8 +22,8 @@ namespace
 
 Q_LOGGING_CATEGORY(transport, "ferrow.transport")
 
-constexpr std::size_t minimumReplyLength = 10;
-constexpr std::size_t payloadOffset = 11;
+constexpr qsizetype minimumReplyLength = 10;
+constexpr qsizetype payloadOffset = 11;
 constexpr QByteArrayView requestHeader("\xff\xff\xff\xff\x00", 5);
 constexpr QByteArrayView passwordRefusal("\xff\xff\xff\xff\x0a", 5);
 constexpr QByteArrayView replyHeader("\xff\xff\xff\xff\x01", 5);
@@ -105,14 +103,10 @@ void DatagramPacket::close()
 
 bool DatagramPacket::send(const QString &requestText)
 {
-    Wiped<QByteArray> datagram; // it holds the password
-    datagram->reserve(requestHeader.size() + requestText.size() + 1);
-    datagram->append(requestHeader);
-    if (isLatin1(requestText)) {
-        for (const QChar character : requestText)
-            datagram->append(character.toLatin1());
-    }
-    datagram->append('\0');
+    QByteArray datagram = requestHeader.toByteArray();
+    if (isLatin1(requestText))
+        datagram += requestText.toLatin1();
+    datagram += '\0';
 
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -120,14 +114,14 @@ bool DatagramPacket::send(const QString &requestText)
     address.sin_port = htons(m_server.port);
     ssize_t sent = -1;
     do {
-        sent = ::sendto(m_socket, datagram->constData(), std::size_t(datagram->size()), MSG_DONTWAIT,
+        sent = ::sendto(m_socket, datagram.constData(), std::size_t(datagram.size()), MSG_DONTWAIT,
                         reinterpret_cast<const sockaddr *>(&address), sizeof address);
     } while (sent < 0 && errno == EINTR);
     if (sent < 0) {
         const int errorNumber = errno;
         qCWarning(transport, "errno=%d (%s)", errorNumber, systemText(errorNumber).c_str());
     }
-    return sent == datagram->size();
+    return sent == datagram.size();
 }
 
 ReceivedDatagram DatagramPacket::receive(std::span<char> buffer)
@@ -151,17 +145,17 @@ ReceivedDatagram DatagramPacket::receive(std::span<char> buffer)
     return received;
 }
 
-RConResult DatagramPacket::validateDataPacket(const char *packet, std::size_t length)
+RConResult DatagramPacket::validateDataPacket(QByteArrayView packet)
 {
-    const QByteArrayView bytes(packet, qsizetype(length));
-    if (bytes == passwordRefusal)
+    if (packet == passwordRefusal)
         return RConResultInvalidPassword;
-    return length >= minimumReplyLength && bytes.startsWith(replyHeader) ? RConResultSuccess : RConResultInvalidPacket;
+    return packet.size() >= minimumReplyLength && packet.startsWith(replyHeader) ? RConResultSuccess
+                                                                                 : RConResultInvalidPacket;
 }
 
-RConResult DatagramPacket::getString(QString *reply, const char *packet, std::size_t length)
+RConResult DatagramPacket::getString(QString *reply, QByteArrayView packet)
 {
-    const RConResult validity = validateDataPacket(packet, length);
+    const RConResult validity = validateDataPacket(packet);
     if (validity == RConResultInvalidPacket)
         place(reply, QStringLiteral("An invalid packet was returned from the server."));
     else if (validity == RConResultInvalidPassword)
@@ -169,26 +163,20 @@ RConResult DatagramPacket::getString(QString *reply, const char *packet, std::si
     if (validity != RConResultSuccess)
         return validity;
 
-    const std::size_t start = std::min(payloadOffset, length);
-    const std::size_t payloadLength = getDataPacketPayloadLength(packet, length, start);
-    const QByteArrayView payload(packet + start, qsizetype(payloadLength));
+    const QByteArrayView payload =
+        packet.sliced(std::min(payloadOffset, packet.size())).first(getDataPacketPayloadLength(packet, payloadOffset));
     if (isRefusal(payload))
         return RConResultInvalidPassword;
-    if (!reply)
-        return RConResultSuccess;
-
     QString text = QString::fromLatin1(payload);
     text.replace(QStringLiteral("\\\\n"), QStringLiteral("\n"));
     text.replace(QStringLiteral("\\n"), QStringLiteral("\n"));
-    *reply = stringByStrippingColorCodes(std::move(text));
+    place(reply, stringByStrippingColorCodes(std::move(text)));
     return RConResultSuccess;
 }
 
-std::size_t DatagramPacket::getDataPacketPayloadLength(const char *packet, std::size_t length, std::size_t startingFrom)
+qsizetype DatagramPacket::getDataPacketPayloadLength(QByteArrayView packet, qsizetype startingFrom)
 {
-    if (startingFrom >= length)
-        return 0;
-    const char *const start = packet + startingFrom;
-    const void *const zero = std::memchr(start, 0, length - startingFrom);
-    return zero ? std::size_t(static_cast<const char *>(zero) - start) : length - startingFrom;
+    const QByteArrayView rest = packet.sliced(std::min(startingFrom, packet.size()));
+    const qsizetype zero = rest.indexOf('\0');
+    return zero < 0 ? rest.size() : zero;
 }

@@ -3,6 +3,7 @@
 #include "Endpoint.h"
 #include "RConResult.h"
 
+#include <QByteArrayView>
 #include <QString>
 
 #include <cstddef>
@@ -64,12 +65,12 @@ public:
     ReceivedDatagram receive(std::span<char> buffer);
 
     /// Success, RConResultInvalidPassword or RConResultInvalidPacket, by the frame alone.
-    static RConResult validateDataPacket(const char *packet, std::size_t length);
+    static RConResult validateDataPacket(QByteArrayView packet);
     /// The cleaned text of a reply datagram. `reply` becomes the reason of a failure; it is left as it was when the
     /// payload says that the password was refused.
-    static RConResult getString(QString *reply, const char *packet, std::size_t length);
+    static RConResult getString(QString *reply, QByteArrayView packet);
     /// The number of bytes from offset `startingFrom` up to the first zero byte or the end; 0 beyond the end.
-    static std::size_t getDataPacketPayloadLength(const char *packet, std::size_t length, std::size_t startingFrom);
+    static qsizetype getDataPacketPayloadLength(QByteArrayView packet, qsizetype startingFrom);
 
 private:
     Endpoint m_server;

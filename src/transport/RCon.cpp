@@ -1,7 +1,6 @@
 #include "RCon.h"
 
 #include "DatagramPacket.h"
-#include "Secrets.h"
 #include "TrafficLog.h"
 
 #include <QCoreApplication>
@@ -33,19 +32,9 @@ constexpr std::array<const char *, 6> resultTexts{
     QT_TRANSLATE_NOOP("RCon", "RConResultError"),
 };
 
-RConResult textOf(QByteArrayView datagram, QString *text)
-{
-    return DatagramPacket::getString(text, datagram.data(), static_cast<std::size_t>(datagram.size()));
-}
-
 } // namespace
 
 RCon::RCon(Task task, TrafficLog &log) : m_task(std::move(task)), m_log(log) {}
-
-RCon::~RCon()
-{
-    wipe(m_outcome.text); // a list of all variables has the password among them
-}
 
 RCon::Step RCon::start(TimePoint now)
 {
@@ -101,7 +90,7 @@ RCon::Step RCon::received(QByteArrayView datagram, const Endpoint &from, TimePoi
         m_outcome.wasReadLate = now >= m_until;
     }
     QString text;
-    const RConResult result = textOf(datagram, &text);
+    const RConResult result = DatagramPacket::getString(&text, datagram);
     if (result != RConResultSuccess)
         return finish(result);
     // A server that never falls silent must not fill the memory.
@@ -114,7 +103,7 @@ RCon::Step RCon::received(QByteArrayView datagram, const Endpoint &from, TimePoi
 RCon::Step RCon::gather(QString text, TimePoint now)
 {
     ++m_outcome.datagrams;
-    appendWithoutTrace(m_outcome.text, text);
+    m_outcome.text += text;
     m_until = now + silences.at(m_outcome.sends - 1);
     const bool isFirst = m_outcome.datagrams == 1;
     // What answers a write with nothing has answered with nothing only if that is the first that came.
@@ -135,33 +124,26 @@ RCon::Step RCon::finish(RConResult result)
     m_log.writeResult(m_outcome.sends, QString::fromLatin1(resultTexts[result]), isSuccess ? m_outcome.datagrams : 0);
     if (m_outcome.isEndKnown)
         m_log.writeKnownEnd(m_outcome.sends);
-    if (!isSuccess) {
-        wipe(m_outcome.text);
+    if (!isSuccess)
         m_outcome.text = resultStr(result);
-    }
     return Step{};
 }
 
 QString RCon::takeLate(QByteArrayView datagram, const Endpoint &from)
 {
     QString text;
-    if (from.address != m_task.server.address || textOf(datagram, &text) != RConResultSuccess)
+    if (from.address != m_task.server.address || DatagramPacket::getString(&text, datagram) != RConResultSuccess)
         return {};
     const bool isKnown = m_seen.contains(qHash(datagram));
     noteSeen(datagram);
     m_log.writeLate(m_outcome.sends, datagram.size(), isKnown);
-    if (!isKnown)
-        return text;
-    wipe(text);
-    return {};
+    return isKnown ? QString() : text;
 }
 
 void RCon::noteStranger(QByteArrayView datagram, const Endpoint &from)
 {
     ++m_outcome.strangers;
-    const RConResult validity =
-        DatagramPacket::validateDataPacket(datagram.data(), static_cast<std::size_t>(datagram.size()));
-    if (validity != RConResultInvalidPacket)
+    if (DatagramPacket::validateDataPacket(datagram) != RConResultInvalidPacket)
         m_outcome.plausibleStranger = from;
 }
 
@@ -174,11 +156,6 @@ void RCon::noteSeen(QByteArrayView datagram)
     // What came twice must not stand for what is missing.
     if (times > 1 && m_task.end.kind() == ReplyEnd::Kind::Dump)
         m_task.end.trustNothing();
-}
-
-QString RCon::takeText()
-{
-    return std::exchange(m_outcome.text, QString());
 }
 
 QString RCon::resultStr(RConResult result)

@@ -61,9 +61,7 @@ public:
 
     /// `log` outlives the machine.
     RCon(Task task, TrafficLog &log);
-    ~RCon();
-    RCon(const RCon &) = delete;
-    RCon &operator=(const RCon &) = delete;
+    Q_DISABLE_COPY_MOVE(RCon)
 
     /// @param now  the steady clock's time; later calls never go back.
     Step start(TimePoint now);
@@ -79,8 +77,6 @@ public:
 
     bool isFinished() const { return m_isFinished; }
     const Outcome &outcome() const { return m_outcome; }
-    /// Hands the text over, so that no copy of it stays here.
-    QString takeText();
 
     /// The text of `result`, null for a value that is none.
     static QString resultStr(RConResult result);

@@ -24,7 +24,7 @@ public:
     void writeLate(unsigned attempt, qsizetype bytes, bool isKnown);
 
 private:
-    QIODevice *file() { return m_file.isOpen() ? &m_file : nullptr; }
+    void write(const char *verb, unsigned attempt, const QString &what);
 
     QString m_host;
     int m_port;

@@ -14,18 +14,19 @@ private slots:
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("target"); // host and port, or "demo"
         QTest::addColumn<bool>("isGood");
-        QTest::newRow("nothing") << QStringList{} << "" << true;
-        QTest::newRow("connect") << QStringList{"--connect", "192.0.2.1:50960"} << "192.0.2.1:50960" << true;
-        QTest::newRow("a host name is judged by the session")
-            << QStringList{"--connect=game.example:x"} << "game.example:x" << true;
-        QTest::newRow("a label, perhaps") << QStringList{"--connect", " Home server "} << "Home server" << true;
-        QTest::newRow("no port") << QStringList{"--connect", "192.0.2.1:"} << "" << false;
-        QTest::newRow("nothing to connect to") << QStringList{"--connect", " "} << "" << false;
-        QTest::newRow("no host") << QStringList{"--connect", ":50960"} << "" << false;
-        QTest::newRow("no password on the line") << QStringList{"--password", "secret"} << "" << false;
-        QTest::newRow("a word of its own") << QStringList{"192.0.2.1:50960"} << "" << false;
-        QTest::newRow("demo") << QStringList{"--demo"} << "demo" << true;
-        QTest::newRow("both") << QStringList{"--demo", "--connect", "192.0.2.1:1"} << "" << false;
+        const auto row = [](const char *name, const QStringList &arguments, const char *target, bool isGood = true) {
+            QTest::newRow(name) << arguments << QString(target) << isGood;
+        };
+        row("nothing", {}, "");
+        row("a host name is judged by the session", {"--connect=game.example:x"}, "game.example:x");
+        row("a label, perhaps", {"--connect", " Home server "}, "Home server");
+        row("demo", {"--demo"}, "demo");
+        row("no port", {"--connect", "192.0.2.1:"}, "", false);
+        row("nothing to connect to", {"--connect", " "}, "", false);
+        row("no host", {"--connect", ":50960"}, "", false);
+        row("no password on the line", {"--password", "secret"}, "", false);
+        row("a word of its own", {"192.0.2.1:50960"}, "", false);
+        row("both", {"--demo", "--connect", "192.0.2.1:1"}, "", false);
     }
     void parses()
     {
@@ -53,9 +54,7 @@ private slots:
         QStandardPaths::setTestModeEnabled(true);
         const QString folder = AppDelegate::applicationSupportDirectory();
         QVERIFY(folder.endsWith(QStringLiteral("/Kelvard Ferrow Remote Console")));
-        QCOMPARE(QFileInfo(folder).permissions() & (QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup |
-                                                    QFile::ReadOther | QFile::WriteOther | QFile::ExeOther),
-                 QFile::Permissions{});
+        QCOMPARE(QFileInfo(folder).permissions() & QFile::Permissions(0x0077), QFile::Permissions());
         QCOMPARE(AppDelegate::applicationSupportDirectory(), folder);
     }
 };

@@ -1,10 +1,13 @@
 #include "RCon.h"
 #include "TrafficLog.h"
 
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <algorithm>
-#include <array>
 #include <random>
 
 using namespace std::chrono_literals;
@@ -68,7 +71,7 @@ Course play(RCon &machine, const QList<Arrival> &arrivals)
 
 Course play(const RCon::Task &task, const QList<Arrival> &arrivals)
 {
-    TrafficLog log(QStringLiteral("127.0.0.1"), server.port, TrafficLog::Kind::Send);
+    TrafficLog log("127.0.0.1", server.port, task.isSingle ? TrafficLog::Kind::SendSingle : TrafficLog::Kind::Send);
     RCon machine(task, log);
     return play(machine, arrivals);
 }
@@ -82,12 +85,35 @@ RCon::Task task(const QString &command = QStringLiteral("status all"))
     return made;
 }
 
+/// What stands in the log. Each line begins with a date and the server, which are checked and taken off.
+QStringList logLines()
+{
+    static const QRegularExpression start(R"(^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d -0330 \(127\.0\.0\.1:50960\))");
+    QFile file("log.txt");
+    QStringList lines;
+    if (file.open(QIODevice::ReadOnly))
+        lines = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+    for (QString &line : lines)
+        line = start.match(line).hasMatch() ? line.remove(start) : "unexpected: " + line;
+    return lines;
+}
+
 } // namespace
 
 class RConTest : public QObject
 {
     Q_OBJECT
+    QTemporaryDir m_folder;
+
 private slots:
+    void initTestCase()
+    {
+        QVERIFY(QDir::setCurrent(m_folder.path()));
+        qputenv("TZ", "TEST+03:30"); // west of Greenwich, and not by whole hours
+    }
+    /// Logging is on for those that ask for it.
+    void cleanup() { qunsetenv("FerrowRconLog"); }
+
     void courses_data()
     {
         QTest::addColumn<RCon::Task>("task");
@@ -167,46 +193,6 @@ private slots:
         QTEST(course.outcome.doubled, "doubled");
     }
 
-    /// Four parts, each of them lost, doubled, late or in another's place: the reply is what came, as it came.
-    void everySchedule()
-    {
-        enum Fate { InTime, Lost, Doubled, Late, Swapped, FateCount };
-        std::array<int, 4> fates{};
-        int count = 0;
-        for (int code = 0; code < FateCount * FateCount * FateCount * FateCount; ++code) {
-            QList<Arrival> arrivals;
-            int rest = code;
-            for (int part = 0; part < 4; ++part) {
-                fates.at(static_cast<std::size_t>(part)) = rest % FateCount;
-                rest /= FateCount;
-                const QByteArray datagram = framed(QByteArray(1, static_cast<char>('a' + part)));
-                const int when = 20 + 100 * part;
-                switch (fates.at(static_cast<std::size_t>(part))) {
-                case Lost:
-                    break;
-                case Doubled:
-                    arrivals.append({{when, datagram}, {when + 5, datagram}});
-                    break;
-                case Late:
-                    arrivals.append({when + 1500, datagram});
-                    break;
-                case Swapped:
-                    arrivals.append({when + 150, datagram});
-                    break;
-                default:
-                    arrivals.append({when, datagram});
-                }
-            }
-            std::stable_sort(arrivals.begin(), arrivals.end(),
-                             [](const Arrival &one, const Arrival &other) { return one.at < other.at; });
-            checkCourse(arrivals);
-            if (QTest::currentTestFailed())
-                return;
-            ++count;
-        }
-        QCOMPARE(count, 625);
-    }
-
     void randomSchedules()
     {
         std::mt19937 random(20261126);
@@ -258,7 +244,8 @@ private slots:
 
     void lateDatagrams()
     {
-        TrafficLog log(QStringLiteral("127.0.0.1"), server.port, TrafficLog::Kind::Send);
+        startLog();
+        TrafficLog log("127.0.0.1", server.port, TrafficLog::Kind::Send);
         RCon machine(task("sv_x"), log);
         const QByteArray told = framed("\"sv_x\" is: \"1\" in force: \"1\"\n");
         QVERIFY(play(machine, {{2, told}}).outcome.isEndKnown);
@@ -269,9 +256,89 @@ private slots:
         QCOMPARE(machine.takeLate("rubbish", server), QString());
         QCOMPARE(machine.takeLate(framed("more\n"), server), "more\n");
         QCOMPARE(machine.outcome().doubled, 1u);
+        QCOMPARE(logLines(),
+                 QStringList({" Send(1): sv_x", "  Res(1): RConResultSuccess numPackets=1", "  End(1): known",
+                              "  Late(1): 40 bytes, seen before", "  Late(1): 16 bytes, new"}));
+    }
+
+    void logs_data()
+    {
+        QTest::addColumn<bool>("isSingle");
+        QTest::addColumn<QList<Arrival>>("arrivals");
+        QTest::addColumn<QStringList>("lines");
+        const QString late = "A connection attempt failed because the connected party did not properly respond after a "
+                             "period of time, or established a connection failed because connected host has failed to "
+                             "respond.";
+        const QByteArray x = framed("x");
+        QTest::newRow("silence") << false << QList<Arrival>()
+                                 << QStringList{" Send(1): status %1 all", "  Res(1): " + late + " numPackets=0",
+                                                " Send(2): status %1 all", "  Res(2): " + late + " numPackets=0",
+                                                " Send(3): status %1 all", "  Res(3): " + late + " numPackets=0"};
+        QTest::newRow("second send, four datagrams")
+            << false << QList<Arrival>(4, {600, x})
+            << QStringList{" Send(1): status %1 all", "  Res(1): " + late + " numPackets=0", " Send(2): status %1 all",
+                           "  Res(2): RConResultSuccess numPackets=4"};
+        QTest::newRow("single, third send")
+            << true << QList<Arrival>{{2000, x}}
+            << QStringList{" SendSingle(1): status %1 all", "  Res(1): " + late + "@",
+                           " SendSingle(2): status %1 all", "  Res(2): " + late,
+                           " SendSingle(3): status %1 all", "  Res(3): RConResultSuccess"};
+        QTest::newRow("refused") << false << QList<Arrival>{{2, QByteArray::fromHex("ffffffff0a")}}
+                                 << QStringList{" Send(1): status %1 all", "  Res(1): Invalid Password. numPackets=0"};
+        QTest::newRow("rubbish") << true << QList<Arrival>{{2, "rubbish"}}
+                                 << QStringList{" SendSingle(1): status %1 all", "  Res(1): RConResultInvalidPacket@"};
+    }
+    void logs()
+    {
+        QFETCH(bool, isSingle);
+        QFETCH(QList<Arrival>, arrivals);
+        startLog();
+        RCon::Task asked = task("status %1 all");
+        asked.isSingle = isSingle;
+        static_cast<void>(play(asked, arrivals));
+        QTEST(logLines(), "lines");
+    }
+
+    void passwordsStayOutOfTheLog()
+    {
+        startLog();
+        TrafficLog log("127.0.0.1", server.port, TrafficLog::Kind::Send);
+        for (const char *command :
+             {"setadmindvar rcon_password \"a b\"", "  G_Password x", "rcon_password", "say the password is out"})
+            log.writeSend(1, command);
+        QCOMPARE(logLines(), QStringList({" Send(1): setadmindvar rcon_password ***", " Send(1):   G_Password ***",
+                                          " Send(1): rcon_password", " Send(1): say the password is out"}));
+    }
+
+    void loggingOff_data()
+    {
+        QTest::addColumn<QByteArray>("value");
+        QTest::addColumn<bool>("hasFile");
+        QTest::newRow("empty") << QByteArray("") << true;
+        QTest::newRow("zero") << QByteArray("0") << true;
+        QTest::newRow("one and a blank") << QByteArray("1 ") << true;
+        QTest::newRow("no file") << QByteArray("1") << false;
+    }
+    void loggingOff()
+    {
+        QFETCH(QByteArray, value);
+        QFETCH(bool, hasFile);
+        startLog();
+        if (!hasFile)
+            QVERIFY(QFile::remove("log.txt"));
+        qputenv("FerrowRconLog", value);
+        TrafficLog("127.0.0.1", server.port, TrafficLog::Kind::Send).writeSend(1, "status");
+        QCOMPARE(QFile::exists("log.txt"), hasFile);
+        QCOMPARE(logLines(), QStringList());
     }
 
 private:
+    static void startLog()
+    {
+        qputenv("FerrowRconLog", "1");
+        QVERIFY(QFile("log.txt").open(QIODevice::WriteOnly));
+    }
+
     /// What holds for every course, by a model of its own.
     static void checkCourse(const QList<Arrival> &arrivals)
     {

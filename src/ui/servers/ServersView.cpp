@@ -6,7 +6,6 @@
 #include "HostAndPort.h"
 #include "LeftDoubleClick.h"
 #include "PlaceholderTable.h"
-#include "Secrets.h"
 #include "SortKeys.h"
 
 #include <QFormLayout>
@@ -238,17 +237,9 @@ void ServersView::fillForm(const QString &host, const QString &port)
     portField->setText(port);
 }
 
-/// The field keeps no copy of the text before, so that it can be wiped.
-static void replacePassword(QLineEdit *field, const QString &password)
-{
-    QString before = field->text();
-    field->setText(password);
-    wipe(before);
-}
-
 void ServersView::setFormPassword(const QString &password)
 {
-    replacePassword(passwordField, password);
+    passwordField->setText(password);
 }
 
 void ServersView::focusForm()
@@ -372,7 +363,7 @@ void ServersView::selectionDidChange()
     if (!chosen.isEmpty())
         password = m_savedServers.password(chosen.last().label);
     savedPasswordField->setEnabled(!chosen.isEmpty());
-    replacePassword(savedPasswordField, password.value_or(QString()));
+    savedPasswordField->setText(password.value_or(QString()));
     const bool isUnknown = !chosen.isEmpty() && !password;
     savedPasswordField->setPlaceholderText(isUnknown ? tr("cannot be decrypted") : QString());
     controlTextDidChange();

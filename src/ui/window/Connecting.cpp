@@ -11,7 +11,6 @@
 #include "MainTabs.h"
 #include "PasswordQuestion.h"
 #include "Reconnecting.h"
-#include "Secrets.h"
 #include "ServersView.h"
 #include "StatusLine.h"
 #include "TabPage.h"
@@ -156,10 +155,9 @@ void Connecting::comeBack(std::chrono::milliseconds silence, int differences)
     m_parts.status.setStatus(text);
     m_workplace.server.appendConsoleNote(text);
     m_welcomeBack.start();
-    QString password = std::exchange(m_triedPassword, QString());
+    const QString password = std::exchange(m_triedPassword, QString());
     if (!password.isEmpty() && m_target.passwordTextBox)
         m_target.passwordTextBox(password);
-    wipe(password);
     m_workplace.actions.start(showWhatCameBack());
 }
 
@@ -185,7 +183,7 @@ void Connecting::askForNewPassword()
 void Connecting::endConnection()
 {
     m_welcomeBack.stop();
-    wipe(m_triedPassword);
+    m_triedPassword.clear();
     m_workplace.actions.refuseWaiting();
     for (TabPage *page : m_parts.tabs.pages())
         page->willDisconnect();
