@@ -193,6 +193,25 @@ private slots:
         QTEST(course.outcome.doubled, "doubled");
     }
 
+    /// Four parts, each of them in time, lost, doubled, late or in another's place.
+    void everySchedule()
+    {
+        enum Fate { InTime, Lost, Doubled, Late, Swapped, FateCount };
+        constexpr int schedules = FateCount * FateCount * FateCount * FateCount;
+        for (int code = 0; code < schedules && !QTest::currentTestFailed(); ++code) {
+            QList<Arrival> arrivals;
+            for (int part = 0, rest = code; part < 4; ++part, rest /= FateCount) {
+                const int fate = rest % FateCount;
+                const int delay = fate == Late ? 1500 : fate == Swapped ? 150 : 0;
+                const Arrival arrival{20 + 100 * part + delay, framed(QByteArray(1, static_cast<char>('a' + part)))};
+                arrivals += QList<Arrival>(fate == Lost ? 0 : fate == Doubled ? 2 : 1, arrival);
+            }
+            std::stable_sort(arrivals.begin(), arrivals.end(),
+                             [](const Arrival &one, const Arrival &other) { return one.at < other.at; });
+            checkCourse(arrivals);
+        }
+    }
+
     void randomSchedules()
     {
         std::mt19937 random(20261126);
