@@ -37,7 +37,8 @@ ConfigBuilderView::ConfigBuilderView(KelServer &server, ActionQueue &actions, Al
       compareConfigButton(new QPushButton(tr("Compare With File…"), this)), m_server(server), m_actions(actions),
       m_alerts(alerts), m_fetcher(fetcher), m_settings(settings), m_gametypes(gametypes),
       m_progressWindowController(std::make_unique<ProgressWindowController>(this)),
-      m_loading(std::make_unique<ConfigurationLoading>(server, actions, alerts, *m_progressWindowController)),
+      m_loading(std::make_unique<ConfigurationLoading>(server, actions, alerts, *m_progressWindowController,
+                                                       gametypes.formerNames())),
       m_pendingProgress(std::make_unique<ProgressWindowController>(this)),
       m_pending(std::make_unique<PendingDvars>(server, actions, fetcher, *m_pendingProgress))
 {
