@@ -196,8 +196,9 @@ QCoro::Task<ConfigurationLoading::Outcome> ConfigurationLoading::writeOne(Config
 
 QCoro::Task<> ConfigurationLoading::tellOfCancel(qsizetype written, qsizetype total)
 {
-    const QString text = tr("%1 of %2 variables were written to the server. The others were left as they are.")
-                             .arg(QString::number(written), QString::number(total));
+    const QString text = tr("%n of %1 variables were written to the server. The others were left as they are.", nullptr,
+                            static_cast<int>(written))
+                             .arg(total);
     const QStringList justOk;
     const AlertManner goodNews{.isGoodNews = true}; // it is what was asked for
     co_await m_alerts.run(tr("Loading Cancelled"), text, justOk, goodNews);

@@ -122,18 +122,15 @@ void ConfigBuilderView::showCatalogues()
     updateButtons();
 }
 
-/// "1 group", "3 groups"
-static QString counted(qsizetype count, const QString &one, const QString &several)
-{
-    return count == 1 ? one : several.arg(count);
-}
-
 void ConfigBuilderView::updateSummary()
 {
     const ConfigurationContent content = selectedContent();
-    const QString groups = counted(content.groups.size(), tr("1 group"), tr("%1 groups"));
-    const QString gametypes = counted(content.gametypes.size(), tr("1 gametype"), tr("%1 gametypes"));
-    const QString variables = counted(writtenEntries(content).size(), tr("1 variable"), tr("%1 variables"));
+    const auto groupCount = static_cast<int>(content.groups.size());
+    const auto gametypeCount = static_cast<int>(content.gametypes.size());
+    const auto variableCount = static_cast<int>(writtenEntries(content).size());
+    const QString groups = groupCount == 1 ? tr("1 group") : tr("%n groups", nullptr, groupCount);
+    const QString gametypes = gametypeCount == 1 ? tr("1 gametype") : tr("%n gametypes", nullptr, gametypeCount);
+    const QString variables = variableCount == 1 ? tr("1 variable") : tr("%n variables", nullptr, variableCount);
     configSummaryLabel->setText(tr("Saving writes %1, %2, %3.").arg(groups, gametypes, variables));
 }
 
@@ -235,7 +232,7 @@ QCoro::Task<bool> ConfigBuilderView::mayLack(QStringList names)
     const qsizetype mostNamed = 10;
     QString named = names.mid(0, mostNamed).join(tr(", "));
     if (names.size() > mostNamed)
-        named = tr("%1 and %2 more").arg(named, QString::number(names.size() - mostNamed));
+        named = tr("%1 and %n more", nullptr, static_cast<int>(names.size() - mostNamed)).arg(named);
     const QString one = tr("The server did not answer for %1; it is not in the file.");
     const QString several = tr("The server did not answer for %1; they are not in the file.");
     const QString text = names.size() == 1 ? one.arg(named) : several.arg(named);

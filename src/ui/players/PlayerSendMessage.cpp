@@ -51,7 +51,7 @@ void PlayerSendMessage::setRecipients(const QStringList &names)
     constexpr qsizetype mostNames = 8;
     QString text = names.mid(0, mostNames).join(QStringLiteral(", "));
     if (names.size() > mostNames)
-        text = tr("%1 and %2 more").arg(text).arg(names.size() - mostNames);
+        text = tr("%1 and %n more", nullptr, static_cast<int>(names.size() - mostNames)).arg(text);
     m_recipients->setText(text);
 }
 

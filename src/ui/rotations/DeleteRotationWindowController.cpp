@@ -42,9 +42,10 @@ void DeleteRotationWindowController::deleteKeyPressed()
 QCoro::Task<> DeleteRotationWindowController::removeAfterQuestion(QStringList names)
 {
     const QPointer<DeleteRotationWindowController> self(this);
-    const QString text = names.size() == 1
-                             ? tr("The rotation \"%1\" will be deleted. This cannot be undone.").arg(names.constFirst())
-                             : tr("%1 rotations will be deleted. This cannot be undone.").arg(names.size());
+    const QString text =
+        names.size() == 1
+            ? tr("The rotation \"%1\" will be deleted. This cannot be undone.").arg(names.constFirst())
+            : tr("%n rotations will be deleted. This cannot be undone.", nullptr, static_cast<int>(names.size()));
     const QStringList buttons{tr("Delete"), tr("Cancel")};
     const AlertManner manner{1};
     const int pressed = co_await m_alerts.run(windowTitle(), text, buttons, manner);

@@ -376,7 +376,9 @@ QCoro::Task<> RotationPane::tellOfMisfits(QStringList misfits, qsizetype lineCou
 {
     constexpr qsizetype mostShown = 5;
     constexpr qsizetype longestShown = 80;
-    QString text = tr("%1 of %2 lines do not fit this table and were left out:").arg(misfits.size()).arg(lineCount);
+    QString text =
+        tr("%n of %1 lines do not fit this table and were left out:", nullptr, static_cast<int>(misfits.size()))
+            .arg(lineCount);
     text += QLatin1Char('\n');
     for (const QString &line : misfits.first(std::min(misfits.size(), mostShown))) {
         const QString head = RowsText::asCell(line.left(longestShown));

@@ -151,7 +151,7 @@ void Connecting::comeBack(std::chrono::milliseconds silence, int differences)
 {
     const auto seconds = std::chrono::round<std::chrono::seconds>(silence).count();
     const QString time = QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar(u'0'));
-    const QString differ = differences == 1 ? tr("1 setting differs") : tr("%1 settings differ").arg(differences);
+    const QString differ = differences == 1 ? tr("1 setting differs") : tr("%n settings differ", nullptr, differences);
     const QString text = tr("Connected again after %1, %2").arg(time, differ);
     m_parts.status.setStatus(text);
     m_workplace.server.appendConsoleNote(text);

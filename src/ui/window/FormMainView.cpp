@@ -97,7 +97,7 @@ void FormMainView::tellOfUnknownSettings(int unknown, int total)
 {
     if (unknown > 0)
         m_workplace.server.appendConsoleNote(
-            tr("%1 of %2 catalogued settings are not on this server").arg(unknown).arg(total));
+            tr("%n of %1 catalogued settings are not on this server", nullptr, unknown).arg(total));
 }
 
 void FormMainView::connectTo(ConnectTarget target)
