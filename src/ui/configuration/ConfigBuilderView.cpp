@@ -149,7 +149,8 @@ void ConfigBuilderView::updateButtons()
 {
     const bool isConnected = m_server.isConnected();
     const bool isWaiting = m_pending->isUnderWay();
-    saveConfigButton->setEnabled(!m_server.dvarList().isEmpty() && !isWaiting); // also when the server has gone
+    saveConfigButton->setEnabled(!m_server.dvarList().isEmpty() &&
+                                 !isWaiting); // values that were fetched can be saved after a disconnect
     for (QPushButton *button : {loadConfigButton, compareConfigButton})
         button->setEnabled(isConnected && !isWaiting && !m_loading->isUnderWay());
     configBuilderGeneralSettingsTable->setPlaceholder(
@@ -180,7 +181,7 @@ void ConfigBuilderView::openPanel(const QString &name, const QString &title, QFi
     panel->setAcceptMode(mode);
     panel->setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     panel->setDefaultSuffix(QStringLiteral("cfg"));
-    // The dialog would ask in an event loop of its own; saveConfigTo asks instead.
+    // The dialog would ask in a nested event loop; saveConfigTo asks instead.
     panel->setOption(QFileDialog::DontConfirmOverwrite);
     connect(panel, &QDialog::finished, this, [this, panel, chosen = std::move(chosen)](int result) {
         const QString path = panel->selectedFiles().value(0);
@@ -195,7 +196,7 @@ void ConfigBuilderView::openPanel(const QString &name, const QString &title, QFi
 void ConfigBuilderView::saveConfigButtonPressed()
 {
     ConfigurationContent content = selectedContent();
-    content.dvars.clear(); // the values of the moment of writing count
+    content.dvars.clear(); // the values are taken when the file is written
     openPanel(QStringLiteral("saveConfigPanel"), tr("Save Configuration"), QFileDialog::AcceptSave,
               [this, content](const QString &path) { m_actions.start(saveSelected(path, content)); });
 }
@@ -218,7 +219,7 @@ QCoro::Task<> ConfigBuilderView::saveSelected(QString path, ConfigurationContent
     const PendingDvars::End end = co_await m_pending->finish(names);
     if (end != PendingDvars::End::Settled)
         co_return;
-    content.dvars = m_server.dvarList(); // before the question: afterwards it may be another server's
+    content.dvars = m_server.dvarList(); // before the question, during which the server may change
     const QStringList unanswered = m_pending->unanswered(names);
     const bool goesOn = co_await mayLack(unanswered);
     if (goesOn)
@@ -277,7 +278,7 @@ void ConfigBuilderView::showComparison(const ConfigurationComparison &comparison
     auto *compareWindow = new CompareWindow(comparison, fileName, window());
     connect(compareWindow, &CompareWindow::loadRequested, this,
             [this](const QList<ConfigurationEntry> &entries) { m_actions.start(m_loading->loadEntries(entries)); });
-    // What it shows is no longer what the server has.
+    // The comparison shows values that the server has no longer.
     connect(&m_server, &KelServer::connectionBegan, compareWindow, &QDialog::reject);
     connect(&m_server, &KelServer::isConnectedChanged, compareWindow, &QDialog::reject);
     compareWindow->open();

@@ -42,7 +42,7 @@ PlayerSendMessage::PlayerSendMessage(QWidget *parent)
 
 void PlayerSendMessage::reset()
 {
-    messageTextField->setText({}); // with nothing left to undo
+    messageTextField->setText({}); // Undo must not bring back the last message
     messageTextField->setFocus();
 }
 
@@ -74,5 +74,5 @@ void PlayerSendMessage::cancelPressed()
 void PlayerSendMessage::controlTextDidChange()
 {
     const bool isSendable = m_unsendableLabel->judge(messageTextField->text());
-    sendButton->setEnabled(isSendable && !messageTextField->text().isEmpty()); // sending it would lose it
+    sendButton->setEnabled(isSendable && !messageTextField->text().isEmpty()); // a text that cannot be sent stays
 }

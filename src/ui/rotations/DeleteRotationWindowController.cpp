@@ -15,7 +15,7 @@ DeleteRotationWindowController::DeleteRotationWindowController(RotationStore &st
     setObjectName(QStringLiteral("Delete%1WindowController").arg(labels.kind));
     setWindowTitle(labels.deleteTitle);
     deleteButton->setObjectName(QStringLiteral("deleteButton"));
-    deleteButton->setAutoDefault(false); // what cannot be undone is not done by a stray Return
+    deleteButton->setAutoDefault(false); // deleting cannot be undone, so Return must not press it
     deleteButton->setEnabled(false);
     table()->setDeleteHandler([this] { deleteKeyPressed(); });
     connect(deleteButton, &QPushButton::clicked, this, &DeleteRotationWindowController::deletePressed);
@@ -59,7 +59,7 @@ QCoro::Task<> DeleteRotationWindowController::removeAfterQuestion(QStringList na
 QCoro::Task<> DeleteRotationWindowController::remove(QStringList names)
 {
     const QPointer<DeleteRotationWindowController> self(this);
-    RotationStore &store = m_store; // which outlives the sheet
+    RotationStore &store = m_store; // the store outlives the sheet
     for (const QString &name : std::as_const(names))
         co_await store.deleteRotationNamed(name);
     if (!self)
