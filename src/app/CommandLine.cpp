@@ -1,13 +1,18 @@
 #include "CommandLine.h"
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 
 namespace
 {
+struct Text {
+    Q_DECLARE_TR_FUNCTIONS(CommandLine)
+};
+
 struct Options {
     Options()
     {
-        parser.setApplicationDescription(QStringLiteral(
+        parser.setApplicationDescription(Text::tr(
             "Remote administration of a game server.\n\n"
             "With --connect the password is taken from the environment variable FERROW_RCON_PASSWORD, else from the "
             "saved server, or asked for."));
@@ -16,13 +21,13 @@ struct Options {
         parser.addOptions({help, version, target, demo});
     }
 
-    QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Shows this text.")};
-    QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Shows the version.")};
+    QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}, Text::tr("Shows this text.")};
+    QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")}, Text::tr("Shows the version.")};
     QCommandLineOption target{
         QStringLiteral("connect"),
-        QStringLiteral("Opens connected to the server at HOST:PORT, or to the saved server of this label."),
-        QStringLiteral("HOST:PORT")};
-    QCommandLineOption demo{QStringLiteral("demo"), QStringLiteral("Opens connected to the built-in demo server.")};
+        Text::tr("Opens connected to the server at HOST:PORT, or to the saved server of this label."),
+        Text::tr("HOST:PORT")};
+    QCommandLineOption demo{QStringLiteral("demo"), Text::tr("Opens connected to the built-in demo server.")};
     QCommandLineParser parser;
 };
 } // namespace
@@ -45,7 +50,7 @@ QString CommandLine::answerWithoutDisplay(const QStringList &arguments)
     options.parser.parse(arguments); // what else is on the line is judged later
     if (options.parser.isSet(options.help)) {
         const QString text = options.parser.helpText();
-        return QStringLiteral("Usage: ferrow-rcon [options]\n") + text.section(QLatin1Char('\n'), 1);
+        return Text::tr("Usage: ferrow-rcon [options]\n") + text.section(QLatin1Char('\n'), 1);
     }
     if (options.parser.isSet(options.version))
         return QStringLiteral("ferrow-rcon %1\n").arg(version());
@@ -59,16 +64,16 @@ CommandLine CommandLine::parse(const QStringList &arguments)
         return faulty(options.parser.errorText());
     const QStringList rest = options.parser.positionalArguments();
     if (!rest.isEmpty())
-        return faulty(QStringLiteral("Unexpected argument \"%1\".").arg(rest.first()));
+        return faulty(Text::tr("Unexpected argument \"%1\".").arg(rest.first()));
     CommandLine line;
     line.isDemo = options.parser.isSet(options.demo);
     if (!options.parser.isSet(options.target))
         return line;
     if (line.isDemo)
-        return faulty(QStringLiteral("--connect and --demo exclude each other."));
+        return faulty(Text::tr("--connect and --demo exclude each other."));
     line.target = options.parser.value(options.target).trimmed();
     if (line.target.isEmpty() || line.target.startsWith(QLatin1Char(':')) || line.target.endsWith(QLatin1Char(':')))
         return faulty(
-            QStringLiteral("--connect takes HOST:PORT, for example 192.0.2.10:50960, or the label of a saved server."));
+            Text::tr("--connect takes HOST:PORT, for example 192.0.2.10:50960, or the label of a saved server."));
     return line;
 }

@@ -5,7 +5,7 @@
 #include <utility>
 
 KelGametype::KelGametype(const CatalogueContext &context, CatalogueReader reader, QObject *parent)
-    : QObject(parent), m_context(context), m_reader(std::move(reader))
+    : QObject(parent), m_context(context), m_reader(std::move(reader)), m_formerNames(m_reader.folders().resources)
 {
 }
 
@@ -66,7 +66,8 @@ QString KelGametype::findGametypeByDvar(const QString &dvarName) const
 
 std::shared_ptr<DvarSettingList> KelGametype::findGametypeByName(const QString &name) const
 {
-    return gametypeList().value(name);
+    const QHash<QString, std::shared_ptr<DvarSettingList>> list = gametypeList();
+    return list.value(name, list.value(m_formerNames.present(name)));
 }
 
 void KelGametype::setSelectedSettingList(const std::shared_ptr<DvarSettingList> &list)

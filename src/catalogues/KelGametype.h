@@ -2,6 +2,7 @@
 
 #include "CatalogueContext.h"
 #include "CatalogueReader.h"
+#include "FormerNames.h"
 #include "SharedInstance.h"
 
 #include <QCoroTask>
@@ -38,10 +39,11 @@ public:
     /// The gametypes of gametypeList(), in the order of the file.
     QList<std::shared_ptr<DvarSettingList>> listedGametypes() const;
     QString version() const { return m_version; }
+    const FormerNames &formerNames() const { return m_formerNames; }
 
     /// The display name of a gametype with this short name; the short name itself when it is unknown.
     QString findGametypeByDvar(const QString &dvarName) const;
-    /// The gametype with this display name, or null.
+    /// The gametype with this display name, or with the present one where this is a former name; null if there is none.
     std::shared_ptr<DvarSettingList> findGametypeByName(const QString &name) const;
 
     /// The gametype whose settings are shown; null when there is none.
@@ -61,6 +63,7 @@ signals:
 private:
     CatalogueContext m_context;
     CatalogueReader m_reader;
+    FormerNames m_formerNames;
     QList<std::shared_ptr<DvarSettingList>> m_gametypes;
     std::weak_ptr<DvarSettingList> m_selectedSettingList;
     QString m_version;

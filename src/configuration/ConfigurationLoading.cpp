@@ -39,8 +39,19 @@ private:
     ConfigurationLoading &m_loading;
 };
 
-ConfigurationLoading::ConfigurationLoading(KelServer &server, ActionQueue &actions, Alerts &alerts, Progress &progress)
-    : m_server(server), m_actions(actions), m_alerts(alerts), m_progress(progress)
+static void takePresentNames(QList<ConfigurationEntry> &entries, const FormerNames &names)
+{
+    for (ConfigurationEntry &entry : entries) {
+        entry.dvar = names.present(entry.dvar);
+        if (entry.dvar.startsWith(QLatin1String("playlist_exclude")))
+            entry.value = names.presentWords(entry.value);
+    }
+}
+
+ConfigurationLoading::ConfigurationLoading(KelServer &server, ActionQueue &actions, Alerts &alerts, Progress &progress,
+                                           FormerNames formerNames)
+    : m_server(server), m_actions(actions), m_alerts(alerts), m_progress(progress),
+      m_formerNames(std::move(formerNames))
 {
     const auto callOff = [this] {
         m_isCalledOff = true;
@@ -127,6 +138,8 @@ QCoro::Task<QList<ConfigurationEntry>> ConfigurationLoading::parse(QString path,
     const QFuture<QList<ConfigurationEntry>> pending =
         QtConcurrent::run([text] { return ConfigurationFile::entries(text); });
     QList<ConfigurationEntry> entries = co_await pending;
+    if (m_formerNames.haveChangedFor(m_server.dvarList()))
+        takePresentNames(entries, m_formerNames);
     const bool areTooMany = entries.size() > ConfigurationFile::mostEntries;
     if (m_isCalledOff || (!entries.isEmpty() && !areTooMany))
         co_return entries;
@@ -183,8 +196,9 @@ QCoro::Task<ConfigurationLoading::Outcome> ConfigurationLoading::writeOne(Config
 
 QCoro::Task<> ConfigurationLoading::tellOfCancel(qsizetype written, qsizetype total)
 {
-    const QString text = tr("%1 of %2 variables were written to the server. The others were left as they are.")
-                             .arg(QString::number(written), QString::number(total));
+    const QString text = tr("%n of %1 variables were written to the server. The others were left as they are.", nullptr,
+                            static_cast<int>(written))
+                             .arg(total);
     const QStringList justOk;
     const AlertManner goodNews{.isGoodNews = true}; // it is what was asked for
     co_await m_alerts.run(tr("Loading Cancelled"), text, justOk, goodNews);

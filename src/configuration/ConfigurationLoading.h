@@ -2,6 +2,7 @@
 
 #include "ConfigurationComparison.h"
 #include "ConfigurationFile.h"
+#include "FormerNames.h"
 
 #include <QCoroTask>
 
@@ -24,7 +25,9 @@ class ConfigurationLoading : public QObject
     Q_OBJECT
 public:
     /// Everything handed in outlives this; `progress` is this one's alone.
-    ConfigurationLoading(KelServer &server, ActionQueue &actions, Alerts &alerts, Progress &progress);
+    /// @param formerNames  what files may call by a former name.
+    ConfigurationLoading(KelServer &server, ActionQueue &actions, Alerts &alerts, Progress &progress,
+                         FormerNames formerNames = {});
     ~ConfigurationLoading() override;
 
     /// Writes the variables of the file at `path`, and tells what went wrong. The action that calls it has no turn.
@@ -47,6 +50,7 @@ private:
 
     void beginProgress();
     QCoro::Task<std::optional<QString>> readText(QString path);
+    /// By present names where the server goes by them.
     /// @return nothing if that is all the text sets, or if it sets too much; the user has been told so.
     QCoro::Task<QList<ConfigurationEntry>> parse(QString path, QString text);
     QCoro::Task<> write(QList<ConfigurationEntry> entries);
@@ -57,6 +61,7 @@ private:
     ActionQueue &m_actions;
     Alerts &m_alerts;
     Progress &m_progress;
+    FormerNames m_formerNames;
     bool m_isUnderWay = false;
     bool m_isCancelled = false; ///< by the user, who is told how far it came
     bool m_isCalledOff = false; ///< with the connection

@@ -8,55 +8,58 @@
 
 namespace
 {
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("DemoCommandLine", text);
-}
+struct Text {
+    Q_DECLARE_TR_FUNCTIONS(DemoCommandLine)
+};
 
 QList<QCommandLineOption> knownOptions()
 {
     return {
-        {{QStringLiteral("h"), QStringLiteral("help")}, tr("Show this help.")},
-        {{QStringLiteral("v"), QStringLiteral("version")}, tr("Show the version.")},
-        {QStringLiteral("port"), tr("UDP port on 127.0.0.1, 0 to 65535. Default 0: any free one."), tr("PORT")},
+        {{QStringLiteral("h"), QStringLiteral("help")}, Text::tr("Show this help.")},
+        {{QStringLiteral("v"), QStringLiteral("version")}, Text::tr("Show the version.")},
+        {QStringLiteral("port"), Text::tr("UDP port on 127.0.0.1, 0 to 65535. Default 0: any free one."),
+         Text::tr("PORT")},
         {QStringLiteral("password"),
-         tr("Password to ask for. Others on this machine can read it in the list of processes: the environment "
-            "variable "
-            "FERROW_DEMO_PASSWORD is the better place. Default: demo."),
-         tr("TEXT")},
-        {QStringLiteral("ranked"), tr("Be a ranked server.")},
-        {QStringLiteral("playlists"), tr("Play playlists instead of the map rotation.")},
-        {QStringLiteral("players"), tr("About how many players there are, 0 to 1000. Default 12."), tr("N")},
-        {QStringLiteral("seed"), tr("Same number, same game. Default 1."), tr("N")},
-        {QStringLiteral("frozen"), tr("Let no time pass: nobody comes, goes or scores.")},
-        {QStringLiteral("loss"), tr("Lose datagrams with this probability, 0 to 1."), tr("P")},
-        {QStringLiteral("delay"), tr("Answer this many milliseconds later, 0 to 60000."), tr("MS")},
-        {QStringLiteral("duplicate"), tr("Send datagrams twice with this probability, 0 to 1."), tr("P")},
-        {QStringLiteral("garbage"), tr("Answer with rubbish with this probability, 0 to 1."), tr("P")},
-        {QStringLiteral("reorder"), tr("Send the parts of a reply in another order.")},
-        {QStringLiteral("silent"), tr("Answer nothing.")},
-        {QStringLiteral("silent-after"), tr("Send only the first datagrams of a reply, up to 1000. Default 0: all."),
-         tr("N")},
-        {QStringLiteral("other-port"), tr("Answer from another port than the one that was asked.")},
-        {QStringLiteral("refusal-text"), tr("Refuse a wrong password with a text.")},
-        {QStringLiteral("gap"), tr("Let this many milliseconds pass between the parts of a reply, 0 to 60000."),
-         tr("MS")},
-        {QStringLiteral("stranger"), tr("Let 127.0.0.2 send a false reply before each true one.")},
+         Text::tr("Password to ask for. Others on this machine can read it in the list of processes: the environment "
+                  "variable "
+                  "FERROW_DEMO_PASSWORD is the better place. Default: demo."),
+         Text::tr("TEXT")},
+        {QStringLiteral("ranked"), Text::tr("Be a ranked server.")},
+        {QStringLiteral("playlists"), Text::tr("Play playlists instead of the map rotation.")},
+        {QStringLiteral("players"), Text::tr("About how many players there are, 0 to 1000. Default 12."),
+         Text::tr("N")},
+        {QStringLiteral("seed"), Text::tr("Same number, same game. Default 1."), Text::tr("N")},
+        {QStringLiteral("frozen"), Text::tr("Let no time pass: nobody comes, goes or scores.")},
+        {QStringLiteral("loss"), Text::tr("Lose datagrams with this probability, 0 to 1."), Text::tr("P")},
+        {QStringLiteral("delay"), Text::tr("Answer this many milliseconds later, 0 to 60000."), Text::tr("MS")},
+        {QStringLiteral("duplicate"), Text::tr("Send datagrams twice with this probability, 0 to 1."), Text::tr("P")},
+        {QStringLiteral("garbage"), Text::tr("Answer with rubbish with this probability, 0 to 1."), Text::tr("P")},
+        {QStringLiteral("reorder"), Text::tr("Send the parts of a reply in another order.")},
+        {QStringLiteral("silent"), Text::tr("Answer nothing.")},
+        {QStringLiteral("silent-after"),
+         Text::tr("Send only the first datagrams of a reply, up to 1000. Default 0: all."), Text::tr("N")},
+        {QStringLiteral("other-port"), Text::tr("Answer from another port than the one that was asked.")},
+        {QStringLiteral("refusal-text"), Text::tr("Refuse a wrong password with a text.")},
+        {QStringLiteral("gap"), Text::tr("Let this many milliseconds pass between the parts of a reply, 0 to 60000."),
+         Text::tr("MS")},
+        {QStringLiteral("stranger"), Text::tr("Let 127.0.0.2 send a false reply before each true one.")},
         {QStringLiteral("throttle"),
-         tr("Ignore what comes sooner than this many milliseconds after the last command that was answered, 0 to "
-            "60000."),
-         tr("MS")},
+         Text::tr("Ignore what comes sooner than this many milliseconds after the last command that was answered, 0 to "
+                  "60000."),
+         Text::tr("MS")},
         {QStringLiteral("lockout"),
-         tr("Ignore for 180 seconds who sends more than this many requests within 30 seconds, up to 1000. Default 0: "
-            "nobody."),
-         tr("N")},
+         Text::tr(
+             "Ignore for 180 seconds who sends more than this many requests within 30 seconds, up to 1000. Default 0: "
+             "nobody."),
+         Text::tr("N")},
         {QStringLiteral("restart-after"),
-         tr("Go away this many seconds after the start, up to 86400, and come back 3 seconds later with a new game. "
-            "Default 0: never."),
-         tr("S")},
-        {QStringLiteral("restart-mode"), tr("Come back as unranked, playlists or ranked."), tr("MODE")},
-        {QStringLiteral("sparse"), tr("Know next to none of the variables of settings, gametypes and maps.")},
-        {QStringLiteral("no-count"), tr("List all variables without their number at the end.")},
+         Text::tr(
+             "Go away this many seconds after the start, up to 86400, and come back 3 seconds later with a new game. "
+             "Default 0: never."),
+         Text::tr("S")},
+        {QStringLiteral("restart-mode"), Text::tr("Come back as unranked, playlists or ranked."), Text::tr("MODE")},
+        {QStringLiteral("sparse"), Text::tr("Know next to none of the variables of settings, gametypes and maps.")},
+        {QStringLiteral("no-count"), Text::tr("List all variables without their number at the end.")},
     };
 }
 
@@ -77,7 +80,8 @@ public:
         const quint64 number = text.toULongLong(&isNumber);
         if (isNumber && number <= highest)
             return number;
-        refuse(tr("--%1 takes a whole number from 0 to %2, not \"%3\".").arg(name, QString::number(highest), text));
+        refuse(
+            Text::tr("--%1 takes a whole number from 0 to %2, not \"%3\".").arg(name, QString::number(highest), text));
         return fallback;
     }
 
@@ -90,7 +94,7 @@ public:
         const double number = text.toDouble(&isNumber);
         if (isNumber && number >= 0 && number <= 1)
             return number;
-        refuse(tr("--%1 takes a number from 0 to 1, not \"%2\".").arg(name, text));
+        refuse(Text::tr("--%1 takes a number from 0 to 1, not \"%2\".").arg(name, text));
         return 0;
     }
 
@@ -109,7 +113,7 @@ public:
         if (text == u"playlists")
             return DemoMode::Playlists;
         if (text != u"ranked")
-            refuse(tr("--%1 takes unranked, playlists or ranked, not \"%2\".").arg(name, text));
+            refuse(Text::tr("--%1 takes unranked, playlists or ranked, not \"%2\".").arg(name, text));
         return DemoMode::Ranked;
     }
 
@@ -117,7 +121,7 @@ public:
     void demand(const QString &name, const QString &other)
     {
         if (m_parser.isSet(name) && !m_parser.isSet(other))
-            refuse(tr("--%1 needs --%2.").arg(name, other));
+            refuse(Text::tr("--%1 needs --%2.").arg(name, other));
     }
 
     QString password(const QString &environmentPassword)
@@ -130,7 +134,8 @@ public:
             return c.unicode() >= 0x20 && c.unicode() < 0x100 && c != u'"' && c != u'\x7f';
         });
         if (!canBeSent)
-            refuse(tr("The password may hold no double quotes, no control characters and nothing outside Latin-1."));
+            refuse(
+                Text::tr("The password may hold no double quotes, no control characters and nothing outside Latin-1."));
         return text;
     }
 
@@ -189,7 +194,7 @@ DemoOptions readOptions(const QCommandLineParser &parser, OptionReader &reader, 
 DemoCommandLine DemoCommandLine::parse(const QStringList &arguments, const QString &environmentPassword)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(tr(
+    parser.setApplicationDescription(Text::tr(
         "A simulated game server for trying out the Kelvard Ferrow Remote Console. It listens on this machine only."));
     parser.addOptions(knownOptions());
     DemoCommandLine line;
@@ -209,7 +214,7 @@ DemoCommandLine DemoCommandLine::parse(const QStringList &arguments, const QStri
     line.options = readOptions(parser, reader, environmentPassword);
     line.text = reader.error();
     if (line.text.isEmpty() && !parser.positionalArguments().isEmpty())
-        line.text = tr("There is no use for \"%1\".").arg(parser.positionalArguments().first());
+        line.text = Text::tr("There is no use for \"%1\".").arg(parser.positionalArguments().first());
     line.task = line.text.isEmpty() ? Task::Serve : Task::Refuse;
     return line;
 }

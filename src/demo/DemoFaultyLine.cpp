@@ -27,7 +27,7 @@ QList<DemoDatagram> DemoFaultyLine::carry(QList<QByteArray> datagrams)
             if (m_random.happens(m_faults.duplication))
                 arriving.append({datagram, sender, after});
         }
-        after += m_faults.gap; // one that is lost was sent all the same
+        after += m_faults.gap; // a lost datagram takes its time too
     }
     return arriving;
 }
@@ -36,7 +36,7 @@ QByteArray DemoFaultyLine::malformedDatagram()
 {
     QByteArray head(4, '\xff');
     const auto noise = [this](int length) {
-        QByteArray bytes(1, '\0'); // a reply would begin otherwise
+        QByteArray bytes(1, '\0'); // no reply begins with a zero
         while (bytes.size() < length)
             bytes.append(static_cast<char>(m_random.below(256)));
         return bytes;

@@ -27,7 +27,7 @@ DemoGame::DemoGame(const DemoOptions &options)
       m_hasDumpCount(options.dumpCount)
 {
     m_variables = setUp(options, m_players.capacity());
-    // Nobody sees what the console prints before the first client comes.
+    // There is no client yet that the console could answer.
     [[maybe_unused]] const QString printed = playNextMatch();
     m_players.catchUp(*m_gametype, m_random);
 }
@@ -40,7 +40,7 @@ void DemoGame::advance(std::chrono::milliseconds time)
         m_now += DemoPlayers::StepMilliseconds;
         m_players.step(m_now, *m_gametype, m_random);
         if (m_now % RoundCheckMilliseconds == 0 && isRoundOver()) {
-            // Nobody waits for what the console prints about it.
+            // The round ended by itself, so no client gets the answer of the console.
             [[maybe_unused]] const QString printed = playNextMatch();
         }
     }

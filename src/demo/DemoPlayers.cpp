@@ -4,7 +4,7 @@
 
 namespace
 {
-constexpr qint64 MinimumAbsence = 45'000; // whoever leaves does something else first
+constexpr qint64 MinimumAbsence = 45'000; // a player who leaves stays away for this long
 constexpr int StepsInASecond = 1000 / DemoPlayers::StepMilliseconds;
 
 QString withoutColours(const QString &name)

@@ -25,7 +25,7 @@ constexpr int RequestsAtOnce = 64;            // between two looks at whether to
 constexpr int StepsAtOnce = 40;               // after a sleep of the machine the game goes on, it does not catch up
 constexpr qsizetype LargestDatagram = 65'536;
 constexpr auto PortRetry = 250ms;                // when somebody took the port of a server that is away
-constexpr quint64 LineSeed = 0x9e3779b97f4a7c15; // faults must not follow the chance of the game
+constexpr quint64 LineSeed = 0x9e3779b97f4a7c15; // faults are independent of the game's random numbers
 
 bool setNonBlocking(int descriptor)
 {
@@ -72,7 +72,7 @@ bool DemoServer::start(QString *error)
         return false;
     }
     const Clock::time_point now = Clock::now();
-    if (m_restart == Restart::Away) // stopped meanwhile
+    if (m_restart == Restart::Away) // it was stopped while it was away
         beginAnew();
     m_restartDue = now + m_options.restartAfter;
     m_nextStep = now + Step;
@@ -192,7 +192,7 @@ void DemoServer::restartWhenDue()
         m_restartDue = now + PortRetry;
         return;
     }
-    // Where there is no stranger, start() has told so, or nobody wants one.
+    // Without a second socket there is no stranger: none was asked for, or start() has failed.
     [[maybe_unused]] const bool hasStranger = m_sockets.openStranger();
     beginAnew();
     m_nextStep = now + Step;

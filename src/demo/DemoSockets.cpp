@@ -45,7 +45,7 @@ quint16 DemoSockets::open(quint16 port)
 bool DemoSockets::openStranger()
 {
     DemoDescriptor stranger = openSocket();
-    // Without its address it would speak as the server itself.
+    // Without an address of its own the stranger would answer from that of the server.
     if (!stranger.isOpen() || bindTo(stranger, StrangerAddress, 0) == 0)
         return false;
     m_stranger = std::move(stranger);

@@ -132,7 +132,7 @@ constexpr auto Table = std::to_array<Row>({
 });
 
 constexpr auto SparseNames = std::to_array<const char *>({
-    // what a console cannot do without
+    // what a console requires
     "playlist_enabled",
     "playlist_excludeGametype",
     "playlist_excludeGametypeMap",
@@ -147,7 +147,7 @@ constexpr auto SparseNames = std::to_array<const char *>({
     "sv_mapRotation",
     "sv_mapRotationCurrent",
     "sv_maxclients",
-    // what tells the game and its place
+    // what identifies the game and the server
     "gamename",
     "net_ip",
     "protocol",

@@ -15,7 +15,7 @@ constexpr int WrongUse = 2;
 void print(std::FILE *file, const QString &text)
 {
     const QByteArray bytes = text.toLocal8Bit();
-    // Nobody is there to be told when nobody reads.
+    // A failed write is not reported: there is no other place to report it.
     [[maybe_unused]] const std::size_t written =
         std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), file);
     [[maybe_unused]] const int flushed = std::fflush(file);

@@ -2,19 +2,21 @@
 
 #include <QCoreApplication>
 
-static QString tr(const char *text)
+namespace
 {
-    return QCoreApplication::translate("ColorCodes", text);
-}
+struct Text {
+    Q_DECLARE_TR_FUNCTIONS(ColorCodes)
+};
+} // namespace
 
 const QList<ColorCode> &colorCodes()
 {
     static const QList<ColorCode> codes{
-        {0, tr("Black"), 0x000000},   {1, tr("Red"), 0xff5050},
-        {2, tr("Green"), 0x40e060},   {3, tr("Yellow"), 0xf5e050},
-        {4, tr("Blue"), 0x6080ff},    {5, tr("Cyan"), 0x50e8f0},
-        {6, tr("Magenta"), 0xf070e8}, {7, tr("White (default)"), 0xffffff},
-        {8, tr("Grey"), 0xa8a8a8},    {9, tr("Brown"), 0xb08050},
+        {0, Text::tr("Black"), 0x000000},   {1, Text::tr("Red"), 0xff5050},
+        {2, Text::tr("Green"), 0x40e060},   {3, Text::tr("Yellow"), 0xf5e050},
+        {4, Text::tr("Blue"), 0x6080ff},    {5, Text::tr("Cyan"), 0x50e8f0},
+        {6, Text::tr("Magenta"), 0xf070e8}, {7, Text::tr("White (default)"), 0xffffff},
+        {8, Text::tr("Grey"), 0xa8a8a8},    {9, Text::tr("Brown"), 0xb08050},
     };
     return codes;
 }

@@ -13,6 +13,7 @@
 template <typename Kind>
 class RotationDocument
 {
+    Q_DECLARE_TR_FUNCTIONS(RotationDocument)
 public:
     using Rotation = typename Kind::Rotation;
     using Dictionary = QMap<QString, Rotation>;
@@ -44,8 +45,6 @@ public:
     }
 
 private:
-    static QString tr(const char *text) { return QCoreApplication::translate("RotationDocument", text); }
-
     static QByteArray serialized(const Dictionary &rotations)
     {
         pugi::xml_document document;

@@ -60,6 +60,17 @@ private slots:
         QVERIFY(!gametypes.findGametypeByName("tdm"));
     }
 
+    void findsGametypesByFormerNames()
+    {
+        LoadedCatalogues loaded;
+        QVERIFY(loaded.files.write(loaded.files.folders().resources + "/former.names", "Old\tNew\nKept\tNew\n"));
+        KelGametype gametypes(loaded.context, loaded.reader);
+        gametypes.takeDocument(*XmlDocument::parse("<g>" + gametype("New", "n") + gametype("Kept", "k") + "</g>"));
+        QCOMPARE(gametypes.findGametypeByName("Old")->dvarName(), QString("n"));
+        QCOMPARE(gametypes.findGametypeByName("Kept")->dvarName(), QString("k")); // a catalogue of the user's own
+        QVERIFY(!gametypes.findGametypeByName("Never"));
+    }
+
     void selectsGametypes()
     {
         LoadedCatalogues loaded;

@@ -23,6 +23,28 @@ private slots:
         QCOMPARE(dvarNames.size(), loaded.maps.arrangedMaps().size());
     }
 
+    void formerNamesLeadToPresentOnes()
+    {
+        LoadedCatalogues loaded(FERROW_RESOURCES);
+        QVERIFY(hasEnded(loaded.maps.loadMapList()) && hasEnded(loaded.gametypes.loadGametypeList()));
+        QSet<QString> present;
+        for (const MapInst &map : loaded.maps.arrangedMaps())
+            present += {map.dvarName, map.excludeDvar};
+        for (const auto &gametype : loaded.gametypes.listedGametypes())
+            present += {gametype->name(), gametype->dvarName()};
+        for (const QString &dvar : loaded.catalogues.gametypeDvars())
+            present.insert(dvar);
+        QVERIFY(hasEnded(loaded.session.connectTo({}, "1")) && hasEnded(loaded.catalogues.loadCatalogues()));
+        for (const QString &dvar : loaded.catalogues.settingDvars())
+            present.insert(dvar);
+        const QHash<QString, QString> &names = loaded.gametypes.formerNames().names();
+        QVERIFY(names.size() > 200);
+        for (auto each = names.cbegin(); each != names.cend(); ++each) {
+            QVERIFY2(present.contains(each.value()), qPrintable(each.value()));
+            QVERIFY2(!present.contains(each.key()), qPrintable(each.key()));
+        }
+    }
+
     void settings_data()
     {
         QTest::addColumn<QString>("which");

@@ -171,6 +171,35 @@ private slots:
         QCOMPARE(with.exchange.sent().size(), 2);
     }
 
+    void formerNamesAreSentAsTheServerKnowsThem_data()
+    {
+        QTest::addColumn<QString>("server"); // what it lists
+        QTest::addColumn<QStringList>("sent");
+        const QString mine = "setadmindvar mine \"old\"";
+        const QStringList asInTheFile{"setadmindvar old \"1\"", "setadmindvar playlist_excludeMap \"m_old x\"", mine};
+        QTest::newRow("present names") << "new \"0\"\n"
+                                       << QStringList{"setadmindvar new \"1\"",
+                                                      "setadmindvar playlist_excludeMap \"m_new x\"", mine};
+        QTest::newRow("former names") << "new \"0\"\nold \"0\"\n" << asInTheFile;
+        QTest::newRow("names of its own") << "" << asInTheFile;
+    }
+    void formerNamesAreSentAsTheServerKnowsThem()
+    {
+        QFETCH(QString, server);
+        Loading with;
+        QFile table(with.folder.filePath("former.names"));
+        QVERIFY(table.open(QIODevice::WriteOnly) && table.write("// the former first\nold\tnew\nm_old\tm_new\n") > 0);
+        table.close();
+        for (const QString &line : server.split(u'\n'))
+            with.server.addDvarLine(line);
+        ConfigurationLoading loading(with.server, with.actions, with.alerts, with.progress,
+                                     FormerNames(with.folder.path()));
+        with.write("old \"1\"\nplaylist_excludeMap \"m_old x\"\nmine \"old\"\n");
+        with.actions.start(loading.loadFile(with.path));
+        QVERIFY(with.settle());
+        QTEST(with.exchange.sent(), "sent");
+    }
+
     void cancelledAtTheLastNothingIsLeft()
     {
         Loading with;

@@ -37,7 +37,8 @@ ConfigBuilderView::ConfigBuilderView(KelServer &server, ActionQueue &actions, Al
       compareConfigButton(new QPushButton(tr("Compare With File…"), this)), m_server(server), m_actions(actions),
       m_alerts(alerts), m_fetcher(fetcher), m_settings(settings), m_gametypes(gametypes),
       m_progressWindowController(std::make_unique<ProgressWindowController>(this)),
-      m_loading(std::make_unique<ConfigurationLoading>(server, actions, alerts, *m_progressWindowController)),
+      m_loading(std::make_unique<ConfigurationLoading>(server, actions, alerts, *m_progressWindowController,
+                                                       gametypes.formerNames())),
       m_pendingProgress(std::make_unique<ProgressWindowController>(this)),
       m_pending(std::make_unique<PendingDvars>(server, actions, fetcher, *m_pendingProgress))
 {
@@ -121,18 +122,15 @@ void ConfigBuilderView::showCatalogues()
     updateButtons();
 }
 
-/// "1 group", "3 groups"
-static QString counted(qsizetype count, const QString &one, const QString &several)
-{
-    return count == 1 ? one : several.arg(count);
-}
-
 void ConfigBuilderView::updateSummary()
 {
     const ConfigurationContent content = selectedContent();
-    const QString groups = counted(content.groups.size(), tr("1 group"), tr("%1 groups"));
-    const QString gametypes = counted(content.gametypes.size(), tr("1 gametype"), tr("%1 gametypes"));
-    const QString variables = counted(writtenEntries(content).size(), tr("1 variable"), tr("%1 variables"));
+    const auto groupCount = static_cast<int>(content.groups.size());
+    const auto gametypeCount = static_cast<int>(content.gametypes.size());
+    const auto variableCount = static_cast<int>(writtenEntries(content).size());
+    const QString groups = groupCount == 1 ? tr("1 group") : tr("%n groups", nullptr, groupCount);
+    const QString gametypes = gametypeCount == 1 ? tr("1 gametype") : tr("%n gametypes", nullptr, gametypeCount);
+    const QString variables = variableCount == 1 ? tr("1 variable") : tr("%n variables", nullptr, variableCount);
     configSummaryLabel->setText(tr("Saving writes %1, %2, %3.").arg(groups, gametypes, variables));
 }
 
@@ -151,7 +149,8 @@ void ConfigBuilderView::updateButtons()
 {
     const bool isConnected = m_server.isConnected();
     const bool isWaiting = m_pending->isUnderWay();
-    saveConfigButton->setEnabled(!m_server.dvarList().isEmpty() && !isWaiting); // also when the server has gone
+    saveConfigButton->setEnabled(!m_server.dvarList().isEmpty() &&
+                                 !isWaiting); // values that were fetched can be saved after a disconnect
     for (QPushButton *button : {loadConfigButton, compareConfigButton})
         button->setEnabled(isConnected && !isWaiting && !m_loading->isUnderWay());
     configBuilderGeneralSettingsTable->setPlaceholder(
@@ -182,7 +181,7 @@ void ConfigBuilderView::openPanel(const QString &name, const QString &title, QFi
     panel->setAcceptMode(mode);
     panel->setFileMode(mode == QFileDialog::AcceptSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     panel->setDefaultSuffix(QStringLiteral("cfg"));
-    // The dialog would ask in an event loop of its own; saveConfigTo asks instead.
+    // The dialog would ask in a nested event loop; saveConfigTo asks instead.
     panel->setOption(QFileDialog::DontConfirmOverwrite);
     connect(panel, &QDialog::finished, this, [this, panel, chosen = std::move(chosen)](int result) {
         const QString path = panel->selectedFiles().value(0);
@@ -197,7 +196,7 @@ void ConfigBuilderView::openPanel(const QString &name, const QString &title, QFi
 void ConfigBuilderView::saveConfigButtonPressed()
 {
     ConfigurationContent content = selectedContent();
-    content.dvars.clear(); // the values of the moment of writing count
+    content.dvars.clear(); // the values are taken when the file is written
     openPanel(QStringLiteral("saveConfigPanel"), tr("Save Configuration"), QFileDialog::AcceptSave,
               [this, content](const QString &path) { m_actions.start(saveSelected(path, content)); });
 }
@@ -220,7 +219,7 @@ QCoro::Task<> ConfigBuilderView::saveSelected(QString path, ConfigurationContent
     const PendingDvars::End end = co_await m_pending->finish(names);
     if (end != PendingDvars::End::Settled)
         co_return;
-    content.dvars = m_server.dvarList(); // before the question: afterwards it may be another server's
+    content.dvars = m_server.dvarList(); // before the question, during which the server may change
     const QStringList unanswered = m_pending->unanswered(names);
     const bool goesOn = co_await mayLack(unanswered);
     if (goesOn)
@@ -234,7 +233,7 @@ QCoro::Task<bool> ConfigBuilderView::mayLack(QStringList names)
     const qsizetype mostNamed = 10;
     QString named = names.mid(0, mostNamed).join(tr(", "));
     if (names.size() > mostNamed)
-        named = tr("%1 and %2 more").arg(named, QString::number(names.size() - mostNamed));
+        named = tr("%1 and %n more", nullptr, static_cast<int>(names.size() - mostNamed)).arg(named);
     const QString one = tr("The server did not answer for %1; it is not in the file.");
     const QString several = tr("The server did not answer for %1; they are not in the file.");
     const QString text = names.size() == 1 ? one.arg(named) : several.arg(named);
@@ -279,7 +278,7 @@ void ConfigBuilderView::showComparison(const ConfigurationComparison &comparison
     auto *compareWindow = new CompareWindow(comparison, fileName, window());
     connect(compareWindow, &CompareWindow::loadRequested, this,
             [this](const QList<ConfigurationEntry> &entries) { m_actions.start(m_loading->loadEntries(entries)); });
-    // What it shows is no longer what the server has.
+    // The comparison shows values that the server has no longer.
     connect(&m_server, &KelServer::connectionBegan, compareWindow, &QDialog::reject);
     connect(&m_server, &KelServer::isConnectedChanged, compareWindow, &QDialog::reject);
     compareWindow->open();

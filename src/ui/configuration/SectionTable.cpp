@@ -22,7 +22,7 @@ SectionTable::SectionTable(const QString &title, QWidget *parent)
 {
     setModel(controller->arranged());
     setSelectionModel(controller->selection());
-    horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder); // the catalogue's order, until another is asked for
+    horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder); // unsorted at first: the catalogue's order
     setSortingEnabled(true);
     horizontalHeader()->setStretchLastSection(false);
     horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);

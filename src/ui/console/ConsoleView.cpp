@@ -73,7 +73,7 @@ QCoro::Task<> ConsoleView::sendLine(QString line)
         const Reply reply = co_await m_server.consoleInputDidChange(line);
         isSent = !reply.isRefused;
     }
-    if (!isSent && consoleInput->text().isEmpty()) // called off or refused: not lost
+    if (!isSent && consoleInput->text().isEmpty()) // a command that was not sent comes back
         consoleInput->setText(line);
 }
 

@@ -20,7 +20,7 @@ TranscriptView::TranscriptView(QWidget *parent) : QPlainTextEdit(parent)
     QScrollBar *bar = verticalScrollBar();
     connect(bar, &QScrollBar::valueChanged, this, [this, bar](int value) { m_followsEnd = value == bar->maximum(); });
     connect(bar, &QScrollBar::rangeChanged, this, [this, bar](int, int maximum) {
-        // What can be seen as a whole, because it was emptied or the window grew, shows its end too.
+        // A transcript that fits into the view, emptied or in a larger window, shows its end.
         m_followsEnd = m_followsEnd || bar->value() >= maximum;
         if (m_followsEnd)
             bar->setValue(maximum);
@@ -30,7 +30,7 @@ TranscriptView::TranscriptView(QWidget *parent) : QPlainTextEdit(parent)
     setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
 }
 
-// What stood before a block when it was sent is kept as the block's state; without one it was a line feed.
+// A block's state holds the character that stood before it in the server's text; without a state it was a line feed.
 static constexpr int nothingBefore = 0;
 static constexpr int carriageReturnAndLineFeedBefore = 0x0d0a;
 
@@ -131,7 +131,7 @@ QMimeData *TranscriptView::createMimeDataFromSelection() const
     }
     auto copied = std::make_unique<QMimeData>();
     copied->setText(text);
-    return copied.release(); // to Qt
+    return copied.release(); // Qt deletes it
 }
 
 void TranscriptView::appendConsoleMessage(const QString &text)

@@ -145,7 +145,7 @@ void CurrentMapPane::connectionDidChange(bool isConnected)
 
 void CurrentMapPane::refreshCurrentMapButtonPressed()
 {
-    // One that waits for its turn will fetch what this one would.
+    // A refresh that still waits for its turn makes this one superfluous.
     if (m_isRefreshWaiting || !m_server.isConnected())
         return;
     m_isRefreshWaiting = true;

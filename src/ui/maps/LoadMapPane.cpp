@@ -104,7 +104,7 @@ void LoadMapPane::fillMenu(QMenu &menu)
 void LoadMapPane::gametypeListDidChange()
 {
     const QString chosen = gametypePopUpButton->currentText();
-    const QSignalBlocker blocker(gametypePopUpButton); // the choices in between are nobody's
+    const QSignalBlocker blocker(gametypePopUpButton); // refilling is no choice of the user
     gametypePopUpButton->clear();
     for (const auto &gametype : m_gametypes.listedGametypes())
         gametypePopUpButton->addItem(gametype->name());

@@ -235,7 +235,7 @@ QCoro::Task<> MapsView::setBuiltRotation(QString rotation)
         if (!turn || !isWanted)
             co_return;
     }
-    serverRotationPane->clear(); // what stood there is no longer certain
+    serverRotationPane->clear(); // the server's rotation is unknown until it is read again
     const QStringList variables{QStringLiteral("sv_mapRotation"), QStringLiteral("sv_mapRotationCurrent")};
     for (const QString &variable : variables) {
         const Reply reply = co_await m_server.setDvar(variable, rotation);

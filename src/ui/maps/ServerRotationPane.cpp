@@ -62,7 +62,7 @@ void ServerRotationPane::nameControls()
     mapServerRotationTableView->setAccessibleName(tr("Server rotation"));
     mapServerRotationTableView->setModel(mapServerRotationController->arranged());
     mapServerRotationTableView->setSelectionModel(mapServerRotationController->selection());
-    // The server's order is the one that counts; a third click on a column title returns to it.
+    // The table starts in the server's order; a third click on a column title returns to it.
     header->setSortIndicator(-1, Qt::AscendingOrder);
     header->setSortIndicatorClearable(true);
     mapServerRotationTableView->setSortingEnabled(true);
@@ -140,7 +140,7 @@ void ServerRotationPane::showRotation(const QString &rotation, const QString &ga
         remembering(maps, [this](const QString &dvarName) { return m_maps.findMapByDvar(dvarName); });
     const NameLookup findGametype =
         remembering(gametypes, [this](const QString &dvarName) { return m_gametypes.findGametypeByDvar(dvarName); });
-    // A rotation names the same pair again and again, so that no row of the new one is a certain row of the old.
+    // A rotation may hold the same pair several times, so rows of the old and the new one cannot be matched.
     clear();
     mapServerRotationController->mergeContent(parseRotation(rotation, gametype, findMap, findGametype));
 }

@@ -71,6 +71,6 @@ void AddMessageToRotationWindowController::addButtonPressed()
     if (message.isEmpty() || duration.isEmpty())
         return;
     if (m_addMessage(message, duration))
-        messageTextField->setText({}); // with nothing left to undo
+        messageTextField->setText({}); // Undo must not bring back the last message
     messageTextField->setFocus();
 }

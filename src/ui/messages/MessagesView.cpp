@@ -155,7 +155,7 @@ void MessagesView::addMessageToRotationMenuItemClicked()
         const int before = m_messages.rowCount();
         m_actions.start(m_messages.addMessageToCurrentRotation(message, duration));
         rotationPane->scrollToEnd();
-        return m_messages.rowCount() > before; // a full table has told that it takes no more
+        return m_messages.rowCount() > before; // a full table takes no row and has shown an alert
     };
     addMessageToRotationWindowController = new AddMessageToRotationWindowController(addMessage, window());
     addMessageToRotationWindowController->setAttribute(Qt::WA_DeleteOnClose);

@@ -32,7 +32,7 @@ static QIcon swatch(quint32 rgb)
 void QuickMessageField::addColorCodes(QMenu &menu)
 {
     for (const ColorCode &code : colorCodes()) {
-        // The code stands where other entries have their key: it is what can be typed instead.
+        // The code stands in the place of a shortcut, as typing it has the same effect.
         const QString text = code.name + QLatin1Char('\t') + colorCodeText(code.digit);
         menu.addAction(swatch(code.rgb), text, this, [this, digit = code.digit] { insertColorCode(digit); });
     }

@@ -75,7 +75,7 @@ void PlayerCommands::kickAll()
 QCoro::Task<> PlayerCommands::command(QString word, QList<ChosenPlayer> chosen, QString argument,
                                       std::chrono::seconds refreshAfter)
 {
-    // Its place in the queue counts from the press, but a question need not wait for those before it.
+    // The action takes its place in the queue now; the question is asked without waiting for the actions before it.
     QCoro::Task<Turn> place = m_actions.turn();
     const QStringList hidden = hiddenNames(chosen);
     bool goesOn = !chosen.isEmpty();
@@ -127,7 +127,7 @@ QCoro::Task<> PlayerCommands::sendCommandToSelectedPlayers(const Turn *turn, QSt
 {
     QString failures;
     for (const ChosenPlayer &player : std::as_const(chosen)) {
-        if (!m_roster.isNew()) { // the commands before took long
+        if (!m_roster.isNew()) { // the list has grown old during the commands before
             const PlayerRoster::Fetch fetch = co_await m_roster.fetch();
             if (!*turn || fetch.outcome == PlayerRoster::Fetch::CalledOff)
                 co_return;
@@ -161,10 +161,10 @@ QCoro::Task<> PlayerCommands::sendCommandToSelectedPlayers(const Turn *turn, QSt
 
 QCoro::Task<> PlayerCommands::confirmAndKickAll()
 {
-    // Its place in the queue counts from the press, but the question need not wait for those before it.
+    // The action takes its place in the queue now; the question is asked without waiting for the actions before it.
     QCoro::Task<ActionQueue::Turn> place = m_actions.turn();
     const QStringList buttons{tr("Yes"), tr("No")};
-    const AlertManner manner{1, false}; // Return kicks nobody
+    const AlertManner manner{1, false}; // Return answers "No"
     const int pressed = co_await m_alerts.run(tr("Please Confirm Command"), tr("Do you really want to kick everyone?"),
                                               buttons, manner);
     const ActionQueue::Turn turn = co_await place;

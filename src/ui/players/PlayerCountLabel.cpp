@@ -24,8 +24,8 @@ QString PlayerCountLabel::selectedText() const
     const int hidden = m_roster.rows().hiddenSelectedCount();
     const int seen = static_cast<int>(m_roster.rows().selection()->selectedRows().size());
     if (hidden == 0)
-        return tr("%1 selected").arg(seen);
-    return tr("%1 selected (%2 hidden by the filter)").arg(seen + hidden).arg(hidden);
+        return tr("%n selected", nullptr, seen);
+    return tr("%n selected (%1 hidden by the filter)", nullptr, seen + hidden).arg(hidden);
 }
 
 QString PlayerCountLabel::ageText() const
@@ -47,7 +47,7 @@ void PlayerCountLabel::tell()
         m_seconds->start(1s);
     QStringList parts;
     if (m_server.isConnected()) {
-        parts = {tr("%1 shown").arg(m_roster.rows().arranged()->rowCount()), selectedText()};
+        parts = {tr("%n shown", nullptr, m_roster.rows().arranged()->rowCount()), selectedText()};
         if (m_roster.age())
             parts.append(ageText());
         if (m_roster.mayBeIncomplete())

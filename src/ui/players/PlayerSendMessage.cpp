@@ -42,7 +42,7 @@ PlayerSendMessage::PlayerSendMessage(QWidget *parent)
 
 void PlayerSendMessage::reset()
 {
-    messageTextField->setText({}); // with nothing left to undo
+    messageTextField->setText({}); // Undo must not bring back the last message
     messageTextField->setFocus();
 }
 
@@ -51,7 +51,7 @@ void PlayerSendMessage::setRecipients(const QStringList &names)
     constexpr qsizetype mostNames = 8;
     QString text = names.mid(0, mostNames).join(QStringLiteral(", "));
     if (names.size() > mostNames)
-        text = tr("%1 and %2 more").arg(text).arg(names.size() - mostNames);
+        text = tr("%1 and %n more", nullptr, static_cast<int>(names.size() - mostNames)).arg(text);
     m_recipients->setText(text);
 }
 
@@ -74,5 +74,5 @@ void PlayerSendMessage::cancelPressed()
 void PlayerSendMessage::controlTextDidChange()
 {
     const bool isSendable = m_unsendableLabel->judge(messageTextField->text());
-    sendButton->setEnabled(isSendable && !messageTextField->text().isEmpty()); // sending it would lose it
+    sendButton->setEnabled(isSendable && !messageTextField->text().isEmpty()); // a text that cannot be sent stays
 }

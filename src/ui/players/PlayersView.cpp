@@ -200,7 +200,7 @@ void PlayersView::updateControls()
     const bool isAnySelected = rows.selection()->hasSelection() || rows.hiddenSelectedCount() > 0;
     const auto enable = [this](QPushButton *button, bool isEnabled) {
         if (!isEnabled && button->hasFocus())
-            playersTableView->setFocus(); // else it would go on to "Kick All…"
+            playersTableView->setFocus(); // Qt would give the focus to "Kick All…"
         button->setEnabled(isEnabled);
     };
     for (QPushButton *button : {kickPlayerButton, banPlayerButton, tempBanPlayerButton, messagePlayerButton})
@@ -244,7 +244,7 @@ bool PlayersView::isRefreshDue() const
 
 void PlayersView::refreshPlayersButtonPressed()
 {
-    // One that waits for its turn will fetch what this one would.
+    // A refresh that still waits for its turn makes this one superfluous.
     if (m_isRefreshWaiting || !isRefreshDue())
         return;
     m_isRefreshWaiting = true;
@@ -345,7 +345,7 @@ void PlayersView::savePlayerListButtonPressed()
     panel->setNameFilters({tr("Text (*.txt)"), tr("Comma-separated values (*.csv)")});
     panel->setDefaultSuffix(QStringLiteral("txt"));
     panel->setDirectory(QDir::home());
-    // The dialog would ask in an event loop of its own; savePlayerListTo asks instead.
+    // The dialog would ask in a nested event loop; savePlayerListTo asks instead.
     panel->setOption(QFileDialog::DontConfirmOverwrite);
     connect(panel, &QFileDialog::filterSelected, panel, [panel](const QString &filter) {
         panel->setDefaultSuffix(filter.contains(QLatin1String("csv")) ? QStringLiteral("csv") : QStringLiteral("txt"));

@@ -78,7 +78,7 @@ void PlaylistsView::setUpTables()
     playlistsTableView->setColumnWidth(1, 215);
     exclusionsTableView->setModel(m_playlists.exclusionListController.arranged());
     exclusionsTableView->setSelectionModel(m_playlists.exclusionListController.selection());
-    // The order is the server's; a third click on a column title returns to it.
+    // The table starts in the server's order; a third click on a column title returns to it.
     exclusionsTableView->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
     exclusionsTableView->horizontalHeader()->setSortIndicatorClearable(true);
     exclusionsTableView->setSortingEnabled(true);
@@ -114,7 +114,7 @@ void PlaylistsView::layOut()
     layout->addLayout(exclusionsTitle);
     layout->addWidget(exclusionsTableView, 2);
     layout->addLayout(buttons);
-    // Top to bottom, left to right.
+    // The Tab key goes from top to bottom and from left to right.
     const QList<QWidget *> order{playlistsTableView, startPlaylistButton,   exclusionsTableView,
                                  addExclusionButton, removeExclusionButton, applyExclusionsButton};
     for (qsizetype i = 1; i < order.size(); ++i)
@@ -255,14 +255,14 @@ void PlaylistsView::currentPlaylistDidChange()
 {
     const std::optional<PlaylistInst> current = m_playlists.currentPlaylist();
     currentPlaylistField->showText(current ? current->name : QString());
-    playlistsTableView->viewport()->update(); // the mark moves
+    playlistsTableView->viewport()->update(); // another row is marked as current
 }
 
 void PlaylistsView::updateButtons()
 {
     const bool canStart = m_server.isConnected() && m_playlists.playlistList.selection()->hasSelection();
     if (!canStart && startPlaylistButton->hasFocus())
-        playlistsTableView->setFocus(); // else it would go on to the next button
+        playlistsTableView->setFocus(); // Qt would give the focus to the next button
     startPlaylistButton->setEnabled(canStart);
     for (QPushButton *button : {addExclusionButton, applyExclusionsButton}) {
         if (!m_server.isConnected() && button->hasFocus())
@@ -275,7 +275,7 @@ void PlaylistsView::exclusionSelectionDidChange()
 {
     const bool isAnySelected = m_playlists.exclusionListController.selection()->hasSelection();
     if (!isAnySelected && removeExclusionButton->hasFocus())
-        exclusionsTableView->setFocus(); // else it would go on to the next button
+        exclusionsTableView->setFocus(); // Qt would give the focus to the next button
     removeExclusionButton->setEnabled(isAnySelected);
 }
 

@@ -15,7 +15,7 @@ DeleteRotationWindowController::DeleteRotationWindowController(RotationStore &st
     setObjectName(QStringLiteral("Delete%1WindowController").arg(labels.kind));
     setWindowTitle(labels.deleteTitle);
     deleteButton->setObjectName(QStringLiteral("deleteButton"));
-    deleteButton->setAutoDefault(false); // what cannot be undone is not done by a stray Return
+    deleteButton->setAutoDefault(false); // deleting cannot be undone, so Return must not press it
     deleteButton->setEnabled(false);
     table()->setDeleteHandler([this] { deleteKeyPressed(); });
     connect(deleteButton, &QPushButton::clicked, this, &DeleteRotationWindowController::deletePressed);
@@ -42,9 +42,10 @@ void DeleteRotationWindowController::deleteKeyPressed()
 QCoro::Task<> DeleteRotationWindowController::removeAfterQuestion(QStringList names)
 {
     const QPointer<DeleteRotationWindowController> self(this);
-    const QString text = names.size() == 1
-                             ? tr("The rotation \"%1\" will be deleted. This cannot be undone.").arg(names.constFirst())
-                             : tr("%1 rotations will be deleted. This cannot be undone.").arg(names.size());
+    const QString text =
+        names.size() == 1
+            ? tr("The rotation \"%1\" will be deleted. This cannot be undone.").arg(names.constFirst())
+            : tr("%n rotations will be deleted. This cannot be undone.", nullptr, static_cast<int>(names.size()));
     const QStringList buttons{tr("Delete"), tr("Cancel")};
     const AlertManner manner{1};
     const int pressed = co_await m_alerts.run(windowTitle(), text, buttons, manner);
@@ -58,7 +59,7 @@ QCoro::Task<> DeleteRotationWindowController::removeAfterQuestion(QStringList na
 QCoro::Task<> DeleteRotationWindowController::remove(QStringList names)
 {
     const QPointer<DeleteRotationWindowController> self(this);
-    RotationStore &store = m_store; // which outlives the sheet
+    RotationStore &store = m_store; // the store outlives the sheet
     for (const QString &name : std::as_const(names))
         co_await store.deleteRotationNamed(name);
     if (!self)

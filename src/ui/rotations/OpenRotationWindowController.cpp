@@ -14,7 +14,7 @@ OpenRotationWindowController::OpenRotationWindowController(RotationStore &store,
     setObjectName(QStringLiteral("Open%1WindowController").arg(labels.kind));
     setWindowTitle(labels.openTitle);
     openButton->setObjectName(QStringLiteral("openButton"));
-    openButton->setDefault(true); // Return in the table arrives here, unless no row is selected
+    openButton->setDefault(true); // Return in the table presses it when a row is selected
     table()->setSelectionMode(QAbstractItemView::SingleSelection);
     connect(openButton, &QPushButton::clicked, this, &OpenRotationWindowController::openPressed);
     connect(new LeftDoubleClick(table()), &LeftDoubleClick::doubleClicked, this,

@@ -2,37 +2,39 @@
 
 #include <QCoreApplication>
 
-static QString tr(const char *text)
+namespace
 {
-    return QCoreApplication::translate("RotationLabels", text);
-}
+struct Text {
+    Q_DECLARE_TR_FUNCTIONS(RotationLabels)
+};
+} // namespace
 
 RotationLabels mapRotationLabels()
 {
     return {QStringLiteral("MapRotation"),
-            tr("New Map Rotation"),
-            tr("Save Map Rotation As"),
-            tr("Open Map Rotation"),
-            tr("Delete Map Rotations"),
-            tr("Unable to Add New Map Rotation"),
-            tr("Map Rotation '%1' already exists!"),
-            tr("Rotation builder"),
+            Text::tr("New Map Rotation"),
+            Text::tr("Save Map Rotation As"),
+            Text::tr("Open Map Rotation"),
+            Text::tr("Delete Map Rotations"),
+            Text::tr("Unable to Add New Map Rotation"),
+            Text::tr("Map Rotation '%1' already exists!"),
+            Text::tr("Rotation builder"),
             QStringLiteral("mapRotationPreviewTableView"),
-            tr("No maps yet. Press \"Add Map…\" to add one, or \"Open…\" for a saved rotation."),
+            Text::tr("No maps yet. Press \"Add Map…\" to add one, or \"Open…\" for a saved rotation."),
             false};
 }
 
 RotationLabels messageRotationLabels()
 {
     return {QStringLiteral("MessageRotation"),
-            tr("New Message Rotation"),
-            tr("Save Message Rotation As"),
-            tr("Open Message Rotation"),
-            tr("Delete Message Rotations"),
-            tr("Unable to Add New Message Rotation"),
-            tr("Message Rotation '%1' already exists!"),
-            tr("Messages"),
+            Text::tr("New Message Rotation"),
+            Text::tr("Save Message Rotation As"),
+            Text::tr("Open Message Rotation"),
+            Text::tr("Delete Message Rotations"),
+            Text::tr("Unable to Add New Message Rotation"),
+            Text::tr("Message Rotation '%1' already exists!"),
+            Text::tr("Messages"),
             QStringLiteral("messageRotationTableView"),
-            tr("No messages yet. Press \"Add Message…\" to add one, or \"Open…\" for a saved rotation."),
+            Text::tr("No messages yet. Press \"Add Message…\" to add one, or \"Open…\" for a saved rotation."),
             true};
 }

@@ -207,7 +207,7 @@ static QFuture<int> opened(QDialog *sheet)
 
 bool RotationPane::beginFileAction()
 {
-    if (m_isFileActionRunning) // its sheet or its question is in front
+    if (m_isFileActionRunning) // its sheet or its question is still open
         return false;
     finishEditing();
     m_isFileActionRunning = true;
@@ -308,7 +308,7 @@ void RotationPane::deleteRotationMenuItemClicked()
 
 QCoro::Task<> RotationPane::deleteRotation()
 {
-    // Deleting opens the current rotation anew, and with it what was not saved would be lost.
+    // Deleting opens the current rotation anew, which would discard its unsaved rows.
     const bool isGoingOn = co_await m_store.saveUnsavedChanges();
     if (isGoingOn) {
         auto *sheet = new DeleteRotationWindowController(m_store, m_labels, m_actions, m_alerts, window());
@@ -376,7 +376,9 @@ QCoro::Task<> RotationPane::tellOfMisfits(QStringList misfits, qsizetype lineCou
 {
     constexpr qsizetype mostShown = 5;
     constexpr qsizetype longestShown = 80;
-    QString text = tr("%1 of %2 lines do not fit this table and were left out:").arg(misfits.size()).arg(lineCount);
+    QString text =
+        tr("%n of %1 lines do not fit this table and were left out:", nullptr, static_cast<int>(misfits.size()))
+            .arg(lineCount);
     text += QLatin1Char('\n');
     for (const QString &line : misfits.first(std::min(misfits.size(), mostShown))) {
         const QString head = RowsText::asCell(line.left(longestShown));
@@ -421,7 +423,7 @@ void RotationPane::updateControls()
     const bool hasNames = !m_store.names().isEmpty();
     const auto enable = [this](QPushButton *button, bool isEnabled) {
         if (!isEnabled && button->hasFocus())
-            tableView->setFocus(); // else it would go on to the next button
+            tableView->setFocus(); // Qt would give the focus to the next button
         button->setEnabled(isEnabled);
     };
     enable(removeButton, m_store.tableSelection()->hasSelection());

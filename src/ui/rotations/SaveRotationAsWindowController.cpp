@@ -28,14 +28,14 @@ void SaveRotationAsWindowController::cancelButtonPressed()
 {
     if (m_isBusy)
         return;
-    clearName(); // who waits for the sheet reads the name
+    clearName(); // an empty name tells the caller that nothing was saved
     RotationNameDialog::cancelButtonPressed();
 }
 
 QCoro::Task<> SaveRotationAsWindowController::save(QString name)
 {
     const QPointer<SaveRotationAsWindowController> self(this);
-    // Looked up without the blanks around it and saved with them.
+    // The name is looked up without the blanks around it, and saved with them.
     const bool isRefused = co_await refuseExisting(name.trimmed());
     if (!self)
         co_return;

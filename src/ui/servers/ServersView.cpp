@@ -45,7 +45,7 @@ public:
     }
     void redo() override
     {
-        m_entries = m_view.m_savedServers.entries(m_labels); // they may have been edited since they came back
+        m_entries = m_view.m_savedServers.entries(m_labels); // they may have been edited after an Undo
         m_view.showWritten(m_view.m_savedServers.remove(m_labels));
     }
     void undo() override { m_view.showWritten(m_view.m_savedServers.restore(m_entries)); }
@@ -151,7 +151,7 @@ void ServersView::layOut()
     boxLayout->addLayout(form);
     boxLayout->addLayout(buttons);
     auto *layout = new QVBoxLayout(this);
-    // The splitter's handle is distance enough. Magnified by half, 1280 pixels are not more than the window needs.
+    // The splitter's handle is margin enough. With fonts half as large again, the window needs all of 1280 pixels.
     layout->setContentsMargins(layout->contentsMargins() - QMargins(0, 0, 6, 0));
     layout->addWidget(savedServerTableView, 1);
     layout->addLayout(savedForm);
@@ -181,7 +181,8 @@ void ServersView::connectControls()
         connect(field, &QLineEdit::returnPressed, connectButton, &QPushButton::click);
     }
     connect(hostField, &QLineEdit::editingFinished, this, &ServersView::splitHostField);
-    connect(connectButton, &QPushButton::clicked, this, &ServersView::splitHostField); // before who reads the form
+    connect(connectButton, &QPushButton::clicked, this,
+            &ServersView::splitHostField); // connected before the slots that read the form
     connect(connectButton, &QPushButton::clicked, this, &ServersView::connectButtonPressed);
     connect(disconnectButton, &QPushButton::clicked, this, &ServersView::disconnectButtonPressed);
     connect(saveToServerListButton, &QPushButton::clicked, this, &ServersView::saveToServerListButtonPressed);

@@ -45,7 +45,7 @@ QSize DvarValueDelegate::sizeHint(const QStyleOptionViewItem &option, const QMod
 bool DvarValueDelegate::eventFilter(QObject *object, QEvent *event)
 {
     auto *field = qobject_cast<DvarValueEditor *>(object);
-    // Another window in front, an alert of ours perhaps: what is half typed is not meant for the server yet.
+    // The focus went to another window, perhaps to an alert: a value that is half typed must not be sent yet.
     if (field != nullptr && event->type() == QEvent::FocusOut && !field->isActiveWindow())
         return false;
     if (field == nullptr || event->type() != QEvent::KeyPress)
@@ -66,7 +66,7 @@ void DvarValueDelegate::initStyleOption(QStyleOptionViewItem *option, const QMod
 {
     QStyledItemDelegate::initStyleOption(option, index);
     const QColor dimmed = option->palette.color(QPalette::PlaceholderText);
-    // Styles derive the edge of a checkbox from the window's colour, which on a dark base leaves nothing to see.
+    // Styles derive the edge of a checkbox from the window's colour, which cannot be seen on a dark base.
     option->palette.setColor(QPalette::Window, dimmed.lighter(140));
     if (index.data(SettingsOutlineModel::IsUnknownRole).toBool())
         option->palette.setColor(QPalette::Text, dimmed);

@@ -63,7 +63,7 @@ DvarValueEditor::DvarValueEditor(const std::shared_ptr<DvarSetting> &setting, QW
 
 DvarValueEditor::~DvarValueEditor()
 {
-    delete m_hint; // null when the parent went first
+    delete m_hint; // null if its parent was destroyed first
 }
 
 QString DvarValueEditor::value() const

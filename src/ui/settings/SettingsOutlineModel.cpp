@@ -11,7 +11,7 @@
 
 #include <algorithm>
 
-// What is longer tells nothing more in a cell, but would have to be laid out at every painting.
+// A cell shows no more than this, and laying out longer texts would slow down every painting.
 static constexpr qsizetype longestCellText = 300;
 static constexpr qsizetype longestToolTip = 2000;
 
@@ -109,7 +109,7 @@ bool SettingsOutlineModel::hasSettings() const
 
 void SettingsOutlineModel::followSession()
 {
-    // A connect begins by forgetting everything, and with it what the last connection started from.
+    // A connect empties the session, so the values of the last connection no longer serve as the start.
     if (m_server.dvarList().isEmpty()) {
         m_valuesAtConnect.clear();
         m_writtenUnknown.clear();
@@ -130,7 +130,7 @@ void SettingsOutlineModel::takeValuesAtConnect()
 
 void SettingsOutlineModel::takeFetchedValue(const QString &dvar)
 {
-    // The row is announced with the session's next gathered change.
+    // The session's next change signal announces the row.
     if (m_isConnectComplete && !m_valuesAtConnect.contains(dvar) && !m_writtenUnknown.contains(dvar))
         m_valuesAtConnect.insert(dvar, m_server.dvarList().value(dvar));
 }
@@ -200,7 +200,7 @@ SettingsOutlineModel::Shown SettingsOutlineModel::shownFor(const DvarSetting &se
 {
     const QString value = setting.dvarValue();
     Shown shown{value, reasonOfLack(setting), isChanged(setting.dvar(), value), m_writes.contains(setting.dvar())};
-    if (holdsPassword(setting.dvar()) && !value.isNull()) // enough to see that it is another one
+    if (holdsPassword(setting.dvar()) && !value.isNull()) // a hash is enough to notice a change
         shown.value = QString::number(qHash(value));
     return shown;
 }

@@ -190,10 +190,10 @@ void SettingsView::connectGametypes()
 
 void SettingsView::listGroups()
 {
-    // What is selected is the catalogue's business, and it tells when it has decided.
+    // The catalogue keeps the selection and emits a signal when it has changed.
     const QSignalBlocker quiet(settingsGroupList);
     settingsGroupList->clear();
-    if (m_server.isConnected()) // the values of a server that has gone would look as if they were true
+    if (m_server.isConnected()) // after a disconnect the values may be outdated
         settingsGroupList->addItems(m_settings.arrangedGroups());
 }
 
@@ -285,7 +285,7 @@ QCoro::Task<> SettingsView::writeSetting(SettingsOutlineModel *outline, std::sha
     const ActionQueue::Turn turn = co_await m_actions.turn();
     if (!turn)
         co_return;
-    // Also when the session holds the same: somebody else may have changed it at the server meanwhile.
+    // The value is written even if the session holds the same one: the server may have been changed by another console.
     co_await setting->setDvarValue(value);
 }
 
@@ -336,7 +336,7 @@ void SettingsView::restoreLayout(const Preferences &preferences)
     const QList<DvarSettingOutlineView *> views = outlineViews();
     QDataStream stream(preferences.value(layoutKey()).toByteArray());
     QList<QByteArray> states;
-    // One by one: a list would be made as long as damaged bytes say.
+    // Entries are read one by one: damaged bytes could announce a list of any length.
     for (qsizetype each = 0; each < all.size() + views.size(); ++each) {
         QByteArray state;
         stream >> state;

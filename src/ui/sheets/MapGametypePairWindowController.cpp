@@ -86,7 +86,7 @@ static void fill(QComboBox *popup, const QStringList &titles)
     popup->clear();
     popup->addItem(QString());
     popup->addItems(titles);
-    // The first item is there for what is chosen no more.
+    // The first item is selected when the former choice has gone from the list.
     const int index = popup->findText(chosen, Qt::MatchExactly | Qt::MatchCaseSensitive);
     popup->setCurrentIndex(std::max(index, 0));
 }

@@ -27,7 +27,7 @@ public:
 protected:
     bool event(QEvent *event) override
     {
-        // When an alert over the sheet has gone, or Escape would go to the window below.
+        // An alert over the sheet leaves the focus to the window below, which would get the Escape key.
         if (event->type() == QEvent::WindowUnblocked)
             QTimer::singleShot(0, this, &QWidget::activateWindow);
         return QDialog::event(event);
@@ -46,7 +46,7 @@ void ProgressWindowController::begin(const QString &title, std::function<void()>
 {
     endSheet();
     setTitle(title);
-    setProgressMax(100); // until the task knows
+    setProgressMax(100); // until the task tells its length
     setCurrentProgress(0);
     setCancel(std::move(cancel));
     beginSheet(m_view->window());

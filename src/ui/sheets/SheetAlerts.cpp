@@ -70,7 +70,7 @@ static QMessageBox *makeBox(const QString &title, const QString &text, QMessageB
     box->setWindowModality(Qt::WindowModal);
     box->setWindowTitle(title);
     box->setIcon(icon);
-    // The texts quote servers and files: none of it may be taken for markup.
+    // The texts quote servers and files, which must not be taken for markup.
     box->setTextFormat(Qt::PlainText);
     box->setText(title);
     const QString head = shortened(text);

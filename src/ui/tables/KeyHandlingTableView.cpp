@@ -118,7 +118,7 @@ void KeyHandlingTableView::moveSelection(int step)
 void KeyHandlingTableView::finishEditing()
 {
     if (state() == QAbstractItemView::EditingState)
-        setFocus(); // which the editor loses
+        setFocus(); // closing the editor leaves no widget with the focus
 }
 
 bool KeyHandlingTableView::isOwnKey(const QKeyEvent *event)
@@ -138,7 +138,7 @@ bool KeyHandlingTableView::event(QEvent *event)
 
 void KeyHandlingTableView::keyPressEvent(QKeyEvent *event)
 {
-    const bool isTyping = state() == QAbstractItemView::EditingState && !hasFocus(); // the editor passed the key on
+    const bool isTyping = state() == QAbstractItemView::EditingState && !hasFocus(); // the editor did not use the key
     if (!isTyping && (performKeyPressFromKeyDown(event) || handleOtherKey(event))) {
         event->accept();
         return;
@@ -162,7 +162,8 @@ bool KeyHandlingTableView::handleOtherKey(const QKeyEvent *event)
     }
     const bool isArrow = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down;
     if (isArrow && currentIndex().isValid() && !selectionModel()->hasSelection()) {
-        // The first arrow key says where it starts from, else the only row of a table could not be reached.
+        // Without a current row the first arrow key selects one; otherwise the only row of a table could not be
+        // reached.
         selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
         return true;
     }
@@ -181,12 +182,12 @@ void KeyHandlingTableView::startDrag(Qt::DropActions actions)
     QMimeData *taken = model()->mimeData(selectedIndexes());
     if (taken == nullptr)
         return;
-    // Not as Qt's own: that one removes what is selected after a drop, which is what has just been moved, and hides
-    // under a picture as wide as the table where the rows would fall.
+    // Qt's own startDrag() removes the selected rows after a drop, which are the rows just moved, and its picture, as
+    // wide as the table, hides where the rows would fall.
     auto *drag = new QDrag(this);
     drag->setMimeData(taken);
     drag->setPixmap(pictureOfSelection());
-    drag->setHotSpot(QPoint(-16, 0)); // the pointer is beside it
+    drag->setHotSpot(QPoint(-16, 0)); // the picture stands to the right of the pointer
     drag->exec(actions, defaultDropAction());
 }
 

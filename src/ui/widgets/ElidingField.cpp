@@ -17,7 +17,7 @@ ElidingField::ElidingField(QWidget *parent) : QLineEdit(parent)
 
 void ElidingField::showText(const QString &text)
 {
-    if (text == this->text()) // what is marked for copying stays so
+    if (text == this->text()) // setting it again would lose the selection
         return;
     setText(text);
     setCursorPosition(0);

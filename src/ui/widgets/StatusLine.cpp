@@ -48,6 +48,6 @@ void StatusLine::showBusy()
 
 void StatusLine::setProgress(int done, int total)
 {
-    m_progressLabel->setText(tr("%1 of %2 settings").arg(done).arg(total));
+    m_progressLabel->setText(tr("%1 of %n settings", nullptr, total).arg(done));
     m_progressLabel->setVisible(done < total);
 }

@@ -65,7 +65,7 @@ void Connecting::connectByForm()
 
 void Connecting::connectTo(ConnectTarget target)
 {
-    if (m_connects > 0) // the one that is under way can be called off first
+    if (m_connects > 0) // a connect that is under way is called off first
         return;
     ++m_connects;
     m_parts.servers.setConnecting(true);
@@ -79,12 +79,12 @@ QCoro::Task<> Connecting::connectAction(ConnectTarget target)
     const ActionQueue::Turn turn = co_await m_workplace.actions.turn();
     m_isComplete = false;
     bool goesOn = false;
-    CatalogueState maps = CatalogueState::Missing; // then the program is about to end
-    if (turn) // before the question: while a worker reads, the tables that it is about can be edited
+    CatalogueState maps = CatalogueState::Missing; // as if missing, which ends the program
+    if (turn) // before the question, as the user can edit tables while the catalogue is read
         maps = co_await m_workplace.catalogues.maps.loadMapList();
     if (turn && maps != CatalogueState::Missing)
         goesOn = co_await m_parts.unsavedWork.settle();
-    if (turn && goesOn) { // whatever comes of this connect, nothing goes to the former server any more
+    if (turn && goesOn) { // even if this connect fails, the former server gets nothing more
         endConnection();
         m_target = target;
         m_target.password = {}; // the session has it
@@ -92,10 +92,10 @@ QCoro::Task<> Connecting::connectAction(ConnectTarget target)
     }
     if (turn && goesOn)
         co_await connectToServerWithLabel(target);
-    if (turn && goesOn && !m_isComplete) // it may have come as far as the server's first answer
+    if (turn && goesOn && !m_isComplete) // the session may be connected although the connect failed
         endConnection();
     m_parts.servers.setConnecting(--m_connects > 0);
-    if (!turn) // called off: the status line already tells so
+    if (!turn) // called off, which the status line shows already
         co_return;
     if (!goesOn) {
         m_parts.status.setStatus(m_statusBeforeConnect);
@@ -130,7 +130,7 @@ QCoro::Task<> Connecting::connectToServerWithLabel(ConnectTarget target)
     m_isPasswordRefused = false;
     co_await m_workplace.server.connectToHost(target.host, target.port, target.password);
     m_workplace.server.setPasswordTextBox(target.passwordTextBox);
-    if (!m_isComplete) // what a server has told until it failed is no configuration
+    if (!m_isComplete) // the values of a connect that failed are incomplete
         m_workplace.server.forgetVariables();
 }
 
@@ -150,7 +150,7 @@ void Connecting::comeBack(std::chrono::milliseconds silence, int differences)
 {
     const auto seconds = std::chrono::round<std::chrono::seconds>(silence).count();
     const QString time = QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar(u'0'));
-    const QString differ = differences == 1 ? tr("1 setting differs") : tr("%1 settings differ").arg(differences);
+    const QString differ = differences == 1 ? tr("1 setting differs") : tr("%n settings differ", nullptr, differences);
     const QString text = tr("Connected again after %1, %2").arg(time, differ);
     m_parts.status.setStatus(text);
     m_workplace.server.appendConsoleNote(text);
@@ -193,7 +193,7 @@ void Connecting::endConnection()
 
 void Connecting::disconnectFromServer()
 {
-    // Whatever waits or runs is called off before the session changes, so that nothing of it is sent any more.
+    // Actions are called off before the session changes, so that nothing of them is sent any more.
     m_workplace.actions.dropWaiting();
     m_workplace.server.cancelExchange();
     m_parts.status.setStatus(tr("Not connected"));

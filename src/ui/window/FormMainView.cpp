@@ -97,7 +97,7 @@ void FormMainView::tellOfUnknownSettings(int unknown, int total)
 {
     if (unknown > 0)
         m_workplace.server.appendConsoleNote(
-            tr("%1 of %2 catalogued settings are not on this server").arg(unknown).arg(total));
+            tr("%n of %1 catalogued settings are not on this server", nullptr, unknown).arg(total));
 }
 
 void FormMainView::connectTo(ConnectTarget target)
@@ -130,7 +130,7 @@ void FormMainView::showAbout()
 
 void FormMainView::arrangeTabs()
 {
-    // From the form the focus goes to what has been connected to; from a tab that goes away, to its successor.
+    // After a connect the focus leaves the form for the tab in front; a tab that goes away hands it to the next.
     const bool takesFocus = m_stack->currentWidget() == welcomePage || tabControlMain->isAncestorOf(focusWidget());
     tabControlMain->arrange(m_workplace.server.tabSet());
     m_stack->setCurrentWidget(tabControlMain);
@@ -153,11 +153,11 @@ void FormMainView::restoreLayout()
 
 void FormMainView::fitIntoScreen()
 {
-    if (isMaximized() || isFullScreen()) // the window system sees to these
+    if (isMaximized() || isFullScreen()) // the window system places such a window
         return;
     const QScreen *place = QGuiApplication::screenAt(geometry().center());
     const QRect room = (place == nullptr ? screen() : place)->availableGeometry();
-    QMargins frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight), 0, 0); // a guess, until there is one
+    QMargins frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight), 0, 0); // a guess while there is no frame
     if (frameGeometry() != geometry())
         frame = QMargins(geometry().left() - frameGeometry().left(), geometry().top() - frameGeometry().top(),
                          frameGeometry().right() - geometry().right(), frameGeometry().bottom() - geometry().bottom());
@@ -184,7 +184,7 @@ void FormMainView::saveLayout()
 
 bool FormMainView::event(QEvent *event)
 {
-    // Before that nobody has put a frame around the window.
+    // The window system frames a window when it shows it, so the size of the frame is known only now.
     if (event->type() == QEvent::WindowActivate && !std::exchange(m_hasBeenActive, true))
         fitIntoScreen();
     return QMainWindow::event(event);
@@ -196,7 +196,7 @@ void FormMainView::closeEvent(QCloseEvent *event)
     m_unsavedWork->finishEditing();
     if (m_unsavedWork->isAny()) {
         event->ignore();
-        // The answer may be to stay: what an earlier attempt has set up for the end is taken back.
+        // The user may answer "Cancel": what an earlier attempt to close has prepared is taken back.
         m_workplace.actions.reopen();
         disconnect(&m_workplace.actions, &ActionQueue::idle, this, &QWidget::close);
         if (!std::exchange(m_isAskingToClose, true))
@@ -204,12 +204,12 @@ void FormMainView::closeEvent(QCloseEvent *event)
         return;
     }
     m_workplace.rotations.messages.stopRotation();
-    m_workplace.actions.close(); // or a timer that comes due would start the next action
+    m_workplace.actions.close(); // a timer must not start another action
     if (m_workplace.actions.isIdle()) {
         event->accept();
         return;
     }
-    event->ignore(); // come back when the last action has let go
+    event->ignore(); // the window closes when the last action has ended
     m_workplace.server.cancelExchange();
     connect(&m_workplace.actions, &ActionQueue::idle, this, &QWidget::close,
             Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection | Qt::UniqueConnection));

@@ -33,7 +33,7 @@ MainMenuBar::MainMenuBar(MainTabs &tabs, ServersView &servers, KelServer &server
     makeViewMenu();
     makeHelpMenu();
     if (parent != nullptr)
-        parent->installEventFilter(this); // the keys that nobody inside claims come to it last
+        parent->installEventFilter(this); // the window gets the keys that no widget in it has used
 }
 
 static bool isTextTyped()
@@ -52,7 +52,7 @@ static bool isTextTyped()
 bool MainMenuBar::eventFilter(QObject *watched, QEvent *event)
 {
     // In a text field the key that disconnects deletes the next letter, or does nothing where the platform has no such
-    // key; who types does not expect it to leave the server.
+    // key. While the user types there, it must not disconnect.
     if (event->type() == QEvent::ShortcutOverride && isTextTyped() &&
         m_disconnectAction->shortcut() == QKeySequence(static_cast<QKeyEvent *>(event)->keyCombination())) {
         event->accept();
@@ -92,7 +92,7 @@ void MainMenuBar::makeFileMenu()
     add(tr("&New Rotation…"), QKeySequence::New, &PageDocument::newDocument);
     add(tr("&Open Rotation…"), QKeySequence::Open, &PageDocument::openDocument);
     add(tr("&Save Rotation"), QKeySequence::Save, &PageDocument::saveDocument);
-    // Grey in the menu where there is no rotation to act on; the shortcuts ask for themselves.
+    // Disabled in the menu where there is no rotation; a shortcut checks that when it is pressed.
     connect(file, &QMenu::aboutToShow, this, [this, documentActions] {
         for (QAction *action : documentActions)
             action->setEnabled(currentDocument() != nullptr);
@@ -130,7 +130,7 @@ void MainMenuBar::makeEditMenu()
 
 void MainMenuBar::focusDidChange(const QWidget *now)
 {
-    // Menus, sheets and other windows borrow the focus.
+    // Menus, sheets and other windows take the focus for a while only.
     if (now == nullptr || now == this || now->window() != window())
         return;
     m_isFocusInServers = m_servers.isAncestorOf(now);
@@ -150,7 +150,7 @@ void MainMenuBar::makeServerMenu()
     QAction *connectAction =
         menu->addAction(tr("&Connect"), QKeySequence(tr("Ctrl+Return")), this, [this] { m_servers.pressConnect(); });
     connectAction->setAutoRepeat(false);
-    // Elsewhere it sends what is typed; there it would leave the server.
+    // In other panes the key sends what is typed; connecting there would leave the server.
     connectAction->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     m_servers.addAction(connectAction);
     m_disconnectAction =
@@ -175,7 +175,7 @@ void MainMenuBar::makeMenusOfTabs()
             continue;
         QMenu *menu = addMenu(QCoreApplication::translate("Tab", tab.menuTitle));
         pages.at(i)->fillMenu(*menu);
-        // A menu for a tab that this server's mode does not have would act on what cannot be seen.
+        // A tab that is not shown in this mode must not be reached by its menu.
         connect(&m_server, &KelServer::tabSetChanged, menu,
                 [this, menu, tab] { menu->menuAction()->setVisible(tab.sets.testFlag(m_server.tabSet())); });
     }

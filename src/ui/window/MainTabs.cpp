@@ -27,7 +27,7 @@ TabPage *MainTabs::currentPage() const
 void MainTabs::arrange(TabSet set)
 {
     {
-        const QSignalBlocker blocker(this); // nobody has chosen the tabs that are current in between
+        const QSignalBlocker blocker(this); // the user has not chosen the tabs that are current in between
         clear();
         for (qsizetype i = 0; i < m_pages.size(); ++i) {
             const Tab &tab = tabs().at(i);

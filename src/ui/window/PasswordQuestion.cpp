@@ -8,10 +8,12 @@
 
 #include <utility>
 
-static QString tr(const char *text)
+namespace
 {
-    return QCoreApplication::translate("PasswordQuestion", text);
-}
+struct Text {
+    Q_DECLARE_TR_FUNCTIONS(PasswordQuestion)
+};
+} // namespace
 
 void openPasswordQuestion(QWidget *window, const QString &host, std::function<void(const QString &)> answered)
 {
@@ -19,12 +21,12 @@ void openPasswordQuestion(QWidget *window, const QString &host, std::function<vo
     dialog->setObjectName(QStringLiteral("passwordPanel"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setWindowModality(Qt::WindowModal);
-    dialog->setWindowTitle(tr("Password"));
-    dialog->setLabelText(tr("Remote-console password of %1").arg(host));
+    dialog->setWindowTitle(Text::tr("Password"));
+    dialog->setLabelText(Text::tr("Remote-console password of %1").arg(host));
     for (QLabel *label : dialog->findChildren<QLabel *>())
         label->setTextFormat(Qt::PlainText);
     dialog->setTextEchoMode(QLineEdit::Password);
-    dialog->setOkButtonText(tr("Connect"));
+    dialog->setOkButtonText(Text::tr("Connect"));
     QPushButton *connectButton = dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok);
     connectButton->setEnabled(false);
     QObject::connect(dialog, &QInputDialog::textValueChanged, connectButton,
