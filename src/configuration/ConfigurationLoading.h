@@ -43,14 +43,14 @@ signals:
 
 private:
     class Run;
-    enum class Outcome { NotSent, Failed, Written };
+    enum class WriteEnd { NotSent, Failed, Written };
 
     void beginProgress();
     QCoro::Task<std::optional<QString>> readText(QString path);
     /// @return nothing if that is all the text sets, or if it sets too much; the user has been told so.
     QCoro::Task<QList<ConfigurationEntry>> parse(QString path, QString text);
     QCoro::Task<> write(QList<ConfigurationEntry> entries);
-    QCoro::Task<Outcome> writeOne(ConfigurationEntry entry);
+    QCoro::Task<WriteEnd> writeOne(ConfigurationEntry entry);
     QCoro::Task<> tellOfCancel(qsizetype written, qsizetype total);
 
     KelServer &m_server;

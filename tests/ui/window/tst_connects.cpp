@@ -2,6 +2,7 @@
 #include "ServersView.h"
 #include "WindowFixture.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QDialogButtonBox>
 #include <QInputDialog>
@@ -99,10 +100,14 @@ private slots:
         window.pressConnect("192.0.2.2", port, "second");
         // What waits behind the connect was meant for the former server: it does not reach it, nor another.
         control<QPushButton>(window.view, "fastRestartMapButton")->click();
+        emit window.fetcher.progressed(2, 3);
+        const auto *progress = control<QLabel>(window.view, "progressLabel");
+        QVERIFY(progress->isVisibleTo(&window.view));
         window.exchange.forgetSent();
         window.exchange.release();
         if (isCalledOff) {
             QTRY_COMPARE(window.exchange.keptCount(), 1);
+            QVERIFY(!window.server.isConnected() && !window.isPlaying() && !window.isPasswordKnown());
             window.pressDisconnect();
         }
         while (!window.actions.isIdle()) {
@@ -111,7 +116,7 @@ private slots:
             QTest::qWait(1);
         }
         QCOMPARE(window.status(), "Not connected");
-        QVERIFY(!window.server.isConnected());
+        QVERIFY(!window.server.isConnected() && !progress->isVisibleTo(&window.view));
         QVERIFY(!window.isPlaying() && !window.isRefreshingMaps() && !window.isPasswordKnown());
         QVERIFY(!window.alerts.titles().contains("Remote Command Failure"));
         for (const Request &request : window.exchange.requests())
@@ -122,38 +127,6 @@ private slots:
         QCOMPARE(window.shownSettings(), 0);
         QVERIFY(!control<QPushButton>(window.view, "saveConfigButton")->isEnabled());
         QVERIFY(!control<QPushButton>(window.view, "disconnectButton")->isEnabled());
-    }
-
-    void theFormerConnectionHasEndedWhenTheNewServerIsAsked()
-    {
-        BusyWindow window;
-        window.exchange.hold();
-        window.pressConnect("192.0.2.2", "50961", "second");
-        QTRY_COMPARE(window.exchange.keptCount(), 1);
-        QVERIFY(!window.server.isConnected());
-        QVERIFY(!window.isPlaying() && !window.isRefreshingMaps() && !window.isPasswordKnown());
-        QCOMPARE(window.text("currentMapField"), QString());
-        QCOMPARE(window.status(), "Connecting to QuickConnect...");
-        QVERIFY(control<QPushButton>(window.view, "disconnectButton")->isEnabled()); // calls the new one off
-        window.pressDisconnect();
-        QVERIFY(window.settle());
-    }
-
-    void disconnectLeavesNothingOfTheServer()
-    {
-        BusyWindow window;
-        emit window.fetcher.progressed(2, 3);
-        const auto *progress = control<QLabel>(window.view, "progressLabel");
-        QVERIFY(progress->isVisibleTo(&window.view));
-        window.pressDisconnect();
-        QVERIFY(!progress->isVisibleTo(&window.view));
-        QVERIFY(!window.isPasswordKnown());
-        QVERIFY(!window.isPlaying());
-        QVERIFY(!window.isRefreshingMaps());
-        QCOMPARE(window.text("currentMapField"), QString());
-        QCOMPARE(window.shownSettings(), 0);
-        QCOMPARE(window.status(), "Not connected");
-        QCOMPARE(window.sent(), QStringList());
     }
 
     void cancelAtTheQuestionLeavesEverything()
@@ -295,6 +268,7 @@ private slots:
         window.view.connectByCommandLine("192.0.2.9:50960", {});
         QInputDialog *prompt = window.prompt();
         QVERIFY(prompt != nullptr);
+        QCOMPARE(prompt->textEchoMode(), QLineEdit::Password);
         const QPushButton *button = prompt->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok);
         QVERIFY(!button->isEnabled());
         prompt->setTextValue("x");
@@ -417,6 +391,29 @@ private slots:
         }
         QCOMPARE(window.exchange.sent().filter("meant"), QStringList());
         QCOMPARE(window.messageRotations.quickMessageText(), "meant for another");
+    }
+
+    void tellsWhatBecameOfAnAction()
+    {
+        BusyWindow window;
+        window.view.resize(1024, 640);
+        window.view.show();
+        auto *outcome = control<QLabel>(window.view, "outcomeLabel");
+        QVERIFY(!outcome->isVisible());
+        const QString said = "Captain Nobody 2 was kicked, " + QString("and told so ").repeated(30).trimmed();
+        window.exchange.answer("fast_restart", ScriptedExchange::ok(said + '\n'));
+        control<QPushButton>(window.view, "fastRestartMapButton")->click();
+        QVERIFY(window.settle());
+        QVERIFY(outcome->isVisible());
+        const QAccessibleInterface *spoken = QAccessible::queryAccessibleInterface(outcome);
+        QCOMPARE(spoken->text(QAccessible::Name), said);
+        const auto *status = control<QLabel>(window.view, "toolStripStatusLabelMain");
+        QCOMPARE(status->text(), "Connected to QuickConnect (Unranked)");
+        QVERIFY(status->width() >= status->sizeHint().width() && outcome->width() > 200);
+        QCOMPARE(window.view.width(), 1024);
+        QVERIFY(control<QWidget>(window.view, "linkStatus")->geometry().right() < 1024);
+        window.pressDisconnect();
+        QVERIFY(!outcome->isVisible() && outcome->text().isEmpty());
     }
 
     void isBusyWhileAnExchangeRunsAndNotWhileItAsks()
