@@ -45,20 +45,6 @@ class MainWindowTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void connectNeedsHostPortAndPassword()
-    {
-        const Window window;
-        const QPushButton &button = *control<QPushButton>(window.view, "connectButton");
-        window.fillForm("h", "1", "p");
-        QVERIFY(button.isEnabled());
-        for (const QStringList &form : {QStringList{"", "1", "p"}, {"h", "", "p"}, {"h", "1", ""}}) {
-            window.fillForm(form.at(0), form.at(1), form.at(2));
-            QVERIFY2(!button.isEnabled(), qPrintable(form.join(u'|')));
-        }
-        window.fillForm(" ", "1", "p"); // a blank counts
-        QVERIFY(button.isEnabled());
-    }
-
     void tellsHowConnectingGoes()
     {
         Window window;
