@@ -283,9 +283,9 @@ QCoro::Task<> SettingsView::write(SettingsOutlineModel *outline, std::shared_ptr
                                   std::optional<QString> value)
 {
     const QString dvar = setting->dvar();
+    const QString name = setting->name().isEmpty() ? dvar : setting->name();
     const PendingWrite mark(*outline, dvar);
-    ServerAction action(m_server, m_actions,
-                        {.kind = Outcome::Kind::Setting, .action = tr("Set"), .targets = {setting->name()}});
+    ServerAction action(m_server, m_actions, {.kind = Outcome::Kind::Setting, .action = tr("Set"), .targets = {name}});
     const bool goesOn = co_await action.begin();
     if (!goesOn)
         co_return;
@@ -294,8 +294,7 @@ QCoro::Task<> SettingsView::write(SettingsOutlineModel *outline, std::shared_ptr
     // Also when the session holds the same: somebody else may have changed it at the server meanwhile.
     const Reply reply = co_await setting->setDvarValue(*value);
     const bool isSecret = holdsPassword(dvar);
-    const QString setTo = isSecret ? tr("%1 was set") : tr("%1 was set to %2");
-    action.note(reply, isSecret, isSecret ? setTo.arg(setting->name()) : setTo.arg(setting->name(), *value));
+    action.note(reply, isSecret, isSecret ? tr("%1 was set").arg(name) : tr("%1 was set to %2").arg(name, *value));
 }
 
 QList<QSplitter *> SettingsView::splitters() const
