@@ -149,7 +149,7 @@ class Shown
 public:
     Shown(Desk &desk, const QString &part)
     {
-        m_noting = QObject::connect(&desk.delegate().server(), &KelServer::consoleMessageAppended,
+        m_noting = QObject::connect(&desk.delegate().server().console(), &Console::messageAppended,
                                     [this, part](const QString &text) {
                                         if (text.contains(part) && !text.startsWith(QLatin1String("] ")))
                                             m_count += 1;

@@ -55,7 +55,7 @@ bool Journey::messageAPlayer()
     Hands::click(*panel, "sendButton");
     if (!expect(waitUntilIdle(), QStringLiteral("the message is sent")))
         return false;
-    const QString command = m_application.server().commandHistory().last();
+    const QString command = m_application.server().console().commandHistory().last();
     return expect(command.startsWith(QLatin1String("tell ")) && m_server.commandsSeen().contains(command),
                   QStringLiteral("the message goes to the player"));
 }

@@ -16,7 +16,7 @@ MessageWatch::MessageWatch(KelMessageRotation &messages, AppDelegate &applicatio
     });
     connect(&application.server(), &KelServer::connectionBegan, this, &MessageWatch::callOff);
     connect(&application.server(), &KelServer::isConnectedChanged, this, &MessageWatch::callOff);
-    connect(&application.server(), &KelServer::consoleNoteAppended, this, [this](const QString &note) {
+    connect(&application.server().console(), &Console::noteAppended, this, [this](const QString &note) {
         // While the server does not answer, a message that is due is not sent.
         if (note.startsWith(QLatin1String("skipped")) && std::exchange(m_isOnItsWay, false))
             m_due.last().least = 0;

@@ -46,30 +46,30 @@ bool DvarSetting::dvarBoolValue() const
            std::any_of(value.begin(), value.end(), [](QChar c) { return c.digitValue() > 0; });
 }
 
-QCoro::Task<> DvarSetting::setDvarValue(QString value)
+QCoro::Task<Reply> DvarSetting::setDvarValue(QString value)
 {
     // A reload may replace the setting while it waits, so nothing of it is used after the first wait.
     const CatalogueContext context = m_context;
     const QString dvar = m_dvar;
     const Reply reply = co_await context.server.setDvar(dvar, value);
     if (reply.isCancelled)
-        co_return;
+        co_return reply;
     if (!reply.isSuccess()) {
         const QString text = tr("Error setting dvar '%1': %2").arg(dvar, reply.text);
         co_await context.alerts.run(tr("Remote Command Failure"), text);
-        co_return;
+    } else if (isValueRefused(reply.text)) {
+        co_await context.alerts.run(tr("Remote Command Failure"), reply.text);
+        if (context.server.isConnected())
+            co_await context.server.updateDvarFromServer(dvar);
     }
-    if (!reply.text.contains(QLatin1String("not a valid value")))
-        co_return;
-    co_await context.alerts.run(tr("Remote Command Failure"), reply.text);
-    if (context.server.isConnected())
-        co_await context.server.updateDvarFromServer(dvar);
+    co_return reply;
 }
 
-QCoro::Task<> DvarSetting::setDvarBoolValue(bool value)
+QCoro::Task<Reply> DvarSetting::setDvarBoolValue(bool value)
 {
     const QString text = value ? QStringLiteral("1") : QStringLiteral("0");
-    co_await setDvarValue(text);
+    const Reply reply = co_await setDvarValue(text);
+    co_return reply;
 }
 
 bool DvarSetting::validateValue(const QString &typed) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CatalogueContext.h"
+#include "Exchange.h"
 
 #include <QCoroTask>
 
@@ -48,8 +49,9 @@ public:
 
     /// Writes the variable and tells the user what went wrong; the session announces what changed. A value that the
     /// server turns down is read anew. Takes no turn, and the setting may be gone when it resumes.
-    QCoro::Task<> setDvarValue(QString value);
-    QCoro::Task<> setDvarBoolValue(bool value);
+    /// @return what the server answered to the write.
+    QCoro::Task<Reply> setDvarValue(QString value);
+    QCoro::Task<Reply> setDvarBoolValue(bool value);
 
     /// Whether the type allows a value that a user has typed. The quotes around it do not count, as a write leaves them
     /// out.

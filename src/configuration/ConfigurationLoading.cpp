@@ -4,6 +4,7 @@
 #include "Alerts.h"
 #include "KelServer.h"
 #include "Progress.h"
+#include "ServerAction.h"
 
 #include <QCoroFuture>
 
@@ -162,36 +163,38 @@ QCoro::Task<> ConfigurationLoading::write(QList<ConfigurationEntry> entries)
     qsizetype written = 0;
     m_progress.setDone(0, entries.size());
     for (const ConfigurationEntry &entry : std::as_const(entries)) {
-        const Outcome outcome = co_await writeOne(entry);
-        if (outcome == Outcome::NotSent || m_isCalledOff)
+        const WriteEnd end = co_await writeOne(entry);
+        if (end == WriteEnd::NotSent || m_isCalledOff)
             break;
-        if (outcome == Outcome::Written)
+        if (end == WriteEnd::Written)
             ++written;
         m_progress.setDone(position++, entries.size());
     }
     m_progress.end();
-    if (m_isCancelled && !m_isCalledOff && position < entries.size())
+    if (m_isCalledOff)
+        co_return;
+    const QString text = tr("%1 of %2 variables were written to the server.")
+                             .arg(QString::number(written), QString::number(entries.size()));
+    const bool isWhole = written == entries.size();
+    m_server.tellOutcome({Outcome::Kind::Setting, tr("Load Config"), {}, text, isWhole, QDateTime::currentDateTime()});
+    if (m_isCancelled && position < entries.size())
         co_await tellOfCancel(written, entries.size());
 }
 
-QCoro::Task<ConfigurationLoading::Outcome> ConfigurationLoading::writeOne(ConfigurationEntry entry)
+QCoro::Task<ConfigurationLoading::WriteEnd> ConfigurationLoading::writeOne(ConfigurationEntry entry)
 {
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    m_isCalledOff = m_isCalledOff || !turn;
+    ServerAction action(m_server, m_actions);
+    const bool hasTurn = co_await action.begin();
+    m_isCalledOff = m_isCalledOff || !hasTurn;
     if (m_isCalledOff || m_isCancelled)
-        co_return Outcome::NotSent;
+        co_return WriteEnd::NotSent;
     // Without its quotes, as a server reports values. The session would keep them: a changed password would be sent
     // with them, and the next file would have lines that no loading takes.
-    const Reply reply = co_await m_server.setDvar(entry.dvar, entry.value);
-    m_isCalledOff = m_isCalledOff || !turn || reply.isCancelled;
+    const bool isWritten = co_await action.write(entry.dvar, entry.value);
+    m_isCalledOff = m_isCalledOff || !action;
     if (m_isCalledOff)
-        co_return Outcome::NotSent;
-    if (reply.isSuccess())
-        co_return Outcome::Written;
-    const QString text = tr("'%1' returned an error: %2").arg(entry.dvar, reply.text);
-    co_await m_alerts.run(tr("Remote Command Failure"), text);
-    m_isCalledOff = m_isCalledOff || !turn;
-    co_return Outcome::Failed;
+        co_return WriteEnd::NotSent;
+    co_return isWritten ? WriteEnd::Written : WriteEnd::Failed;
 }
 
 QCoro::Task<> ConfigurationLoading::tellOfCancel(qsizetype written, qsizetype total)

@@ -46,7 +46,7 @@ signals:
 
 private:
     class Run;
-    enum class Outcome { NotSent, Failed, Written };
+    enum class WriteEnd { NotSent, Failed, Written };
 
     void beginProgress();
     QCoro::Task<std::optional<QString>> readText(QString path);
@@ -54,7 +54,7 @@ private:
     /// @return nothing if that is all the text sets, or if it sets too much; the user has been told so.
     QCoro::Task<QList<ConfigurationEntry>> parse(QString path, QString text);
     QCoro::Task<> write(QList<ConfigurationEntry> entries);
-    QCoro::Task<Outcome> writeOne(ConfigurationEntry entry);
+    QCoro::Task<WriteEnd> writeOne(ConfigurationEntry entry);
     QCoro::Task<> tellOfCancel(qsizetype written, qsizetype total);
 
     KelServer &m_server;

@@ -66,7 +66,7 @@ QStringList PendingDvars::unanswered(const QStringList &names) const
     QStringList list;
     const DvarTable known = m_server.dvarList();
     for (const QString &name : names) {
-        const bool isLeftOut = m_server.isAwaited(name) && !known.contains(name);
+        const bool isLeftOut = m_fetcher.isAwaited(name) && !known.contains(name);
         if (isLeftOut || m_fetcher.isUnanswered(name))
             list.append(name);
     }

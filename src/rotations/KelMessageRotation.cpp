@@ -2,10 +2,9 @@
 
 #include "ActionQueue.h"
 #include "KelServer.h"
-#include "Number.h"
 #include "PreciseOneShotTimer.h"
+#include "ServerAction.h"
 
-#include <algorithm>
 #include <utility>
 
 RotationWords MessageRotationKind::words()
@@ -51,18 +50,23 @@ static QList<RSRTVArrayController<MessageRotationInst>::Column> columns()
     return {message, duration};
 }
 
-static QString sayCommand(const QString &text)
+static std::unique_ptr<OneShotTimer> orPrecise(std::unique_ptr<OneShotTimer> timer)
 {
-    return QStringLiteral("say \"%1\"").arg(text);
+    return timer != nullptr ? std::move(timer) : std::make_unique<PreciseOneShotTimer>();
 }
 
 KelMessageRotation::KelMessageRotation(Surroundings surroundings, const QString &folder,
                                        std::unique_ptr<OneShotTimer> timer, QObject *parent)
     : RotationStoreOf(surroundings.preferences, surroundings.alerts, folder, columns(), std::nullopt, parent),
-      m_preferences(surroundings.preferences), m_alerts(surroundings.alerts), m_server(surroundings.server),
-      m_actions(surroundings.actions),
-      m_timer(timer != nullptr ? std::move(timer) : std::make_unique<PreciseOneShotTimer>())
+      m_server(surroundings.server), m_actions(surroundings.actions),
+      m_player(
+          surroundings.server, surroundings.actions, surroundings.preferences, [this] { return entries(); },
+          orPrecise(std::move(timer)))
 {
+    connect(&m_player, &MessagePlayer::stateChanged, this, &KelMessageRotation::playStateChanged);
+    connect(&m_player, &MessagePlayer::indexChanged, this, &KelMessageRotation::currentMessageIndexChanged);
+    connect(&m_player, &MessagePlayer::entryOnAirChanged, this, &KelMessageRotation::entryOnAirChanged);
+    connect(&m_player, &MessagePlayer::touched, this, &KelMessageRotation::updateTransportButtons);
     connect(tableModel(), &QAbstractItemModel::rowsInserted, this, &KelMessageRotation::updateTransportButtons);
     connect(tableModel(), &QAbstractItemModel::rowsRemoved, this, &KelMessageRotation::updateTransportButtons);
     connect(&m_server, &KelServer::isConnectedChanged, this, &KelMessageRotation::connectionDidChange);
@@ -72,13 +76,6 @@ QCoro::Task<> KelMessageRotation::addMessageToCurrentRotation(QString message, Q
 {
     const QList<MessageRotationInst> added(1, MessageRotationInst{message, duration});
     co_await addEntries(added);
-}
-
-void KelMessageRotation::setCurrentMessageIndex(int index)
-{
-    const int stored = std::clamp(index, 0, std::max(0, rowCount() - 1));
-    if (std::exchange(m_messageIndex, stored) != stored)
-        emit currentMessageIndexChanged(stored);
 }
 
 void KelMessageRotation::connectionDidChange(bool isConnected)
@@ -91,116 +88,7 @@ void KelMessageRotation::connectionDidChange(bool isConnected)
 
 bool KelMessageRotation::startEnabled() const
 {
-    return m_playState != Playing && rowCount() > 0 && m_server.isConnected();
-}
-
-void KelMessageRotation::startRotation()
-{
-    m_timer->stop();
-    m_isSending = false;
-    ++m_showing;
-    if (rowCount() == 0)
-        return;
-    setPlayState(Playing);
-    setCurrentMessageIndex(0);
-    updateTransportButtons();
-    displayCurrentMessage();
-}
-
-void KelMessageRotation::stopRotation()
-{
-    m_timer->stop();
-    m_isSending = false;
-    ++m_showing;
-    setPlayState(Stopped);
-    setEntryOnAir(nullptr);
-    updateTransportButtons();
-}
-
-void KelMessageRotation::advanceRotation()
-{
-    m_timer->stop();
-    if (m_playState != Playing)
-        return;
-    const int next = m_messageIndex + 1;
-    setCurrentMessageIndex(next);
-    if (m_messageIndex == next)
-        displayCurrentMessage();
-    else if (m_preferences.boolValue(QStringLiteral("checkBoxLoopMessages")))
-        startRotation();
-    else
-        stopRotation();
-}
-
-void KelMessageRotation::displayCurrentMessage()
-{
-    setCurrentMessageIndex(m_messageIndex);
-    const QList<Row> rows = entries();
-    if (rows.isEmpty())
-        return;
-    const Row &row = rows.at(m_messageIndex);
-    QString text = row->message;
-    text.replace(QLatin1Char('"'), QLatin1String("\\\""));
-    m_isSending = true;
-    setEntryOnAir(row);
-    m_actions.start(showMessage(row, sayCommand(text), ++m_showing));
-}
-
-QCoro::Task<> KelMessageRotation::showMessage(std::shared_ptr<const MessageRotationInst> entry, QString line,
-                                              quint64 showing)
-{
-    qint64 shortestWait = 0;
-    std::optional<QString> failure;
-    {
-        const ActionQueue::Turn turn = co_await m_actions.turn();
-        const Link::Kind link = m_server.link().kind();
-        if (turn && showing == m_showing && (link == Link::Kind::Silent || link == Link::Kind::Refused)) {
-            m_server.appendConsoleNote(tr("skipped, as the server does not answer: %1").arg(line));
-            shortestWait = 1;
-        } else if (turn && showing == m_showing) {
-            const Reply reply = co_await m_server.sendCommand(line);
-            if (turn && !reply.isCancelled && !reply.isSuccess())
-                failure = reply.text;
-        }
-    }
-    // Without the turn: nobody may be there to close the alert, and the server is to be looked for meanwhile.
-    if (failure) {
-        co_await tellOfFailure(*failure);
-        shortestWait = 1; // or one alert would follow the other, with no moment to press Stop
-    }
-    // A turn that was refused because another connection began only costs this one message.
-    if (showing == m_showing && !m_actions.isClosed()) {
-        m_isSending = false;
-        waitFor(entry->duration, shortestWait);
-        emit entryOnAirChanged();
-    }
-}
-
-void KelMessageRotation::waitFor(const QString &duration, qint64 shortest)
-{
-    // Without a number the message stays until Stop: that is how a rotation is held.
-    if (const std::optional<qint64> seconds = parseNumber(duration))
-        m_timer->start(std::max(*seconds, shortest), [this] { advanceRotation(); });
-}
-
-QCoro::Task<> KelMessageRotation::tellOfFailure(QString error)
-{
-    const QString text = tr("'Say' returned an error: %1").arg(error);
-    co_await m_alerts.run(tr("Remote Command Failure"), text);
-}
-
-void KelMessageRotation::setPlayState(PlayState state)
-{
-    if (std::exchange(m_playState, state) != state)
-        emit playStateChanged(state);
-}
-
-void KelMessageRotation::setEntryOnAir(std::shared_ptr<const MessageRotationInst> entry)
-{
-    if (m_entryOnAir == entry)
-        return;
-    m_entryOnAir = std::move(entry);
-    emit entryOnAirChanged();
+    return !stopEnabled() && rowCount() > 0 && m_server.isConnected();
 }
 
 void KelMessageRotation::setQuickMessageText(const QString &text)
@@ -221,14 +109,12 @@ void KelMessageRotation::sendQuickMessage()
 
 QCoro::Task<> KelMessageRotation::sendText(QString text)
 {
-    const ActionQueue::Turn turn = co_await m_actions.turn();
+    ServerAction action(m_server, m_actions, {.action = tr("Quick Message"), .text = tr("Sent \"%1\"").arg(text)});
+    const bool hasTurn = co_await action.begin();
     bool wasSent = false;
-    if (turn) {
-        const QString line = sayCommand(text);
-        const Reply reply = co_await m_server.sendCommand(line);
-        wasSent = !reply.isRefused;
-        if (turn && !reply.isCancelled && !reply.isSuccess())
-            co_await tellOfFailure(reply.text);
+    if (hasTurn) {
+        co_await action.send(MessagePlayer::sayCommand(text), MessagePlayer::sayName());
+        wasSent = !action.isRefused();
     }
     if (!wasSent && m_quickMessageText.isEmpty()) // what was typed in the meantime is the next message
         setQuickMessageText(text);

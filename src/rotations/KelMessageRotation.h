@@ -1,7 +1,7 @@
 #pragma once
 
+#include "MessagePlayer.h"
 #include "MessageRotation.h"
-#include "OneShotTimer.h"
 #include "RotationStoreOf.h"
 #include "SharedInstance.h"
 
@@ -25,13 +25,14 @@ struct MessageRotationKind {
     }
 };
 
-/// The store of message rotations, the rows of the message table, and the player that sends them to the server.
-/// Main thread only. Every message that is sent is an action with a turn of its own.
+/// The store of message rotations, the rows of the message table, the player that sends them to the server, and the
+/// quick message. Main thread only.
 class KelMessageRotation final : public RotationStoreOf<MessageRotationKind>
 {
     Q_OBJECT
 public:
-    enum PlayState { Stopped = 0, Playing = 1 };
+    using PlayState = MessagePlayer::PlayState;
+    using enum MessagePlayer::PlayState;
 
     /// What the player stands on. All of it outlives the store.
     struct Surroundings {
@@ -58,31 +59,31 @@ public:
     /// Appends one row before the first wait; alerts when the table is full.
     QCoro::Task<> addMessageToCurrentRotation(QString message, QString duration);
 
-    PlayState currentPlayState() const { return m_playState; }
+    PlayState currentPlayState() const { return m_player.state(); }
     /// The row of the message that is shown: a number, which stays when rows are moved or removed.
-    int currentMessageIndex() const { return m_messageIndex; }
+    int currentMessageIndex() const { return m_player.index(); }
     /// Stores the index, brought into the table; 0 when the table is empty.
-    void setCurrentMessageIndex(int index);
+    void setCurrentMessageIndex(int index) { m_player.setIndex(index); }
     /// The message that was shown last while playing, wherever its row is now; null when stopped.
-    std::shared_ptr<const MessageRotationInst> entryOnAir() const { return m_entryOnAir; }
+    std::shared_ptr<const MessageRotationInst> entryOnAir() const { return m_player.entryOnAir(); }
     /// Where entryOnAir() is now; -1 when it is nowhere in the table.
-    int rowOnAir() const { return static_cast<int>(entries().indexOf(m_entryOnAir)); }
+    int rowOnAir() const { return static_cast<int>(entries().indexOf(m_player.entryOnAir())); }
     /// The message on air is on its way to the server, or waits for its turn.
-    bool isSending() const { return m_isSending; }
+    bool isSending() const { return m_player.isSending(); }
     /// How long until the next message; nothing while none is waited for.
-    std::optional<std::chrono::milliseconds> remainingTime() const { return m_timer->remaining(); }
+    std::optional<std::chrono::milliseconds> remainingTime() const { return m_player.remainingTime(); }
 
     /// Plays from the first row. Without rows it only gives up what was due next.
-    void startRotation();
+    void startRotation() { m_player.start(); }
     /// Stops; a message that waits for its turn is not sent any more. Happens by itself when the connection ends;
     /// closing calls it.
-    void stopRotation();
+    void stopRotation() { m_player.stop(); }
     /// Goes on to the next row, and past the last one to the first row or to a stop, as the preference has it.
-    void advanceRotation();
+    void advanceRotation() { m_player.advance(); }
 
     /// Without a connection every message would only raise an alert.
     bool startEnabled() const;
-    bool stopEnabled() const { return m_playState == Playing; }
+    bool stopEnabled() const { return currentPlayState() == Playing; }
     void updateTransportButtons() { emit transportButtonsChanged(startEnabled(), stopEnabled()); }
 
     QString quickMessageText() const { return m_quickMessageText; }
@@ -93,7 +94,7 @@ public:
     void sendQuickMessage();
 
 signals:
-    void playStateChanged(KelMessageRotation::PlayState state);
+    void playStateChanged(MessagePlayer::PlayState state);
     void currentMessageIndexChanged(int index);
     /// Another message is on air, or the one that is has been sent.
     void entryOnAirChanged();
@@ -102,24 +103,11 @@ signals:
 
 private:
     void connectionDidChange(bool isConnected);
-    void displayCurrentMessage();
-    void setEntryOnAir(std::shared_ptr<const MessageRotationInst> entry);
-    void setPlayState(PlayState state);
-    QCoro::Task<> showMessage(std::shared_ptr<const MessageRotationInst> entry, QString line, quint64 showing);
     QCoro::Task<> sendText(QString text);
-    QCoro::Task<> tellOfFailure(QString error);
-    void waitFor(const QString &duration, qint64 shortest);
 
-    Preferences &m_preferences;
-    Alerts &m_alerts;
     KelServer &m_server;
     ActionQueue &m_actions;
-    std::unique_ptr<OneShotTimer> m_timer;
-    PlayState m_playState = Stopped;
-    int m_messageIndex = 0;
-    bool m_isSending = false;
-    quint64 m_showing = 0; // tells a message that was called off from the one that is due
-    std::shared_ptr<const MessageRotationInst> m_entryOnAir;
+    MessagePlayer m_player;
     QString m_quickMessageText;
     int m_quickMessagesOnTheirWay = 0; ///< actions that have not ended
     SharedInstance<KelMessageRotation> m_shared{this};

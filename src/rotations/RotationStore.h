@@ -61,6 +61,8 @@ public:
 signals:
     /// "Rotation: …" is to show this name; empty means that none is open.
     void currentRotationChanged(const QString &name);
+    /// A file holds the named rotation as the table shows it.
+    void rotationSaved(const QString &name);
     /// The table holds another rotation now: there is nothing to undo.
     void rotationOpened();
     /// hasUnsavedWork() may say something else than before.

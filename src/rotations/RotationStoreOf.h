@@ -122,6 +122,8 @@ public:
         const GuardedFile::Outcome outcome = writeFile();
         setCurrentRotation(name);
         takeTableAsSaved();
+        if (outcome.isSuccess())
+            emit rotationSaved(name);
         co_await tell(outcome);
         co_return outcome.isSuccess();
     }

@@ -20,8 +20,8 @@ DvarFetcher::DvarFetcher(KelServer &server, ActionQueue &actions, UnknownDvars &
         if (!isConnected)
             stop();
     });
-    connect(&server, &KelServer::unknownDvarWritten, this, [this](const QString &name) {
-        if (!m_catalogued.contains(name))
+    connect(&server, &KelServer::dvarWritten, this, [this](const QString &name) {
+        if (!m_catalogued.contains(name) || m_server.dvarList().contains(name))
             return;
         askFor({name});
         prefer({name});
@@ -51,7 +51,6 @@ void DvarFetcher::start()
     askFor(names);
     if (names.isEmpty() && !m_catalogued.isEmpty())
         emit finished(0, static_cast<int>(m_catalogued.size()));
-    emit began();
 }
 
 void DvarFetcher::askFor(const QStringList &names)
@@ -60,9 +59,9 @@ void DvarFetcher::askFor(const QStringList &names)
     for (const QString &name : names) {
         m_notOnServer.removeAll(name);
         m_unanswered.removeAll(name);
-        m_server.setAwaited(name, true);
     }
     tellProgress();
+    emit began();
     schedule();
 }
 
@@ -82,7 +81,6 @@ void DvarFetcher::askAgain()
 void DvarFetcher::stop()
 {
     m_timer.stop();
-    m_server.forgetAwaited();
     m_unanswered += missing(m_catalogued);
     m_queue.clear();
     m_catalogued.clear();
@@ -130,35 +128,41 @@ QCoro::Task<> DvarFetcher::fetchNext(quint64 connection)
     const bool isOfConnection = turn && connection == m_server.connection() && m_server.link().mayAskByItself();
     if (isOfConnection && !m_queue.isEmpty()) {
         const QString name = m_queue.first();
-        const KelServer::Fetched fetched = co_await m_server.fetchDvar(name);
-        const bool isSettling = turn && connection == m_server.connection();
+        const Reply reply = co_await m_server.ask(name, KelServer::Asking::InTheBackground);
+        const bool isSettling = turn && connection == m_server.connection() && !reply.isCancelled;
         if (isSettling)
-            settle(name, fetched);
-        m_noAnswersInARow = fetched == KelServer::Fetched::NoAnswer ? m_noAnswersInARow + 1 : 0;
+            settle(name, reply);
         // Sent once each, they may have been ignored for their haste. Is anybody there?
         constexpr int unansweredToDoubt = 5;
         if (isSettling && m_noAnswersInARow == unansweredToDoubt) {
             m_noAnswersInARow = 0;
-            co_await m_server.probePatiently();
+            const QString anything = QStringLiteral("sv_hostname");
+            co_await m_server.ask(anything);
         }
     }
     m_isStepUnderWay = false;
     schedule();
 }
 
-void DvarFetcher::settle(const QString &name, KelServer::Fetched fetched)
+void DvarFetcher::settle(const QString &name, const Reply &reply)
 {
-    if (fetched == KelServer::Fetched::Refused || fetched == KelServer::Fetched::CalledOff)
-        return; // whoever ends the connection, or finds the right password, decides
-    if (fetched == KelServer::Fetched::NoAnswer) {
+    if (reply.result == RConResultInvalidPassword)
+        return; // whoever finds the right one decides
+    m_noAnswersInARow = reply.isSuccess() ? 0 : m_noAnswersInARow + 1;
+    if (!reply.isSuccess()) {
         if (m_queue.postpone(name))
             return;
-        m_server.setAwaited(name, false); // asked for often enough
-        m_unanswered.append(name);
+        m_unanswered.append(name); // asked for often enough
+    } else if (const std::optional<QString> value = toldValue(reply.text)) {
+        m_server.takeDvar(name, *value);
+    } else {
+        if (isUnknownDvar(reply.text))
+            m_server.dropDvar(name); // it may have known the variable before it restarted
+        if (m_catalogued.contains(name))
+            m_notOnServer.append(name);
     }
-    if (fetched == KelServer::Fetched::Unknown && m_catalogued.contains(name))
-        m_notOnServer.append(name);
     m_queue.remove(name);
+    emit settled(name);
     tellProgress();
     if (m_queue.isEmpty())
         finish();

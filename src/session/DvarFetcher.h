@@ -37,6 +37,8 @@ public:
     void askAgain();
     void stop();
 
+    /// Whether the value of a variable is still to come.
+    bool isAwaited(const QString &name) const { return m_queue.contains(name); }
     /// Those of `names` that are still to come.
     QStringList missing(const QStringList &names) const;
     /// Whether the session lacks a variable because no answer came, and it is not asked for any more. Of the variables
@@ -49,8 +51,10 @@ public:
     bool isAsking() const { return !m_queue.isEmpty(); }
 
 signals:
-    /// It is known what is to be asked for, and the first of it comes next.
+    /// It is known what is to be asked for, or more of it, and the first comes next.
     void began();
+    /// A variable is not awaited any more: its value has come, or none will.
+    void settled(const QString &name);
     /// `done` of `total` catalogued variables are settled.
     void progressed(int done, int total);
     /// Everything has been asked for: `unknown` of `total` catalogued variables are not on this server.
@@ -60,7 +64,7 @@ private:
     void schedule();
     void step();
     QCoro::Task<> fetchNext(quint64 connection);
-    void settle(const QString &name, KelServer::Fetched fetched);
+    void settle(const QString &name, const Reply &reply);
     void finish();
     void tellProgress();
 

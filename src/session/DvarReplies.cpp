@@ -23,6 +23,15 @@ std::optional<std::pair<QString, QString>> dumpedDvar(QStringView line)
     return std::pair(line.sliced(begin, end - begin).toString(), value.toString());
 }
 
+void takeDump(QStringView dump, DvarTable *dvars)
+{
+    for (const QStringView line : dump.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        const auto dvar = dumpedDvar(line);
+        if (dvar && (dvars->size() < mostDumpedDvars || dvars->contains(dvar->first)))
+            dvars->insert(dvar->first, dvar->second);
+    }
+}
+
 std::optional<QString> toldValue(const QString &reply)
 {
     constexpr qsizetype fieldsOfReply = 3;
@@ -38,4 +47,9 @@ std::optional<QString> toldValue(const QString &reply)
 bool isUnknownDvar(const QString &reply)
 {
     return startsWithString(reply, QStringLiteral("Unknown command"));
+}
+
+bool isValueRefused(const QString &reply)
+{
+    return reply.contains(QLatin1String("not a valid value"));
 }

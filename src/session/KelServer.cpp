@@ -1,71 +1,47 @@
 #include "KelServer.h"
 
+#include "Alerts.h"
+#include "CatalogueLoader.h"
 #include "GameText.h"
-#include "HostLookup.h"
+#include "Number.h"
 #include "QuotedStrings.h"
 #include "Secrets.h"
 
+#include <limits>
 #include <utility>
 
-using namespace std::chrono_literals;
+static const QStringList &requiredDvars()
+{
+    static const QStringList names{QStringLiteral("rcon_password"),
+                                   QStringLiteral("sv_hostname"),
+                                   QStringLiteral("sv_ranked"),
+                                   QStringLiteral("playlist_enabled"),
+                                   QStringLiteral("playlist_excludeMap"),
+                                   QStringLiteral("playlist_excludeGametype"),
+                                   QStringLiteral("playlist_excludeGametypeMap")};
+    return names;
+}
 
 static Reply notConnected()
 {
     return Reply{RConResultError, KelServer::tr("Not connected to a game server."), false};
 }
 
-/// As far as the line tells: it begins with the variable, or with a word that sets it, and so may each command of
-/// several. What is said to players is no password, although it may speak of one.
-static bool writesPassword(const QString &command)
+static std::optional<int> parsePort(const QString &text)
 {
-    for (const QString &single : command.split(QLatin1Char(';'))) {
-        const QStringList words = single.simplified().split(QLatin1Char(' '));
-        const QString &verb = words.constFirst();
-        const bool isChat = verb.startsWith(QLatin1String("say")) || verb == QLatin1String("tell");
-        if (!isChat && (holdsPassword(verb) || holdsPassword(words.value(1))))
-            return true;
-    }
-    return false;
-}
-
-/// @return nothing for what the game can hold. The characters of a password are named nowhere.
-static QString reasonOfRefusal(const Request &request)
-{
-    const GameText command = GameText::asItStands(request.command);
-    const bool isPasswordSendable = GameText::asItStands(request.password).isSendable();
-    if (isPasswordSendable && command.isSendable())
-        return {};
-    if (!isPasswordSendable || writesPassword(request.command))
-        return KelServer::tr("The game cannot hold a character of this password. Nothing was sent.");
-    return KelServer::tr("%1 Nothing was sent.").arg(command.complaint());
-}
-
-/// What a reply tells of its way, beside its text.
-static QStringList marksOf(const Reply &reply)
-{
-    QStringList marks;
-    if (reply.sends == 2)
-        marks.append(KelServer::tr("sent twice"));
-    else if (reply.sends > 2)
-        marks.append(KelServer::tr("sent three times"));
-    if (reply.doubled > 0)
-        marks.append(KelServer::tr("a part came twice"));
-    if (reply.mayBeIncomplete)
-        marks.append(KelServer::tr("the end may be missing"));
-    return marks;
+    const std::optional<qint64> number = parseNumber(text);
+    if (!number || *number < 1 || *number > std::numeric_limits<quint16>::max())
+        return std::nullopt;
+    return static_cast<int>(*number);
 }
 
 KelServer::KelServer(Exchange &exchange, Alerts &alerts, QObject *parent)
     : QObject(parent), m_exchange(exchange), m_alerts(alerts), m_link(exchange)
 {
-    connect(this, &KelServer::consoleCleared, this, [this] { m_isLineOpen = false; });
     m_exchange.setCameLate([this](const QString &command, const QString &text) {
-        appendConsoleNote(tr("came late, to “%1”").arg(command));
-        appendConsoleMessage(text);
+        m_console.appendConsoleNote(tr("came late, to “%1”").arg(command));
+        m_console.appendConsoleMessage(text);
     });
-    m_announcing.setSingleShot(true);
-    m_announcing.setInterval(200ms);
-    connect(&m_announcing, &QTimer::timeout, this, &KelServer::dvarListChanged);
 }
 
 KelServer::~KelServer()
@@ -76,46 +52,6 @@ KelServer::~KelServer()
 KelServer *KelServer::sharedKelServer()
 {
     return SharedInstance<KelServer>::latest();
-}
-
-void KelServer::disconnect()
-{
-    ++m_cancellations;
-    setConnected(false);
-    forgetPassword();
-}
-
-void KelServer::forgetPassword()
-{
-    if (m_dvars.remove(QStringLiteral("rcon_password")) > 0)
-        emit dvarListChanged(); // whoever has a copy lets go of it
-}
-
-void KelServer::forgetVariables()
-{
-    forgetPassword();
-    m_dvars.clear();
-    m_awaited.clear();
-    emit dvarListChanged();
-}
-
-void KelServer::cancelExchange()
-{
-    ++m_cancellations;
-    m_exchange.cancel();
-    if (m_hostLookup != nullptr)
-        m_hostLookup->cancel();
-}
-
-void KelServer::setConnected(bool isConnected)
-{
-    ++m_connection;
-    if (isConnected)
-        m_link.open();
-    else
-        m_link.close();
-    if (std::exchange(m_isConnected, isConnected) != isConnected)
-        emit isConnectedChanged(isConnected);
 }
 
 QString KelServer::serverKey() const
@@ -135,56 +71,325 @@ Request KelServer::requestFor(const QString &command, const QString &password) c
     return request;
 }
 
-QCoro::Task<Reply> KelServer::send(Request request, Arrived arrived)
+// Connecting
+
+QCoro::Task<> KelServer::connectToHost(QString host, QString portText, QString password)
 {
-    const QString refusal = reasonOfRefusal(request);
-    if (!refusal.isEmpty())
-        co_return Reply{RConResultError, refusal, false, true};
-    const quint64 connection = m_connection;
-    const auto sentAt = std::chrono::steady_clock::now();
-    if (!request.isBackground && ++m_exchangesUnderWay == 1)
-        emit exchangeUnderWayChanged(true);
-    m_link.noteSent();
-    Reply reply = co_await m_exchange.send(request, arrived);
-    if (!request.isBackground && --m_exchangesUnderWay == 0)
-        emit exchangeUnderWayChanged(false);
-    if (connection == m_connection)
-        m_link.noteReply(request, reply, sentAt);
+    forgetVariables();
+    m_console.clearCommandHistory();
+    m_console.clearTranscript();
+    m_exchange.startOver();
+
+    const std::optional<int> newPort = parsePort(portText);
+    if (!newPort) {
+        const QString text = tr("The value entered '%1' is invalid").arg(portText);
+        co_await failConnecting(tr("Invalid Port"), text);
+        co_return;
+    }
+    std::optional<Reply> dump = co_await reach(host, *newPort, password);
+    if (!dump)
+        co_return;
+    setConnected(true);
+    const quint64 connection = m_link.connection();
+    emit connectionBegan();
+    takeDump(dump->text, &m_dvars);
+    if (dump->mayBeIncomplete)
+        co_await dumpOnceMore(password);
+    bool areAllThere = false;
+    if (connection == m_link.connection())
+        areAllThere = co_await fetchRequiredDvars(password);
+    if (connection != m_link.connection())
+        co_return;
+    if (!areAllThere) {
+        const QString text = tr("Unable to fine all required dvars!\n\n- The server is not communicating properly.");
+        co_await failConnecting(tr("Server Communication Error"), text);
+        co_return;
+    }
+    readMode();
+    emit dvarListChanged();
+    setupTabsForPlaylistsAndRanked();
+    co_await followCatalogues();
+    if (connection == m_link.connection())
+        emit didConnect();
+}
+
+QCoro::Task<std::optional<Reply>> KelServer::reach(QString host, int port, QString password)
+{
+    const quint64 connection = m_link.connection();
+    std::optional<Reply> dump;
+    const HostAddresses found = co_await lookUp(host);
+    if (found.isCancelled || connection != m_link.connection())
+        co_return dump;
+    if (found.addresses.isEmpty()) {
+        co_await failConnecting(tr("Command Send Error"), found.error);
+        co_return dump;
+    }
+    Request request{host, port, password, QStringLiteral("dvardump")};
+    Reply reply;
+    for (const QString &address : found.addresses) { // never at once: the password goes along
+        request.address = address;
+        reply = co_await m_link.send(request);
+        if (reply.isCancelled || connection != m_link.connection())
+            co_return dump;
+        if (reply.result != RConResultTimeout && reply.result != RConResultError)
+            break;
+    }
+    if (reply.result == RConResultInvalidPassword)
+        emit passwordRefused();
+    if (!reply.isSuccess()) {
+        co_await failConnecting(tr("Command Send Error"), reply.text);
+        co_return dump;
+    }
+    m_host = host;
+    m_port = port;
+    m_address = request.address;
+    dump = std::move(reply);
+    co_return dump;
+}
+
+QCoro::Task<HostAddresses> KelServer::lookUp(QString host)
+{
+    HostAddresses found{{host}, {}, false};
+    if (m_hostLookup != nullptr) {
+        const quint64 connection = m_link.connection();
+        emit lookUpBegan(host);
+        found = co_await m_hostLookup->find(host);
+        if (!found.isCancelled && connection == m_link.connection())
+            emit lookUpEnded();
+    }
+    co_return found;
+}
+
+QCoro::Task<> KelServer::lookUpAgain()
+{
+    const quint64 connection = m_link.connection();
+    if (m_hostLookup == nullptr)
+        co_return;
+    const HostAddresses found = co_await m_hostLookup->find(m_host);
+    if (connection == m_link.connection() && !found.addresses.isEmpty() && !found.addresses.contains(m_address))
+        m_address = found.addresses.first();
+}
+
+/// A part was lost, or the server counts in a way of its own: it is asked again once, and never for that any more.
+QCoro::Task<> KelServer::dumpOnceMore(QString password)
+{
+    if (m_dumpedTwice.contains(serverKey()))
+        co_return;
+    m_dumpedTwice.insert(serverKey());
+    const quint64 connection = m_link.connection();
+    const Request request = requestFor(QStringLiteral("dvardump"), password);
+    Reply reply = co_await m_link.send(request);
+    if (reply.isSuccess() && connection == m_link.connection())
+        takeDump(reply.text, &m_dvars);
+}
+
+QCoro::Task<bool> KelServer::fetchRequiredDvars(QString password)
+{
+    const quint64 connection = m_link.connection();
+    bool areAllThere = true;
+    for (const QString &name : requiredDvars()) {
+        if (m_dvars.contains(name))
+            continue;
+        const bool isStored = co_await verifyDvar(name, password);
+        if (connection != m_link.connection())
+            co_return false;
+        areAllThere = areAllThere && isStored;
+    }
+    co_return areAllThere;
+}
+
+QCoro::Task<> KelServer::followCatalogues()
+{
+    const quint64 connection = m_link.connection();
+    if (m_catalogueLoader == nullptr)
+        co_return;
+    co_await m_catalogueLoader->loadCatalogues();
+    if (connection == m_link.connection())
+        co_await m_catalogueLoader->updateControls();
+}
+
+QCoro::Task<> KelServer::failConnecting(QString title, QString text)
+{
+    co_await m_alerts.run(title, text);
+    setConnectFailed();
+}
+
+void KelServer::disconnect()
+{
+    setConnected(false);
+    forgetPassword();
+}
+
+void KelServer::cancelExchange()
+{
+    m_link.cancel();
+    if (m_hostLookup != nullptr)
+        m_hostLookup->cancel();
+}
+
+void KelServer::setConnected(bool isConnected)
+{
+    const bool wasConnected = this->isConnected();
+    if (isConnected)
+        m_link.open();
+    else
+        m_link.close();
+    if (wasConnected != isConnected)
+        emit isConnectedChanged(isConnected);
+}
+
+// The mode of the server
+
+void KelServer::readMode()
+{
+    const auto ranked = m_dvars.constFind(QStringLiteral("sv_ranked"));
+    m_isRanked = ranked == m_dvars.constEnd() || *ranked == QLatin1String("2") || *ranked == QLatin1String("4");
+    m_playlistsActive = m_dvars.value(QStringLiteral("playlist_enabled")) == QLatin1String("1");
+}
+
+QCoro::Task<> KelServer::followMode()
+{
+    const TabSet before = m_tabSet;
+    readMode();
+    setupTabsForPlaylistsAndRanked();
+    if (before != m_tabSet)
+        co_await followCatalogues();
+}
+
+void KelServer::setupTabsForPlaylistsAndRanked()
+{
+    TabSet wanted = TabSet::Ranked;
+    if (!m_isRanked)
+        wanted = m_playlistsActive ? TabSet::UnrankedPlaylists : TabSet::UnrankedMaps;
+    if (std::exchange(m_tabSet, wanted) != wanted)
+        emit tabSetChanged();
+}
+
+// Variables
+
+void KelServer::forgetPassword()
+{
+    if (m_dvars.remove(QStringLiteral("rcon_password")) > 0)
+        emit dvarListChanged(); // whoever has a copy lets go of it
+}
+
+void KelServer::forgetVariables()
+{
+    forgetPassword();
+    m_dvars.clear();
+    emit dvarListChanged();
+}
+
+void KelServer::setPassword(const QString &password)
+{
+    takeDvar(QStringLiteral("rcon_password"), password);
+}
+
+void KelServer::takeDvar(const QString &name, const QString &value)
+{
+    m_dvars.insert(name, value);
+    emit dvarChanged(name);
+}
+
+void KelServer::dropDvar(const QString &name)
+{
+    if (!requiredDvars().contains(name) && m_dvars.remove(name) > 0)
+        emit dvarChanged(name);
+}
+
+QStringList KelServer::takeDvars(const DvarTable &dumped)
+{
+    const QStringList catalogued = cataloguedDvars();
+    QStringList different;
+    for (auto each = dumped.cbegin(); each != dumped.cend(); ++each) {
+        if (m_dvars.value(each.key()) == *each)
+            continue;
+        if (catalogued.contains(each.key()))
+            different.append(each.key());
+        m_dvars.insert(each.key(), *each);
+    }
+    emit dvarListChanged();
+    return different;
+}
+
+QStringList KelServer::cataloguedDvars() const
+{
+    if (m_catalogueLoader == nullptr)
+        return {};
+    QStringList names = m_catalogueLoader->settingDvars();
+    if (!m_isRanked)
+        names += m_catalogueLoader->gametypeDvars();
+    names.removeDuplicates();
+    return names;
+}
+
+QCoro::Task<bool> KelServer::verifyDvar(QString name, QString password)
+{
+    if (m_dvars.contains(name))
+        co_return false;
+    const quint64 connection = m_link.connection();
+    const Request request = requestFor(name, password);
+    const Reply reply = co_await m_link.send(request);
+    if (reply.isCancelled || connection != m_link.connection())
+        co_return false;
+    if (!reply.isSuccess()) {
+        co_await failConnecting(tr("Command Send Error"), reply.text);
+        co_return false;
+    }
+    if (isUnknownDvar(reply.text)) {
+        const QString text = tr("The dvar '%1' was not recognized by the server").arg(name);
+        co_await m_alerts.run(tr("Unknown dvar"), text);
+        co_return false;
+    }
+    const std::optional<QString> value = toldValue(reply.text);
+    if (value)
+        m_dvars.insert(name, *value);
+    co_return value.has_value();
+}
+
+QCoro::Task<> KelServer::updateDvarFromServer(QString name)
+{
+    m_dvars.remove(name);
+    // Asking for rcon_password itself goes out without a valid one: its entry has just gone.
+    const QString password = rconPassword();
+    co_await verifyDvar(name, password);
+    emit dvarChanged(name);
+}
+
+// What is sent
+
+QCoro::Task<Reply> KelServer::ask(QString command, Asking asking)
+{
+    Request request = requestFor(command, rconPassword());
+    request.isBackground = asking != Asking::Patiently;
+    request.isProbe = asking == Asking::Probing;
+    Reply reply = co_await m_link.send(request);
     co_return reply;
 }
 
-QCoro::Task<Reply> KelServer::ask(QString command, QString password)
+QCoro::Task<Reply> KelServer::converse(Request request, Arrived arrived)
 {
-    const Request request = requestFor(command, password);
-    const Reply reply = co_await send(request);
+    m_console.echo(request.command);
+    const Arrived show = [this, arrived](const QString &text) {
+        m_console.appendConsoleMessage(text);
+        if (arrived)
+            arrived(text);
+    };
+    const Reply reply = co_await m_link.send(request, show);
     co_return reply;
 }
 
 QCoro::Task<Reply> KelServer::sendCommand(QString command, Arrived arrived)
 {
-    if (!m_isConnected)
+    if (!isConnected())
         co_return notConnected();
-    if (!writesPassword(command))
+    if (!Console::writesPassword(command))
         command = GameText::of(command).text();
-    echo(command);
     const Request request = requestFor(command, rconPassword());
-    const Arrived show = [this, arrived](const QString &text) {
-        appendConsoleMessage(text);
-        if (arrived)
-            arrived(text);
-    };
-    const Reply reply = co_await send(request, show);
+    const Reply reply = co_await converse(request, arrived);
     if (!reply.isCancelled)
-        appendEnd(reply);
+        m_console.appendEnd(reply);
     co_return reply;
-}
-
-void KelServer::appendEnd(const Reply &reply)
-{
-    if (!reply.isSuccess()) // the text that came with it has been shown
-        appendConsoleMessage(reply.text.endsWith(QLatin1Char('\n')) ? reply.text : reply.text + QLatin1Char('\n'));
-    for (const QString &mark : marksOf(reply))
-        appendConsoleNote(mark);
 }
 
 QCoro::Task<Reply> KelServer::setDvar(QString name, QString value)
@@ -195,109 +400,50 @@ QCoro::Task<Reply> KelServer::setDvar(QString name, QString value)
 
 QCoro::Task<Reply> KelServer::quickSetDvar(QString name, QString value)
 {
-    if (!m_isConnected)
-        co_return notConnected();
     Reply reply = co_await writeDvar(name, value, true);
-    reply.text.clear();
+    if (isConnected())
+        reply.text.clear();
     co_return reply;
 }
 
 QCoro::Task<Reply> KelServer::writeDvar(QString name, QString value, bool isSingle)
 {
-    if (!m_isConnected)
+    if (!isConnected())
         co_return notConnected();
     value = withoutOuterQuotes(value);
     if (!holdsPassword(name))
         value = GameText::of(value).text();
-    const QString command = QStringLiteral("setadmindvar %1 \"%2\"").arg(name, value);
-    echo(command);
-    Request request = requestFor(command, rconPassword());
+    Request request = requestFor(QStringLiteral("setadmindvar %1 \"%2\"").arg(name, value), rconPassword());
     request.isSingle = isSingle;
-    const Arrived show = [this](const QString &text) {
-        appendConsoleMessage(text);
-    };
-    const Reply reply = co_await send(request, show);
+    const Reply reply = co_await converse(request);
     if (reply.isCancelled)
         co_return reply;
     if (reply.isSuccess())
-        appendConsoleMessage(QStringLiteral("\n"));
-    appendEnd(reply);
-    if (reply.isSuccess() && !m_dvars.contains(name))
-        emit unknownDvarWritten(name);
-    if (!reply.isSuccess() || !m_dvars.contains(name))
+        m_console.appendConsoleMessage(QStringLiteral("\n"));
+    m_console.appendEnd(reply);
+    if (!reply.isSuccess())
         co_return reply;
-    m_dvars.insert(name, value);
-    emit dvarListChanged();
+    emit dvarWritten(name);
+    if (!m_dvars.contains(name))
+        co_return reply;
+    takeDvar(name, value);
     if (name == QLatin1String("rcon_password") && m_passwordTextBox)
         m_passwordTextBox(value);
     co_return reply;
 }
 
-QCoro::Task<> KelServer::updateDvarFromServer(QString name)
-{
-    m_dvars.remove(name);
-    // Asking for rcon_password itself goes out without a valid one: its entry has just gone.
-    const QString password = rconPassword();
-    co_await verifyDvar(name, password);
-    emit dvarListChanged();
-}
-
 QCoro::Task<Reply> KelServer::consoleInputDidChange(QString text)
 {
-    if (!writesPassword(text))
+    if (!Console::writesPassword(text))
         text = GameText::ofTypedLine(text).text();
     const Reply reply = co_await sendCommand(text);
     static const QString playlistSwitch = QStringLiteral("playlist_enabled ");
     if (reply.isCancelled || reply.isRefused || !startsWithString(text, playlistSwitch))
         co_return reply;
     const QString value = text.mid(playlistSwitch.size());
-    m_dvars.insert(QStringLiteral("playlist_enabled"), value);
     m_playlistsActive = value == QLatin1String("1");
-    emit dvarListChanged();
+    takeDvar(QStringLiteral("playlist_enabled"), value);
     setupTabsForPlaylistsAndRanked();
     emit lastTabRequested();
     co_return reply;
-}
-
-void KelServer::echo(const QString &command)
-{
-    addToCommandHistory(command);
-    const QString lineBreak = m_isLineOpen ? QStringLiteral("\n") : QString();
-    appendConsoleMessage(lineBreak + QStringLiteral("] ") + command + QLatin1Char('\n'));
-}
-
-void KelServer::appendConsoleMessage(const QString &text)
-{
-    if (!text.isEmpty())
-        m_isLineOpen = !text.endsWith(QLatin1Char('\n'));
-    emit consoleMessageAppended(text);
-}
-
-void KelServer::appendConsoleNote(const QString &note)
-{
-    m_isLineOpen = false;
-    emit consoleNoteAppended(note);
-}
-
-void KelServer::addToCommandHistory(const QString &command)
-{
-    m_commandHistory.append(command);
-    ++m_commandHistoryCursor;
-    emit commandHistoryChanged();
-}
-
-void KelServer::clearCommandHistory()
-{
-    m_commandHistory.clear();
-    m_commandHistoryCursor = 0;
-    emit commandHistoryChanged();
-}
-
-void KelServer::setupTabsForPlaylistsAndRanked()
-{
-    TabSet wanted = TabSet::Ranked;
-    if (!m_isRanked)
-        wanted = m_playlistsActive ? TabSet::UnrankedPlaylists : TabSet::UnrankedMaps;
-    if (std::exchange(m_tabSet, wanted) != wanted)
-        emit tabSetChanged();
 }

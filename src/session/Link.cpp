@@ -1,5 +1,8 @@
 #include "Link.h"
 
+#include "Console.h"
+#include "GameText.h"
+
 #include <ctime>
 #include <utility>
 
@@ -25,6 +28,18 @@ QDateTime Link::silentSince() const
     return m_silentFrom ? QDateTime::currentDateTime().addMSecs(-silentFor().count()) : QDateTime();
 }
 
+/// @return nothing for what the game can hold. The characters of a password are named nowhere.
+static QString reasonOfRefusal(const Request &request)
+{
+    const GameText command = GameText::asItStands(request.command);
+    const bool isPasswordSendable = GameText::asItStands(request.password).isSendable();
+    if (isPasswordSendable && command.isSendable())
+        return {};
+    if (!isPasswordSendable || Console::writesPassword(request.command))
+        return Link::tr("The game cannot hold a character of this password. Nothing was sent.");
+    return Link::tr("%1 Nothing was sent.").arg(command.complaint());
+}
+
 milliseconds Link::silentFor() const
 {
     return m_silentFrom ? timeSinceStart() - *m_silentFrom : milliseconds(0);
@@ -32,14 +47,19 @@ milliseconds Link::silentFor() const
 
 void Link::open()
 {
-    m_silentFrom.reset();
-    become(Kind::Answering);
+    begin(Kind::Answering);
 }
 
 void Link::close()
 {
+    begin(Kind::Closed);
+}
+
+void Link::begin(Kind kind)
+{
+    ++m_connection;
     m_silentFrom.reset();
-    become(Kind::Closed);
+    become(kind);
 }
 
 void Link::retry()
@@ -51,15 +71,34 @@ void Link::retry()
     become(Kind::Silent);
 }
 
-void Link::noteSent()
+void Link::cancel()
 {
-    QMetaObject::invokeMethod(this, &Link::figuresChanged, Qt::QueuedConnection);
+    ++m_connection;
+    m_exchange.cancel();
 }
 
-void Link::noteReply(const Request &request, const Reply &reply, steady_clock::time_point sentAt)
+QCoro::Task<Reply> Link::send(Request request, Arrived arrived)
 {
+    const QString refusal = reasonOfRefusal(request);
+    if (!refusal.isEmpty())
+        co_return Reply{RConResultError, refusal, false, true};
+    const quint64 connection = m_connection;
+    const auto sentAt = steady_clock::now();
+    if (!request.isBackground && ++m_underWay == 1)
+        emit busyChanged(true);
+    QMetaObject::invokeMethod(this, &Link::figuresChanged, Qt::QueuedConnection); // when the exchange has it
+    Reply reply = co_await m_exchange.send(request, arrived);
+    if (!request.isBackground && --m_underWay == 0)
+        emit busyChanged(false);
     emit figuresChanged();
-    if (m_kind == Kind::Closed || reply.isCancelled || reply.isRefused)
+    if (connection == m_connection && m_kind != Kind::Closed)
+        judge(request, reply, sentAt);
+    co_return reply;
+}
+
+void Link::judge(const Request &request, const Reply &reply, steady_clock::time_point sentAt)
+{
+    if (reply.isCancelled)
         return;
     if (reply.result == RConResultInvalidPassword) {
         become(Kind::Refused);

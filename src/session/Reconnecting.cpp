@@ -4,6 +4,7 @@
 #include "Alerts.h"
 #include "DvarFetcher.h"
 #include "KelServer.h"
+#include "Secrets.h"
 
 #include <algorithm>
 #include <array>
@@ -80,7 +81,7 @@ QCoro::Task<> Reconnecting::probeOnce(quint64 connection)
     };
     if (!turn || isOver())
         co_return;
-    co_await m_server.probe();
+    co_await m_server.ask(hostnameDvar(), KelServer::Asking::Probing);
     constexpr int probesBeforeLookUp = 3; // the name may stand for another address now
     if (++m_probes == probesBeforeLookUp && turn && !isOver())
         co_await m_server.lookUpAgain();
@@ -100,10 +101,13 @@ QCoro::Task<> Reconnecting::reread(quint64 connection, milliseconds silence)
         co_return;
     // Not before the turn: the answer that told may have been the one to a new name.
     const QString hostname = m_server.dvarList().value(hostnameDvar());
-    const std::optional<DvarTable> dumped = co_await m_server.dumpDvars();
-    if (!turn || !dumped || connection != m_server.connection())
+    const QString command = QStringLiteral("dvardump");
+    Reply reply = co_await m_server.ask(command);
+    if (!turn || !reply.isSuccess() || connection != m_server.connection())
         co_return;
-    const QString found = dumped->value(hostnameDvar(), hostname);
+    DvarTable dumped;
+    takeDump(reply.text, &dumped);
+    const QString found = dumped.value(hostnameDvar(), hostname);
     bool goesOn = true;
     if (found != hostname)
         goesOn = co_await isSameServer(found);
@@ -116,10 +120,10 @@ QCoro::Task<> Reconnecting::reread(quint64 connection, milliseconds silence)
     QStringList untold;
     const DvarTable before = m_server.dvarList();
     for (auto each = before.cbegin(); each != before.cend(); ++each) {
-        if (!dumped->contains(each.key()))
+        if (!dumped.contains(each.key()))
             untold.append(each.key());
     }
-    const QStringList different = m_server.takeDvars(*dumped);
+    const QStringList different = m_server.takeDvars(dumped);
     co_await m_server.followMode();
     if (!turn || connection != m_server.connection())
         co_return;

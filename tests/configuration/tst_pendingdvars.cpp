@@ -90,7 +90,7 @@ private slots:
         QVERIFY(!session.progress.isShown() && !session.pending.isUnderWay());
         QCOMPARE(session.progress.steps(), (Steps{{0, 2}, {0, 2}, {1, 2}})); // g_a was on its way before
         QCOMPARE(session.exchange.sent().mid(0, 3), QStringList({"clientkick 3", "scr_a", "g_b"}));
-        QVERIFY(!session.server.dvarList().contains("g_c") && session.server.isAwaited("g_c"));
+        QVERIFY(!session.server.dvarList().contains("g_c") && session.fetcher.isAwaited("g_c"));
     }
 
     void asksNothingOfTheUserWhereNothingIsToCome_data()

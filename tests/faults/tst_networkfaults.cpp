@@ -39,7 +39,7 @@ struct Course : RealConsole {
         meanwhile = shownRows(playersTable);
         QElapsedTimer timer;
         timer.start();
-        const auto listening = QObject::connect(&server, &KelServer::consoleMessageAppended, &server,
+        const auto listening = QObject::connect(&server.console(), &Console::messageAppended, &server,
                                                 [this](const QString &text) { said += text; });
         messages.setQuickMessageText("two");
         messages.sendQuickMessage();

@@ -73,7 +73,7 @@ private slots:
         timer.start();
         QString transcript;
         QHash<QString, QList<qint64>> sent; // when, by what the transcript shows
-        connect(&c.server, &KelServer::consoleMessageAppended, &c.server, [&](const QString &text) {
+        connect(&c.server.console(), &Console::messageAppended, &c.server, [&](const QString &text) {
             transcript += text;
             sent[text].append(timer.elapsed());
         });

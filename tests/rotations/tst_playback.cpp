@@ -54,7 +54,7 @@ private slots:
     {
         Player f;
         awaited(f.messages.addMessageToCurrentRotation("a", "3"));
-        QSignalSpy notes(&f.server, &KelServer::consoleNoteAppended);
+        QSignalSpy notes(&f.server.console(), &Console::noteAppended);
         f.exchange.answer("status", ScriptedExchange::failure());
         awaited(f.server.sendCommand("status"));
         QCOMPARE(f.take("start"), " 100 3"); // nothing is sent, and it goes on
@@ -150,12 +150,12 @@ private slots:
         f.messages.setQuickMessageText("a \"b\"");
         f.messages.sendQuickMessage();
         QCOMPARE(f.take({}), " 100 1");
-        QCOMPARE(f.server.commandHistory().last(), "say \"a \"b\"\"");
+        QCOMPARE(f.server.console().commandHistory().last(), "say \"a \"b\"\"");
         QCOMPARE(f.messages.quickMessageText(), QString());
         QCOMPARE(f.alerts.shown(), QList({alert, alert}));
         f.messages.sendQuickMessage(); // an empty one on its own is sent
         QCOMPARE(f.take({}), " 100 1");
-        QCOMPARE(f.server.commandHistory().last(), "say \"\"");
+        QCOMPARE(f.server.console().commandHistory().last(), "say \"\"");
     }
 
     void aQuickMessageIsHandedOverAtOnce_data()

@@ -1,14 +1,36 @@
 #pragma once
 
 #include "ActionQueue.h"
+#include "CatalogueLoader.h"
 #include "DvarFetcher.h"
-#include "FewCatalogues.h"
 #include "Preferences.h"
 #include "RecordedAlerts.h"
 #include "ScriptedExchange.h"
 #include "UnknownDvars.h"
 
 #include <QTemporaryDir>
+
+/// Catalogues that name these variables and nothing else.
+class FewCatalogues final : public CatalogueLoader
+{
+public:
+    QCoro::Task<> loadCatalogues() override
+    {
+        calls.append(QStringLiteral("load"));
+        co_return;
+    }
+    QStringList settingDvars() const override { return settings; }
+    QStringList gametypeDvars() const override { return gametypes; }
+    QCoro::Task<> updateControls() override
+    {
+        calls.append(QStringLiteral("update"));
+        co_return;
+    }
+
+    QStringList settings{"g_a", "g_b", "g_c"};
+    QStringList gametypes{"scr_a", "g_a"};
+    QStringList calls;
+};
 
 /// A session with a scripted server, few catalogued variables and what fetches them.
 struct FetchingSession {

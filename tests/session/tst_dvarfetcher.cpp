@@ -4,8 +4,6 @@
 #include <QSignalSpy>
 #include <QTest>
 
-using namespace std::chrono_literals;
-
 namespace
 {
 
@@ -59,18 +57,25 @@ private slots:
     {
         Session session({"g_b"});
         QSignalSpy finished(&session.fetcher, &DvarFetcher::finished);
-        QSignalSpy fetched(&session.server, &KelServer::dvarFetched);
+        QSignalSpy changed(&session.server, &KelServer::dvarChanged);
+        QSignalSpy settled(&session.fetcher, &DvarFetcher::settled);
+        QStringList missing;
+        QObject::connect(&session.fetcher, &DvarFetcher::began, &session.fetcher, [&] {
+            missing = session.fetcher.missing({"g_c", "other", "g_b"});
+        });
         session.connect();
-        QVERIFY(session.server.isAwaited("g_b") && session.server.isAwaited("scr_a"));
+        QCOMPARE(missing, QStringList({"g_c", "g_b"}));
+        QVERIFY(session.fetcher.isAwaited("g_b") && session.fetcher.isAwaited("scr_a"));
         QVERIFY(session.isDone());
         QCOMPARE(session.exchange.sent(), QStringList({"g_a", "g_b", "g_c", "scr_a"}));
         for (const Request &request : session.exchange.requests())
             QVERIFY(request.isBackground && request.password == "secret"); // the server's, not the one typed
         QCOMPARE(session.server.dvarList().value("scr_a"), "1");
-        QVERIFY(!session.server.dvarList().contains("g_b") && !session.server.isAwaited("g_b"));
-        QVERIFY(session.alerts.shown().isEmpty() && session.server.commandHistory().isEmpty());
+        QVERIFY(!session.server.dvarList().contains("g_b") && !session.fetcher.isAwaited("g_b"));
+        QVERIFY(session.alerts.shown().isEmpty() && session.server.console().commandHistory().isEmpty());
         QCOMPARE(finished, (QList<QVariantList>{{1, 4}}));
-        QCOMPARE(fetched.size(), 3);
+        QCOMPARE(changed, QList<QVariantList>({{"g_a"}, {"g_c"}, {"scr_a"}}));
+        QCOMPARE(settled.size(), 4);
         session.exchange.forgetSent(); // who was unknown comes last now
         session.connect();
         QVERIFY(session.isDone());
@@ -94,22 +99,6 @@ private slots:
         QCOMPARE(session.exchange.sent(), QStringList({"g_a", "scr_a", "g_b", "g_c"}));
     }
 
-    void anActionGetsInBetween()
-    {
-        Session session;
-        session.exchange.answer("clientkick 3", ScriptedExchange::ok());
-        session.connectAndHold();
-        session.actions.start(kick(session.server, session.actions));
-        while (session.exchange.sent().size() < 3) {
-            session.exchange.release();
-            QTRY_COMPARE(session.exchange.keptCount(), 1);
-        }
-        QCOMPARE(session.exchange.sent().indexOf("clientkick 3"), 1);
-        session.server.cancelExchange();
-        session.server.disconnect();
-        QTRY_VERIFY(session.actions.isIdle());
-    }
-
     void asksFourTimesForWhatGetsNoAnswer()
     {
         Session session;
@@ -118,13 +107,13 @@ private slots:
         QVERIFY(session.isDone());
         QCOMPARE(session.exchange.sent().count("g_a"), 4);
         QCOMPARE(session.exchange.sent().size(), 7);
-        QVERIFY(!session.server.isAwaited("g_a"));
+        QVERIFY(!session.fetcher.isAwaited("g_a"));
         QVERIFY(session.unknownDvars.of("192.0.2.1:50960", QDateTime::currentDateTime()).isEmpty()); // it may know it
         QVERIFY(session.fetcher.isUnanswered("g_a") && !session.fetcher.isUnanswered("g_b"));
         session.exchange.answer("g_a", told("g_a", "1"));
         session.exchange.forgetSent();
         session.fetcher.askAgain();
-        QVERIFY(session.server.isAwaited("g_a") && !session.fetcher.isUnanswered("g_a"));
+        QVERIFY(session.fetcher.isAwaited("g_a") && !session.fetcher.isUnanswered("g_a"));
         QVERIFY(session.isDone());
         QCOMPARE(session.exchange.sent(), QStringList{"g_a"});
         QCOMPARE(session.server.dvarList().value("g_a"), "1");
@@ -142,19 +131,7 @@ private slots:
         QVERIFY(session.fetcher.isUnanswered("scr_a"));
         QVERIFY(!session.fetcher.isUnanswered("g_a") && !session.fetcher.isUnanswered("g_b"));
         session.connect();
-        QVERIFY(!session.fetcher.isUnanswered("scr_a") && session.server.isAwaited("scr_a"));
-        QVERIFY(session.isDone());
-    }
-
-    void tellsWhenItIsKnownWhatIsToCome()
-    {
-        Session session;
-        QStringList missing;
-        QObject::connect(&session.fetcher, &DvarFetcher::began, &session.fetcher, [&] {
-            missing = session.fetcher.missing({"g_c", "g_b"});
-        });
-        session.connect();
-        QCOMPARE(missing, QStringList({"g_c", "g_b"}));
+        QVERIFY(!session.fetcher.isUnanswered("scr_a") && session.fetcher.isAwaited("scr_a"));
         QVERIFY(session.isDone());
     }
 
@@ -169,86 +146,42 @@ private slots:
         QVERIFY(!session.exchange.requests().last().isBackground);
     }
 
-    void ends_data()
+    void rests_data()
     {
-        QTest::addColumn<int>("how");
-        QTest::newRow("disconnected") << 0;
-        QTest::newRow("refused") << 1;
-        QTest::newRow("turn refused") << 2;
-        QTest::newRow("another connection") << 3;
-        QTest::newRow("silence") << 4;
-        QTest::newRow("a server that wants to be left alone") << 5;
+        QTest::addColumn<QString>("command"); // of a person, for which there is no answer
+        QTest::addColumn<Reply>("reply");     // to the variable that is on its way
+        QTest::addColumn<bool>("isClosed");
+        QTest::addColumn<bool>("mayAsk");
+        const Reply one = told("g_a", "1");
+        const Reply refused = ScriptedExchange::failure("Invalid Password.", RConResultInvalidPassword);
+        QTest::newRow("the password is refused") << "" << refused << false << true;
+        QTest::newRow("no turn is given any more") << "" << one << true << true;
+        QTest::newRow("the server is silent") << "say" << one << false << true;
+        QTest::newRow("the server wants to be left alone") << "" << one << false << false;
     }
-    void ends()
+    void rests()
     {
-        QFETCH(int, how);
+        QFETCH(QString, command);
+        QFETCH(Reply, reply);
+        QFETCH(bool, isClosed);
+        QFETCH(bool, mayAsk);
         Session session;
-        if (how == 1)
-            session.exchange.answer("g_a", ScriptedExchange::failure("Invalid Password.", RConResultInvalidPassword));
+        session.exchange.answer("g_a", reply);
         session.connectAndHold();
-        QCoro::Task<> connecting;
-        LinkState rest;
-        rest.backgroundDelay = std::nullopt;
-        switch (how) {
-        case 0:
-            session.server.cancelExchange();
-            session.server.disconnect();
-            break;
-        case 1:
-            session.exchange.release();
-            break;
-        case 2:
+        if (isClosed)
             session.actions.close();
+        if (!command.isEmpty())
+            session.actions.start(send(session.server, command));
+        LinkState line;
+        if (!mayAsk)
+            line.backgroundDelay = std::nullopt;
+        session.exchange.setLink(line);
+        while (session.exchange.keptCount() > 0)
             session.exchange.release();
-            break;
-        case 3:
-            session.catalogues.settings = QStringList{"other"};
-            session.catalogues.gametypes.clear();
-            session.exchange.answer("other", told("other", "1"));
-            connecting = session.server.connectToHost("192.0.2.2", "50960", "typed");
-            session.exchange.release();
-            session.exchange.release();
-            awaited(std::move(connecting));
-            break;
-        case 4:
-            session.actions.start(say(session.server));
-            session.exchange.answer("say", ScriptedExchange::failure());
-            session.exchange.release();
-            session.exchange.release();
-            break;
-        default:
-            session.exchange.setLink(rest);
-            session.exchange.release();
-        }
-        const QStringList before = session.exchange.sent();
-        QTRY_VERIFY(session.actions.isIdle() || session.exchange.keptCount() > 0);
-        QVERIFY(!QTest::qWaitFor([&] { return session.exchange.sent().size() > before.size() && how != 3; }, 150));
-        QCOMPARE(session.exchange.sent().filter("g_").size(), 1); // none but the one that was on its way
-        session.server.cancelExchange();
-        session.server.disconnect();
         QTRY_VERIFY(session.actions.isIdle());
-    }
-
-    void keepsTheDistanceThatTheServerWants()
-    {
-        Session session;
-        LinkState slow;
-        slow.backgroundDelay = 200ms;
-        session.exchange.setLink(slow);
-        session.connect();
-        QElapsedTimer timer;
-        timer.start();
-        QVERIFY(session.isDone());
-        QVERIFY2(timer.elapsed() >= 750, QByteArray::number(timer.elapsed()));
-    }
-
-    void tellsOfNewValuesNotMoreOftenThanFiveTimesASecond()
-    {
-        Session session;
-        session.connect();
-        QSignalSpy changed(&session.server, &KelServer::dvarListChanged);
-        QVERIFY(session.isDone());
-        QTRY_COMPARE(changed.size(), 1);
+        QVERIFY(!QTest::qWaitFor([&] { return session.exchange.keptCount() > 0; }, 150));
+        QCOMPARE(session.exchange.sent().filter("g_"), QStringList{"g_a"}); // the one that was on its way
+        QVERIFY(session.fetcher.isAsking());
     }
 
     void waitersResume()
@@ -285,19 +218,7 @@ private slots:
     }
 
 private:
-    static QCoro::Task<> kick(KelServer &server, ActionQueue &actions)
-    {
-        const ActionQueue::Turn turn = co_await actions.turn();
-        const QString line = QStringLiteral("clientkick 3");
-        const Reply reply = co_await server.sendCommand(line);
-        Q_UNUSED(reply)
-    }
-    static QCoro::Task<> say(KelServer &server)
-    {
-        const QString line = QStringLiteral("say");
-        const Reply reply = co_await server.sendCommand(line);
-        Q_UNUSED(reply)
-    }
+    static QCoro::Task<> send(KelServer &server, QString command) { co_await server.sendCommand(command); }
 };
 
 QTEST_GUILESS_MAIN(DvarFetcherTest)

@@ -13,7 +13,8 @@ struct Session {
         exchange.answer("dvardump", ScriptedExchange::dump("sv_ranked \"0\"\nplaylist_enabled \"0\"\n" + extraDump));
         awaited(server.connectToHost("192.0.2.1", "50960", "typed"));
         exchange.forgetSent();
-        QObject::connect(&server, &KelServer::consoleMessageAppended, &server,
+        exchange.answerEverything(ScriptedExchange::ok());
+        QObject::connect(&server.console(), &Console::messageAppended, &server,
                          [this](const QString &text) { transcript += text; });
     }
 
@@ -32,49 +33,33 @@ private slots:
         ScriptedExchange exchange;
         RecordedAlerts alerts;
         KelServer server(exchange, alerts);
-        QSignalSpy shown(&server, &KelServer::consoleMessageAppended);
+        QSignalSpy shown(&server.console(), &Console::messageAppended);
         const QList<Reply> replies{awaited(server.sendCommand("status")), awaited(server.setDvar("a", "b")),
                                    awaited(server.quickSetDvar("a", "b"))};
         for (const Reply &reply : replies) {
             QCOMPARE(reply.result, RConResultError);
             QCOMPARE(reply.text, "Not connected to a game server.");
         }
-        QVERIFY(exchange.sent().isEmpty());
-        QVERIFY(shown.isEmpty());
-        QVERIFY(server.commandHistory().isEmpty());
+        QVERIFY(exchange.sent().isEmpty() && shown.isEmpty() && server.console().commandHistory().isEmpty());
     }
 
-    void echoesCommandsWithTheReplyAsItStands()
+    void theTranscriptHasCommandsAndRepliesOnLinesOfTheirOwn()
     {
         Session session;
-        session.exchange.answer("status", ScriptedExchange::ok("map: x\n"));
-        const Reply good = awaited(session.server.sendCommand("status"));
-        QCOMPARE(good.text, "map: x\n");
-        const Reply bad = awaited(session.server.sendCommand("lost"));
-        QCOMPARE(bad.result, RConResultTimeout);
-        QCOMPARE(session.transcript, "] status\nmap: x\n] lost\nno answer\n");
-        QCOMPARE(session.server.commandHistory(), QStringList({"status", "lost"}));
-        QCOMPARE(session.server.commandHistoryCursor(), 2);
+        session.exchange.answer("a", ScriptedExchange::ok("no line feed"));
+        session.exchange.answer("lost", ScriptedExchange::failure());
+        for (const char *command : {"a", "a", "empty", "lost", "a"})
+            awaited(session.server.sendCommand(command));
+        QCOMPARE(session.transcript, "] a\nno line feed\n] a\nno line feed\n] empty\n] lost\nno answer\n"
+                                     "] a\nno line feed");
+        QCOMPARE(session.server.console().commandHistory(), QStringList({"a", "a", "empty", "lost", "a"}));
+        QCOMPARE(session.server.console().commandHistoryCursor(), 5);
         for (const Request &request : session.exchange.requests())
-            QCOMPARE(request.password, "secret"); // the server's, not the typed one
-    }
-
-    void anEchoBeginsALine()
-    {
-        Session session;
-        session.exchange.answerEverything(ScriptedExchange::ok("no line feed"));
-        awaited(session.server.sendCommand("a"));
-        awaited(session.server.sendCommand("b"));
-        session.exchange.answerEverything(ScriptedExchange::ok());
-        awaited(session.server.sendCommand("c"));
-        session.exchange.answerEverything(ScriptedExchange::failure("no answer\n"));
-        awaited(session.server.sendCommand("d"));
-        QCOMPARE(session.transcript, "] a\nno line feed\n] b\nno line feed\n] c\n] d\nno answer\n");
-        session.server.appendConsoleMessage("open");
+            QCOMPARE(request.password, "secret");                             // the server's, not the typed one
         awaited(session.server.connectToHost("192.0.2.1", "50960", "typed")); // empties the transcript
         session.transcript.clear();
         awaited(session.server.sendCommand("e"));
-        QVERIFY(session.transcript.startsWith("] e\n"));
+        QCOMPARE(session.transcript, "] e\n");
     }
 
     void sendsWhatTheGameCanHold_data()
@@ -104,7 +89,6 @@ private slots:
         QFETCH(QString, sent);
         QFETCH(QString, told);
         Session session;
-        session.exchange.answerEverything(ScriptedExchange::ok());
         const Reply reply = awaited(session.server.sendCommand(command));
         QCOMPARE(session.exchange.sent(), sent.isEmpty() ? QStringList() : QStringList(sent));
         QCOMPARE(reply.isSuccess(), told.isEmpty());
@@ -112,21 +96,29 @@ private slots:
         QCOMPARE(reply.text, told);
         const QString echoed = sent.isEmpty() ? command : sent;
         QCOMPARE(session.transcript, "] " + echoed + '\n' + (told.isEmpty() ? QString() : told + '\n'));
-        QCOMPARE(session.server.commandHistory(), QStringList(echoed)); // a refused one may be mended
+        QCOMPARE(session.server.console().commandHistory(), QStringList(echoed)); // a refused one may be mended
     }
 
-    void writesWhatTheGameCanHold_data()
+    void writesVariables_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("value");
         QTest::addColumn<QString>("written"); // null: refused
-        QTest::newRow("replaced within the quotes") << "g_motd" << u"\u201cDon\u2019t\u201d"_qs << "'Don't'";
-        QTest::newRow("refused") << "g_motd" << u"\u0436"_qs << QString();
-        QTest::newRow("a password is never changed") << "rcon_password" << u"a\u2019"_qs << QString();
-        QTest::newRow("nor is another one") << "g_Password" << u"a\u2019"_qs << QString();
-        QTest::newRow("a password of Latin-1") << "rcon_password" << u"\u00e9"_qs << u"\u00e9"_qs;
+        const auto row = [](const char *title, const char *name, const QString &value, const QString &written) {
+            QTest::newRow(title) << QString(name) << value << written;
+        };
+        row("quotes at the ends go, blanks stay", "g_motd", "\"\" a \"", " a ");
+        row("quotes inside stay", "g_motd", "a\"b", "a\"b");
+        row("only quotes", "g_motd", "\"\"\"", "");
+        row("markers in the text", "g_motd", "%1 %2", "%1 %2");
+        row("replaced within the quotes", "g_motd", u"\u201cDon\u2019t\u201d"_qs, "'Don't'");
+        row("refused", "g_motd", u"\u0436"_qs, {});
+        row("a password is never changed", "rcon_password", u"a\u2019"_qs, {});
+        row("nor is another one", "g_Password", u"a\u2019"_qs, {});
+        row("a password of Latin-1", "rcon_password", u"\u00e9"_qs, u"\u00e9"_qs);
+        row("unknown name", "other", "1", "1");
     }
-    void writesWhatTheGameCanHold()
+    void writesVariables()
     {
         QFETCH(QString, name);
         QFETCH(QString, value);
@@ -134,67 +126,37 @@ private slots:
         for (const bool isQuick : {false, true}) {
             Session session("g_motd \"old\"\ng_Password \"old\"\n");
             const QString before = session.server.dvarList().value(name);
-            session.exchange.answerEverything(ScriptedExchange::ok());
+            const QString command = QString("setadmindvar %1 \"%2\"").arg(name, written);
+            session.exchange.answer(command, ScriptedExchange::ok("an error text"));
+            QSignalSpy changes(&session.server, &KelServer::dvarChanged);
+            QSignalSpy writes(&session.server, &KelServer::dvarWritten);
             const Reply reply = isQuick ? awaited(session.server.quickSetDvar(name, value))
                                         : awaited(session.server.setDvar(name, value));
-            QCOMPARE(reply.isRefused, written.isNull());
-            QCOMPARE(reply.isSuccess(), !written.isNull());
-            const QStringList sent(QString("setadmindvar %1 \"%2\"").arg(name, written));
-            QCOMPARE(session.exchange.sent(), written.isNull() ? QStringList() : sent);
-            QCOMPARE(session.server.dvarList().value(name), written.isNull() ? before : written);
-            QCOMPARE(session.transcript.contains("Nothing was sent.\n"), written.isNull());
+            const bool isWritten = !written.isNull();
+            QCOMPARE(reply.isSuccess(), isWritten); // the text is not examined
+            QCOMPARE(reply.isRefused, !isWritten);
+            QCOMPARE(session.exchange.sent(), isWritten ? QStringList(command) : QStringList());
+            if (isWritten) {
+                QCOMPARE(reply.text, isQuick ? QString() : "an error text");
+                QCOMPARE(session.exchange.requests().first().isSingle, isQuick);
+                QCOMPARE(session.transcript, "] " + command + "\nan error text\n");
+            }
+            const bool isKnown = name != "other";
+            const QString stored = isWritten && isKnown ? written : before;
+            QCOMPARE(session.server.dvarList().value(name), stored);
+            QCOMPARE(session.server.dvarList().contains(name), isKnown);
+            QCOMPARE(changes, isWritten && isKnown ? QList<QVariantList>{{name}} : QList<QVariantList>());
+            QCOMPARE(writes, isWritten ? QList<QVariantList>{{name}} : QList<QVariantList>());
         }
     }
 
     void aTypedLineKeepsTheQuotesAroundItsValues()
     {
         Session session;
-        session.exchange.answerEverything(ScriptedExchange::ok());
         awaited(session.server.consoleInputDidChange(u"set a \u201cb \u2018c\u2019\u201d"_qs));
         awaited(session.server.consoleInputDidChange(u"say \"b \u201cc\u201d\""_qs));
         awaited(session.server.consoleInputDidChange(u"set g_password \u201cb\u201d"_qs));
         QCOMPARE(session.exchange.sent(), QStringList({"set a \"b 'c'\"", "say \"b 'c'\""}));
-    }
-
-    void writesVariables_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("command");
-        QTest::addColumn<QString>("stored"); // null: the catalogue does not get the name
-        const auto row = [](const char *title, const QString &name, const QString &value, const QString &command,
-                            const QString &stored) {
-            QTest::newRow(title) << name << value << command << stored;
-        };
-        const auto known = [&row](const char *title, const QString &value, const QString &stored) {
-            row(title, "g_gametype", value, "setadmindvar g_gametype \"" + stored + '"', stored);
-        };
-        known("quotes at the ends go, blanks stay", "\"\" a \"", " a ");
-        known("quotes inside stay", "a\"b", "a\"b");
-        known("only quotes", "\"\"\"", "");
-        known("markers in the text", "%1 %2", "%1 %2");
-        row("unknown name", "other", "1", "setadmindvar other \"1\"", {});
-    }
-    void writesVariables()
-    {
-        QFETCH(QString, name);
-        QFETCH(QString, value);
-        QFETCH(QString, command);
-        QFETCH(QString, stored);
-        for (const bool isQuick : {false, true}) {
-            Session session("g_gametype \"dm\"\n");
-            session.exchange.answer(command, ScriptedExchange::ok("an error text"));
-            const Reply reply = isQuick ? awaited(session.server.quickSetDvar(name, value))
-                                        : awaited(session.server.setDvar(name, value));
-            QCOMPARE(reply.result, RConResultSuccess); // the text is not examined
-            QCOMPARE(reply.text, isQuick ? QString() : "an error text");
-            QCOMPARE(session.exchange.requests().size(), 1);
-            QCOMPARE(session.exchange.requests().first().command, command);
-            QCOMPARE(session.exchange.requests().first().isSingle, isQuick);
-            QCOMPARE(session.transcript, "] " + command + "\nan error text\n");
-            QCOMPARE(session.server.dvarList().value(name), stored);
-            QCOMPARE(session.server.dvarList().contains(name), !stored.isNull());
-        }
     }
 
     void aNewPasswordReachesTheFieldAndTheNextCommand()
@@ -202,11 +164,10 @@ private slots:
         Session session;
         QString field = "untouched";
         session.server.setPasswordTextBox([&](const QString &text) { field = text; });
-        const Reply reply = awaited(session.server.setDvar("rcon_password", "lost"));
-        QCOMPARE(reply.result, RConResultTimeout);
+        session.exchange.answer("setadmindvar rcon_password \"lost\"", ScriptedExchange::failure());
+        QCOMPARE(awaited(session.server.setDvar("rcon_password", "lost")).result, RConResultTimeout);
         QCOMPARE(session.server.dvarList().value("rcon_password"), "secret");
         QCOMPARE(field, "untouched");
-        session.exchange.answerEverything(ScriptedExchange::ok());
         awaited(session.server.setDvar("rcon_password", "\"new\""));
         QCOMPARE(field, "new");
         awaited(session.server.sendCommand("status"));
@@ -216,13 +177,15 @@ private slots:
     void rereadsAVariable()
     {
         Session session("g_gravity \"800\"\n");
+        QSignalSpy changes(&session.server, &KelServer::dvarChanged);
         session.exchange.answer("g_gravity", ScriptedExchange::ok("\"g_gravity\" is: \"1\" now: \"600\""));
         awaited(session.server.updateDvarFromServer("g_gravity"));
         QCOMPARE(session.server.dvarList().value("g_gravity"), "600");
         QCOMPARE(session.exchange.requests().last().password, "secret");
+        QCOMPARE(changes, QList<QVariantList>{{"g_gravity"}});
         awaited(session.server.updateDvarFromServer("rcon_password"));
         QCOMPARE(session.exchange.requests().last().password, QString());
-        QVERIFY(session.server.commandHistory().isEmpty()); // a query is no command
+        QVERIFY(session.server.console().commandHistory().isEmpty()); // a query is no command
     }
 
     void followsAPlaylistSwitchTypedByHand_data()
@@ -235,38 +198,27 @@ private slots:
         QTest::newRow("not exactly one") << "playlist_enabled  1" << true << false;
         QTest::newRow("no blank") << "playlist_enabled" << false << false;
         QTest::newRow("not at the start") << " playlist_enabled 1" << false << false;
+        QTest::newRow("refused") << u"playlist_enabled 1 \u0436"_qs << false << false;
+        QTest::newRow("called off") << "playlist_enabled 1" << false << false;
     }
     void followsAPlaylistSwitchTypedByHand()
     {
         QFETCH(QString, line);
-        QFETCH(bool, isSwitched);
         QFETCH(bool, playlistsActive);
-        Session session; // the server answers nothing: what was typed counts all the same
+        Session session;
+        session.exchange.answerEverything(ScriptedExchange::failure()); // what was typed counts all the same
         QSignalSpy toLast(&session.server, &KelServer::lastTabRequested);
-        awaited(session.server.consoleInputDidChange(line));
-        QCOMPARE(session.exchange.sent(), QStringList{line});
-        QCOMPARE(toLast.size(), isSwitched ? 1 : 0);
-        QCOMPARE(session.server.playlistsActive(), playlistsActive);
-        QCOMPARE(session.server.tabSet() == TabSet::UnrankedPlaylists, playlistsActive);
-        QCOMPARE(session.server.tabSet() == TabSet::UnrankedMaps, !playlistsActive);
-    }
-
-    void aRefusedPlaylistSwitchIsNone()
-    {
-        Session session;
-        const Reply reply = awaited(session.server.consoleInputDidChange(u"playlist_enabled 1 \u0436"_qs));
-        QVERIFY(reply.isRefused && session.server.dvarList().value("playlist_enabled") == "0");
-    }
-
-    void aCancelledCommandLeavesNoTrace()
-    {
-        Session session;
         session.exchange.hold();
-        QCoro::Task<Reply> sending = session.server.consoleInputDidChange("playlist_enabled 1");
-        session.server.cancelExchange();
+        QCoro::Task<Reply> sending = session.server.consoleInputDidChange(line);
+        if (QTest::currentDataTag() == QLatin1String("called off"))
+            session.server.cancelExchange();
+        else if (session.exchange.keptCount() > 0)
+            session.exchange.release();
         awaited(std::move(sending));
-        QVERIFY(!session.server.playlistsActive());
-        QCOMPARE(session.transcript, "] playlist_enabled 1\n");
+        QTEST(!toLast.isEmpty(), "isSwitched");
+        QCOMPARE(session.server.playlistsActive(), playlistsActive);
+        QCOMPARE(session.server.tabSet(), playlistsActive ? TabSet::UnrankedPlaylists : TabSet::UnrankedMaps);
+        QCOMPARE(session.server.dvarList().value("playlist_enabled") == "1", playlistsActive);
     }
 
     void theLatestSessionIsTheSharedOne()

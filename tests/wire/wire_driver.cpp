@@ -170,10 +170,10 @@ void WireDriver::printSession()
     connect(&m_server, &KelServer::lookUpBegan, this, [](const QString &host) {
         print("looking up", {{QStringLiteral("host"), host}});
     });
-    connect(&m_server, &KelServer::consoleMessageAppended, this, [](const QString &text) {
+    connect(&m_server.console(), &Console::messageAppended, this, [](const QString &text) {
         print("shown", {{QStringLiteral("text"), text}});
     });
-    connect(&m_server, &KelServer::consoleNoteAppended, this, [](const QString &note) {
+    connect(&m_server.console(), &Console::noteAppended, this, [](const QString &note) {
         print("note", {{QStringLiteral("text"), note}});
     });
     connect(&m_server, &KelServer::tabSetChanged, this, [this] {
@@ -190,8 +190,9 @@ void WireDriver::printSession()
 
 void WireDriver::printSettings()
 {
-    connect(&m_server, &KelServer::dvarFetched, this, [](const QString &name) {
-        print("fetched", {{QStringLiteral("name"), name}});
+    connect(&m_fetcher, &DvarFetcher::settled, this, [this](const QString &name) {
+        if (m_server.dvarList().contains(name))
+            print("fetched", {{QStringLiteral("name"), name}});
     });
     connect(&m_fetcher, &DvarFetcher::progressed, this, [](int done, int total) {
         print("progress", {{QStringLiteral("done"), done}, {QStringLiteral("total"), total}});

@@ -23,6 +23,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <chrono>
 #include <optional>
 #include <utility>
 
@@ -108,13 +109,33 @@ void ConfigBuilderView::connectControls()
     connect(&m_settings, &KelSettings::sortedSettingsValuesChanged, this, &ConfigBuilderView::showCatalogues);
     connect(&m_gametypes, &KelGametype::gametypeListChanged, this, &ConfigBuilderView::showCatalogues);
     connect(&m_server, &KelServer::dvarListChanged, this, &ConfigBuilderView::showCatalogues);
+    connect(&m_server, &KelServer::dvarChanged, this, &ConfigBuilderView::showSoon);
+    m_refreshing.setSingleShot(true);
+    m_refreshing.setInterval(std::chrono::milliseconds(200));
+    connect(&m_refreshing, &QTimer::timeout, this, &ConfigBuilderView::showCatalogues);
     connect(&m_server, &KelServer::isConnectedChanged, this, &ConfigBuilderView::updateButtons);
     connect(m_loading.get(), &ConfigurationLoading::isUnderWayChanged, this, &ConfigBuilderView::followTask);
     connect(m_pending.get(), &PendingDvars::isUnderWayChanged, this, &ConfigBuilderView::followTask);
 }
 
+/// Gathered, as many variables may come at once, and not before somebody sees it.
+void ConfigBuilderView::showSoon()
+{
+    m_isOutdated = true;
+    if (isVisible() && !m_refreshing.isActive())
+        m_refreshing.start();
+}
+
+void ConfigBuilderView::showEvent(QShowEvent *event)
+{
+    TabPage::showEvent(event);
+    if (m_isOutdated)
+        showCatalogues();
+}
+
 void ConfigBuilderView::showCatalogues()
 {
+    m_isOutdated = false;
     const QHash<QString, QString> dvars = m_server.dvarList();
     configBuilderGeneralSettingsTable->showLists(m_settings.sortedSettingsValues(), dvars);
     configBuilderGametypeSettingsTable->showLists(m_gametypes.listedGametypes(), dvars);
@@ -252,8 +273,10 @@ QCoro::Task<> ConfigBuilderView::saveConfigTo(QString path, ConfigurationContent
     if (!mayWrite)
         co_return;
     QString error;
-    if (saveConfiguration(content, path, &error))
+    if (saveConfiguration(content, path, &error)) {
+        m_server.tellOutcome(Outcome::saved(tr("Save Config"), path));
         co_return;
+    }
     const QString text =
         tr("The configuration could not be saved to \"%1\". Nothing was written.\n\n%2").arg(path, error);
     co_await m_alerts.run(tr("Save Failed"), text);

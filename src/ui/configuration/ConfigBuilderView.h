@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QString>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -52,11 +53,15 @@ public slots:
     void selectAllRows();
     void selectNoRows();
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     void nameControls();
     void layOut();
     void connectControls();
     void showCatalogues();
+    void showSoon();
     void updateSummary();
     /// A button that is grey for the time of a loading, or of a waiting for values, gets the focus back.
     void followTask(bool isUnderWay);
@@ -93,6 +98,8 @@ private:
     std::unique_ptr<ConfigurationLoading> m_loading;
     std::unique_ptr<ProgressWindowController> m_pendingProgress; ///< of the values that are still to come
     std::unique_ptr<PendingDvars> m_pending;
+    QTimer m_refreshing;       ///< until the tables show the variables that have changed
+    bool m_isOutdated = false; ///< the tables do not show all of them
     int m_visits = 0;
     QWidget *m_focusedBefore = nullptr;  ///< the loading or the waiting
     QString m_folder = QDir::homePath(); ///< of the file that was chosen last

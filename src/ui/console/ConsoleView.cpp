@@ -13,7 +13,8 @@
 
 ConsoleView::ConsoleView(KelServer &server, ActionQueue &actions, QWidget *parent)
     : TabPage(parent), consoleOutput(new TranscriptView(this)), consoleInput(new QLineEdit(this)),
-      numericUpDownCommandCursor(new HistoryStepper(this)), m_server(server), m_actions(actions)
+      numericUpDownCommandCursor(new HistoryStepper(this)), m_server(server), m_console(server.console()),
+      m_actions(actions)
 {
     consoleOutput->setObjectName(QStringLiteral("consoleOutput"));
     consoleOutput->setAccessibleName(tr("Console output"));
@@ -39,12 +40,12 @@ ConsoleView::ConsoleView(KelServer &server, ActionQueue &actions, QWidget *paren
 
     connect(consoleInput, &QLineEdit::returnPressed, this, &ConsoleView::consoleInputDidChange);
     connect(numericUpDownCommandCursor, &QSpinBox::valueChanged, this, &ConsoleView::consoleHistoryStepperChanged);
-    connect(&m_server, &KelServer::consoleMessageAppended, consoleOutput, &TranscriptView::appendConsoleMessage);
-    connect(&m_server, &KelServer::consoleNoteAppended, consoleOutput, &TranscriptView::appendNote);
-    connect(&m_server, &KelServer::consoleCleared, consoleOutput, &QPlainTextEdit::clear);
+    connect(&m_console, &Console::messageAppended, consoleOutput, &TranscriptView::appendConsoleMessage);
+    connect(&m_console, &Console::noteAppended, consoleOutput, &TranscriptView::appendNote);
+    connect(&m_console, &Console::transcriptCleared, consoleOutput, &QPlainTextEdit::clear);
     connect(&m_server, &KelServer::isConnectedChanged, this, &ConsoleView::connectionDidChange);
-    connect(&m_server, &KelServer::commandHistoryChanged, this,
-            [this] { numericUpDownCommandCursor->setCount(static_cast<int>(m_server.commandHistory().size())); });
+    connect(&m_console, &Console::commandHistoryChanged, this,
+            [this] { numericUpDownCommandCursor->setCount(m_console.commandHistoryCursor()); });
     connectionDidChange();
 }
 
@@ -80,7 +81,7 @@ QCoro::Task<> ConsoleView::sendLine(QString line)
 void ConsoleView::consoleHistoryStepperChanged()
 {
     m_suppressCommandSending = true;
-    const QStringList history = m_server.commandHistory();
+    const QStringList history = m_console.commandHistory();
     const int back = numericUpDownCommandCursor->value();
     if (back >= 0 && back < history.size())
         consoleInput->setText(history.at(history.size() - 1 - back));

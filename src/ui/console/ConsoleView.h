@@ -3,6 +3,7 @@
 #include "TabPage.h"
 
 class ActionQueue;
+class Console;
 class HistoryStepper;
 class KelServer;
 class QLineEdit;
@@ -32,6 +33,7 @@ private:
     HistoryStepper *numericUpDownCommandCursor;
 
     KelServer &m_server;
+    Console &m_console;
     ActionQueue &m_actions;
     /// True while the stepper writes into the command line, which must not be taken for a command.
     bool m_suppressCommandSending = false;

@@ -2,13 +2,13 @@
 
 #include "ActionQueue.h"
 #include "ButtonAction.h"
-#include "CommandFailure.h"
 #include "ElidingField.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
 #include "KelServer.h"
 #include "Preferences.h"
 #include "RotationText.h"
+#include "ServerAction.h"
 #include "TitleLabel.h"
 
 #include <QAction>
@@ -23,7 +23,7 @@
 
 #include <chrono>
 
-CurrentMapPane::CurrentMapPane(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
+CurrentMapPane::CurrentMapPane(KelServer &server, ActionQueue &actions, Preferences &preferences,
                                const GameCatalogues &catalogues, QWidget *parent)
     : QWidget(parent), currentGameTypeField(new ElidingField(this)), currentMapField(new ElidingField(this)),
       refreshCurrentMapButton(new QPushButton(tr("Refresh"), this)),
@@ -31,8 +31,8 @@ CurrentMapPane::CurrentMapPane(KelServer &server, ActionQueue &actions, Alerts &
       fastRestartMapButton(new QPushButton(tr("Fast Restart"), this)),
       startNextMapButton(new QPushButton(tr("Next Map"), this)),
       autoupdateMaps(new QCheckBox(tr("Refresh every"), this)), autoupdateMapsInterval(new QSpinBox(this)),
-      autoupdateMapsTimer(new QTimer(this)), m_server(server), m_actions(actions), m_alerts(alerts),
-      m_preferences(preferences), m_gametypes(catalogues.gametypes), m_maps(catalogues.maps)
+      autoupdateMapsTimer(new QTimer(this)), m_server(server), m_actions(actions), m_preferences(preferences),
+      m_gametypes(catalogues.gametypes), m_maps(catalogues.maps)
 {
     setObjectName(QStringLiteral("currentMapPane"));
     nameControls();
@@ -204,27 +204,24 @@ QCoro::Task<std::optional<QString>> CurrentMapPane::updateMap()
 
 void CurrentMapPane::restartMapButtonPressed()
 {
-    m_actions.start(command(QStringLiteral("map_restart")));
+    m_actions.start(command(QStringLiteral("map_restart"), restartMapButton->text()));
 }
 
 void CurrentMapPane::fastRestartMapButtonPressed()
 {
-    m_actions.start(command(QStringLiteral("fast_restart")));
+    m_actions.start(command(QStringLiteral("fast_restart"), fastRestartMapButton->text()));
 }
 
 void CurrentMapPane::startNextMapButtonPressed()
 {
-    m_actions.start(command(QStringLiteral("map_rotate")));
+    m_actions.start(command(QStringLiteral("map_rotate"), startNextMapButton->text()));
 }
 
-QCoro::Task<> CurrentMapPane::command(QString line)
+QCoro::Task<> CurrentMapPane::command(QString line, QString name)
 {
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
-        co_return;
-    const Reply reply = co_await m_server.sendCommand(line);
-    if (turn && !reply.isCancelled && !reply.isSuccess())
-        co_await tellOfFailure(m_alerts, line, reply.text);
+    ServerAction action(m_server, m_actions, {.action = name});
+    co_await action.begin();
+    co_await action.send(line);
 }
 
 void CurrentMapPane::autoupdateMapsChanged()

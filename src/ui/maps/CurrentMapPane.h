@@ -11,7 +11,6 @@
 #include <optional>
 
 class ActionQueue;
-class Alerts;
 class ElidingField;
 class KelServer;
 class Preferences;
@@ -27,8 +26,8 @@ class CurrentMapPane : public QWidget
     Q_OBJECT
 public:
     /// Everything handed in outlives the pane.
-    CurrentMapPane(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                   const GameCatalogues &catalogues, QWidget *parent = nullptr);
+    CurrentMapPane(KelServer &server, ActionQueue &actions, Preferences &preferences, const GameCatalogues &catalogues,
+                   QWidget *parent = nullptr);
 
     /// Asks the server for the gametype and shows it; empty when the server does not tell. Takes no turn: the action
     /// that calls it has one.
@@ -61,7 +60,8 @@ private:
     void forgetServer();
     void connectionDidChange(bool isConnected);
     QCoro::Task<> refresh(bool wasAnswering);
-    QCoro::Task<> command(QString line);
+    /// @param name  what the line does, in the words of its button.
+    QCoro::Task<> command(QString line, QString name);
 
     ElidingField *currentGameTypeField;
     ElidingField *currentMapField;
@@ -75,7 +75,6 @@ private:
 
     KelServer &m_server;
     ActionQueue &m_actions;
-    Alerts &m_alerts;
     Preferences &m_preferences;
     KelGametype &m_gametypes;
     KelMapList &m_maps;

@@ -1,13 +1,14 @@
 #include "LoadMapPane.h"
 
 #include "ActionQueue.h"
+#include "Alerts.h"
 #include "ButtonAction.h"
-#include "CommandFailure.h"
 #include "DvarSettingList.h"
 #include "EmptyHint.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
 #include "KelServer.h"
+#include "ServerAction.h"
 #include "TitleLabel.h"
 
 #include <QComboBox>
@@ -152,26 +153,15 @@ QCoro::Task<> LoadMapPane::tellOfMissingChoice()
 
 QCoro::Task<> LoadMapPane::loadMap(Choice chosen)
 {
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
-        co_return;
+    ServerAction action(m_server, m_actions, {.action = tr("Load Map"), .targets = {chosen.map.name}});
+    co_await action.begin();
     const QString variable = QStringLiteral("g_gametype");
-    const Reply written = co_await m_server.setDvar(variable, chosen.gametypeDvarName);
-    if (!turn || written.isCancelled)
+    const bool isSet = co_await action.write(variable, chosen.gametypeDvarName);
+    if (!isSet)
         co_return;
-    if (!written.isSuccess()) {
-        co_await tellOfFailure(m_alerts, variable, written.text);
-        co_return;
-    }
     emit gametypeSet(chosen.gametypeTitle);
     const QString line = QStringLiteral("map %1").arg(chosen.map.dvarName);
-    const Reply loaded = co_await m_server.sendCommand(line);
-    if (!turn || loaded.isCancelled)
-        co_return;
-    if (loaded.isSuccess()) {
+    const bool isLoaded = co_await action.send(line);
+    if (isLoaded)
         emit mapLoaded(chosen.map.name);
-        co_return;
-    }
-    const QString word = QStringLiteral("map");
-    co_await tellOfFailure(m_alerts, word, loaded.text);
 }

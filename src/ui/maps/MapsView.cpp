@@ -3,7 +3,6 @@
 #include "ActionQueue.h"
 #include "Alerts.h"
 #include "ButtonAction.h"
-#include "CommandFailure.h"
 #include "CurrentMapPane.h"
 #include "DvarSettingList.h"
 #include "KelGametype.h"
@@ -13,6 +12,7 @@
 #include "LoadMapPane.h"
 #include "MapGametypePairWindowController.h"
 #include "RotationPane.h"
+#include "ServerAction.h"
 #include "ServerRotationPane.h"
 
 #include <QHBoxLayout>
@@ -33,7 +33,7 @@ static QString builderColumnsKey()
 // The Tab key goes through the panes in the order in which they are made: top to bottom, left to right.
 MapsView::MapsView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
                    const GameCatalogues &catalogues, KelMapRotation &rotations, QWidget *parent)
-    : TabPage(parent), currentMapPane(new CurrentMapPane(server, actions, alerts, preferences, catalogues, this)),
+    : TabPage(parent), currentMapPane(new CurrentMapPane(server, actions, preferences, catalogues, this)),
       loadMapPane(new LoadMapPane(server, actions, alerts, catalogues, this)),
       serverRotationPane(new ServerRotationPane(server, catalogues, this)),
       rotationPane(new RotationPane(rotations, mapRotationLabels(), actions, alerts, this)),
@@ -227,34 +227,23 @@ QCoro::Task<bool> MapsView::confirmEmptyRotation()
 
 QCoro::Task<> MapsView::setBuiltRotation(QString rotation)
 {
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
+    ServerAction action(m_server, m_actions, {.action = tr("Set Rotation on Server")});
+    bool goesOn = co_await action.begin();
+    if (goesOn && rotation.isEmpty())
+        goesOn = co_await confirmEmptyRotation();
+    if (!goesOn || !action)
         co_return;
-    if (rotation.isEmpty()) {
-        const bool isWanted = co_await confirmEmptyRotation();
-        if (!turn || !isWanted)
-            co_return;
-    }
-    serverRotationPane->clear(); // the server's rotation is unknown until it is read again
+    serverRotationPane->clear(); // what stood there is no longer certain
     const QStringList variables{QStringLiteral("sv_mapRotation"), QStringLiteral("sv_mapRotationCurrent")};
     for (const QString &variable : variables) {
-        const Reply reply = co_await m_server.setDvar(variable, rotation);
-        if (!turn || reply.isCancelled)
+        const bool isSet = co_await action.write(variable, rotation);
+        if (!isSet)
             co_return;
-        if (!reply.isSuccess()) {
-            co_await tellOfFailure(m_alerts, variable, reply.text);
-            co_return;
-        }
     }
     const QString line = QStringLiteral("map_rotate");
-    const Reply reply = co_await m_server.sendCommand(line);
-    if (!turn || reply.isCancelled)
-        co_return;
-    if (!reply.isSuccess()) {
-        co_await tellOfFailure(m_alerts, line, reply.text);
-        co_return;
-    }
-    co_await updateMapList(AllFlags);
+    const bool isStarted = co_await action.send(line);
+    if (isStarted)
+        co_await updateMapList(AllFlags);
 }
 
 void MapsView::copyCurrentMapRotationToBuilderButtonPressed()

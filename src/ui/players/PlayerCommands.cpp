@@ -2,6 +2,7 @@
 
 #include "Alerts.h"
 #include "KelServer.h"
+#include "ServerAction.h"
 
 #include <utility>
 
@@ -30,6 +31,14 @@ static QString failureLine(const QString &name, const QString &reason)
     return QStringLiteral("\n  %1 (%2)").arg(name, reason);
 }
 
+static QStringList namesOf(const QList<ChosenPlayer> &players)
+{
+    QStringList names;
+    for (const ChosenPlayer &player : players)
+        names.append(player.row.name);
+    return names;
+}
+
 static QStringList hiddenNames(const QList<ChosenPlayer> &players)
 {
     QStringList names;
@@ -48,23 +57,23 @@ PlayerCommands::PlayerCommands(KelServer &server, PlayerRoster &roster, ActionQu
 
 void PlayerCommands::kick(const QList<ChosenPlayer> &players)
 {
-    m_actions.start(command(QStringLiteral("clientkick"), players, {}, 5s));
+    m_actions.start(command(tr("Kick"), QStringLiteral("clientkick"), players, {}, 5s));
 }
 
 void PlayerCommands::ban(const QList<ChosenPlayer> &players)
 {
-    m_actions.start(command(QStringLiteral("banclient"), players, {}, 5s));
+    m_actions.start(command(tr("Ban"), QStringLiteral("banclient"), players, {}, 5s));
 }
 
 void PlayerCommands::tempBan(const QList<ChosenPlayer> &players)
 {
     // Sooner than after a kick: the administrator watches for the player's return.
-    m_actions.start(command(QStringLiteral("tempbanclient"), players, {}, 1s));
+    m_actions.start(command(tr("Temp Ban"), QStringLiteral("tempbanclient"), players, {}, 1s));
 }
 
 void PlayerCommands::tell(const QList<ChosenPlayer> &recipients, const QString &message)
 {
-    m_actions.start(command(QStringLiteral("tell"), recipients, message, noRefresh));
+    m_actions.start(command(tr("Message"), QStringLiteral("tell"), recipients, message, noRefresh));
 }
 
 void PlayerCommands::kickAll()
@@ -72,25 +81,25 @@ void PlayerCommands::kickAll()
     m_actions.start(confirmAndKickAll());
 }
 
-QCoro::Task<> PlayerCommands::command(QString word, QList<ChosenPlayer> chosen, QString argument,
+QCoro::Task<> PlayerCommands::command(QString name, QString word, QList<ChosenPlayer> chosen, QString argument,
                                       std::chrono::seconds refreshAfter)
 {
-    // The action takes its place in the queue now; the question is asked without waiting for the actions before it.
-    QCoro::Task<Turn> place = m_actions.turn();
+    // Its place in the queue counts from the press, but a question need not wait for those before it.
+    ServerAction action(m_server, m_actions, {.action = name, .targets = namesOf(chosen)});
     const QStringList hidden = hiddenNames(chosen);
     bool goesOn = !chosen.isEmpty();
     if (!hidden.isEmpty() && word != QLatin1String("tell")) // a message names its recipients while it is written
         goesOn = co_await mayHitHidden(word, hidden);
-    const Turn turn = co_await place;
-    if (!turn || !goesOn)
+    co_await action.begin();
+    if (!action || !goesOn)
         co_return;
     bool isCertain = m_roster.isNew();
     if (!isCertain)
-        isCertain = co_await readListAgain(&turn);
-    if (!turn || !isCertain)
+        isCertain = co_await readListAgain(&action);
+    if (!action || !isCertain)
         co_return;
-    co_await sendCommandToSelectedPlayers(&turn, word, chosen, argument);
-    if (turn && refreshAfter != noRefresh)
+    co_await sendCommandToSelectedPlayers(&action, word, chosen, argument);
+    if (action && refreshAfter != noRefresh)
         emit refreshWanted(refreshAfter);
 }
 
@@ -105,10 +114,10 @@ QCoro::Task<bool> PlayerCommands::mayHitHidden(QString word, QStringList hidden)
     co_return pressed == 0;
 }
 
-QCoro::Task<bool> PlayerCommands::readListAgain(const Turn *turn)
+QCoro::Task<bool> PlayerCommands::readListAgain(ServerAction *action)
 {
     const PlayerRoster::Fetch fetch = co_await m_roster.fetch();
-    if (!*turn || fetch.outcome == PlayerRoster::Fetch::CalledOff)
+    if (!*action || fetch.outcome == PlayerRoster::Fetch::CalledOff)
         co_return false;
     if (fetch.outcome == PlayerRoster::Fetch::Whole)
         co_return true;
@@ -118,18 +127,18 @@ QCoro::Task<bool> PlayerCommands::readListAgain(const Turn *turn)
     const QString text = tr("Nothing was sent. The list of players is out of date, and it could not be read again to "
                             "see who has which number now.\n\n%1")
                              .arg(reason);
-    co_await m_alerts.run(tr("Remote Command Failure"), text);
+    co_await action->tellOfFailure(text);
     co_return false;
 }
 
-QCoro::Task<> PlayerCommands::sendCommandToSelectedPlayers(const Turn *turn, QString word, QList<ChosenPlayer> chosen,
-                                                           QString optionalArgument)
+QCoro::Task<> PlayerCommands::sendCommandToSelectedPlayers(ServerAction *action, QString word,
+                                                           QList<ChosenPlayer> chosen, QString optionalArgument)
 {
     QString failures;
     for (const ChosenPlayer &player : std::as_const(chosen)) {
         if (!m_roster.isNew()) { // the list has grown old during the commands before
             const PlayerRoster::Fetch fetch = co_await m_roster.fetch();
-            if (!*turn || fetch.outcome == PlayerRoster::Fetch::CalledOff)
+            if (!*action || fetch.outcome == PlayerRoster::Fetch::CalledOff)
                 co_return;
         }
         if (!m_roster.isNew()) {
@@ -145,8 +154,8 @@ QCoro::Task<> PlayerCommands::sendCommandToSelectedPlayers(const Turn *turn, QSt
         QString line = word + QLatin1Char(' ') + present->identifier;
         if (!optionalArgument.isEmpty())
             line += QLatin1Char(' ') + optionalArgument;
-        const Reply reply = co_await m_server.sendCommand(line);
-        if (!*turn || reply.isCancelled)
+        const Reply reply = co_await action->request(line);
+        if (!*action)
             co_return;
         if (!reply.isSuccess() || reply.text.contains(QLatin1String("is not active")))
             failures += failureLine(player.row.name, withoutOuterBlanks(reply.text));
@@ -156,29 +165,29 @@ QCoro::Task<> PlayerCommands::sendCommandToSelectedPlayers(const Turn *turn, QSt
     if (failures.isEmpty())
         co_return;
     const QString text = tr("The following player(s) failed to process the '%1' command: ").arg(word) + failures;
-    co_await m_alerts.run(tr("Remote Command Failure"), text);
+    co_await action->tellOfFailure(text);
 }
 
 QCoro::Task<> PlayerCommands::confirmAndKickAll()
 {
-    // The action takes its place in the queue now; the question is asked without waiting for the actions before it.
-    QCoro::Task<ActionQueue::Turn> place = m_actions.turn();
+    // Its place in the queue counts from the press, but the question need not wait for those before it.
+    ServerAction action(m_server, m_actions, {.action = tr("Kick All")});
     const QStringList buttons{tr("Yes"), tr("No")};
     const AlertManner manner{1, false}; // Return answers "No"
     const int pressed = co_await m_alerts.run(tr("Please Confirm Command"), tr("Do you really want to kick everyone?"),
                                               buttons, manner);
-    const ActionQueue::Turn turn = co_await place;
-    if (!turn || pressed != 0)
+    co_await action.begin();
+    if (!action || pressed != 0)
         co_return;
     const QString line = QStringLiteral("kick all");
-    const Reply reply = co_await m_server.sendCommand(line);
+    const Reply reply = co_await action.request(line);
     if (reply.isCancelled)
         co_return;
     m_roster.outdate();
     if (!reply.isSuccess()) {
         const QString text = tr("KickAll returned an error: %1").arg(reply.text);
-        co_await m_alerts.run(tr("Remote Command Failure"), text);
+        co_await action.tellOfFailure(text);
     }
-    if (turn)
+    if (action)
         emit refreshWanted(5s);
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ActionQueue.h"
 #include "PlayerRoster.h"
 
 #include <QCoroTask>
@@ -9,8 +8,10 @@
 
 #include <chrono>
 
+class ActionQueue;
 class Alerts;
 class KelServer;
+class ServerAction;
 
 /// What an administrator does to players. Each operation is an action that waits for its turn and tells of all its
 /// failures in one alert. Numbers go to others when players leave: right before each command its player is looked up in
@@ -35,16 +36,13 @@ signals:
     void refreshWanted(std::chrono::seconds delay);
 
 private:
-    using Turn = ActionQueue::Turn;
-
-    QCoro::Task<> command(QString word, QList<ChosenPlayer> chosen, QString argument,
+    /// @param name  of the command, in the words of its button.
+    QCoro::Task<> command(QString name, QString word, QList<ChosenPlayer> chosen, QString argument,
                           std::chrono::seconds refreshAfter);
     QCoro::Task<bool> mayHitHidden(QString word, QStringList hidden);
-    /// Tells why, if it cannot be read. The caller holds `turn`.
-    /// @return whether it is known now who has which number.
-    QCoro::Task<bool> readListAgain(const Turn *turn);
-    /// The caller holds `turn`.
-    QCoro::Task<> sendCommandToSelectedPlayers(const Turn *turn, QString word, QList<ChosenPlayer> chosen,
+    /// Tells why, if it cannot be read. @return whether it is known now who has which number.
+    QCoro::Task<bool> readListAgain(ServerAction *action);
+    QCoro::Task<> sendCommandToSelectedPlayers(ServerAction *action, QString word, QList<ChosenPlayer> chosen,
                                                QString optionalArgument);
     QCoro::Task<> confirmAndKickAll();
 

@@ -364,8 +364,10 @@ QCoro::Task<> PlayersView::savePlayerListTo(QString path, QList<PlayerRow> playe
     if (!mayWrite)
         co_return;
     QString error;
-    if (savePlayerList(players, path, &error))
+    if (savePlayerList(players, path, &error)) {
+        m_server.tellOutcome(Outcome::saved(tr("Save List"), path));
         co_return;
+    }
     const QString text =
         tr("The player list could not be saved to \"%1\". Nothing was written.\n\n%2").arg(path, error);
     co_await m_alerts.run(tr("Save Failed"), text);

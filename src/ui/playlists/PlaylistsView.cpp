@@ -13,6 +13,7 @@
 #include "PlaceholderTable.h"
 #include "PlaylistDelegate.h"
 #include "Preferences.h"
+#include "ServerAction.h"
 #include "TitleLabel.h"
 
 #include <QDataStream>
@@ -156,17 +157,12 @@ void PlaylistsView::playlistDoubleClicked(const QModelIndex &index)
 
 QCoro::Task<> PlaylistsView::startPlaylist(PlaylistInst playlist)
 {
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
-        co_return;
+    ServerAction action(m_server, m_actions, {.action = tr("Start Playlist"), .targets = {playlist.name}});
+    co_await action.begin();
     const QString variable = QStringLiteral("playlist");
     const QString number = QString::number(playlist.ID);
-    const Reply written = co_await m_server.setDvar(variable, number);
-    if (!turn || written.isCancelled)
-        co_return;
-    if (!written.isSuccess())
-        co_await tellOfFailure(variable, written.text);
-    if (!turn)
+    co_await action.write(variable, number);
+    if (!action)
         co_return;
     m_playlists.updateControls();
     // A failed write does not end this: the server may have taken the playlist although its answer was lost.
@@ -179,9 +175,7 @@ QCoro::Task<> PlaylistsView::startPlaylist(PlaylistInst playlist)
         co_return;
     }
     const QString line = QStringLiteral("map_rotate");
-    const Reply rotated = co_await m_server.sendCommand(line);
-    if (turn && !rotated.isCancelled && !rotated.isSuccess())
-        co_await tellOfFailure(line, rotated.text);
+    co_await action.send(line);
 }
 
 ExclusionText PlaylistsView::exclusionTexts() const
@@ -202,28 +196,17 @@ void PlaylistsView::applyPlaylistChangesButtonPressed()
 
 QCoro::Task<> PlaylistsView::applyExclusions(ExclusionText texts)
 {
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
-        co_return;
+    ServerAction action(m_server, m_actions, {.action = tr("Apply Exclusions")});
+    co_await action.begin();
     const QList<std::pair<QString, QString>> writes{{QStringLiteral("playlist_excludeMap"), texts.maps},
                                                     {QStringLiteral("playlist_excludeGametype"), texts.gametypes},
                                                     {QStringLiteral("playlist_excludeGametypeMap"), texts.pairs}};
     for (const std::pair<QString, QString> &write : writes) {
-        const Reply reply = co_await m_server.setDvar(write.first, write.second);
-        if (!turn || reply.isCancelled)
-            co_return;
-        if (!reply.isSuccess())
-            co_await tellOfFailure(write.first, reply.text);
-        if (!turn)
+        co_await action.write(write.first, write.second);
+        if (!action)
             co_return;
     }
     m_playlists.updateControls();
-}
-
-QCoro::Task<> PlaylistsView::tellOfFailure(QString command, QString error)
-{
-    const QString text = tr("'%1' returned an error: %2").arg(command, error);
-    co_await m_alerts.run(tr("Remote Command Failure"), text);
 }
 
 void PlaylistsView::addPlaylistExclusion()

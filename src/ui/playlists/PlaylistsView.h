@@ -57,7 +57,6 @@ private:
     ExclusionText exclusionTexts() const;
     QCoro::Task<> startPlaylist(PlaylistInst playlist);
     QCoro::Task<> applyExclusions(ExclusionText texts);
-    QCoro::Task<> tellOfFailure(QString command, QString error);
 
     ElidingField *currentPlaylistField;
     PlaceholderTable *playlistsTableView;

@@ -51,9 +51,10 @@ SettingsOutlineModel::SettingsOutlineModel(KelServer &server, const DvarFetcher 
 {
     connect(&server, &KelServer::dvarListChanged, this, &SettingsOutlineModel::followSession);
     connect(&server, &KelServer::didConnect, this, &SettingsOutlineModel::takeValuesAtConnect);
-    connect(&server, &KelServer::dvarFetched, this, &SettingsOutlineModel::takeFetchedValue);
-    connect(&server, &KelServer::unknownDvarWritten, this,
-            [this](const QString &dvar) { m_writtenUnknown.insert(dvar); });
+    connect(&server, &KelServer::dvarChanged, this, &SettingsOutlineModel::followVariable);
+    connect(&server, &KelServer::dvarWritten, this, [this](const QString &dvar) { m_written.insert(dvar); });
+    connect(&fetcher, &DvarFetcher::settled, this, &SettingsOutlineModel::announceChanges);
+    connect(&fetcher, &DvarFetcher::began, this, [this] { announceChanges(); });
 }
 
 SettingsOutlineModel::~SettingsOutlineModel() = default;
@@ -112,7 +113,7 @@ void SettingsOutlineModel::followSession()
     // A connect empties the session, so the values of the last connection no longer serve as the start.
     if (m_server.dvarList().isEmpty()) {
         m_valuesAtConnect.clear();
-        m_writtenUnknown.clear();
+        m_written.clear();
         m_isConnectComplete = false;
     }
     if (!m_server.dvarList().contains(QStringLiteral("rcon_password"))) // forgotten when disconnecting
@@ -123,32 +124,33 @@ void SettingsOutlineModel::followSession()
 void SettingsOutlineModel::takeValuesAtConnect()
 {
     m_valuesAtConnect = m_server.dvarList();
-    m_writtenUnknown.clear();
+    m_written.clear();
     m_isConnectComplete = true;
     announceChanges();
 }
 
-void SettingsOutlineModel::takeFetchedValue(const QString &dvar)
+void SettingsOutlineModel::followVariable(const QString &dvar)
 {
-    // The session's next change signal announces the row.
-    if (m_isConnectComplete && !m_valuesAtConnect.contains(dvar) && !m_writtenUnknown.contains(dvar))
+    // What comes later without having been written is what the server had all the time.
+    if (m_isConnectComplete && !m_valuesAtConnect.contains(dvar) && !m_written.contains(dvar))
         m_valuesAtConnect.insert(dvar, m_server.dvarList().value(dvar));
+    announceChanges(dvar);
 }
 
 void SettingsOutlineModel::beginWrite(const QString &dvar)
 {
     ++m_writes[dvar];
-    announceChanges();
+    announceChanges(dvar);
 }
 
 void SettingsOutlineModel::endWrite(const QString &dvar)
 {
     if (--m_writes[dvar] <= 0)
         m_writes.remove(dvar);
-    announceChanges();
+    announceChanges(dvar);
 }
 
-void SettingsOutlineModel::announceChanges()
+void SettingsOutlineModel::announceChanges(const QString &dvar)
 {
     for (int categoryRow = 0; categoryRow < m_visible.size(); ++categoryRow) {
         Category &category = m_categories[m_visible.at(categoryRow)];
@@ -160,9 +162,11 @@ void SettingsOutlineModel::announceChanges()
             bool isDifferent = false;
             if (row < count) {
                 Row &each = category.rows[category.visible.at(row)];
-                const Shown now = shownFor(*each.setting);
-                isDifferent = !(now == each.shown);
-                each.shown = now;
+                if (dvar.isNull() || each.setting->dvar() == dvar) {
+                    const Shown now = shownFor(*each.setting);
+                    isDifferent = !(now == each.shown);
+                    each.shown = now;
+                }
             }
             if (isDifferent && first < 0)
                 first = row;
@@ -184,7 +188,7 @@ bool SettingsOutlineModel::isChanged(const QString &dvar, const QString &value) 
 
 bool SettingsOutlineModel::isAwaited(const DvarSetting &setting) const
 {
-    return setting.dvarValue().isNull() && m_server.isAwaited(setting.dvar());
+    return setting.dvarValue().isNull() && m_fetcher.isAwaited(setting.dvar());
 }
 
 QString SettingsOutlineModel::reasonOfLack(const DvarSetting &setting) const

@@ -86,8 +86,9 @@ private:
 
     void followSession();
     void takeValuesAtConnect();
-    void takeFetchedValue(const QString &dvar);
-    void announceChanges();
+    void followVariable(const QString &dvar);
+    /// Tells the views which rows show something else now, of one variable or of all.
+    void announceChanges(const QString &dvar = {});
     void arrange();
     bool isChanged(const QString &dvar, const QString &value) const;
     bool isAwaited(const DvarSetting &setting) const;
@@ -106,7 +107,7 @@ private:
     QList<int> m_visible; ///< into m_categories
     QString m_filterText;
     QHash<QString, QString> m_valuesAtConnect;
-    QSet<QString> m_writtenUnknown; ///< what comes of these is what was written, so nothing to go back to
+    QSet<QString> m_written; ///< what comes of these is what was written, so nothing to go back to
     bool m_isConnectComplete = false;
     QHash<QString, int> m_writes;
 };

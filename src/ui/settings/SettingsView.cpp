@@ -11,6 +11,8 @@
 #include "KelServer.h"
 #include "KelSettings.h"
 #include "Preferences.h"
+#include "Secrets.h"
+#include "ServerAction.h"
 #include "SettingsOutlineModel.h"
 
 #include <QDataStream>
@@ -150,11 +152,11 @@ void SettingsView::connectOutline(SettingsOutlineModel *outline, DvarSettingOutl
     connect(view, &DvarSettingOutlineView::askAgainRequested, this, &SettingsView::askAgain);
     connect(outline, &SettingsOutlineModel::writeRequested, this,
             [this, outline](const std::shared_ptr<DvarSetting> &setting, const QString &value) {
-                m_actions.start(writeSetting(outline, setting, value));
+                m_actions.start(write(outline, setting, value));
             });
     connect(outline, &SettingsOutlineModel::toggleRequested, this,
             [this, outline](const std::shared_ptr<DvarSetting> &setting) {
-                m_actions.start(toggleSetting(outline, setting));
+                m_actions.start(write(outline, setting, std::nullopt));
             });
 }
 
@@ -258,7 +260,6 @@ void SettingsView::askAgain(const QString &dvar)
 {
     m_fetcher.askAgain();
     m_fetcher.askFor({dvar}); // also one that a reload of the catalogue has brought since the connect
-    preferEverythingShown();
 }
 
 QString SettingsView::outlineHint(const SettingsOutlineModel &outline, const QString &emptyText) const
@@ -278,25 +279,22 @@ void SettingsView::updateHints()
     m_gametypeSettingsHint->setText(outlineHint(*m_gametypeOutline, tr("Choose a gametype that has settings.")));
 }
 
-QCoro::Task<> SettingsView::writeSetting(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting,
-                                         QString value)
+QCoro::Task<> SettingsView::write(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting,
+                                  std::optional<QString> value)
 {
-    const PendingWrite mark(*outline, setting->dvar());
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
+    const QString dvar = setting->dvar();
+    const QString name = setting->name().isEmpty() ? dvar : setting->name();
+    const PendingWrite mark(*outline, dvar);
+    ServerAction action(m_server, m_actions, {.kind = Outcome::Kind::Setting, .action = tr("Set"), .targets = {name}});
+    const bool goesOn = co_await action.begin();
+    if (!goesOn)
         co_return;
-    // The value is written even if the session holds the same one: the server may have been changed by another console.
-    co_await setting->setDvarValue(value);
-}
-
-QCoro::Task<> SettingsView::toggleSetting(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting)
-{
-    const PendingWrite mark(*outline, setting->dvar());
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
-        co_return;
-    const bool opposite = !setting->dvarBoolValue();
-    co_await setting->setDvarBoolValue(opposite);
+    if (!value)
+        value = setting->dvarBoolValue() ? QStringLiteral("0") : QStringLiteral("1");
+    // Also when the session holds the same: somebody else may have changed it at the server meanwhile.
+    const Reply reply = co_await setting->setDvarValue(*value);
+    const bool isSecret = holdsPassword(dvar);
+    action.note(reply, isSecret, isSecret ? tr("%1 was set").arg(name) : tr("%1 was set to %2").arg(name, *value));
 }
 
 QList<QSplitter *> SettingsView::splitters() const

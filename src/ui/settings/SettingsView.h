@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 class DvarFetcher;
 class DvarSetting;
@@ -62,8 +63,9 @@ private:
     QList<DvarSettingOutlineView *> outlineViews() const;
     QString layoutKey() const;
 
-    QCoro::Task<> writeSetting(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting, QString value);
-    QCoro::Task<> toggleSetting(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting);
+    /// @param value  nothing: the opposite of what the checkbox shows in the turn.
+    QCoro::Task<> write(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting,
+                        std::optional<QString> value);
 
     const Mode m_mode;
     QListWidget *settingsGroupList;

@@ -1,6 +1,5 @@
 #include "Connecting.h"
 
-#include "ActionQueue.h"
 #include "Alerts.h"
 #include "HostAndPort.h"
 #include "KelMapList.h"
@@ -110,11 +109,7 @@ QCoro::Task<> Connecting::connectAction(ConnectTarget target)
     if (target.isPasswordNew && target.passwordTextBox)
         target.passwordTextBox(target.password);
     showConnected();
-    const QList<TabPage *> pages = m_parts.tabs.pages();
-    for (TabPage *page : pages) {
-        if (turn)
-            co_await page->didConnect();
-    }
+    co_await letPagesFetch(&turn);
 }
 
 QCoro::Task<> Connecting::loadGameData()
@@ -153,7 +148,7 @@ void Connecting::comeBack(std::chrono::milliseconds silence, int differences)
     const QString differ = differences == 1 ? tr("1 setting differs") : tr("%n settings differ", nullptr, differences);
     const QString text = tr("Connected again after %1, %2").arg(time, differ);
     m_parts.status.setStatus(text);
-    m_workplace.server.appendConsoleNote(text);
+    m_workplace.server.console().appendConsoleNote(text);
     m_welcomeBack.start();
     const QString password = std::exchange(m_triedPassword, QString());
     if (!password.isEmpty() && m_target.passwordTextBox)
@@ -164,9 +159,14 @@ void Connecting::comeBack(std::chrono::milliseconds silence, int differences)
 QCoro::Task<> Connecting::showWhatCameBack()
 {
     const ActionQueue::Turn turn = co_await m_workplace.actions.turn();
+    co_await letPagesFetch(&turn);
+}
+
+QCoro::Task<> Connecting::letPagesFetch(const ActionQueue::Turn *turn)
+{
     const QList<TabPage *> pages = m_parts.tabs.pages();
     for (TabPage *page : pages) {
-        if (turn)
+        if (*turn)
             co_await page->didConnect();
     }
 }

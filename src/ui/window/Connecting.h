@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ActionQueue.h"
 #include "Tabs.h"
 
 #include <QCoroTask>
@@ -69,6 +70,8 @@ private:
     void showConnected();
     void comeBack(std::chrono::milliseconds silence, int differences);
     QCoro::Task<> showWhatCameBack();
+    /// Lets the pages fetch what they show at first, as long as the action goes on.
+    QCoro::Task<> letPagesFetch(const ActionQueue::Turn *turn);
     QCoro::Task<> connectAction(ConnectTarget target);
     QCoro::Task<> loadGameData();
     QCoro::Task<> connectToServerWithLabel(ConnectTarget target);

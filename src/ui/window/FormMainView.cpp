@@ -2,11 +2,13 @@
 
 #include "ActionQueue.h"
 #include "DvarFetcher.h"
+#include "KelMapRotation.h"
 #include "KelMessageRotation.h"
 #include "KelServer.h"
 #include "LinkStatus.h"
 #include "MainMenuBar.h"
 #include "MainTabs.h"
+#include "OutcomeLabel.h"
 #include "Preferences.h"
 #include "Reconnecting.h"
 #include "ServersView.h"
@@ -88,15 +90,32 @@ void FormMainView::connectParts()
     connect(link, &LinkStatus::tryNowRequested, &m_workplace.reconnecting, &Reconnecting::tryNow);
     connect(link, &LinkStatus::passwordRequested, m_connecting, &Connecting::askForNewPassword);
     statusLine->addLink(link);
-    connect(&server, &KelServer::exchangeUnderWayChanged, statusLine, &StatusLine::setBusy);
+    connect(&server.link(), &Link::busyChanged, statusLine, &StatusLine::setBusy);
+    connectOutcomes();
     connect(&actions, &ActionQueue::faulted, this,
             [this](const QString &what) { reportFailure(tr("Internal Error"), what); });
+}
+
+void FormMainView::connectOutcomes()
+{
+    KelServer &server = m_workplace.server;
+    auto *label = new OutcomeLabel(statusLine);
+    statusLine->insertWidget(1, label, 1);
+    connect(&server, &KelServer::outcomeKnown, label, &OutcomeLabel::tell);
+    connect(&server, &KelServer::connectionBegan, label, &OutcomeLabel::forget);
+    connect(&server, &KelServer::isConnectedChanged, label, &OutcomeLabel::forget);
+    const auto tellSaved = [&server](const QString &name) {
+        const QString text = tr("Saved rotation \"%1\"").arg(name);
+        server.tellOutcome({Outcome::Kind::File, tr("Save"), {name}, text, true, QDateTime::currentDateTime()});
+    };
+    connect(&m_workplace.rotations.maps, &RotationStore::rotationSaved, this, tellSaved);
+    connect(&m_workplace.rotations.messages, &RotationStore::rotationSaved, this, tellSaved);
 }
 
 void FormMainView::tellOfUnknownSettings(int unknown, int total)
 {
     if (unknown > 0)
-        m_workplace.server.appendConsoleNote(
+        m_workplace.server.console().appendConsoleNote(
             tr("%n of %1 catalogued settings are not on this server", nullptr, unknown).arg(total));
 }
 

@@ -49,6 +49,7 @@ private:
     void makeMenus();
     void layOut();
     void connectParts();
+    void connectOutcomes();
     void restoreLayout();
     void fitIntoScreen();
     void saveLayout();

@@ -4,7 +4,7 @@
 #include "Controls.h"
 #include "DvarSetting.h"
 #include "DvarSettingList.h"
-#include "FewCatalogues.h"
+#include "FetchingSession.h"
 #include "FileSizeLimit.h"
 #include "SectionTable.h"
 #include "TestPreferences.h"

@@ -10,8 +10,8 @@
 #include <QScrollBar>
 #include <QTextBlock>
 
-struct Console : SessionFixture {
-    Console()
+struct TypingFixture : SessionFixture {
+    TypingFixture()
     {
         exchange.answerEverything(ScriptedExchange::ok("done\n"));
         connectToServer();
@@ -34,7 +34,7 @@ class ConsoleViewTest : public QObject
 private slots:
     void stepsThroughTheHistory()
     {
-        Console console;
+        TypingFixture console;
         HistoryStepper *stepper = console.stepper;
         QCOMPARE(stepper->maximum(), -1);
         for (const char *command : {"a", "b", "b"})
@@ -65,14 +65,14 @@ private slots:
 
     void theFocusOfThePageGoesToTheCommandLine()
     {
-        Console console;
+        TypingFixture console;
         console.view.setFocus();
         QCOMPARE(console.view.focusWidget(), console.input);
     }
 
     void typingOnIsNotDisturbedByTheReply()
     {
-        Console console;
+        TypingFixture console;
         console.exchange.hold();
         console.type("slow");
         QTest::keyClick(console.input, Qt::Key_Up);
@@ -85,7 +85,7 @@ private slots:
 
     void connectingClearsTranscriptAndHistory()
     {
-        Console console;
+        TypingFixture console;
         console.type("status");
         QVERIFY(console.settle());
         QCOMPARE(console.output->toPlainText(), "] status\ndone\n");
@@ -214,7 +214,7 @@ private slots:
 
     void aRefusedLineStaysInTheField()
     {
-        Console console;
+        TypingFixture console;
         console.input->setText(u"say \u0436"_qs);
         QTest::keyClick(console.input, Qt::Key_Return);
         QVERIFY(console.settle());
@@ -243,7 +243,7 @@ private slots:
     void aLineThatWasCalledOffComesBack()
     {
         QFETCH(QString, typedMeanwhile);
-        Console console;
+        TypingFixture console;
         console.exchange.hold();
         console.type("first");
         console.type("second"); // waits

@@ -57,10 +57,10 @@ struct SettingsFixture : CataloguesFixture {
     /// Gives the reply to `dvar` and all before it.
     void releaseUntilToldOf(const QString &dvar)
     {
-        while (server.isAwaited(dvar)) {
+        while (fetcher.isAwaited(dvar)) {
             QTRY_COMPARE(exchange.keptCount(), 1);
             exchange.release();
-            QTRY_VERIFY(exchange.keptCount() == 1 || !fetcher.isAsking() || !server.isAwaited(dvar));
+            QTRY_VERIFY(exchange.keptCount() == 1 || !fetcher.isAsking() || !fetcher.isAwaited(dvar));
         }
     }
     ~SettingsFixture()

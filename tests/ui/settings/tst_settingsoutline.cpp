@@ -86,10 +86,16 @@ private slots:
         QSignalSpy changes(&shown.outline(), &Model::dataChanged);
         awaited(shown.server.setDvar("g_motd", "another group's"));
         QCOMPARE(changes.size(), 0);
-        // Neighbours that change together are announced together.
-        shown.server.addDvarLine(u"g_time \"30\"");
+        shown.server.addDvarLine(u"g_time \"30\""); // which nobody has told yet
         shown.server.addDvarLine(u"g_lost \"1\"");
         awaited(shown.server.setDvar("g_cam", "1"));
+        QCOMPARE(changes.size(), 1);
+        QCOMPARE(changes.first().at(0).toModelIndex(), shown.valueOf("g_cam"));
+        QCOMPARE(changes.first().at(1).toModelIndex(), shown.valueOf("g_cam"));
+        // Neighbours that change together are announced together.
+        changes.clear();
+        shown.server.addDvarLine(u"g_cam \"0\"");
+        emit shown.server.dvarListChanged();
         QCOMPARE(changes.size(), 2);
         QCOMPARE(changes.first().at(0).toModelIndex(), shown.valueOf("g_time"));
         QCOMPARE(changes.first().at(1).toModelIndex(), shown.valueOf("g_time"));

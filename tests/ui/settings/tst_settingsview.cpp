@@ -156,6 +156,44 @@ private slots:
         QVERIFY(!shown.editor()->displayText().contains('z'));
     }
 
+    void tellsWhatBecameOfAWrite_data()
+    {
+        QTest::addColumn<QString>("dvar");
+        QTest::addColumn<QString>("answer");
+        QTest::addColumn<QString>("summary");
+        QTest::newRow("nothing is said") << "g_time"
+                                         << ""
+                                         << "Time limit was set to 30";
+        QTest::newRow("the server says it") << "g_time"
+                                            << "g_time is 30 now\n"
+                                            << "g_time is 30 now";
+        QTest::newRow("turned down") << "g_time"
+                                     << "30 is not a valid value"
+                                     << "Set (Time limit) failed: 30 is not a valid value";
+        QTest::newRow("a password") << "g_password"
+                                    << "g_password is 30 now\n"
+                                    << "Join was set";
+    }
+    void tellsWhatBecameOfAWrite()
+    {
+        QFETCH(QString, dvar);
+        QFETCH(QString, answer);
+        SettingsFixture shown;
+        if (dvar == "g_password") {
+            shown.write("gameSettingsUnranked", "<s><SettingInst><name>Access</name>" +
+                                                    settingXml("Join", "g_password", "string", "Access") +
+                                                    "</SettingInst></s>");
+            awaited(shown.settings.loadSettings());
+        }
+        QString summary;
+        connect(&shown.server, &KelServer::outcomeKnown, &shown.view,
+                [&summary](const Outcome &outcome) { summary = outcome.summary(); });
+        shown.exchange.answer(QString("setadmindvar %1 \"30\"").arg(dvar), ScriptedExchange::ok(answer));
+        QVERIFY(shown.outline().setData(shown.valueOf(dvar), "30"));
+        QVERIFY(shown.settle());
+        QTEST(summary, "summary");
+    }
+
     void everyReturnKeyEdits()
     {
         SettingsFixture shown;

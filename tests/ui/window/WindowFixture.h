@@ -19,6 +19,15 @@ struct WindowFixture : CataloguesFixture {
         if (!settle())
             qFatal("an action does not end");
     }
+    /// Gives every reply until all actions have ended. @return whether they have.
+    bool releaseEverything()
+    {
+        return QTest::qWaitFor([this] {
+            if (exchange.keptCount() > 0)
+                exchange.release();
+            return actions.isIdle();
+        });
+    }
     Workplace workplace()
     {
         return {server,  actions,      alerts,       preferences,

@@ -3,6 +3,7 @@
 #include "ServersView.h"
 #include "WindowFixture.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QDialogButtonBox>
 #include <QInputDialog>
@@ -103,19 +104,19 @@ private slots:
         window.pressConnect("192.0.2.2", port, "second");
         // What waits behind the connect was meant for the former server: it does not reach it, nor another.
         control<QPushButton>(window.view, "fastRestartMapButton")->click();
+        emit window.fetcher.progressed(2, 3);
+        const auto *progress = control<QLabel>(window.view, "progressLabel");
+        QVERIFY(progress->isVisibleTo(&window.view));
         window.exchange.forgetSent();
         window.exchange.release();
         if (isCalledOff) {
             QTRY_COMPARE(window.exchange.keptCount(), 1);
+            QVERIFY(!window.server.isConnected() && !window.isPlaying() && !window.isPasswordKnown());
             window.pressDisconnect();
         }
-        while (!window.actions.isIdle()) {
-            if (window.exchange.keptCount() > 0)
-                window.exchange.release();
-            QTest::qWait(1);
-        }
+        QVERIFY(window.releaseEverything());
         QCOMPARE(window.status(), "Not connected");
-        QVERIFY(!window.server.isConnected());
+        QVERIFY(!window.server.isConnected() && !progress->isVisibleTo(&window.view));
         QVERIFY(!window.isPlaying() && !window.isRefreshingMaps() && !window.isPasswordKnown());
         QVERIFY(!window.alerts.titles().contains("Remote Command Failure"));
         for (const Request &request : window.exchange.requests())
@@ -145,52 +146,6 @@ private slots:
         answered->release(); // it answers in the end, to nobody
     }
 
-    void theFormerConnectionHasEndedWhenTheNewServerIsAsked()
-    {
-        BusyWindow window;
-        window.exchange.hold();
-        window.pressConnect("192.0.2.2", "50961", "second");
-        QTRY_COMPARE(window.exchange.keptCount(), 1);
-        QVERIFY(!window.server.isConnected());
-        QVERIFY(!window.isPlaying() && !window.isRefreshingMaps() && !window.isPasswordKnown());
-        QCOMPARE(window.text("currentMapField"), QString());
-        QCOMPARE(window.status(), "Connecting to QuickConnect...");
-        QVERIFY(control<QPushButton>(window.view, "disconnectButton")->isEnabled()); // calls the new one off
-        window.pressDisconnect();
-        QVERIFY(window.settle());
-    }
-
-    void disconnectLeavesNothingOfTheServer()
-    {
-        BusyWindow window;
-        emit window.fetcher.progressed(2, 3);
-        const auto *progress = control<QLabel>(window.view, "progressLabel");
-        QVERIFY(progress->isVisibleTo(&window.view));
-        window.pressDisconnect();
-        QVERIFY(!progress->isVisibleTo(&window.view));
-        QVERIFY(!window.isPasswordKnown());
-        QVERIFY(!window.isPlaying());
-        QVERIFY(!window.isRefreshingMaps());
-        QCOMPARE(window.text("currentMapField"), QString());
-        QCOMPARE(window.shownSettings(), 0);
-        QCOMPARE(window.status(), "Not connected");
-        QCOMPARE(window.sent(), QStringList());
-    }
-
-    void cancelAtTheQuestionLeavesEverything()
-    {
-        BusyWindow window;
-        awaited(window.messageRotations.addMessageToCurrentRotation("unsaved", "5"));
-        window.alerts.answerWith(2);
-        window.pressConnect("192.0.2.2", "50961", "second");
-        QVERIFY(window.settle());
-        QCOMPARE(window.alerts.shown().size(), 1);
-        QCOMPARE(window.status(), "Connected to QuickConnect (Unranked)");
-        QVERIFY(window.server.isConnected() && window.isPlaying() && window.isPasswordKnown());
-        QCOMPARE(window.sent(), QStringList());
-        QVERIFY(control<QPushButton>(window.view, "connectButton")->isEnabled());
-    }
-
     void theServerKeepsItsNameAfterCancelAtTheQuestion()
     {
         Window window;
@@ -201,9 +156,11 @@ private slots:
         QVERIFY(window.settle());
         awaited(window.messageRotations.addMessageToCurrentRotation("unsaved", "5"));
         window.alerts.answerWith(2);
+        window.exchange.forgetSent();
         window.view.connectByCommandLine("Other", {});
-        QVERIFY(window.settle());
+        QCOMPARE(window.sent(), QStringList());
         QCOMPARE(window.status(), "Connected to Home (Unranked)");
+        QVERIFY(window.server.isConnected());
         window.exchange.answerEverything(ScriptedExchange::failure("refused", RConResultInvalidPassword));
         control<QPushButton>(window.view, "refreshPlayersButton")->click();
         QVERIFY(window.settle());
@@ -228,11 +185,7 @@ private slots:
         QTRY_COMPARE(window.exchange.keptCount(), 1);
         window.view.connectTo(ConnectTarget{"Other", "192.0.2.2", "50961", "second", nullptr});
         QCOMPARE(window.status(), "Connecting to QuickConnect...");
-        while (!window.actions.isIdle()) {
-            if (window.exchange.keptCount() > 0)
-                window.exchange.release();
-            QTest::qWait(1);
-        }
+        QVERIFY(window.releaseEverything());
         QCOMPARE(window.exchange.sent().count("dvardump"), 1);
         QCOMPARE(window.server.host(), "192.0.2.1");
     }
@@ -316,6 +269,7 @@ private slots:
         window.view.connectByCommandLine("192.0.2.9:50960", {});
         QInputDialog *prompt = window.prompt();
         QVERIFY(prompt != nullptr);
+        QCOMPARE(prompt->textEchoMode(), QLineEdit::Password);
         const QPushButton *button = prompt->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok);
         QVERIFY(!button->isEnabled());
         prompt->setTextValue("x");
@@ -409,35 +363,31 @@ private slots:
         QCOMPARE(window.focused(), field);
         if (field != "labelField")
             QCOMPARE(control<QLineEdit>(window.view, qPrintable(field))->selectedText(), isSaved ? "old" : "wrong");
-        window.exchange.answer("dvardump", ScriptedExchange::failure()); // which says nothing of the password
-        control<QLineEdit>(window.view, "labelField")->setFocus();
-        window.pressConnect("192.0.2.1", "50960", "right");
-        QTRY_COMPARE(window.alerts.openCount(), 1);
-        window.alerts.dismiss();
-        QVERIFY(window.settle());
-        QCOMPARE(window.focused(), "labelField");
     }
 
-    void whatIsSentDuringAConnectComesBack()
+    void tellsWhatBecameOfAnAction()
     {
-        Window window;
-        window.exchange.hold();
-        window.pressConnect("192.0.2.1", "50960", "pw");
-        QTRY_COMPARE(window.exchange.keptCount(), 1);
-        window.messageRotations.setQuickMessageText("meant for another");
-        window.messageRotations.sendQuickMessage();
-        while (!window.status().startsWith("Connected")) {
-            QTRY_VERIFY(window.exchange.keptCount() > 0);
-            window.exchange.release();
-            QCoreApplication::processEvents();
-        }
-        while (!window.actions.isIdle()) {
-            if (window.exchange.keptCount() > 0)
-                window.exchange.release();
-            QCoreApplication::processEvents();
-        }
-        QCOMPARE(window.exchange.sent().filter("meant"), QStringList());
-        QCOMPARE(window.messageRotations.quickMessageText(), "meant for another");
+        BusyWindow window;
+        window.view.resize(1024, 640);
+        window.view.show();
+        auto *outcome = control<QLabel>(window.view, "outcomeLabel");
+        QVERIFY(!outcome->isVisible());
+        const QString said = "Captain Nobody 2 was kicked, " + QString("and told so ").repeated(14).trimmed();
+        window.exchange.answer("fast_restart", ScriptedExchange::ok(said + '\n'));
+        control<QPushButton>(window.view, "fastRestartMapButton")->click();
+        QVERIFY(window.settle());
+        QVERIFY(outcome->isVisible());
+        const QAccessibleInterface *spoken = QAccessible::queryAccessibleInterface(outcome);
+        QCOMPARE(spoken->text(QAccessible::Name), said);
+        const auto *status = control<QLabel>(window.view, "toolStripStatusLabelMain");
+        QCOMPARE(status->text(), "Connected to QuickConnect (Unranked)");
+        QVERIFY(status->width() >= status->sizeHint().width() && outcome->width() > 200);
+        QCOMPARE(window.view.width(), 1024);
+        QVERIFY(control<QWidget>(window.view, "linkStatus")->geometry().right() < 1024);
+        window.pressDisconnect();
+        QVERIFY(!outcome->isVisible() && outcome->text().isEmpty());
+        QVERIFY(awaited(window.messageRotations.saveUIChanges("evening")));
+        QCOMPARE(outcome->text(), "Saved rotation \"evening\"");
     }
 
     void isBusyWhileAnExchangeRunsAndNotWhileItAsks()

@@ -2,6 +2,7 @@
 #include "LinkStatus.h"
 #include "LinkText.h"
 #include "ScriptedExchange.h"
+#include "Wait.h"
 
 #include <QDateTime>
 #include <QHelpEvent>
@@ -84,11 +85,14 @@ private slots:
         Link link(exchange);
         LinkStatus status(link);
         link.open();
-        link.noteSent();
+        exchange.hold();
+        const QCoro::Task<Reply> sending = link.send({});
         LinkState line;
         line.waitingSince = steady_clock::now() - 1800ms;
         exchange.setLink(line);
         QTRY_COMPARE(status.findChild<QLabel *>("linkLabel")->text(), "Waiting 2 s…");
+        link.cancel();
+        QTRY_VERIFY(sending.isReady());
     }
 
     void silenceWhileClocksJump_data()
@@ -145,11 +149,12 @@ private slots:
         const auto *password = status.findChild<QPushButton *>("linkPasswordButton");
         link.open();
         QVERIFY(!tryNow->isVisible() && !password->isVisible());
-        link.noteReply({}, ScriptedExchange::failure(), steady_clock::now() - 12s);
+        awaited(link.send({}));
         QVERIFY(tryNow->isVisible() && !password->isVisible());
         const QString text = status.findChild<QLabel *>("linkLabel")->text();
-        QVERIFY2(text.startsWith("No answer since ") && text.endsWith(" (12 s)"), qPrintable(text));
-        link.noteReply({}, ScriptedExchange::failure("", RConResultInvalidPassword), steady_clock::now());
+        QVERIFY2(text.startsWith("No answer since ") && text.endsWith(" (0 s)"), qPrintable(text));
+        exchange.answerEverything(ScriptedExchange::failure("", RConResultInvalidPassword));
+        awaited(link.send({}));
         QVERIFY(!tryNow->isVisible() && password->isVisible());
     }
 };

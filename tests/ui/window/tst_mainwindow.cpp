@@ -45,20 +45,6 @@ class MainWindowTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void connectNeedsHostPortAndPassword()
-    {
-        const Window window;
-        const QPushButton &button = *control<QPushButton>(window.view, "connectButton");
-        window.fillForm("h", "1", "p");
-        QVERIFY(button.isEnabled());
-        for (const QStringList &form : {QStringList{"", "1", "p"}, {"h", "", "p"}, {"h", "1", ""}}) {
-            window.fillForm(form.at(0), form.at(1), form.at(2));
-            QVERIFY2(!button.isEnabled(), qPrintable(form.join(u'|')));
-        }
-        window.fillForm(" ", "1", "p"); // a blank counts
-        QVERIFY(button.isEnabled());
-    }
-
     void tellsHowConnectingGoes()
     {
         Window window;
@@ -103,20 +89,6 @@ private slots:
         QCOMPARE(control<QLineEdit>(window.view, "hostField")->text(), "192.0.2.1");
         QCOMPARE(control<QLineEdit>(window.view, "passwordField")->text(), "pw");
         QVERIFY(control<QWidget>(window.view, "welcomePage")->isVisibleTo(&window.view));
-    }
-
-    void disconnectCallsOffWhatRunsAndWaits()
-    {
-        Window window;
-        window.exchange.hold();
-        window.connectByForm();
-        window.view.connectTo(ConnectTarget{"Other", "192.0.2.2", "1", "pw", nullptr});
-        QTRY_COMPARE(window.exchange.keptCount(), 1);
-        control<QPushButton>(window.view, "disconnectButton")->click();
-        QCOMPARE(window.sent(), QStringList{"dvardump"});
-        QVERIFY(window.alerts.shown().isEmpty());
-        QCOMPARE(window.status(), "Not connected");
-        QVERIFY(control<QPushButton>(window.view, "connectButton")->isEnabled());
     }
 
     void theTabKeyGoesFromTheServersToTheTabsAndOnToThePage()
@@ -201,45 +173,6 @@ private slots:
         QTEST(window.view.focusWidget()->objectName(), "afterwards");
     }
 
-    void theConfigBuildersSecondVisitSelectsAllRows()
-    {
-        ConnectedWindow window;
-        awaited(window.settings.loadSettings());
-        const auto *table = control<QTableView>(window.view, "configBuilderGeneralSettingsTable");
-        const int all = table->model()->rowCount();
-        QVERIFY(all > 0);
-        QList<int> selected;
-        for (int visit = 0; visit < 3; ++visit) {
-            table->selectionModel()->clear();
-            window.bringToFront("configBuilderView");
-            selected.append(static_cast<int>(table->selectionModel()->selectedRows().size()));
-            window.bringToFront("playersView");
-        }
-        QCOMPARE(selected, QList<int>({0, all, 0}));
-    }
-
-    void aNewPasswordReachesTheForm()
-    {
-        ConnectedWindow window;
-        window.exchange.answerEverything(ScriptedExchange::ok());
-        awaited(window.server.setDvar("rcon_password", "new"));
-        QCOMPARE(control<QLineEdit>(window.view, "passwordField")->text(), "new");
-    }
-
-    void asksForThePasswordThatTheCommandLineLacks()
-    {
-        Window window;
-        window.view.show();
-        window.view.connectByCommandLine("192.0.2.1:50960", {});
-        auto *dialog = window.view.findChild<QInputDialog *>("passwordPanel");
-        QVERIFY(dialog != nullptr);
-        QCOMPARE(dialog->textEchoMode(), QLineEdit::Password);
-        dialog->setTextValue("asked");
-        dialog->accept();
-        QVERIFY(window.settle());
-        QCOMPARE(window.exchange.requests().first().password, "asked");
-    }
-
     void whatIsBeingTypedIsAskedAbout_data()
     {
         QTest::addColumn<bool>("isClosing");
@@ -289,28 +222,6 @@ private slots:
         QVERIFY(window.actions.isIdle());
         QVERIFY(window.alerts.shown().isEmpty());
         QCOMPARE(window.exchange.sent(), QStringList{"teamstatus"});
-    }
-
-    void whatWasMeantForTheServerBeforeIsNotSent()
-    {
-        Window window;
-        window.exchange.answer("teamstatus", ScriptedExchange::ok("1 0 48 g Ann allies 0 192.0.2.1:50074 77 25000\n"));
-        window.connectByForm();
-        QVERIFY(window.settle());
-        window.exchange.forgetSent();
-        control<QTableView>(window.view, "playersTableView")->selectRow(0);
-        window.exchange.hold();
-        control<QLineEdit>(window.view, "hostField")->setText("192.0.2.2");
-        control<QPushButton>(window.view, "connectButton")->click();
-        control<QPushButton>(window.view, "kickPlayerButton")
-            ->click(); // the players of the server before are still shown
-        while (!window.actions.isIdle()) {
-            if (window.exchange.keptCount() > 0)
-                window.exchange.release();
-            QTest::qWait(1);
-        }
-        QVERIFY(!window.exchange.sent().contains("clientkick 1"));
-        QCOMPARE(window.server.host(), "192.0.2.2");
     }
 
     void whatIsUndoneIsOfWhatHasTheFocus()

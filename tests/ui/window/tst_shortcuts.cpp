@@ -156,32 +156,6 @@ private slots:
         QCOMPARE(repeated, QStringList());
     }
 
-    void theMenusShowTheKeys_data()
-    {
-        QTest::addColumn<QString>("menu");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QKeySequence>("key");
-        QTest::newRow("kick") << "&Players"
-                              << "&Kick" << QKeySequence(Qt::CTRL | Qt::Key_K);
-        QTest::newRow("message") << "&Players"
-                                 << "&Message…" << QKeySequence(Qt::CTRL | Qt::Key_M);
-        QTest::newRow("players") << "&Players"
-                                 << "&Refresh" << QKeySequence(Qt::Key_F5);
-        QTest::newRow("maps") << "&Maps"
-                              << "&Refresh" << QKeySequence(Qt::Key_F5);
-        QTest::newRow("connect") << "&Server"
-                                 << "&Connect" << QKeySequence(Qt::CTRL | Qt::Key_Return);
-    }
-    void theMenusShowTheKeys()
-    {
-        QFETCH(QString, menu);
-        QFETCH(QString, text);
-        const ShortcutWindow window;
-        const QAction *action = window.entry(menu, text);
-        QVERIFY(action != nullptr);
-        QTEST(action->shortcut(), "key");
-    }
-
     void aLookIntoTheMenuTakesNoKeyAway()
     {
         ShortcutWindow window;

@@ -202,42 +202,6 @@ private slots:
         }
         QTRY_VERIFY(!window.view.isVisible());
     }
-
-    void cancelAsksNothingMore()
-    {
-        UnsavedWindow window;
-        window.view.show();
-        awaited(window.mapRotations.addToRotation("Ropeway", "Domination"));
-        window.edit();
-        window.view.close();
-        window.alerts.dismiss(2);
-        QVERIFY(window.settle());
-        QCOMPARE(window.alerts.shown().size(), 1);
-        QVERIFY(window.view.isVisible());
-    }
-
-    void whatComesAfterTheAnswerCountsAgain()
-    {
-        UnsavedWindow window;
-        window.view.show();
-        const auto showAlert = [](UnsavedWindow &with) -> QCoro::Task<> {
-            const QString title = QStringLiteral("Open");
-            co_await with.alerts.run(title, QString());
-        };
-        window.edit();
-        window.view.close();
-        window.actions.start(showAlert(window)); // the window cannot close before it has ended
-        QCOMPARE(window.alerts.titles(), QStringList({"Unsaved Changes to Map Rotation", "Open"}));
-        window.alerts.dismiss(1);
-        QTRY_VERIFY(window.actions.isClosed());
-        QVERIFY(window.view.isVisible());
-        window.edit();
-        window.alerts.dismiss();
-        QTRY_COMPARE(window.alerts.openCount(), 1);
-        QVERIFY(window.view.isVisible());
-        window.alerts.dismiss(1);
-        QTRY_VERIFY(!window.view.isVisible());
-    }
 };
 
 QTEST_MAIN(UnsavedWorkTest)
