@@ -29,22 +29,20 @@ static QByteArray xmlOf(const QByteArray &bytes)
     return QByteArray(buffer, static_cast<qsizetype>(length));
 }
 
-int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+static void fuzz(const QByteArray &bytes)
 {
     constexpr qsizetype largestFile = 2 << 20;
-    const QByteArray bytes = fuzzedBytes(data, size);
-    SavedServers saved(QStringLiteral("/nowhere"), QStringLiteral("login"));
+    SavedServers saved("/nowhere", "login");
     const PropertyList document = parsedPropertyList(bytes);
     const bool isTaken = saved.takeContent(bytes);
     require(document != nullptr || !isTaken, "what is no property list holds no servers");
     if (!isTaken)
-        return 0;
+        return;
     checkServers(saved.servers());
 
     const QByteArray written = propertyListBytes(document.get(), largestFile);
-    SavedServers again(QStringLiteral("/nowhere"), QStringLiteral("login"));
+    SavedServers again("/nowhere", "login");
     require(again.takeContent(written) && again.servers() == saved.servers(), "servers are read again");
     require(xmlOf(written) == xmlOf(propertyListBytes(parsedPropertyList(written).get(), largestFile)),
             "what is written over and over stays the same");
-    return 0;
 }
