@@ -1,3 +1,4 @@
+#include "ActionQueue.h"
 #include "DvarFetcher.h"
 #include "DvarSettingCategory.h"
 #include "DvarSettingOutlineView.h"
@@ -5,6 +6,7 @@
 #include "KelSettings.h"
 #include "PlaceholderTable.h"
 #include "PlayerColumns.h"
+#include "Preferences.h"
 #include "RecordedAlerts.h"
 #include "ScriptedExchange.h"
 #include "SettingsOutlineModel.h"

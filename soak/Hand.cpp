@@ -35,6 +35,13 @@ static int weightOf(const QString &name)
     return rare.contains(name) ? 1 : usualWeight;
 }
 
+/// What stands beside the tabs would get most of the presses.
+static bool isInServersPane(const QWidget &control)
+{
+    const auto *pane = control.window()->findChild<QWidget *>("serversView");
+    return pane != nullptr && pane->isAncestorOf(&control);
+}
+
 static QWidget *menuOrSheet()
 {
     QWidget *popup = QApplication::activePopupWidget();
@@ -74,7 +81,7 @@ QList<Hand::Deed> Hand::deedsIn(QWidget &front)
                           front.resize(1024 + below(600), 640 + below(400));
                       }});
     } else {
-        deeds.append({"waits before a sheet", usualWeight, [] {
+        deeds.append({"waits before a sheet", usualWeight / 3, [] {
                       }});
         deeds.append({"presses Escape", usualWeight / 3, [&front] {
                           QTest::keyClick(&front, Qt::Key_Escape);
@@ -104,10 +111,12 @@ void Hand::addEntries(const QList<QAction *> &entries, QMenu *open, QList<Deed> 
 
 void Hand::addDeeds(QWidget &control, QList<Deed> &deeds)
 {
+    QString name = control.objectName();
+    if (name.isEmpty())
+        name = QLatin1String(control.metaObject()->className());
+    const bool isAlwaysThere = isInServersPane(control);
     const auto add = [&](const char *what, int weight, const std::function<void()> &perform) {
-        const QString name =
-            control.objectName().isEmpty() ? QLatin1String(control.metaObject()->className()) : control.objectName();
-        deeds.append({QLatin1String(what) + name, weight, perform});
+        deeds.append({QLatin1String(what) + name, isAlwaysThere ? (weight + 4) / 5 : weight, perform});
     };
     if (auto *button = qobject_cast<QAbstractButton *>(&control))
         add("presses ", weightOf(button->objectName()), [button] { Hands::click(button); });

@@ -59,6 +59,7 @@ static void wait(int milliseconds)
 
 bool Soak::perform()
 {
+    print(QString("seed %1").arg(m_plan.seed));
     m_clock.start();
     m_nextStop = m_plan.secondsBetweenStops;
     open();
@@ -87,7 +88,7 @@ bool Soak::perform()
             .arg(m_stalls.takeLongestWork()));
     for (const QString &fault : std::as_const(m_faults))
         print(QStringLiteral("FAULT: ") + fault);
-    print(QStringLiteral("seed %1: %2").arg(m_plan.seed).arg(m_faults.isEmpty() ? "passed" : "FAILED"));
+    print(m_faults.isEmpty() ? "passed" : "FAILED");
     return m_faults.isEmpty();
 }
 
@@ -120,7 +121,7 @@ void Soak::work(double untilSeconds)
             open();
         else if (isIdle && !m_application->server().isConnected() && m_hand.below(20) == 0)
             connectToServer();
-        else if (isIdle || m_hand.below(4) == 0) // else its deeds would pile up
+        else if (isIdle || m_hand.below(2) == 0) // else its deeds would pile up
             m_hand.act(window());
         m_stalls.beginAnew(); // several key strokes at once are the hand's doing
         wait(20 + m_hand.below(200));
@@ -188,7 +189,6 @@ bool Soak::rest()
         lookAtTraffic(exchanges);
         lookAtWrites(exchanges);
     }
-    m_isSameGame = true;
     lookAtTabs();
     if (!connectAnew()) {
         report("a connect over a good line does not come to its end");
@@ -206,6 +206,7 @@ bool Soak::rest()
         return false;
     changeMode();
     connectToServer();
+    m_isSameGame = true;
     return true;
 }
 

@@ -46,8 +46,9 @@ private slots:
         row("caches", &Gauge::heapKiB, 800, true);
         row("heap", &Gauge::heapKiB, 900, false);
         row("resident memory", &Gauge::residentKiB, 4'000, false);
-        row("resident memory while views are shown for the first time", &Gauge::residentKiB, 4'000, true, 300);
+        row("memory while views are shown for the first time", &Gauge::heapKiB, 4'000, true, 300);
         row("a handle", &Gauge::handles, 1, false);
+        row("a handle at once", &Gauge::handles, 1, false, 300);
         row("threads of a pool", &Gauge::threads, 3, true);
         row("threads", &Gauge::threads, 4, false);
         row("objects", &Gauge::objects, 21, false);
