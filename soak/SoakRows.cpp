@@ -12,6 +12,7 @@
 #include <QListWidget>
 #include <QRegularExpression>
 #include <QTabWidget>
+#include <QTableView>
 
 #include <algorithm>
 
@@ -138,9 +139,9 @@ QString Soak::mapsFault()
             expected.append(maps.findMapByDvar(words.at(i + 1)));
     }
     const QString map = control<QLineEdit>(window(), "currentMapField")->text();
-    return difference(
-        "map and rotation",
-        QStringList(map) + shownTexts(*control<QAbstractItemView>(window(), "mapServerRotationTableView")), expected);
+    auto *rotation = control<QTableView>(window(), "mapServerRotationTableView");
+    rotation->sortByColumn(-1, Qt::AscendingOrder); // as the server plays it
+    return difference("map and rotation", QStringList(map) + shownTexts(*rotation), expected);
 }
 
 /// The rows of an outline that do not show what the server has.

@@ -54,11 +54,7 @@ DemoServer::~DemoServer()
 
 bool DemoServer::start(QString *error)
 {
-    if (m_thread.joinable()) {
-        if (error)
-            *error = QCoreApplication::translate("DemoServer", "The demo server runs already.");
-        return false;
-    }
+    Q_ASSERT(!m_thread.joinable());
     if (!openSockets(error)) {
         m_sockets.close();
         return false;

@@ -26,7 +26,7 @@ public:
     DemoServer &operator=(const DemoServer &) = delete;
 
     /// Opens the port and begins to answer; started again it takes the port that it had. The game goes on where it
-    /// stood. Does not block.
+    /// stood. Does not block. Not to be called while it runs.
     /// @param error  why it failed, for the user; may be null.
     bool start(QString *error = nullptr);
     /// Ends within 50 ms, whatever is on its way. Harmless when not started.
