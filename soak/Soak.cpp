@@ -198,7 +198,7 @@ bool Soak::rest()
     lookAtRows();
     // The picture of a window is as large as the window, which the hand leaves in any size.
     window().resize(1180, 720);
-    wait(100);
+    wait(1000); // until the sockets of what has been asked are closed
     forgetWhatGrowsByDesign();
     m_rests.append(Gauge::read(window(), seconds()));
     print(m_rests.last().text());

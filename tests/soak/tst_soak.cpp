@@ -47,8 +47,9 @@ private slots:
         row("heap", &Gauge::heapKiB, 900, false);
         row("resident memory", &Gauge::residentKiB, 4'000, false);
         row("memory while views are shown for the first time", &Gauge::heapKiB, 4'000, true, 300);
-        row("a handle", &Gauge::handles, 1, false);
-        row("a handle at once", &Gauge::handles, 1, false, 300);
+        row("sockets of a refresh", &Gauge::handles, 6, true);
+        row("handles", &Gauge::handles, 7, false);
+        row("handles in a short time", &Gauge::handles, 7, false, 300);
         row("threads of a pool", &Gauge::threads, 3, true);
         row("threads", &Gauge::threads, 4, false);
         row("objects", &Gauge::objects, 21, false);
