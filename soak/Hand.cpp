@@ -30,8 +30,8 @@ static constexpr int usualWeight = 10;
 /// no work left to see.
 static int weightOf(const QString &name)
 {
-    static const QStringList rare{"Quit",         "Disconnect",         "kickAllButton", "disconnectButton",
-                                  "cancelButton", "Try the Demo Server"};
+    static const QStringList rare{"Quit",         "Disconnect",          "kickAllButton",      "disconnectButton",
+                                  "cancelButton", "Try the Demo Server", "tryDemoServerButton"};
     return rare.contains(name) ? 1 : usualWeight;
 }
 
