@@ -32,25 +32,23 @@ public:
     }
 
 private:
-    void answer(const QByteArray &request)
+    QList<QByteArray> answer(const QByteArray &request)
     {
         const Clock::time_point now = Clock::now();
         if (request.contains("teamstatus"))
-            return;
+            return {};
         if (request.contains("say")) {
             const std::lock_guard guard(m_mutex);
             m_says.push_back(now);
         }
-        m_server.answer(QByteArray("\xff\xff\xff\xff\x01print\n") + dump);
+        return {"rcon_password \"x\"\nsv_hostname \"h\"\nsv_ranked \"0\"\nplaylist_enabled \"0\"\n"
+                "playlist_excludeMap \"a\"\nplaylist_excludeGametype \"b\"\nplaylist_excludeGametypeMap \"c\"\n"};
     }
 
-    static inline const QByteArray dump = "rcon_password \"x\"\nsv_hostname \"h\"\nsv_ranked \"0\"\nplaylist_enabled "
-                                          "\"0\"\nplaylist_excludeMap \"a\"\nplaylist_excludeGametype \"b\"\n"
-                                          "playlist_excludeGametypeMap \"c\"\n";
     std::mutex m_mutex;
     std::vector<Clock::time_point> m_says;
     LoopbackServer m_server{[this](const QByteArray &request) {
-        answer(request);
+        return answer(request);
     }};
 };
 
@@ -87,17 +85,17 @@ class PlaybackBench : public QObject
 public:
     QCoro::Task<> run()
     {
-        const QString host = QStringLiteral("127.0.0.1");
+        const QString host = "127.0.0.1";
         const QString port = QString::number(m_server.port());
-        const QString password = QStringLiteral("x");
+        const QString password = "x";
         co_await m_session.connectToHost(host, port, password);
-        m_preferences.setValue(QStringLiteral("checkBoxLoopMessages"), true);
-        const QList<MessageRotationInst> messages(1, {QStringLiteral("hello"), QStringLiteral("1")});
+        m_preferences.setValue("checkBoxLoopMessages", true);
+        const QList<MessageRotationInst> messages(1, {"hello", "1"});
         co_await m_messages.addEntries(messages);
-        co_await measure(20, QStringLiteral("with an idle connection"));
+        co_await measure(20, "with an idle connection");
         connect(&m_refresh, &QTimer::timeout, this, [this] { m_actions.start(askInVain()); });
         m_refresh.start(std::chrono::seconds(5));
-        co_await measure(15, QStringLiteral("beside a refresh every 5 s that costs 3.25 s"));
+        co_await measure(15, "beside a refresh every 5 s that costs 3.25 s");
         QCoreApplication::quit();
     }
 
@@ -105,7 +103,7 @@ private:
     QCoro::Task<> askInVain()
     {
         const ActionQueue::Turn turn = co_await m_actions.turn();
-        const QString line = QStringLiteral("teamstatus");
+        const QString line = "teamstatus";
         const Reply reply = co_await m_session.sendCommand(line);
         if (reply.isSuccess())
             qFatal("there was a reply");
@@ -131,7 +129,7 @@ private:
 
     QTemporaryDir m_folder;
     Server m_server;
-    Preferences m_preferences{m_folder.filePath(QStringLiteral("preferences.ini"))};
+    Preferences m_preferences{m_folder.filePath("preferences.ini")};
     FatalAlerts m_alerts;
     RConExchange m_exchange;
     KelServer m_session{m_exchange, m_alerts};

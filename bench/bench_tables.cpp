@@ -1,13 +1,28 @@
+#include "ActionQueue.h"
+#include "DvarFetcher.h"
+#include "DvarSettingCategory.h"
+#include "DvarSettingOutlineView.h"
 #include "KelServer.h"
+#include "KelSettings.h"
 #include "PlaceholderTable.h"
 #include "PlayerColumns.h"
+#include "Preferences.h"
 #include "RecordedAlerts.h"
 #include "ScriptedExchange.h"
+#include "SettingsOutlineModel.h"
 #include "TranscriptView.h"
+#include "UnknownDvars.h"
+#include "Wait.h"
 
 #include <QApplication>
+#include <QFile>
+#include <QScrollBar>
+#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
 
 static QString dumpOf(int lines)
 {
@@ -19,7 +34,7 @@ static QString dumpOf(int lines)
 
 static QString teamstatusOf(int players, int round)
 {
-    QString text = QStringLiteral("num score ping guid name team lastmsg address qport rate\n");
+    QString text = "num score ping guid name team lastmsg address qport rate\n";
     for (int i = 0; i < players; ++i)
         text += QStringLiteral("%1 %2 %3 90017%1 Player Number %1 allies 0 10.%4.%5.7:%6 77 25000\n")
                     .arg(i)
@@ -92,11 +107,108 @@ static void appendToTranscript(benchmark::State &state)
     for (int i = 0; i < state.range(0); i += 1000)
         transcript.appendConsoleMessage(block);
     for (auto run : state) {
-        transcript.appendConsoleMessage(QStringLiteral("] status\nmap: mp_harbour\n"));
+        transcript.appendConsoleMessage("] status\nmap: mp_harbour\n");
         transcript.grab();
     }
 }
 BENCHMARK(appendToTranscript)->Arg(1000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+constexpr int settingCount = 5000;
+
+/// A catalogue of one group with 5,000 settings in 100 categories.
+static QByteArray catalogue()
+{
+    QByteArray text = "<settings><version>1</version><SettingInst><name>Everything</name>";
+    for (int i = 0; i < settingCount; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        text += "<DvarSetting><name>Setting number " + number + "</name><dvar>scr_number_" + number + "</dvar><type>" +
+                (i % 3 == 0 ? "bool" : "int") + "</type><description>What setting number " + number +
+                " does, told in a sentence of ordinary length.</description><category>Category " +
+                QByteArray::number(i % 100) + "</category></DvarSetting>";
+    }
+    return text + "</SettingInst></settings>";
+}
+
+/// A session that knows the variables, and the catalogue loaded from a file.
+struct Loaded {
+    Loaded()
+    {
+        QFile file(folder.filePath("FerrowRcon.default.gameSettingsUnranked"));
+        if (!file.open(QIODevice::WriteOnly) || file.write(catalogue()) <= 0)
+            qFatal("the catalogue cannot be written");
+        file.close();
+        for (int i = 0; i < settingCount; ++i)
+            server.addDvarLine(QStringLiteral("scr_number_%1 \"%2\"").arg(i).arg(i % 2));
+    }
+
+    void load()
+    {
+        if (awaited(settings.loadSettings()) != CatalogueState::Ready)
+            qFatal("the catalogue is not loaded");
+    }
+
+    QTemporaryDir folder;
+    ScriptedExchange exchange;
+    RecordedAlerts alerts;
+    KelServer server{exchange, alerts};
+    ActionQueue actions;
+    Preferences preferences{folder.filePath("preferences.ini")};
+    UnknownDvars unknownDvars{preferences};
+    DvarFetcher fetcher{server, actions, unknownDvars};
+    CatalogueReader reader{{folder.path(), folder.path()}, alerts, [] {
+                           }};
+    KelSettings settings{{server, alerts}, reader};
+};
+
+static void loadCatalogue(benchmark::State &state)
+{
+    Loaded loaded;
+    for (auto run : state)
+        loaded.load();
+}
+BENCHMARK(loadCatalogue)->Unit(benchmark::kMillisecond);
+
+/// The settings shown in a view.
+struct ShownSettings : Loaded {
+    ShownSettings()
+    {
+        load();
+        model.setCategories(settings.selectedSettings());
+        view.resize(760, 400);
+        view.show();
+    }
+
+    SettingsOutlineModel model{server, fetcher};
+    DvarSettingOutlineView view{model};
+};
+
+static void expandAndPaint(benchmark::State &state)
+{
+    ShownSettings shown;
+    for (auto run : state) {
+        shown.view.collapseAll();
+        shown.view.expandEveryRow();
+        shown.view.grab();
+    }
+}
+BENCHMARK(expandAndPaint)->Unit(benchmark::kMillisecond);
+
+static void scrollAndPaint(benchmark::State &state)
+{
+    ShownSettings shown;
+    shown.view.expandEveryRow();
+    QScrollBar *bar = shown.view.verticalScrollBar();
+    double longest = 0;
+    for (auto run : state) {
+        const auto begin = std::chrono::steady_clock::now();
+        bar->setValue(bar->value() < bar->maximum() ? bar->value() + bar->pageStep() : 0);
+        shown.view.grab();
+        longest = std::max(longest,
+                           std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count());
+    }
+    state.counters["longest_ms"] = longest;
+}
+BENCHMARK(scrollAndPaint)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char **argv)
 {

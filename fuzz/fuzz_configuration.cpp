@@ -1,13 +1,11 @@
 #include "Fuzzing.h"
-#include "QuietAlerts.h"
-#include "ReadyExchange.h"
+#include "ReadySession.h"
 
 #include "ConfigurationComparison.h"
 #include "ConfigurationText.h"
 #include "DvarSetting.h"
 #include "DvarSettingList.h"
 #include "GameText.h"
-#include "KelServer.h"
 #include "Secrets.h"
 
 #include <QSet>
@@ -50,8 +48,8 @@ static void checkComparison(const Entries &entries, const QHash<QString, QString
     require(less.count(State::OnlyOnServer) == entries.size() - half.size(), "what the file lacks is told");
     for (const ConfigurationComparison::Row &row : more.rows() + less.rows() + same.rows()) {
         const bool isSecret = row.dvar.contains(QLatin1String("password"), Qt::CaseInsensitive);
-        const bool isHidden = (row.valueNow.isEmpty() || row.valueNow == QLatin1String("(hidden)")) &&
-                              (row.valueInFile.isEmpty() || row.valueInFile == QLatin1String("(hidden)"));
+        const bool isHidden = (row.valueNow.isEmpty() || row.valueNow == "(hidden)") &&
+                              (row.valueInFile.isEmpty() || row.valueInFile == "(hidden)");
         require(!isSecret || isHidden, "no password is shown");
     }
 }
@@ -60,18 +58,16 @@ static void checkComparison(const Entries &entries, const QHash<QString, QString
 static bool isPlain(const ConfigurationEntry &entry)
 {
     const QString both = entry.dvar + entry.value;
-    return !both.contains(u'"') && !entry.value.endsWith(u'\\') && !entry.dvar.startsWith(QLatin1String("//")) &&
+    return !both.contains(u'"') && !entry.value.endsWith(u'\\') && !entry.dvar.startsWith("//") &&
            QString::fromUtf8(both.toUtf8()) == both;
 }
 
 static void checkWriting(const Entries &entries, const QHash<QString, QString> &dvars)
 {
-    static QuietAlerts alerts;
-    static ReadyExchange exchange;
-    static KelServer server(exchange, alerts);
+    static ReadySession session;
     QList<std::shared_ptr<DvarSetting>> settings;
     for (const ConfigurationEntry &entry : entries) {
-        settings.append(std::make_shared<DvarSetting>(CatalogueContext{server, alerts}));
+        settings.append(std::make_shared<DvarSetting>(CatalogueContext{session.server, session.alerts}));
         settings.constLast()->setName(entry.dvar);
         settings.constLast()->setDvar(entry.dvar);
     }
@@ -80,19 +76,18 @@ static void checkWriting(const Entries &entries, const QHash<QString, QString> &
     const ConfigurationContent content{{list}, {}, dvars};
     const Entries written = writtenEntries(content);
     for (const ConfigurationEntry &entry : written)
-        require(entry.dvar != QLatin1String("rcon_password"), "the password is not written");
+        require(entry.dvar != "rcon_password", "the password is not written");
     if (!std::all_of(written.begin(), written.end(), isPlain))
         return;
-    const std::optional<QString> text = ConfigurationFile::decoded(configurationText(content, QStringLiteral("today")));
+    const std::optional<QString> text = ConfigurationFile::decoded(configurationText(content, "today"));
     require(text && ConfigurationFile::entries(*text) == written, "what is written is read again");
 }
 
-int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+static void fuzz(const QByteArray &bytes)
 {
-    const QByteArray bytes = fuzzedBytes(data, size);
     const std::optional<QString> text = ConfigurationFile::decoded(bytes);
     if (!text)
-        return 0;
+        return;
     checkDecoding(bytes, *text);
     const Entries entries = ConfigurationFile::entries(*text);
     checkEntries(entries);
@@ -104,5 +99,4 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         loaded.insert(entry.dvar, holdsPassword(entry.dvar) ? entry.value : GameText::of(entry.value).text());
     checkComparison(entries, loaded);
     checkWriting(entries, dvars);
-    return 0;
 }

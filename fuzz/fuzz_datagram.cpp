@@ -24,23 +24,21 @@ static void checkPlainText(const QString &text)
     require(result == RConResultInvalidPassword || again == text, "a plain text arrives unchanged");
 }
 
-int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+static void fuzz(const QByteArray &bytes)
 {
-    const QByteArray packet = fuzzedBytes(data, size);
-    const RConResult validity = DatagramPacket::validateDataPacket(packet);
-    const QString before = QStringLiteral("before");
+    const RConResult validity = DatagramPacket::validateDataPacket(bytes);
+    const QString before = "before";
     QString text = before;
-    const RConResult result = DatagramPacket::getString(&text, packet);
-    require(DatagramPacket::getString(nullptr, packet) == result, "the text is optional");
+    const RConResult result = DatagramPacket::getString(&text, bytes);
+    require(DatagramPacket::getString(nullptr, bytes) == result, "the text is optional");
     require(result == validity || (validity == RConResultSuccess && result == RConResultInvalidPassword),
             "the frame decides, and then a refusal");
     if (validity == RConResultSuccess && result == RConResultInvalidPassword)
         require(text == before, "a refusal in words leaves the text alone");
-    checkPayloadLengths(packet.left(64));
+    checkPayloadLengths(bytes.left(64));
     if (result != RConResultSuccess)
-        return 0;
-    require(text.size() <= std::max<qsizetype>(packet.size() - 11, 0), "cleaning never lengthens");
+        return;
+    require(text.size() <= std::max<qsizetype>(bytes.size() - 11, 0), "cleaning never lengthens");
     require(!text.contains(QChar::Null), "a text ends at the first zero byte");
     checkPlainText(text);
-    return 0;
 }

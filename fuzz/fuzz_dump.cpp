@@ -1,8 +1,5 @@
 #include "Fuzzing.h"
-#include "QuietAlerts.h"
-#include "ReadyExchange.h"
-
-#include "KelServer.h"
+#include "ReadySession.h"
 
 static constexpr qsizetype requiredDvars = 7;
 
@@ -10,9 +7,8 @@ static void checkDvars(const KelServer &server, const QString &dump)
 {
     const QHash<QString, QString> dvars = server.dvarList();
     require(dvars.size() <= dump.count(u'\n') + 1 + requiredDvars, "a line gives one variable");
-    QuietAlerts alerts;
-    ReadyExchange exchange;
-    KelServer other(exchange, alerts);
+    ReadySession session;
+    KelServer &other = session.server;
     for (auto each = dvars.cbegin(); each != dvars.cend(); ++each) {
         const QString &name = each.key();
         const bool isWord = !name.isEmpty() && !name.contains(u' ') && !name.contains(u'"') && !name.contains(u'\n');
@@ -34,20 +30,17 @@ static void checkTabs(const KelServer &server, bool isConnected)
 }
 
 /// The reply to "dvardump", and the replies to what is asked for because the dump lacks it.
-int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+static void fuzz(const QByteArray &bytes)
 {
-    const QStringList replies = fuzzedReplies(data, size, 1 + requiredDvars);
-    QuietAlerts alerts;
-    ReadyExchange exchange(replies);
-    KelServer server(exchange, alerts);
+    const QStringList replies = repliesIn(bytes, 1 + requiredDvars);
+    ReadySession session(replies);
+    KelServer &server = session.server;
     bool isConnected = false;
     QObject::connect(&server, &KelServer::didConnect, &server, [&isConnected] { isConnected = true; });
-    const QCoro::Task<> connecting =
-        server.connectToHost(QStringLiteral("127.0.0.1"), QStringLiteral("50960"), QStringLiteral("secret"));
+    const QCoro::Task<> connecting = server.connectToHost("127.0.0.1", "50960", "secret");
     require(connecting.isReady(), "connecting ends when everything is answered");
-    require(alerts.count() <= requiredDvars + 1, "a variable is complained of once");
-    require(isConnected || alerts.count() > 0, "a connect that fails says so");
+    require(session.alerts.count <= requiredDvars + 1, "a variable is complained of once");
+    require(isConnected || session.alerts.count > 0, "a connect that fails says so");
     checkDvars(server, replies.constFirst());
     checkTabs(server, isConnected);
-    return 0;
 }

@@ -1,29 +1,8 @@
 #include "Fuzzing.h"
-#include "QuietAlerts.h"
-#include "ReadyExchange.h"
+#include "ReadyCatalogues.h"
 
 #include "ExclusionText.h"
-#include "KelGametype.h"
-#include "KelMapList.h"
 #include "KelPlaylists.h"
-#include "KelServer.h"
-
-namespace
-{
-
-/// The playlists of a server, with no catalogue to look names up in.
-struct Playlists {
-    QuietAlerts alerts;
-    ReadyExchange exchange;
-    KelServer server{exchange, alerts};
-    CatalogueReader reader{{}, alerts, [] {
-                           }};
-    KelGametype gametypes{{server, alerts}, reader};
-    KelMapList maps{server, reader};
-    KelPlaylists playlists{server, gametypes, maps, alerts, {}};
-};
-
-} // namespace
 
 /// Other white space belongs to its word, but not at the ends.
 static QStringList wordsOf(const QString &text)
@@ -49,22 +28,22 @@ static void checkText(const QList<Exclusion> &exclusions, const QStringList &rep
 }
 
 /// The values of the three variables of a playlist's exclusions, and of "playlist".
-int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+static void fuzz(const QByteArray &bytes)
 {
-    static Playlists fixture;
-    QStringList replies = fuzzedReplies(data, size, 4);
-    const QStringList dvars{QStringLiteral("playlist_excludeMap"), QStringLiteral("playlist_excludeGametype"),
-                            QStringLiteral("playlist_excludeGametypeMap"), QStringLiteral("playlist")};
+    static ReadyCatalogues session;
+    static KelPlaylists playlists{session.server, session.gametypes, session.maps, session.alerts, {}};
+    QStringList replies = repliesIn(bytes, 4);
+    const QStringList dvars{"playlist_excludeMap", "playlist_excludeGametype", "playlist_excludeGametypeMap",
+                            "playlist"};
     for (qsizetype i = 0; i < dvars.size(); ++i) {
         QString &value = replies[i];
         value.remove(u'"');
         if (value.isEmpty())
-            value = QStringLiteral(" ");
-        fixture.server.addDvarLine(QStringLiteral("%1 \"%2\"").arg(dvars.at(i), value));
+            value = " ";
+        session.server.addDvarLine(QStringLiteral("%1 \"%2\"").arg(dvars.at(i), value));
     }
-    fixture.playlists.updateControls();
-    require(!fixture.playlists.hasUnsentExclusions(), "what the server says is no change");
-    require(!fixture.playlists.currentPlaylist(), "a playlist that is not listed does not run");
-    checkText(fixture.playlists.exclusions(), replies);
-    return 0;
+    playlists.updateControls();
+    require(!playlists.hasUnsentExclusions(), "what the server says is no change");
+    require(!playlists.currentPlaylist(), "a playlist that is not listed does not run");
+    checkText(playlists.exclusions(), replies);
 }

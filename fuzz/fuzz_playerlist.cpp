@@ -6,8 +6,8 @@
 
 static QString lineOf(const PlayerRow &player)
 {
-    return QStringList({player.identifier, player.score, player.ping, player.guid, player.name, player.team,
-                        QStringLiteral("50"), player.ipaddress, QStringLiteral("1"), QStringLiteral("25000")})
+    return QStringList({player.identifier, player.score, player.ping, player.guid, player.name, player.team, "50",
+                        player.ipaddress, "1", "25000"})
         .join(u' ');
 }
 
@@ -23,7 +23,7 @@ static void checkPlayer(const PlayerRow &player)
     require(isWord(player.guid) && isWord(player.ipaddress) && isWord(player.team) && isWord(player.score) &&
                 isWord(player.ping),
             "fields are words");
-    require(!player.name.isEmpty() && player.name != QLatin1String("democlient"), "the recording client is no player");
+    require(!player.name.isEmpty() && player.name != "democlient", "the recording client is no player");
     const QVariant address = addressSortKey(player.ipaddress);
     if (address.typeId() == QMetaType::LongLong)
         require(address.toLongLong() >= 0 && address.toLongLong() >> 48 == 0, "an address and a port have 48 bits");
@@ -37,14 +37,14 @@ static void checkExport(const QList<PlayerRow> &players)
 {
     constexpr qsizetype linesOfHead = 5;
     for (const bool isCommaSeparated : {false, true}) {
-        const QByteArray text = playerListText(players, isCommaSeparated, QStringLiteral("1.1.26"));
+        const QByteArray text = playerListText(players, isCommaSeparated, "1.1.26");
         require(text.count('\n') == players.size() + linesOfHead, "a player is a line");
     }
 }
 
-int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+static void fuzz(const QByteArray &bytes)
 {
-    const QString reply = QString::fromLatin1(fuzzedBytes(data, size));
+    const QString reply = QString::fromLatin1(bytes);
     const QList<PlayerRow> players = parsePlayerList(reply).players;
     require(players.size() <= reply.count(u'\n') + 1, "a line is one player");
     QStringList lines;
@@ -54,5 +54,4 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     }
     require(parsePlayerList(lines.join(u'\n')).players == players, "players are read again");
     checkExport(players);
-    return 0;
 }

@@ -14,21 +14,19 @@ static void checkServers(const QList<SavedServer> &servers)
             "servers are sorted by their labels");
 }
 
-int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+static void fuzz(const QByteArray &bytes)
 {
     constexpr qsizetype largestFile = 2 << 20;
-    const QByteArray bytes = fuzzedBytes(data, size);
-    SavedServers saved(QStringLiteral("/nowhere"), QStringLiteral("login"));
+    SavedServers saved("/nowhere", "login");
     const std::optional<PropertyList> document = parsedPropertyList(bytes);
     const bool isTaken = saved.takeContent(bytes);
     require(document || !isTaken, "what is no property list holds no servers");
     if (!isTaken)
-        return 0;
+        return;
     checkServers(saved.servers());
 
     const QByteArray written = propertyListBytes(*document, largestFile);
-    SavedServers again(QStringLiteral("/nowhere"), QStringLiteral("login"));
+    SavedServers again("/nowhere", "login");
     require(again.takeContent(written) && again.servers() == saved.servers(), "servers are read again");
     require(parsedPropertyList(written) == document, "nothing is lost when it is written");
-    return 0;
 }

@@ -21,8 +21,7 @@ constexpr std::array commands{"status all", "sv_x", "dvardump", "setadmindvar a 
 class Watched
 {
 public:
-    explicit Watched(const RCon::Task &task)
-        : m_log(QStringLiteral("h"), 1, TrafficLog::Kind::Send), m_machine(task, m_log)
+    explicit Watched(const RCon::Task &task) : m_log("h", 1, TrafficLog::Kind::Send), m_machine(task, m_log)
     {
         take(m_machine.start(m_now));
     }
@@ -74,18 +73,19 @@ private:
 
 /// The input is a byte for what is asked, then pieces with the byte 0xfe between them. A piece is a byte for who speaks
 /// and how much later, and a datagram; one without a datagram lets time pass.
-int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+static void fuzz(const QByteArray &bytes)
 {
-    if (size == 0)
-        return 0;
+    if (bytes.isEmpty())
+        return;
+    const auto asked = static_cast<unsigned char>(bytes.front());
     RCon::Task task;
     task.server = server;
-    task.command = QString::fromLatin1(commands.at(data[0] % commands.size()));
-    task.isSingle = (data[0] & 0x40) != 0;
-    task.isBackground = (data[0] & 0x80) != 0;
+    task.command = QString::fromLatin1(commands.at(asked % commands.size()));
+    task.isSingle = (asked & 0x40) != 0;
+    task.isBackground = (asked & 0x80) != 0;
     task.end = ReplyEnd(task.command);
     Watched watched(task);
-    for (const QByteArray &piece : fuzzedBytes(data + 1, size - 1).split('\xfe').mid(0, 64)) {
+    for (const QByteArray &piece : bytes.mid(1).split('\xfe').mid(0, 64)) {
         if (piece.isEmpty())
             continue;
         const auto head = static_cast<unsigned char>(piece.front());
@@ -94,5 +94,4 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
             watched.receive(QByteArrayView(piece).sliced(1), (head & 0x80) != 0);
     }
     watched.finish();
-    return 0;
 }

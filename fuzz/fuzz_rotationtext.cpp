@@ -17,8 +17,7 @@ static QString unknown(const QString &)
 /// A name that the text of a rotation cannot mistake for something else.
 static bool isPlain(const QString &name)
 {
-    return !name.isEmpty() && !name.contains(u' ') && !name.contains(u'?') && name != QLatin1String("map") &&
-           name != QLatin1String("gametype");
+    return !name.isEmpty() && !name.contains(u' ') && !name.contains(u'?') && name != "map" && name != "gametype";
 }
 
 static void checkBuilding(const QList<RotationRow> &rows)
@@ -29,7 +28,7 @@ static void checkBuilding(const QList<RotationRow> &rows)
         return isPlain(row.map) && isPlain(row.gametype) && row.map.trimmed() == row.map;
     });
     if (arePlain)
-        require(parseRotation(built.text, QStringLiteral("tdm"), itself, itself) == rows, "a rotation is read again");
+        require(parseRotation(built.text, "tdm", itself, itself) == rows, "a rotation is read again");
 
     BuiltRotation none = buildRotation(rows, unknown, unknown);
     require(none.isComplete() == rows.isEmpty() && none.text.isEmpty(), "unknown names are told");
@@ -38,13 +37,12 @@ static void checkBuilding(const QList<RotationRow> &rows)
 }
 
 /// A reply to "sv_mapRotation", or the rotation itself.
-int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+static void fuzz(const QByteArray &bytes)
 {
-    const QString reply = QString::fromLatin1(fuzzedBytes(data, size));
+    const QString reply = QString::fromLatin1(bytes);
     for (const QString &text : {parseMapResponse(reply), reply}) {
-        const QList<RotationRow> rows = parseRotation(text, QStringLiteral("tdm"), itself, itself);
+        const QList<RotationRow> rows = parseRotation(text, "tdm", itself, itself);
         require(rows.size() <= text.count(u' ') + 1, "a row takes a word");
         checkBuilding(rows);
     }
-    return 0;
 }

@@ -33,29 +33,45 @@ Journey::Journey(AppDelegate &application, const QString &pictures)
 
 bool Journey::perform()
 {
-    return openTheWindow() && saveAServer() && connectFromTheList() && kickAPlayer() && messageAPlayer() &&
-           loadAMap() && buildARotation() && dragARow() && saveTheRotation() && setTheRotation() &&
-           copyTheRotationBack() && addMessages() && playMessages() && sendAQuickMessage() && saveAConfiguration() &&
-           changeSettings() && compareAndLoad() && useTheConsole() && disconnect() && connectByTheForm() &&
-           startAPlaylist() && excludeAMap() && disconnect();
+    return take({&Journey::openTheWindow,       &Journey::saveAServer,
+                 &Journey::connectFromTheList,  &Journey::kickAPlayer,
+                 &Journey::messageAPlayer,      &Journey::loadAMap,
+                 &Journey::buildARotation,      &Journey::dragARow,
+                 &Journey::saveTheRotation,     &Journey::setTheRotation,
+                 &Journey::copyTheRotationBack, &Journey::addMessages,
+                 &Journey::playMessages,        &Journey::sendAQuickMessage,
+                 &Journey::saveAConfiguration,  &Journey::changeSettings,
+                 &Journey::compareAndLoad,      &Journey::useTheConsole,
+                 &Journey::disconnect,          &Journey::connectByTheForm,
+                 &Journey::startAPlaylist,      &Journey::excludeAMap,
+                 &Journey::disconnect});
 }
 
 bool Journey::performDragging()
 {
-    return openTheWindow() && saveAServer() && connectFromTheList() && loadAMap() && buildARotation() && dragARow();
+    return take({&Journey::openTheWindow, &Journey::saveAServer, &Journey::connectFromTheList, &Journey::loadAMap,
+                 &Journey::buildARotation, &Journey::dragARow});
 }
 
-bool Journey::openTheWindow()
+bool Journey::take(const QList<Step> &steps)
+{
+    try {
+        for (const Step step : steps)
+            (this->*step)();
+    } catch (const Failure &failure) {
+        m_failure = failure.what;
+        takePicture("failed");
+    }
+    return m_failure.isEmpty();
+}
+
+void Journey::openTheWindow()
 {
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs); // another program's could not be typed into
-    if (!expect(m_files.isValid() && m_server.start() && m_playlistServer.start(),
-                QStringLiteral("the demo servers start")))
-        return false;
+    expect(m_files.isValid() && m_server.start() && m_playlistServer.start(), "the demo servers start");
     window().show();
-    if (!expect(QTest::qWaitForWindowExposed(&window(), patience), QStringLiteral("the window opens")))
-        return false;
-    takePicture(QStringLiteral("welcome"));
-    return true;
+    expect(QTest::qWaitForWindowExposed(&window(), patience), "the window opens");
+    takePicture("welcome");
 }
 
 QWidget &Journey::window() const
@@ -95,11 +111,11 @@ QString Journey::transcript() const
 
 void Journey::answerAlert()
 {
-    auto *alert = window().findChild<QMessageBox *>(QStringLiteral("alert"));
+    auto *alert = window().findChild<QMessageBox *>("alert");
     if (alert == nullptr || !alert->isVisible() || alert->defaultButton() == nullptr)
         return;
     if (!m_alerts.contains(alert->text()))
-        takePicture(QStringLiteral("alert"));
+        takePicture("alert");
     m_alerts.append(alert->text());
     Hands::click(alert->defaultButton());
 }
@@ -118,20 +134,18 @@ bool Journey::waitUntilIdle()
     return waitUntil([this] { return m_application.actions().isIdle(); });
 }
 
-QDialog *Journey::waitForSheet(const QString &name)
+QDialog &Journey::waitForSheet(const QString &name)
 {
     QDialog *opened = sheet(name);
     const bool isShown = opened != nullptr && QTest::qWaitForWindowExposed(opened, patience);
-    return expect(isShown, QStringLiteral("a sheet opens: ") + name) ? opened : nullptr;
+    expect(isShown, QStringLiteral("a sheet opens: ") + name);
+    return *opened;
 }
 
-bool Journey::expect(bool isTrue, const QString &what)
+void Journey::expect(bool isTrue, const QString &what)
 {
-    if (isTrue || !m_failure.isEmpty())
-        return isTrue;
-    m_failure = what;
-    takePicture(QStringLiteral("failed"));
-    return false;
+    if (!isTrue)
+        throw Failure{what};
 }
 
 void Journey::takePicture(const QString &name)

@@ -29,33 +29,35 @@ public:
     QStringList picturePaths() const { return m_paths; }
 
 private:
-    bool openTheWindow();
-    bool saveAServer();
-    bool connectFromTheList();
-    bool connectByTheForm();
-    bool disconnect();
+    using Step = void (Journey::*)();
+    /// Ends the journey where a step did not lead where it should. It never passes the event loop.
+    struct Failure {
+        QString what;
+    };
+    bool take(const QList<Step> &steps);
 
-    bool kickAPlayer();
-    bool messageAPlayer();
-
-    bool loadAMap();
-    bool buildARotation();
-    bool dragARow();
-    bool saveTheRotation();
-    bool setTheRotation();
-    bool copyTheRotationBack();
-
-    bool addMessages();
-    bool playMessages();
-    bool sendAQuickMessage();
-
-    bool saveAConfiguration();
-    bool changeSettings();
-    bool compareAndLoad();
-    bool useTheConsole();
-
-    bool startAPlaylist();
-    bool excludeAMap();
+    void openTheWindow();
+    void saveAServer();
+    void connectFromTheList();
+    void kickAPlayer();
+    void messageAPlayer();
+    void loadAMap();
+    void buildARotation();
+    void dragARow();
+    void saveTheRotation();
+    void setTheRotation();
+    void copyTheRotationBack();
+    void addMessages();
+    void playMessages();
+    void sendAQuickMessage();
+    void saveAConfiguration();
+    void changeSettings();
+    void compareAndLoad();
+    void useTheConsole();
+    void disconnect();
+    void connectByTheForm();
+    void startAPlaylist();
+    void excludeAMap();
 
     QWidget &window() const;
     /// What stands behind a tab, by its object name, in front or not.
@@ -67,16 +69,16 @@ private:
     /// Waits as a person does: reads an alert that comes up, and presses its default button.
     bool waitUntil(const std::function<bool()> &isReached);
     bool waitUntilIdle();
-    /// @return the sheet of this object name once it can be seen; null when none opens, which is a failure.
-    QDialog *waitForSheet(const QString &name);
-    bool expect(bool isTrue, const QString &what);
+    /// @return the sheet of this object name once it can be seen; that none opens is a failure.
+    QDialog &waitForSheet(const QString &name);
+    void expect(bool isTrue, const QString &what);
     void takePicture(const QString &name);
     void answerAlert();
-    bool addPair(const QDialog &picker, const QString &map, const QString &gametype);
-    bool addMessage(const QDialog &adding, const QString &message);
-    bool editSetting(const QString &name, const QString &value);
-    bool chooseFile(const QString &panelName, const QString &path);
-    QString configurationPath() const { return m_files.filePath(QStringLiteral("friday-night.cfg")); }
+    void addPair(const QDialog &picker, const QString &map, const QString &gametype);
+    void addMessage(const QDialog &adding, const QString &message);
+    void editSetting(const QString &name, const QString &value);
+    void chooseFile(const QString &panelName, const QString &path);
+    QString configurationPath() const { return m_files.filePath("friday-night.cfg"); }
     QString transcript() const;
 
     AppDelegate &m_application;

@@ -1,7 +1,9 @@
 #include "Journey.h"
 
 #include "Controls.h"
+#include "FormMainView.h"
 #include "Hands.h"
+#include "RealPointer.h"
 
 #include <QDialog>
 #include <QLabel>
@@ -11,27 +13,23 @@
 
 static QStringList plannedMaps()
 {
-    return {QStringLiteral("Saltworks"), QStringLiteral("Lantern Row"), QStringLiteral("Signal Hill")};
+    return {"Saltworks", "Lantern Row", "Signal Hill"};
 }
 
-bool Journey::loadAMap()
+void Journey::loadAMap()
 {
     const QWidget &maps = showTab("mapsView");
     const auto &currentMap = *control<QLineEdit>(maps, "currentMapField");
     const auto &rotation = *control<QAbstractItemView>(maps, "mapServerRotationTableView");
-    if (!expect(maps.isVisible() && !currentMap.text().isEmpty() && rotation.model()->rowCount() > 0,
-                QStringLiteral("map and rotation are shown")))
-        return false;
-    const QString name = QStringLiteral("Orchard Wall");
+    expect(maps.isVisible() && !currentMap.text().isEmpty() && rotation.model()->rowCount() > 0,
+           "map and rotation are shown");
+    const QString name = "Orchard Wall";
     auto &list = *control<QAbstractItemView>(maps, "mapListView");
     Hands::click(list, Hands::find(list, name));
     Hands::click(maps, "loadMapButton");
-    if (!expect(waitUntil([&] { return currentMap.text() == name; }) && waitUntilIdle(),
-                QStringLiteral("the chosen map is loaded")))
-        return false;
-    takePicture(QStringLiteral("maps"));
-    return expect(m_server.variable(QStringLiteral("mapname")) == QLatin1String("mp_orchardwall"),
-                  QStringLiteral("the server plays the chosen map"));
+    expect(waitUntil([&] { return currentMap.text() == name; }) && waitUntilIdle(), "the chosen map is loaded");
+    takePicture("maps");
+    expect(m_server.variable("mapname") == "mp_orchardwall", "the server plays the chosen map");
 }
 
 static QAbstractItemView &builderOf(const QWidget &maps)
@@ -39,91 +37,134 @@ static QAbstractItemView &builderOf(const QWidget &maps)
     return *control<QAbstractItemView>(maps, "mapRotationPreviewTableView");
 }
 
-bool Journey::addPair(const QDialog &picker, const QString &map, const QString &gametype)
+void Journey::addPair(const QDialog &picker, const QString &map, const QString &gametype)
 {
     Hands::choose(picker, "mapsPopupButton", map);
     Hands::choose(picker, "gametypesPopupButton", gametype);
     Hands::click(picker, "addButton");
-    return expect(shownTexts(builderOf(page("mapsView"))).contains(map), QStringLiteral("the picked map is added"));
+    expect(shownTexts(builderOf(page("mapsView"))).contains(map), "the picked map is added");
 }
 
-bool Journey::buildARotation()
+void Journey::buildARotation()
 {
     const QWidget &maps = page("mapsView");
     QAbstractItemView &table = builderOf(maps);
     Hands::click(maps, "addMapButton");
-    const QDialog *picker = waitForSheet(QStringLiteral("mapGametypePairPanel"));
-    if (picker == nullptr)
-        return false;
-    if (!addPair(*picker, QStringLiteral("Lantern Row"), QStringLiteral("Capture the Flag")) ||
-        !addPair(*picker, QStringLiteral("Saltworks"), QStringLiteral("Domination")) ||
-        !addPair(*picker, QStringLiteral("Signal Hill"), QStringLiteral("King of the Hill")))
-        return false;
+    const QDialog &picker = waitForSheet("mapGametypePairPanel");
+    addPair(picker, "Lantern Row", "Capture the Flag");
+    addPair(picker, "Saltworks", "Domination");
+    addPair(picker, "Signal Hill", "King of the Hill");
     const auto &removeAll = *control<QPushButton>(maps, "removeAllButton");
-    if (!expect(waitUntil([&] { return removeAll.isEnabled(); }), QStringLiteral("what was added can be removed")))
-        return false;
-    takePicture(QStringLiteral("picker"));
-    Hands::click(*picker, "closeButton");
-    Hands::click(table, Hands::find(table, QStringLiteral("Saltworks")));
+    expect(waitUntil([&] { return removeAll.isEnabled(); }), "what was added can be removed");
+    takePicture("picker");
+    Hands::click(picker, "closeButton");
+    Hands::click(table, Hands::find(table, "Saltworks"));
     QTest::keyClick(&table, Qt::Key_Up, Qt::AltModifier);
-    return expect(shownTexts(table) == plannedMaps(), QStringLiteral("the keyboard moves a row up"));
+    expect(shownTexts(table) == plannedMaps(), "the keyboard moves a row up");
 }
 
-bool Journey::saveTheRotation()
+void Journey::saveTheRotation()
 {
     const QWidget &maps = page("mapsView");
     Hands::click(maps, "saveAsButton");
-    const QDialog *naming = waitForSheet(QStringLiteral("SaveMapRotationAsWindowController"));
-    if (naming == nullptr)
-        return false;
-    Hands::type(*naming, "nameField", QStringLiteral("Friday Night"));
-    takePicture(QStringLiteral("naming"));
-    Hands::click(*naming, "saveButton");
-    if (!expect(waitUntilIdle(), QStringLiteral("the rotation is saved")))
-        return false;
-    return expect(control<QLabel>(maps, "labelCurrentRotation")->text() == QLatin1String("Rotation: Friday Night") &&
-                      control<QLabel>(maps, "labelUnsavedChanges")->isHidden(),
-                  QStringLiteral("the saved rotation is the current one"));
+    const QDialog &naming = waitForSheet("SaveMapRotationAsWindowController");
+    Hands::type(naming, "nameField", "Friday Night");
+    takePicture("naming");
+    Hands::click(naming, "saveButton");
+    expect(waitUntilIdle(), "the rotation is saved");
+    expect(control<QLabel>(maps, "labelCurrentRotation")->text() == "Rotation: Friday Night" &&
+               control<QLabel>(maps, "labelUnsavedChanges")->isHidden(),
+           "the saved rotation is the current one");
 }
 
-bool Journey::setTheRotation()
+void Journey::setTheRotation()
 {
     const QWidget &maps = page("mapsView");
     Hands::click(maps, "setBuiltRotationButton");
-    if (!expect(waitUntilIdle(), QStringLiteral("the rotation is set")))
-        return false;
-    takePicture(QStringLiteral("rotation"));
-    const QString expected = QStringLiteral("gametype dom map mp_saltworks gametype ctf map mp_lanternrow gametype "
-                                            "koth map mp_signalhill");
-    if (!expect(m_server.variable(QStringLiteral("sv_mapRotation")).trimmed() == expected,
-                QStringLiteral("the server has the rotation")))
-        return false;
+    expect(waitUntilIdle(), "the rotation is set");
+    takePicture("rotation");
+    const QString expected = "gametype dom map mp_saltworks gametype ctf map mp_lanternrow gametype "
+                             "koth map mp_signalhill";
+    expect(m_server.variable("sv_mapRotation").trimmed() == expected, "the server has the rotation");
     const auto &rotation = *control<QAbstractItemView>(maps, "mapServerRotationTableView");
-    return expect(shownTexts(rotation) == plannedMaps() &&
-                      control<QLineEdit>(maps, "currentMapField")->text() == plannedMaps().first(),
-                  QStringLiteral("the window shows the new rotation and its first map"));
+    expect(shownTexts(rotation) == plannedMaps() &&
+               control<QLineEdit>(maps, "currentMapField")->text() == plannedMaps().first(),
+           "the window shows the new rotation and its first map");
 }
 
-bool Journey::copyTheRotationBack()
+void Journey::copyTheRotationBack()
 {
     const QWidget &maps = page("mapsView");
     const QAbstractItemView &builder = builderOf(maps);
     Hands::click(maps, "newButton");
-    const QDialog *naming = waitForSheet(QStringLiteral("NewMapRotationWindowController"));
-    if (naming == nullptr)
-        return false;
-    Hands::type(*naming, "nameField", QStringLiteral("From the server"));
-    Hands::click(*naming, "addButton");
-    if (!expect(waitUntilIdle() && builder.model()->rowCount() == 0, QStringLiteral("a new rotation begins empty")))
-        return false;
+    const QDialog &naming = waitForSheet("NewMapRotationWindowController");
+    Hands::type(naming, "nameField", "From the server");
+    Hands::click(naming, "addButton");
+    expect(waitUntilIdle() && builder.model()->rowCount() == 0, "a new rotation begins empty");
     Hands::click(maps, "copyToBuilderButton");
     const auto &unsaved = *control<QLabel>(maps, "labelUnsavedChanges");
     const auto isCopied = [&] {
         return shownTexts(builder) == plannedMaps() && unsaved.isVisible();
     };
-    if (!expect(waitUntil(isCopied) && waitUntilIdle(),
-                QStringLiteral("the server's rotation is copied to the builder, and not saved yet")))
-        return false;
-    takePicture(QStringLiteral("copied"));
-    return true;
+    expect(waitUntil(isCopied) && waitUntilIdle(), "the server's rotation is copied to the builder, and not saved yet");
+    takePicture("copied");
+}
+
+static QPoint placeIn(const QAbstractItemView &table, int row)
+{
+    const QRect cell = table.visualRect(table.model()->index(row, 0));
+    return cell.topLeft() + QPoint(cell.width() / 4, cell.height() / 4);
+}
+
+void Journey::dragARow()
+{
+    if (!RealPointer::isThere()) {
+        qInfo("journey: \"%s\" has no pointer to drag a row with: that step is left out",
+              qPrintable(QGuiApplication::platformName()));
+        return;
+    }
+    auto *table = control<QAbstractItemView>(window(), "mapRotationPreviewTableView");
+    const QList<QStringList> before = shownRows(*table);
+    const int last = static_cast<int>(before.size()) - 1;
+    QList<QStringList> expected = before;
+    expected.move(last, 0);
+    expect(RealPointer().drag(*table, placeIn(*table, last), placeIn(*table, 0)), "the pointer drags a row");
+    takePicture("dragged");
+    expect(shownRows(*table) == expected, "the dragged row is on top, and no cell has lost its text");
+    QTest::keyClick(table, Qt::Key_Z, Qt::ControlModifier);
+    expect(shownRows(*table) == before, "one undo takes the drag back");
+}
+
+void Journey::startAPlaylist()
+{
+    const QWidget &playlists = showTab("playlistsView");
+    auto &table = *control<QAbstractItemView>(playlists, "playlistsTableView");
+    const QModelIndex chosen = table.model()->index(2, 1);
+    const QString name = chosen.data().toString();
+    const QString number = chosen.siblingAtColumn(0).data().toString();
+    Hands::click(table, chosen);
+    Hands::click(playlists, "startPlaylistButton");
+    const auto &current = *control<QLineEdit>(playlists, "currentPlaylistField");
+    expect(waitUntil([&] { return current.text() == name; }) && waitUntilIdle(),
+           "the chosen playlist is the current one");
+    expect(!name.isEmpty() && m_playlistServer.variable("playlist") == number, "the server plays the playlist");
+}
+
+void Journey::excludeAMap()
+{
+    const QWidget &playlists = page("playlistsView");
+    Hands::click(playlists, "addExclusionButton");
+    const QDialog &picker = waitForSheet("mapGametypePairPanel");
+    Hands::choose(picker, "mapsPopupButton", "Paper Mill");
+    takePicture("exclusion");
+    Hands::click(picker, "addButton");
+    Hands::click(picker, "closeButton");
+    const auto &exclusions = *control<QAbstractItemView>(playlists, "exclusionsTableView");
+    const auto &unsent = *control<QLabel>(playlists, "unsentExclusionsLabel");
+    expect(Hands::find(exclusions, "Paper Mill").isValid() && !unsent.text().isEmpty(),
+           "the exclusion is listed as not sent");
+    Hands::click(playlists, "applyExclusionsButton");
+    expect(waitUntilIdle() && unsent.text().isEmpty(), "the exclusions are applied");
+    takePicture("playlists");
+    expect(m_playlistServer.variable("playlist_excludeMap").contains("mp_papermill"), "the server excludes the map");
 }

@@ -22,14 +22,13 @@ int main(int argc, char **argv)
         return 2;
     }
     const QTemporaryDir settings;
-    for (const QString &appearance : {QStringLiteral("light"), QStringLiteral("dark")}) {
+    for (const QString &appearance : QStringList{"light", "dark"}) {
         const QString folder = QDir(arguments.at(1)).filePath(appearance);
         if (!QDir().mkpath(folder)) {
             std::fprintf(stderr, "ferrow-journey: cannot make the folder %s\n", qPrintable(folder));
             return 1;
         }
-        AppDelegate delegate(
-            {settings.filePath(appearance + QStringLiteral(".ini")), {}, settings.filePath(appearance)});
+        AppDelegate delegate({settings.filePath(appearance + ".ini"), {}, settings.filePath(appearance)});
         Appearance::apply(appearance);
         if (arguments.size() > 2)
             delegate.window().resize(arguments.at(2).section(QLatin1Char('x'), 0, 0).toInt(),

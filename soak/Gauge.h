@@ -1,22 +1,24 @@
 #pragma once
 
 #include <QList>
+#include <QStringList>
 
 class QObject;
 
 /// What this process holds at one moment.
 struct Gauge {
-    double seconds = 0;     ///< since the start, for whoever draws a line through several
+    double seconds = 0;     ///< since the start
     qint64 residentKiB = 0; ///< memory that is in RAM
     qint64 heapKiB = 0;     ///< memory that is allocated and not freed; 0 where the allocator does not tell
-    qint64 handles = 0;
+    qint64 handles = 0;     ///< without those by which threads are woken
     qint64 threads = 0;
     qint64 objects = 0; ///< QObjects below the window
 
-    static Gauge read(const QObject &window);
+    static Gauge read(const QObject &window, double seconds);
+    QString text() const;
 };
 
-/// The middle one of a value of several gauges. Not empty.
-qint64 median(const QList<Gauge> &gauges, qint64 Gauge::*value);
-/// By how much a value grows in an hour, by least squares.
-double slopePerHour(const QList<Gauge> &gauges, qint64 Gauge::*value);
+/// Compares the last gauges with the first ones; all are taken at rest, when nothing is left that grows by design.
+/// @param faults  gets what has grown beyond what is allowed; also when there are too few gauges to tell.
+/// @return a table for people.
+QStringList growth(const QList<Gauge> &gauges, QStringList *faults);

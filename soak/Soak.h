@@ -1,91 +1,89 @@
 #pragma once
 
+#include "AppDelegate.h"
+#include "DemoServer.h"
 #include "Gauge.h"
 #include "Hand.h"
-#include "Heartbeat.h"
-#include "MessageWatch.h"
-#include "TrafficRecord.h"
+#include "Stalls.h"
+#include "Traffic.h"
 
 #include <QElapsedTimer>
-#include <QStringList>
-
-#include <functional>
-
-class AppDelegate;
-class GameServers;
-struct RecordedExchange;
 
 /// Lets the hand work in the whole window over a lossy line for as long as one likes. Every few minutes it rests: the
 /// line is good then, everything comes to its end, and what the window shows, what the servers were sent and what the
-/// process holds is looked at. In between it notes what the process holds and how long the main loop stands still.
+/// process holds is looked at. The server then comes back in another mode.
 class Soak
 {
 public:
     struct Plan {
         double seconds = 3600;
         double secondsBetweenRests = 180;
-        int restsToWarmUp = 2;
+        int restsToWarmUp = 3;
         quint64 seed = 1;
-        int throttle = 0;               ///< milliseconds between requests that the servers answer
-        double secondsBetweenStops = 0; ///< of the server in use; 0: it never goes away
-        QString folder;                 ///< for what is saved, and for the traffic log
+        std::chrono::milliseconds throttle{0}; ///< between requests that the server answers
+        double secondsBetweenStops = 0;        ///< of the server; 0: it goes away at rests only
+        QString folder;                        ///< for all files
     };
 
-    Soak(AppDelegate &application, GameServers &servers, const Plan &plan);
+    explicit Soak(const Plan &plan);
 
-    /// Prints what it finds, and at the end a table. @return whether all was as it should be.
+    /// Prints what it finds. @return whether all was as it should be.
     bool perform();
 
 private:
-    bool begin();
+    void open();
     void work(double untilSeconds);
     void stopOrStartServer();
+    void bringServerBack();
+    void changeMode();
+    bool leave();
+    void setLine(double loss, std::chrono::milliseconds throttle);
     bool rest();
-    void forgetWhatGrowsByDesign();
     bool settle();
     bool connectAnew();
+    void connectToServer();
+    void forgetWhatGrowsByDesign();
     void end();
-    void takeSample();
-    double seconds() const { return static_cast<double>(m_clock.elapsed()) / 1000; }
     bool waitUntil(const std::function<bool()> &isReached);
-    bool isConnectedAndIdle() const;
-    int serverInUse() const;
+    bool isConnectedAndIdle();
+    FormMainView &window() { return m_application->window(); }
+    double seconds() const { return static_cast<double>(m_clock.elapsed()) / 1000; }
+    bool isAtServer() const
+    {
+        const KelServer &session = m_application->server();
+        return session.isConnected() && session.port() == m_options.port;
+    }
+    QString valueNow(const QString &variable) const;
     void report(const QString &fault);
+    void lookAtTraffic(QList<RecordedExchange> exchanges);
 
     // SoakRows.cpp
-    void lookAtRows();
+    void lookAtTabs();
     void lookAtWrites(const QList<RecordedExchange> &exchanges);
+    void lookAtRows();
+    QString difference(const char *what, QStringList shown, QStringList expected);
     QString playersFault();
     QString mapsFault();
     QString settingsFault();
-    QString outlineFault(const QAbstractItemView &outline);
-    QStringList serverValues(const QStringList &names) const;
+    bool showPage(const char *name);
 
-    // SoakVerdict.cpp
-    void lookAtTraffic(const QList<RecordedExchange> &exchanges);
-    void lookAtMessages(const QList<RecordedExchange> &exchanges);
-    bool printGrowth() const;
-    void printCounts() const;
-
-    AppDelegate &m_application;
-    GameServers &m_servers;
     const Plan m_plan;
-    MessageWatch m_watch;
+    DemoOptions m_options;
+    std::unique_ptr<DemoServer> m_server;
+    QStringList m_commands; ///< that arrived since the last rest, before the server came back in another mode
     Hand m_hand;
-    TrafficRecord m_record;
-    Heartbeat m_heartbeat;
+    std::unique_ptr<AppDelegate> m_application; ///< anew whenever the hand has quit it
+    Stalls m_stalls;
     QElapsedTimer m_clock;
-    double m_nextSample = 0;
-    double m_nextStop = 60; ///< or start, of the server in use
-    int m_stopped = -1;     ///< the server that is away
-    QList<Gauge> m_samples; ///< one for each ten seconds of work
-    QList<Gauge> m_rests;
     QStringList m_faults;
+    QList<Gauge> m_rests;
+    double m_nextStop = 0; ///< or start
+    bool m_isAway = false;
+    bool m_isSameGame = true;  ///< since the last rest the server has not lost what it held
+    bool m_isModeKnown = true; ///< the console has connected, or seen the silence, since the mode changed
     qint64 m_exchanges = 0;
-    qint64 m_failedExchanges = 0;
-    qint64 m_sends = 0;
     qint64 m_arrivals = 0;
-    qint64 m_messages = 0;
-    qint64 m_failedMessages = 0;
     qint64 m_rowsCompared = 0;
+    int m_modeChanges = 0;
+    int m_starts = 0;
 };

@@ -1,190 +1,183 @@
 #include "Soak.h"
 
-#include "AppDelegate.h"
 #include "Controls.h"
 #include "DvarSetting.h"
-#include "GameServers.h"
+#include "FormMainView.h"
 #include "Hands.h"
 #include "PlayerList.h"
-#include "RConExchange.h"
 #include "SettingsOutlineModel.h"
 #include "Wait.h"
 
 #include <QLineEdit>
 #include <QListWidget>
 #include <QRegularExpression>
+#include <QTabWidget>
+#include <QTableView>
 
 #include <algorithm>
-#include <utility>
 
 /// What the server changes of itself while nobody looks.
-static const QStringList &restlessVariables()
+static bool isRestless(const QString &variable)
 {
-    static const QStringList names{QStringLiteral("mapname"), QStringLiteral("g_gametype"),
-                                   QStringLiteral("sv_mapRotationCurrent")};
-    return names;
+    static const QStringList names{"mapname", "g_gametype", "sv_mapRotationCurrent"};
+    return names.contains(variable);
+}
+
+/// As every reply tells it, without colours.
+QString Soak::valueNow(const QString &variable) const
+{
+    static const QRegularExpression colour("\\^[0-9]");
+    return m_server->variable(variable).remove(colour);
+}
+
+bool Soak::showPage(const char *name)
+{
+    auto *tabs = control<QTabWidget>(window(), "tabControlMain");
+    auto *page = control<QWidget>(window(), name);
+    if (tabs->indexOf(page) >= 0) // not every mode of a server has every one
+        Hands::showTab(*tabs, page);
+    return tabs->currentWidget() == page;
+}
+
+/// The tabs are those of the server's mode, also after it has come back in another one.
+void Soak::lookAtTabs()
+{
+    const KelServer &server = m_application->server();
+    if (!isAtServer() || !m_isModeKnown)
+        return;
+    TabSet expected = TabSet::Ranked;
+    if (valueNow("sv_ranked") == "0")
+        expected = valueNow("playlist_enabled") == "1" ? TabSet::UnrankedPlaylists : TabSet::UnrankedMaps;
+    if (server.tabSet() != expected)
+        report(QStringLiteral("the tabs are %1, not %2")
+                   .arg(static_cast<int>(server.tabSet()))
+                   .arg(static_cast<int>(expected)));
+}
+
+/// Variables whose latest write since the latest connect was answered are held as the server has them.
+void Soak::lookAtWrites(const QList<RecordedExchange> &exchanges)
+{
+    if (!isAtServer() || !m_isSameGame)
+        return;
+    QHash<QString, bool> isWritten;
+    for (const RecordedExchange &exchange : exchanges) {
+        const QStringList words = exchange.command.split(u' ');
+        const bool isHere = exchange.port == m_options.port;
+        if (isHere && words.first() == "dvardump")
+            isWritten.clear();
+        else if (isHere && words.first() == "setadmindvar")
+            isWritten.insert(words.value(1), exchange.isSuccess() && !isRestless(words.value(1)));
+    }
+    const QHash<QString, QString> session = m_application->server().dvarList();
+    for (const QString &name : isWritten.keys(true)) {
+        if (session.contains(name) && session.value(name).trimmed() != valueNow(name).trimmed())
+            report(QStringLiteral("%1 was written and is \"%2\", the console takes it for \"%3\"")
+                       .arg(name, valueNow(name), session.value(name)));
+        ++m_rowsCompared;
+    }
 }
 
 void Soak::lookAtRows()
 {
     // Players come and go, and matches end, between the refresh and the look at the server: what stays wrong is stale.
-    const auto look = [this](QString (Soak::*fault)(), const char *refresh, const char *page) {
+    const auto look = [this](QString (Soak::*fault)(), const char *page, const char *refresh) {
         QString found;
-        for (int tries = 0; tries < 8; ++tries) {
-            if (!m_hand.goTo(page)) // not in this server's mode
-                return;
-            m_hand.pressOn(page, refresh);
-            const bool isIdle = waitUntil([this] { return m_application.actions().isIdle(); });
-            found = isIdle ? (this->*fault)() : QStringLiteral("a refresh does not come to its end");
+        for (int tries = 0; tries < 8 && showPage(page); ++tries) {
+            if (refresh != nullptr)
+                Hands::click(window(), refresh);
+            const bool isIdle = waitUntil([this] { return m_application->actions().isIdle(); });
+            found = isIdle ? (this->*fault)() : "a refresh does not come to its end";
             if (found.isEmpty())
                 return;
         }
-        report(found);
+        if (!found.isEmpty())
+            report(found);
     };
-    look(&Soak::playersFault, "refreshPlayersButton", "playersView");
-    look(&Soak::mapsFault, "refreshCurrentMapButton", "mapsView");
-    const QString fault = settingsFault();
-    if (!fault.isEmpty())
-        report(fault);
-    m_hand.goTo("playersView");
+    look(&Soak::mapsFault, "mapsView", "refreshCurrentMapButton");
+    look(&Soak::settingsFault, "unrankedSettingsView", nullptr);
+    look(&Soak::settingsFault, "rankedSettingsView", nullptr);
+    look(&Soak::playersFault, "playersView", "refreshPlayersButton");
 }
 
-static QString joined(const PlayerRow &player)
+QString Soak::difference(const char *what, QStringList shown, QStringList expected)
 {
-    return QStringList{player.identifier, player.name, player.guid, player.ipaddress}.join(QLatin1Char('|'));
+    m_rowsCompared += shown.size();
+    if (shown == expected)
+        return {};
+    return QStringLiteral("%1: the server has \"%2\", the window shows \"%3\"")
+        .arg(QLatin1String(what), expected.join(u'|'), shown.join(u'|'));
 }
 
 QString Soak::playersFault()
 {
     RConExchange exchange;
     Request request;
-    request.host = QStringLiteral("127.0.0.1");
-    request.port = m_servers.port(serverInUse());
-    request.password = GameServers::password();
-    request.command = QStringLiteral("teamstatus");
+    request.host = "127.0.0.1";
+    request.port = m_options.port;
+    request.password = m_server->password();
+    request.command = "teamstatus";
     const Reply reply = awaited(exchange.send(request));
-    if (!reply.isSuccess())
-        return QStringLiteral("the server does not tell its players: %1").arg(reply.text);
     QStringList expected;
     for (const PlayerRow &player : parsePlayerList(reply.text).players)
-        expected.append(joined(player));
-    const QWidget &view = m_hand.page("playersView");
-    Hands::type(view, "playerFilterField", {});
+        expected.append(player.identifier + u' ' + player.name + u' ' + player.guid + u' ' + player.ipaddress);
+    Hands::type(window(), "playerFilterField", {});
     QStringList shown;
-    for (const QStringList &row : shownRows(*control<QAbstractItemView>(view, "playersTableView")))
-        shown.append(row.first(4).join(QLatin1Char('|')));
-    m_rowsCompared += shown.size();
-    std::sort(expected.begin(), expected.end());
-    std::sort(shown.begin(), shown.end());
-    return shown == expected ? QString()
-                             : QStringLiteral("the players are \"%1\", the table shows \"%2\"")
-                                   .arg(expected.join(QLatin1Char(' ')), shown.join(QLatin1Char(' ')));
-}
-
-QStringList Soak::serverValues(const QStringList &names) const
-{
-    static const QRegularExpression colour(QStringLiteral("\\^[0-9]"));
-    QStringList values = m_servers.values(serverInUse(), names);
-    return values.replaceInStrings(colour, QString()); // as every reply loses them
+    for (const QStringList &row : shownRows(*control<QAbstractItemView>(window(), "playersTableView")))
+        shown.append(row.first(4).join(u' '));
+    expected.sort();
+    shown.sort();
+    return difference("players", shown, expected);
 }
 
 QString Soak::mapsFault()
 {
-    const QWidget &view = m_hand.page("mapsView");
-    const QStringList values = serverValues({QStringLiteral("mapname"), QStringLiteral("sv_mapRotation")});
-    const QString map = KelMapList::sharedKelMapList()->findMapByDvar(values.at(0));
-    const QString shownMap = control<QLineEdit>(view, "currentMapField")->text();
-    if (shownMap != map)
-        return QStringLiteral("the map is \"%1\", the field shows \"%2\"").arg(map, shownMap);
-    const QStringList words = values.at(1).split(QLatin1Char(' '), Qt::SkipEmptyParts);
-    QStringList expected;
+    const KelMapList &maps = *KelMapList::sharedKelMapList();
+    const QStringList words = valueNow("sv_mapRotation").split(u' ', Qt::SkipEmptyParts);
+    QStringList expected{maps.findMapByDvar(valueNow("mapname"))};
     for (qsizetype i = 0; i + 1 < words.size(); i += 2) {
-        if (words.at(i) == QLatin1String("map"))
-            expected.append(KelMapList::sharedKelMapList()->findMapByDvar(words.at(i + 1)));
+        if (words.at(i) == "map")
+            expected.append(maps.findMapByDvar(words.at(i + 1)));
     }
-    const QStringList shown = shownTexts(*control<QAbstractItemView>(view, "mapServerRotationTableView"));
-    m_rowsCompared += shown.size();
-    return shown == expected ? QString()
-                             : QStringLiteral("the rotation is \"%1\", the table shows \"%2\"")
-                                   .arg(expected.join(QLatin1Char(' ')), shown.join(QLatin1Char(' ')));
+    const QString map = control<QLineEdit>(window(), "currentMapField")->text();
+    auto *rotation = control<QTableView>(window(), "mapServerRotationTableView");
+    rotation->sortByColumn(-1, Qt::AscendingOrder); // as the server plays it
+    return difference("map and rotation", QStringList(map) + shownTexts(*rotation), expected);
 }
 
-QString Soak::settingsFault()
+/// The rows of an outline that do not show what the server has.
+static QStringList staleRows(const SettingsOutlineModel &model, const std::function<QString(const QString &)> &valueOf)
 {
-    const bool isRanked = m_application.server().isRanked();
-    const char *pageName = isRanked ? "rankedSettingsView" : "unrankedSettingsView";
-    if (!m_hand.goTo(pageName))
-        return QStringLiteral("the settings cannot be brought to the front");
-    const QWidget &view = m_hand.page(pageName);
-    Hands::type(view, "settingsFilterField", {});
-    QString fault;
-    const auto look = [&](const char *listName, const char *outlineName) {
-        auto *list = control<QListWidget>(view, listName);
-        const auto &outline = *control<QAbstractItemView>(view, outlineName);
-        for (int row = 0; row < list->count() && fault.isEmpty(); ++row) {
-            list->setCurrentRow(row);
-            fault = outlineFault(outline);
-        }
-    };
-    look("settingsGroupList", isRanked ? "rankedOutlineView" : "unrankedOutlineView");
-    if (!isRanked)
-        look("gametypeList", "gametypeOutlineView");
-    return fault;
-}
-
-QString Soak::outlineFault(const QAbstractItemView &outline)
-{
-    const auto &model = *qobject_cast<SettingsOutlineModel *>(outline.model());
-    QStringList names;
-    QStringList shown;
+    QStringList stale;
     for (int category = 0; category < model.rowCount(); ++category) {
         const QModelIndex parent = model.index(category, 0);
         for (int row = 0; row < model.rowCount(parent); ++row) {
             const QModelIndex value = model.index(row, SettingsOutlineModel::ValueColumn, parent);
             const QString name = model.settingAt(value)->dvar();
-            if (restlessVariables().contains(name))
-                continue;
-            names.append(name);
-            shown.append(value.data(Qt::EditRole).toString());
+            const QString shown = value.data(Qt::EditRole).toString();
+            if (!isRestless(name) && shown != valueOf(name))
+                stale.append(QStringLiteral("%1 is \"%2\", its row shows \"%3\"").arg(name, valueOf(name), shown));
         }
     }
-    const QStringList expected = serverValues(names);
-    m_rowsCompared += names.size();
-    for (qsizetype i = 0; i < names.size(); ++i) {
-        if (shown.at(i) != expected.at(i))
-            return QStringLiteral("%1 is \"%2\", its row shows \"%3\"").arg(names.at(i), expected.at(i), shown.at(i));
-    }
-    return {};
+    return stale;
 }
 
-/// The variables whose latest write since the latest connect was answered.
-static QStringList writtenVariables(const QList<RecordedExchange> &exchanges, quint16 port)
+QString Soak::settingsFault()
 {
-    QHash<QString, bool> isWritten;
-    for (const RecordedExchange &exchange : exchanges) {
-        const QStringList words = exchange.command.split(QLatin1Char(' '));
-        if (exchange.port == port && words.first() == QLatin1String("dvardump"))
-            isWritten.clear();
-        else if (exchange.port == port && words.first() == QLatin1String("setadmindvar"))
-            isWritten.insert(words.value(1), exchange.isSuccess());
+    const QWidget &view = *control<QTabWidget>(window(), "tabControlMain")->currentWidget();
+    Hands::type(view, "settingsFilterField", {});
+    const auto valueOf = [this](const QString &variable) {
+        ++m_rowsCompared;
+        return valueNow(variable);
+    };
+    QStringList stale;
+    for (QListWidget *list : view.findChildren<QListWidget *>()) { // of groups, and of gametypes
+        for (int group = 0; group < list->count(); ++group) {
+            list->setCurrentRow(group);
+            for (const QAbstractItemView *outline : view.findChildren<QAbstractItemView *>()) {
+                if (const auto *model = qobject_cast<SettingsOutlineModel *>(outline->model()))
+                    stale += staleRows(*model, valueOf);
+            }
+        }
     }
-    QStringList names = isWritten.keys(true);
-    names.removeIf([](const QString &name) { return restlessVariables().contains(name); });
-    return names;
-}
-
-void Soak::lookAtWrites(const QList<RecordedExchange> &exchanges)
-{
-    if (serverInUse() < 0 || !m_application.server().isConnected())
-        return;
-    const QHash<QString, QString> session = m_application.server().dvarList();
-    const QStringList names = writtenVariables(exchanges, m_servers.port(serverInUse()));
-    const QStringList values = serverValues(names);
-    for (qsizetype i = 0; i < names.size(); ++i) {
-        const QString known = session.value(names.at(i), values.at(i));
-        if (known.trimmed() != values.at(i).trimmed())
-            report(QStringLiteral("%1 was written and is \"%2\", the console takes it for \"%3\"")
-                       .arg(names.at(i), values.at(i), known));
-    }
-    m_rowsCompared += names.size();
+    return stale.join(u'\n');
 }

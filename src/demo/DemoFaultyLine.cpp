@@ -34,38 +34,24 @@ QList<DemoDatagram> DemoFaultyLine::carry(QList<QByteArray> datagrams)
 
 QByteArray DemoFaultyLine::malformedDatagram()
 {
-    QByteArray head(4, '\xff');
-    const auto noise = [this](int length) {
-        QByteArray bytes(1, '\0'); // no reply begins with a zero
-        while (bytes.size() < length)
-            bytes.append(static_cast<char>(m_random.below(256)));
-        return bytes;
-    };
-    switch (m_random.below(7)) {
-    case 0:
-        return {};
-    case 1:
-        return head.first(1);
-    case 2:
-        return head;
-    case 3:
-        return head + '\x01';
-    case 4:
-        return head + "\x02print\nhello\n";
-    case 5:
-        return noise(m_random.between(1, 200));
-    default:
-        return noise(4000); // more than a receiver has room for
-    }
+    const QByteArray head(4, '\xff');
+    const QList<QByteArray> pieces{{}, head.first(1), head, head + '\x01', head + "\x02print\nhello\n"};
+    const int chosen = m_random.below(static_cast<int>(pieces.size()) + 2);
+    if (chosen < pieces.size())
+        return pieces.at(chosen);
+    // Noise, and more of it than a receiver has room for.
+    const int length = chosen == pieces.size() ? m_random.between(1, 200) : 4000;
+    QByteArray bytes(1, '\0'); // no reply begins with a zero
+    while (bytes.size() < length)
+        bytes.append(static_cast<char>(m_random.below(256)));
+    return bytes;
 }
 
 void DemoFaultyLine::shuffle(QList<QByteArray> &datagrams)
 {
-    if (datagrams.size() < 2)
-        return;
     const QList<QByteArray> inOrder = datagrams;
     for (qsizetype i = datagrams.size() - 1; i > 0; --i)
         datagrams.swapItemsAt(i, m_random.below(static_cast<int>(i) + 1));
-    if (datagrams == inOrder)
+    if (datagrams == inOrder && datagrams.size() > 1)
         datagrams.swapItemsAt(0, 1);
 }

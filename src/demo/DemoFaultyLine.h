@@ -1,11 +1,23 @@
 #pragma once
 
-#include "DemoDatagram.h"
-#include "DemoFaults.h"
+#include "DemoOptions.h"
 #include "DemoRandom.h"
 
 #include <QByteArray>
 #include <QList>
+
+/// A datagram on its way to a client.
+struct DemoDatagram {
+    enum class Sender {
+        Server,
+        OtherPort, ///< of the server's address
+        Stranger   ///< at another address
+    };
+
+    QByteArray bytes;
+    Sender sender = Sender::Server;
+    std::chrono::milliseconds after{0}; ///< how long after the request it arrives
+};
 
 /// Does to the datagrams of a reply what a bad line does. Deterministic for a seed.
 class DemoFaultyLine

@@ -50,13 +50,10 @@ private:
     QString showTeamStatus(const QStringList &words);
     QString showStatus(const QStringList &words);
     QString listCommands(const QStringList &words);
-    QString kickClient(const QStringList &words);
-    QString banClient(const QStringList &words);
-    QString tempBanClient(const QStringList &words);
-    QString kick(const QStringList &words);
+    QString removeClient(const QStringList &words);
+    QString kickAll(const QStringList &words);
     QString tell(const QStringList &words);
     QString say(const QStringList &words);
-    QString removeClient(const QStringList &words, qint64 mayReturnAt, const QString &outcome);
 
     QString loadMap(const QStringList &words);
     QString restartMap(const QStringList &words);

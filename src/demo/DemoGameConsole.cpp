@@ -9,9 +9,14 @@ namespace
 {
 constexpr qint64 KickedFor = 60'000;
 
-QString usage(const char *form)
+QString usage(const QString &form)
 {
-    return QStringLiteral("Usage: %1\n").arg(QLatin1StringView(form));
+    return QStringLiteral("Usage: %1\n").arg(form);
+}
+
+QString notActive(const QString &client)
+{
+    return QStringLiteral("Client %1 is not active\n").arg(client);
 }
 
 /// @return -1 when the text is no number of a client.
@@ -26,12 +31,12 @@ int clientNumber(const QString &text)
 std::span<const DemoGame::Command> DemoGame::commands()
 {
     static constexpr auto Commands = std::to_array<Command>({
-        {"banclient", &DemoGame::banClient},
-        {"clientkick", &DemoGame::kickClient},
+        {"banclient", &DemoGame::removeClient},
+        {"clientkick", &DemoGame::removeClient},
         {"cmdlist", &DemoGame::listCommands},
         {"dvardump", &DemoGame::dumpVariables},
         {"fast_restart", &DemoGame::fastRestart},
-        {"kick", &DemoGame::kick},
+        {"kick", &DemoGame::kickAll},
         {"map", &DemoGame::loadMap},
         {"map_restart", &DemoGame::restartMap},
         {"map_rotate", &DemoGame::rotateMap},
@@ -41,7 +46,7 @@ std::span<const DemoGame::Command> DemoGame::commands()
         {"status", &DemoGame::showStatus},
         {"teamstatus", &DemoGame::showTeamStatus},
         {"tell", &DemoGame::tell},
-        {"tempbanclient", &DemoGame::tempBanClient},
+        {"tempbanclient", &DemoGame::removeClient},
     });
     return Commands;
 }
@@ -81,7 +86,7 @@ QString DemoGame::dumpVariables(const QStringList &)
 QString DemoGame::setVariable(const QStringList &words)
 {
     if (words.size() < 2)
-        return usage("setadmindvar <name> \"<value>\"");
+        return usage(QStringLiteral("setadmindvar <name> \"<value>\""));
     return write(words.at(1), words.mid(2).join(u' '));
 }
 
@@ -116,58 +121,45 @@ QString DemoGame::showStatus(const QStringList &)
            m_players.teamStatus();
 }
 
-QString DemoGame::removeClient(const QStringList &words, qint64 mayReturnAt, const QString &outcome)
+/// Kicks a player or bans him, for ever or for a while.
+QString DemoGame::removeClient(const QStringList &words)
 {
+    const QString command = words.first().toLower();
     if (words.size() < 2)
-        return usage("clientkick, banclient or tempbanclient <client number>");
+        return usage(QStringLiteral("%1 <client number>").arg(command));
     const int number = clientNumber(words.at(1));
     if (!m_players.isActive(number))
-        return QStringLiteral("Client %1 is not active\n").arg(words.at(1));
-    const QString name = m_players.nameOf(number);
-    m_players.remove(number, mayReturnAt);
-    return outcome.arg(name);
-}
-
-QString DemoGame::kickClient(const QStringList &words)
-{
-    return removeClient(words, m_now + KickedFor, QStringLiteral("%1^7 was kicked\n"));
-}
-
-QString DemoGame::banClient(const QStringList &words)
-{
-    return removeClient(words, DemoPlayers::Never, QStringLiteral("%1^7 was banned\n"));
-}
-
-QString DemoGame::tempBanClient(const QStringList &words)
-{
-    const qint64 seconds = m_variables.value(QStringLiteral("sv_tempBanTime")).toLongLong();
-    return removeClient(words, m_now + seconds * 1000, QStringLiteral("%1^7 was banned for a while\n"));
-}
-
-QString DemoGame::kick(const QStringList &words)
-{
-    if (words.size() < 2)
-        return usage("kick <player name> or kick all");
-    const QString who = words.mid(1).join(u' ');
-    if (who.compare(u"all", Qt::CaseInsensitive) == 0) {
-        const int count = m_players.count();
-        m_players.removeAll(m_now + KickedFor);
-        return QStringLiteral("%1 players were kicked\n").arg(count);
+        return notActive(words.at(1));
+    QString outcome = QStringLiteral("%1^7 was kicked\n");
+    qint64 mayReturnAt = m_now + KickedFor;
+    if (command == u"banclient") {
+        outcome = QStringLiteral("%1^7 was banned\n");
+        mayReturnAt = DemoPlayers::Never;
+    } else if (command == u"tempbanclient") {
+        outcome = QStringLiteral("%1^7 was banned for a while\n");
+        mayReturnAt = m_now + variable(QStringLiteral("sv_tempBanTime")).toLongLong() * 1000;
     }
-    const int number = m_players.numberOf(who);
-    if (number < 0)
-        return QStringLiteral("Player %1 is not on the server\n").arg(who);
-    m_players.remove(number, m_now + KickedFor);
-    return QStringLiteral("%1 was kicked\n").arg(who);
+    outcome = outcome.arg(m_players.nameOf(number));
+    m_players.remove(number, mayReturnAt);
+    return outcome;
+}
+
+QString DemoGame::kickAll(const QStringList &words)
+{
+    if (words.value(1).compare(u"all", Qt::CaseInsensitive) != 0)
+        return usage(QStringLiteral("kick all"));
+    const int count = m_players.count();
+    m_players.remove(DemoPlayers::Everybody, m_now + KickedFor);
+    return QStringLiteral("%1 players were kicked\n").arg(count);
 }
 
 QString DemoGame::tell(const QStringList &words)
 {
     if (words.size() < 3)
-        return usage("tell <client number> <text>");
+        return usage(QStringLiteral("tell <client number> <text>"));
     const int number = clientNumber(words.at(1));
     if (!m_players.isActive(number))
-        return QStringLiteral("Client %1 is not active\n").arg(words.at(1));
+        return notActive(words.at(1));
     return QStringLiteral("console to %1^7: %2\n").arg(m_players.nameOf(number), words.mid(2).join(u' '));
 }
 
@@ -179,7 +171,7 @@ QString DemoGame::say(const QStringList &words)
 QString DemoGame::loadMap(const QStringList &words)
 {
     if (words.size() < 2)
-        return usage("map <map name>");
+        return usage(QStringLiteral("map <map name>"));
     if (!isDemoMap(words.at(1)))
         return QStringLiteral("Can't find map %1\n").arg(words.at(1));
     return startMatch({{}, words.at(1)});

@@ -1,26 +1,16 @@
 #include "DemoPlayers.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
 constexpr qint64 MinimumAbsence = 45'000; // a player who leaves stays away for this long
 constexpr int StepsInASecond = 1000 / DemoPlayers::StepMilliseconds;
 
-QString withoutColours(const QString &name)
-{
-    QString plain;
-    for (qsizetype i = 0; i < name.size(); ++i) {
-        if (name.at(i) == u'^' && i + 1 < name.size() && name.at(i + 1).isDigit())
-            ++i;
-        else
-            plain += name.at(i);
-    }
-    return plain;
-}
-
+/// One row of the list, its columns as wide as those of the title.
 QString statusLine(int number, int score, int ping, const QString &guid, const QString &name, const QString &team,
-                   int lastMessage, const QString &address, int qport, int rate)
+                   const QString &address)
 {
     const auto right = [](int value, int width) -> QString {
         return QString::number(value).rightJustified(width) + u' ';
@@ -29,8 +19,8 @@ QString statusLine(int number, int score, int ping, const QString &guid, const Q
         return text.leftJustified(width) + u' ';
     };
     return right(number, 3) + right(score, 5) + right(ping, 4) + left(guid, 10) +
-           left(name + QStringLiteral("^7"), 22) + left(team, 9) + right(lastMessage, 7) + left(address, 21) +
-           right(qport, 5) + QString::number(rate).rightJustified(5) + u'\n';
+           left(name + QStringLiteral("^7"), 22) + left(team, 9) + right(50, 7) + left(address, 21) +
+           right(4000 + number, 5) + QStringLiteral("25000\n");
 }
 } // namespace
 
@@ -47,7 +37,6 @@ DemoPlayers::DemoPlayers(int count, DemoRandom &random) : m_usualCount(count), m
 DemoPlayers::Person DemoPlayers::inventPerson(std::size_t index, DemoRandom &random)
 {
     static constexpr const char *Networks[] = {"192.0.2", "198.51.100", "203.0.113"}; // set aside for examples
-    static constexpr int Rates[] = {5000, 20000, 25000, 25000, 25000};
     const auto names = demoNames();
     Person person;
     person.name = QString::fromUtf8(names[index % names.size()]);
@@ -60,10 +49,6 @@ DemoPlayers::Person DemoPlayers::inventPerson(std::size_t index, DemoRandom &ran
                          .arg(QLatin1StringView(Networks[random.below(3)]))
                          .arg(random.between(1, 254))
                          .arg(random.between(50000, 50999));
-    person.qport = random.between(1, 65535);
-    person.rate = Rates[random.below(5)];
-    person.skill = random.between(1, 10);
-    person.usualPing = random.oneIn(6) ? random.between(120, 220) : random.between(18, 90);
     return person;
 }
 
@@ -95,15 +80,6 @@ QString DemoPlayers::nameOf(int number) const
     return player ? m_persons[player->person].name : QString();
 }
 
-int DemoPlayers::numberOf(const QString &name) const
-{
-    for (const Player &player : m_players) {
-        if (withoutColours(m_persons[player.person].name).compare(name, Qt::CaseInsensitive) == 0)
-            return player.number;
-    }
-    return -1;
-}
-
 DemoPlayers::Team DemoPlayers::smallerTeam() const
 {
     const auto size = [this](Team team) {
@@ -133,8 +109,7 @@ void DemoPlayers::letSomebodyIn(qint64 now, DemoRandom &random)
     Player player;
     player.number = number;
     player.person = chosen;
-    player.ping = m_persons[chosen].usualPing;
-    player.lastMessage = random.below(StepMilliseconds);
+    player.ping = random.oneIn(6) ? random.between(120, 220) : random.between(18, 90);
     if (random.oneIn(14))
         player.team = Team::Spectator;
     else
@@ -143,41 +118,27 @@ void DemoPlayers::letSomebodyIn(qint64 now, DemoRandom &random)
     m_players.insert(place, player);
 }
 
-void DemoPlayers::leave(std::size_t index, qint64 mayReturnAt)
-{
-    Person &person = m_persons[m_players[index].person];
-    person.isPlaying = false;
-    person.mayReturnAt = mayReturnAt;
-    m_players.erase(m_players.begin() + static_cast<std::ptrdiff_t>(index));
-}
-
 void DemoPlayers::remove(int number, qint64 mayReturnAt)
 {
-    for (std::size_t i = 0; i < m_players.size(); ++i) {
-        if (m_players[i].number == number)
-            return leave(i, mayReturnAt);
-    }
-}
-
-void DemoPlayers::removeAll(qint64 mayReturnAt)
-{
-    while (!m_players.empty())
-        leave(m_players.size() - 1, mayReturnAt);
+    std::erase_if(m_players, [&](const Player &player) {
+        if (player.number != number && number != Everybody)
+            return false;
+        m_persons[player.person].isPlaying = false;
+        m_persons[player.person].mayReturnAt = mayReturnAt;
+        return true;
+    });
 }
 
 void DemoPlayers::startRound(bool isTeamGame)
 {
-    const bool isOtherKind = isTeamGame != m_isTeamGame;
-    m_isTeamGame = isTeamGame;
+    const bool isOtherKind = std::exchange(m_isTeamGame, isTeamGame) != isTeamGame;
     for (Player &player : m_players) {
         player.score = 0;
         if (isOtherKind && player.team != Team::Spectator)
             player.team = Team::Free;
     }
-    if (!isOtherKind || !isTeamGame)
-        return;
     for (Player &player : m_players) {
-        if (player.team == Team::Free)
+        if (isTeamGame && player.team == Team::Free)
             player.team = smallerTeam();
     }
 }
@@ -186,22 +147,19 @@ void DemoPlayers::catchUp(const DemoGametype &gametype, DemoRandom &random)
 {
     for (Player &player : m_players) {
         if (player.team != Team::Spectator)
-            player.score = gametype.points * random.between(0, 3 + m_persons[player.person].skill);
+            player.score = gametype.points * random.between(0, 12);
     }
 }
 
-void DemoPlayers::play(const DemoGametype &gametype, DemoRandom &random)
+void DemoPlayers::step(qint64 now, const DemoGametype &gametype, DemoRandom &random)
 {
     for (Player &player : m_players) {
-        const Person &person = m_persons[player.person];
-        player.lastMessage = random.below(StepMilliseconds);
-        if (player.team != Team::Spectator && random.below(60 * StepsInASecond) < person.skill)
+        if (player.team != Team::Spectator && random.oneIn(10 * StepsInASecond))
             player.score += gametype.points;
-        if (random.oneIn(StepsInASecond)) {
-            const int pull = (person.usualPing - player.ping) / 4;
-            player.ping = std::clamp(player.ping + pull + random.between(-4, 4), 5, 999);
-        }
+        if (random.oneIn(StepsInASecond))
+            player.ping = std::clamp(player.ping + random.between(-4, 4), 5, 250);
     }
+    comeAndGo(now, random);
 }
 
 void DemoPlayers::comeAndGo(qint64 now, DemoRandom &random)
@@ -209,19 +167,13 @@ void DemoPlayers::comeAndGo(qint64 now, DemoRandom &random)
     if (m_usualCount == 0)
         return;
     const int patience = count() > m_usualCount ? 90 : 420; // seconds that a player stays, on average
-    for (std::size_t i = m_players.size(); i-- > 0;) {
+    for (int number = 0; number < m_capacity; ++number) {
         if (random.oneIn(patience * StepsInASecond))
-            leave(i, now + MinimumAbsence);
+            remove(number, now + MinimumAbsence);
     }
     const int pause = count() < m_usualCount ? 8 : 60; // seconds until the next one comes, on average
     if (count() < m_usualCount + 2 && random.oneIn(pause * StepsInASecond))
         letSomebodyIn(now, random);
-}
-
-void DemoPlayers::step(qint64 now, const DemoGametype &gametype, DemoRandom &random)
-{
-    play(gametype, random);
-    comeAndGo(now, random);
 }
 
 int DemoPlayers::leadingScore() const
@@ -245,10 +197,10 @@ QString DemoPlayers::teamStatus() const
     for (const Player &player : m_players) {
         const Person &person = m_persons[player.person];
         text += statusLine(player.number, player.score, player.ping, person.guid, person.name, teamName(player.team),
-                           player.lastMessage, person.address, person.qport, person.rate);
+                           person.address);
     }
     // The server records every match; its recorder counts as a client of its own.
     text += statusLine(m_capacity, 0, 0, QStringLiteral("0"), QStringLiteral("democlient"), teamName(Team::Spectator),
-                       0, QStringLiteral("127.0.0.1:0"), 0, 25000);
+                       QStringLiteral("127.0.0.1:0"));
     return text;
 }

@@ -13,6 +13,7 @@
 class DemoPlayers
 {
 public:
+    static constexpr int Everybody = -1;
     static constexpr qint64 Never = std::numeric_limits<qint64>::max();
     static constexpr int StepMilliseconds = 250;
 
@@ -25,11 +26,9 @@ public:
     bool isActive(int number) const { return find(number) != nullptr; }
     /// With its colour codes; empty for a number that is not active.
     QString nameOf(int number) const;
-    /// @return the number of the player with that name, colour codes left out, in any case; -1 when there is none.
-    int numberOf(const QString &name) const;
 
+    /// @param number  of a player, or Everybody.
     void remove(int number, qint64 mayReturnAt);
-    void removeAll(qint64 mayReturnAt);
 
     /// Clears the scores and, where the kind of game asks for it, forms teams anew.
     void startRound(bool isTeamGame);
@@ -48,10 +47,6 @@ private:
         QString name;
         QString guid;
         QString address;
-        int qport = 0;
-        int rate = 0;
-        int skill = 0; ///< 1 to 10
-        int usualPing = 0;
         qint64 mayReturnAt = 0;
         bool isPlaying = false;
     };
@@ -62,7 +57,6 @@ private:
         Team team = Team::Free;
         int score = 0;
         int ping = 0;
-        int lastMessage = 0; ///< milliseconds since the client's last word
     };
 
     static Person inventPerson(std::size_t index, DemoRandom &random);
@@ -70,8 +64,6 @@ private:
     const Player *find(int number) const;
     Team smallerTeam() const;
     void letSomebodyIn(qint64 now, DemoRandom &random);
-    void leave(std::size_t index, qint64 mayReturnAt);
-    void play(const DemoGametype &gametype, DemoRandom &random);
     void comeAndGo(qint64 now, DemoRandom &random);
 
     std::vector<Person> m_persons;

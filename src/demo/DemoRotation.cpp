@@ -74,18 +74,14 @@ std::optional<DemoMatch> pickPlaylistMatch(const DemoVariables &variables, DemoR
     };
     const QStringList maps = playableMaps(variables);
     QList<DemoMatch> matches;
-    QList<DemoMatch> elsewhere;
     for (const QString &gametype : playlistGametypes(variables.value(QStringLiteral("playlist")).toInt())) {
-        if (excludedGametypes.contains(gametype))
-            continue;
         for (const QString &map : maps) {
-            if (isExcludedPair(gametype, map))
-                continue;
-            matches.append({gametype, map});
-            if (map != currentMap)
-                elsewhere.append({gametype, map});
+            if (!excludedGametypes.contains(gametype) && !isExcludedPair(gametype, map))
+                matches.append({gametype, map});
         }
     }
+    QList<DemoMatch> elsewhere = matches;
+    elsewhere.removeIf([&currentMap](const DemoMatch &match) { return match.map == currentMap; });
     const QList<DemoMatch> &choice = elsewhere.isEmpty() ? matches : elsewhere;
     if (choice.isEmpty())
         return std::nullopt;

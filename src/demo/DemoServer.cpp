@@ -4,16 +4,10 @@
 
 #include <QCoreApplication>
 
-#include <arpa/inet.h>
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 namespace
 {
@@ -24,13 +18,11 @@ constexpr std::size_t MaximumOutgoing = 8192; // datagrams that wait for their d
 constexpr int RequestsAtOnce = 64;            // between two looks at whether to stop
 constexpr int StepsAtOnce = 40;               // after a sleep of the machine the game goes on, it does not catch up
 constexpr qsizetype LargestDatagram = 65'536;
+constexpr qsizetype MaximumCommands = 20'000;
+constexpr qsizetype LongestCommand = 4'096;      // longer ones are remembered cut
+constexpr auto LongestWait = 50ms;               // between two looks at whether to stop
 constexpr auto PortRetry = 250ms;                // when somebody took the port of a server that is away
 constexpr quint64 LineSeed = 0x9e3779b97f4a7c15; // faults are independent of the game's random numbers
-
-bool setNonBlocking(int descriptor)
-{
-    return ::fcntl(descriptor, F_SETFL, O_NONBLOCK) == 0 && ::fcntl(descriptor, F_SETFD, FD_CLOEXEC) == 0;
-}
 
 QString reasonOf(int errorNumber)
 {
@@ -62,11 +54,7 @@ DemoServer::~DemoServer()
 
 bool DemoServer::start(QString *error)
 {
-    if (m_thread.joinable()) {
-        if (error)
-            *error = QCoreApplication::translate("DemoServer", "The demo server runs already.");
-        return false;
-    }
+    Q_ASSERT(!m_thread.joinable());
     if (!openSockets(error)) {
         m_sockets.close();
         return false;
@@ -86,26 +74,15 @@ void DemoServer::stop()
     if (!m_thread.joinable())
         return;
     m_isStopping = true;
-    wake();
     m_thread.join();
     m_outgoing.clear();
     m_sockets.close();
     m_port = 0;
 }
 
-bool DemoServer::openWakePipe()
-{
-    std::array<int, 2> ends{-1, -1};
-    if (::pipe(ends.data()) != 0)
-        return false;
-    m_wakeEnd = DemoDescriptor(ends[0]);
-    m_wakeStart = DemoDescriptor(ends[1]);
-    return setNonBlocking(ends[0]) && setNonBlocking(ends[1]);
-}
-
 bool DemoServer::openSockets(QString *error)
 {
-    const quint16 port = openWakePipe() ? m_sockets.open(m_takenPort) : quint16(0);
+    const quint16 port = m_sockets.open(m_takenPort);
     const int reason = errno;
     if (port == 0) {
         if (error)
@@ -125,13 +102,6 @@ bool DemoServer::openSockets(QString *error)
     return true;
 }
 
-void DemoServer::wake()
-{
-    const char byte = 0;
-    // A full pipe wakes as well as a written one.
-    [[maybe_unused]] const ssize_t written = ::write(m_wakeStart.get(), &byte, 1);
-}
-
 QString DemoServer::password() const
 {
     const std::lock_guard lock(m_mutex);
@@ -147,7 +117,13 @@ void DemoServer::setFaults(DemoFaults faults)
 QStringList DemoServer::commandsSeen() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_commands.entries();
+    return m_commands;
+}
+
+QStringList DemoServer::takeCommands()
+{
+    const std::lock_guard lock(m_mutex);
+    return std::exchange(m_commands, {});
 }
 
 QString DemoServer::variable(const QString &name) const
@@ -165,11 +141,8 @@ int DemoServer::playerCount() const
 void DemoServer::run()
 {
     while (!m_isStopping) {
-        // The socket of a server that is away is -1, which poll() passes over.
-        std::array<pollfd, 2> waitedFor{pollfd{m_sockets.descriptor(), POLLIN, 0}, pollfd{m_wakeEnd.get(), POLLIN, 0}};
-        const int ready = ::poll(waitedFor.data(), waitedFor.size(), waitingTime());
-        if (ready > 0 && waitedFor[0].revents != 0)
-            receive();
+        m_sockets.wait(waitingTime());
+        receive();
         advanceGame();
         sendDue();
         restartWhenDue();
@@ -202,36 +175,30 @@ void DemoServer::beginAnew()
 {
     const std::lock_guard lock(m_mutex);
     m_game = DemoGame(optionsAfterRestart(m_options));
-    m_limit.clear();
+    m_limit = {};
     m_restart = Restart::Done;
 }
 
-int DemoServer::waitingTime() const
+std::chrono::milliseconds DemoServer::waitingTime() const
 {
-    if (m_options.frozen && m_outgoing.empty() && m_restart == Restart::Done)
-        return -1;
-    Clock::time_point next = Clock::time_point::max();
+    Clock::time_point next = Clock::now() + LongestWait;
     if (m_restart != Restart::Done)
-        next = m_restartDue;
+        next = std::min(next, m_restartDue);
     if (!m_options.frozen)
         next = std::min(next, m_nextStep);
     if (!m_outgoing.empty())
         next = std::min(next, m_outgoing.begin()->first);
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now()).count();
-    return static_cast<int>(std::clamp<decltype(left)>(left, 0, 60'000));
+    return std::max(0ms, std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now()));
 }
 
 void DemoServer::receive()
 {
     for (int i = 0; i < RequestsAtOnce; ++i) {
         sockaddr_in from{};
-        socklen_t length = sizeof from;
-        const ssize_t size =
-            ::recvfrom(m_sockets.descriptor(), m_buffer.data(), static_cast<std::size_t>(m_buffer.size()), 0,
-                       reinterpret_cast<sockaddr *>(&from), &length);
+        const qsizetype size = m_sockets.receive(m_buffer, from);
         if (size < 0)
             return;
-        answer(QByteArrayView(m_buffer.constData(), static_cast<qsizetype>(size)), from);
+        answer(QByteArrayView(m_buffer.constData(), size), from);
     }
 }
 
@@ -242,9 +209,9 @@ void DemoServer::answer(QByteArrayView request, const sockaddr_in &from)
         return;
     const Clock::time_point now = Clock::now();
     const std::lock_guard lock(m_mutex);
-    if (m_line.losesRequest() || m_limit.locksOut(from.sin_addr.s_addr, m_line.faults().lockout, now))
+    if (m_line.losesRequest() || m_limit.locksOut(m_line.faults().lockout, now))
         return;
-    const QList<QByteArray> parts = reply(*text, from, now);
+    const QList<QByteArray> parts = reply(*text, now);
     if (parts.isEmpty())
         return;
     for (const DemoDatagram &datagram : m_line.carry(parts)) {
@@ -253,7 +220,7 @@ void DemoServer::answer(QByteArrayView request, const sockaddr_in &from)
     }
 }
 
-QList<QByteArray> DemoServer::reply(const QString &request, const sockaddr_in &from, Clock::time_point now)
+QList<QByteArray> DemoServer::reply(const QString &request, Clock::time_point now)
 {
     const QString password = m_game.password();
     if (password.isEmpty())
@@ -264,10 +231,12 @@ QList<QByteArray> DemoServer::reply(const QString &request, const sockaddr_in &f
         return m_options.refusalText ? demoReplyDatagrams(QStringLiteral("Invalid password.\n"))
                                      : QList<QByteArray>{demoRefusalDatagram()};
     const bool isSilent = m_line.faults().silent;
-    if (!isSilent && m_limit.throttles(from.sin_addr.s_addr, m_line.faults().throttle, now))
+    if (!isSilent && m_limit.throttles(m_line.faults().throttle, now))
         return {};
     const QString command = request.mid(password.size() + 1);
-    m_commands.append(command);
+    m_commands.append(command.left(LongestCommand));
+    if (m_commands.size() > MaximumCommands)
+        m_commands.removeFirst();
     if (isSilent)
         return {};
     return demoReplyDatagrams(m_game.execute(command));

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "DemoCommandLog.h"
-#include "DemoDescriptor.h"
 #include "DemoFaultyLine.h"
 #include "DemoGame.h"
 #include "DemoOptions.h"
@@ -28,10 +26,10 @@ public:
     DemoServer &operator=(const DemoServer &) = delete;
 
     /// Opens the port and begins to answer; started again it takes the port that it had. The game goes on where it
-    /// stood. Does not block.
+    /// stood. Does not block. Not to be called while it runs.
     /// @param error  why it failed, for the user; may be null.
     bool start(QString *error = nullptr);
-    /// Ends at once, whatever is on its way. Harmless when not started.
+    /// Ends within 50 ms, whatever is on its way. Harmless when not started.
     void stop();
 
     /// The port in use; 0 when not started.
@@ -39,9 +37,11 @@ public:
     /// The password that is asked for now.
     QString password() const;
     void setFaults(DemoFaults faults);
-    /// The commands that came with the right password, oldest first, at most 100,000; those that a silent server did
-    /// not carry out are among them, those that were ignored for their haste are not.
+    /// The commands that came with the right password, oldest first, at most 20,000, long ones cut; those that a silent
+    /// server did not carry out are among them, those that were ignored for their haste are not.
     QStringList commandsSeen() const;
+    /// The same, and forgets them.
+    QStringList takeCommands();
     /// The value of a server variable; empty for an unknown name.
     QString variable(const QString &name) const;
     int playerCount() const;
@@ -54,23 +54,19 @@ private:
     };
     enum class Restart { Pending, Away, Done };
 
-    bool openWakePipe();
     bool openSockets(QString *error);
-    void wake();
     void run();
     void restartWhenDue();
     void beginAnew();
-    int waitingTime() const;
+    std::chrono::milliseconds waitingTime() const;
     void receive();
     void answer(QByteArrayView request, const sockaddr_in &from);
-    QList<QByteArray> reply(const QString &request, const sockaddr_in &from, Clock::time_point now);
+    QList<QByteArray> reply(const QString &request, Clock::time_point now);
     void advanceGame();
     void sendDue();
 
     const DemoOptions m_options;
     DemoSockets m_sockets;
-    DemoDescriptor m_wakeEnd;   ///< read by the server's thread
-    DemoDescriptor m_wakeStart; ///< written by the others
     std::atomic<quint16> m_port = 0;
     quint16 m_takenPort; ///< the wanted one, or the one that was free at the first start
 
@@ -78,7 +74,7 @@ private:
     DemoGame m_game;
     DemoFaultyLine m_line;
     DemoRateLimit m_limit;
-    DemoCommandLog m_commands;
+    QStringList m_commands;
 
     // Used by the server's thread only while there is one.
     std::multimap<Clock::time_point, Outgoing> m_outgoing;

@@ -143,6 +143,16 @@ class WireTest(unittest.TestCase):
         self.addCleanup(console.close)
         return console
 
+    def connected(self, **options):
+        """Such a server, and a console that is connected to it."""
+        server = self.serve_all(**options)
+        console = self.start()
+        console.connect(server)
+        return server, console
+
+    def wait_for_command(self, server, command):
+        self.assertTrue(server.wait_for(lambda requests: any(r.command == command for r in requests), 5), command)
+
     def best_of_three(self, measure, most):
         """What takes its time is measured until it is short enough, at most three times: the machine may be busy."""
         tries = []

@@ -10,7 +10,6 @@ What it answers follows from the request and from what the test sets, never from
 the list of the class may be set while it runs; the next request goes by it. Times are those of time.monotonic(), which
 on one machine is the steady clock of all programs.
 """
-import dataclasses
 import heapq
 import itertools
 import re
@@ -29,19 +28,11 @@ MOST_WAITING = 20_000   # datagrams that wait for their time; more are lost
 
 MODES = {'unranked': ('0', '0'), 'playlists': ('0', '1'), 'ranked': ('2', '0')}  # sv_ranked, playlist_enabled
 
+REFUSAL = OUT_OF_BAND + b'\x0a'
+PART_BYTES = 1000  # the longest text that one datagram of an answer by default takes
+
 TITLE = (b'num score ping guid       name                   team      lastmsg address               qport rate\n'
          b'--- ----- ---- ---------- ---------------------- --------- ------- --------------------- ----- -----\n')
-
-
-class Raw(bytes):
-    """A datagram that is sent as it is, without the frame of a reply."""
-
-
-REFUSALS = {
-    'short': Raw(OUT_OF_BAND + b'\x0a'),
-    'text': b'Invalid password.\n',
-    'closed': b"The server must set 'rcon_password' for clients to use 'rcon'.\n",
-}
 
 
 class Request(typing.NamedTuple):
@@ -62,34 +53,17 @@ class Sent(typing.NamedTuple):
     source: typing.Optional[str]
 
 
-@dataclasses.dataclass
-class Player:
+class Player(typing.NamedTuple):
     number: int
     name: str
-    score: int = 0
-    ping: int = 48
-    guid: str = ''
-    team: str = 'allies'
-    lastmsg: int = 0
-    address: str = ''
-    qport: int = 4000
-    rate: int = 25000
-
-    def __post_init__(self):
-        self.guid = self.guid or str(200_000_000 + self.number)
-        self.address = self.address or f'198.51.100.{1 + self.number % 250}:{50000 + self.number % 1000}'
 
     def line(self) -> bytes:
-        return (f'{self.number:3} {self.score:5} {self.ping:4} {self.guid:10} {self.name + "^7":22} {self.team:9} '
-                f'{self.lastmsg:7} {self.address:21} {self.qport:5} {self.rate:5}\n').encode('latin-1')
+        return (f'{self.number:3}     0   48 {200_000_000 + self.number:10} {self.name + "^7":22} allies          0 '
+                f'198.51.100.{1 + self.number}:50000       4000 25000\n').encode('latin-1')
 
 
 def latin1(text) -> bytes:
     return text.encode('latin-1') if isinstance(text, str) else bytes(text)
-
-
-def as_player(number, player) -> Player:
-    return dataclasses.replace(player) if isinstance(player, Player) else Player(number, player)
 
 
 class GameServer:
@@ -97,37 +71,25 @@ class GameServer:
 
     answer      answer(command, count) -> [(delay_ms, payload, source), ...], or None for the answer by default. `count`
                 is 1 for the first time that this command came with the right password. An empty list answers nothing.
-                A payload becomes a reply datagram unless it is Raw. `source` is None for the server's own socket, else
-                an address of loopback: a socket of its own there sends the datagram, for '127.0.0.1' another port of
-                the server's address. default_answer(command) gives the answer to alter.
+                A payload becomes a reply datagram. `source` is None for the server's own socket, else an address of
+                loopback: a socket of its own there sends the datagram, for '127.0.0.1' another port of the server's
+                address.
     variables   name -> value; what a console cannot connect without is there from the start
-    undumped    names of variables that can be asked for but are not in the list of all
-    players     of type Player; given to the constructor as names, they are numbered from 0
+    players     of type Player; given to the constructor as names, numbered from 0
     delay_ms    how much later every answer comes
-    gap_ms      what passes between the datagrams of one answer by default
-    part_bytes  the longest text that one datagram of an answer by default takes
     throttle_ms ignores requests with the right password that come sooner after the last answered one of that address
     silent      records, and answers nothing
-    refuse_all  refuses the right password too
-    refusal     'short', 'text' or 'closed': how a password is refused
     dump_counts whether the list of all variables ends with their number
-    closing_zero whether a zero byte ends the text of a reply
 
     A server that is forgotten ends by itself after `life` seconds.
     """
 
     def __init__(self, port=0, password='secret', variables=None, players=(), mode='unranked', answer=None, life=300.0):
         self.answer = answer
-        self.undumped = set()
         self.delay_ms = 0
-        self.gap_ms = 0
-        self.part_bytes = 1000
         self.throttle_ms = 0
         self.silent = False
-        self.refuse_all = False
-        self.refusal = 'short'
         self.dump_counts = True
-        self.closing_zero = False
 
         self._start = {'password': password, 'mode': mode, 'variables': dict(variables or {}), 'players': list(players)}
         self._begin_game()
@@ -196,7 +158,7 @@ class GameServer:
         """Closes the port, and opens it again after `away` seconds with a new game.
 
         The new game begins as the first one did, with what is given here in its place. What waited to be sent is lost,
-        records and counts stay. Returns at once; wait_until_back() waits.
+        records and counts stay. Returns at once.
         """
         given = {'password': password, 'mode': mode, 'variables': variables, 'players': players}
         changes = {key: value for key, value in given.items() if value is not None}
@@ -208,11 +170,6 @@ class GameServer:
         """Whether the port is closed within `timeout` seconds; until then a request may still be answered."""
         with self._changed:
             return self._changed.wait_for(lambda: self._is_away or self._ending, timeout) and not self._ending
-
-    def wait_until_back(self, timeout) -> bool:
-        """Whether every restart that was asked for is over within `timeout` seconds."""
-        with self._changed:
-            return self._changed.wait_for(lambda: not self._restarts or self._ending, timeout) and not self._ending
 
     def stop(self, raises=True):
         """Ends the server at once. Raises what went wrong in `answer`, if anything did."""
@@ -229,8 +186,8 @@ class GameServer:
     def default_answer(self, command) -> list:
         """[(delay_ms, payload, source), ...] for one command; carries the command out."""
         text = self._execute(command)
-        parts = [text[at:at + self.part_bytes] for at in range(0, len(text), self.part_bytes)] or [b'']
-        return [(number * self.gap_ms, part, None) for number, part in enumerate(parts)]
+        parts = [text[at:at + PART_BYTES] for at in range(0, len(text), PART_BYTES)] or [b'']
+        return [(0, part, None) for part in parts]
 
     def _begin_game(self):
         ranked, playlists = MODES[self._start['mode']]
@@ -240,7 +197,7 @@ class GameServer:
             'playlist_excludeGametypeMap': '', 'g_gametype': 'tdm', 'mapname': 'mp_saltworks',
             'sv_mapRotation': 'gametype tdm map mp_saltworks map mp_tramyard', 'sv_mapRotationCurrent': '',
             **self._start['variables']}
-        self.players = [as_player(number, player) for number, player in enumerate(self._start['players'])]
+        self.players = [Player(number, name) for number, name in enumerate(self._start['players'])]
 
     def _execute(self, command) -> bytes:
         words = command.split()
@@ -248,8 +205,7 @@ class GameServer:
             return b''
         carry_out = {
             'dvardump': self._dump, 'teamstatus': self._team_status, 'setadmindvar': self._set, 'say': self._say,
-            'clientkick': self._remove, 'banclient': self._remove, 'tempbanclient': self._remove, 'map': self._map,
-            'map_restart': self._restart_map, 'fast_restart': self._restart_map, 'map_rotate': self._rotate,
+            'clientkick': self._kick,
         }.get(words[0].lower())
         if carry_out:
             return carry_out(command, words)
@@ -263,8 +219,7 @@ class GameServer:
         return next((known for known in self.variables if known.lower() == name.lower()), None)
 
     def _dump(self, _command, _words) -> bytes:
-        lines = [f'S       {name} "{value}"\n' for name, value in list(self.variables.items())
-                 if name not in self.undumped]
+        lines = [f'S       {name} "{value}"\n' for name, value in list(self.variables.items())]
         count = f'\n{len(lines)} total dvars\n' if self.dump_counts else ''
         return latin1(''.join(lines) + count)
 
@@ -284,28 +239,13 @@ class GameServer:
     def _say(self, command, _words) -> bytes:
         return latin1('console: ' + command[len('say'):].strip().strip('"') + '\n')
 
-    def _remove(self, _command, words) -> bytes:
+    def _kick(self, _command, words) -> bytes:
         number = words[1] if len(words) > 1 else ''
         found = next((player for player in self.players if str(player.number) == number), None)
         if found is None:
             return latin1(f'Client {number} is not active\n')
         self.players = [player for player in self.players if player is not found]
-        return latin1(f'{found.name}^7 was {"kicked" if words[0].lower() == "clientkick" else "banned"}\n')
-
-    def _map(self, _command, words) -> bytes:
-        if len(words) < 2:
-            return b'Usage: map <map name>\n'
-        self.variables['mapname'] = words[1]
-        return latin1(f'Loading map {words[1]}\n')
-
-    def _restart_map(self, _command, _words) -> bytes:
-        return b''
-
-    def _rotate(self, command, _words) -> bytes:
-        maps = re.findall(r'\bmap (\S+)', self.variables['sv_mapRotation'])
-        current = self.variables['mapname']
-        following = maps[(maps.index(current) + 1) % len(maps)] if current in maps else (maps or [current])[0]
-        return self._map(command, ['map', following])
+        return latin1(f'{found.name}^7 was kicked\n')
 
     # The server's thread
 
@@ -406,8 +346,8 @@ class GameServer:
             return 'malformed', []
         if self.silent:
             return 'silent', []
-        if password != self.password or self.refuse_all:
-            return 'refused', [(0, REFUSALS[self.refusal], None)]
+        if password != self.password:
+            return 'refused', [(0, None, None)]
         last = self._answered.get(sender[0])
         if last is not None and now - last < self.throttle_ms / 1000:
             return 'throttled', []
@@ -421,9 +361,7 @@ class GameServer:
         return 'answered', answers
 
     def _framed(self, payload) -> bytes:
-        if isinstance(payload, Raw):
-            return bytes(payload)
-        return REPLY_HEAD + latin1(payload) + (b'\0' if self.closing_zero else b'')
+        return REFUSAL if payload is None else REPLY_HEAD + latin1(payload)
 
     def _send_due(self):
         while self._waiting and self._waiting[0][0] <= time.monotonic():

@@ -57,9 +57,7 @@ class ComingBackTest(WireTest):
         self.assertEqual(console.all('alert'), [])
 
     def test_try_now(self):
-        server = self.serve_all(players=['Ann'])
-        console = self.start()
-        console.connect(server)
+        server, console = self.connected(players=['Ann'])
         server.silent = True
         asked = console.tell('send v_asked')
         console.wait_for('link', 5, asked, kind='Silent')

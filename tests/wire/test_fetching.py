@@ -43,9 +43,7 @@ class FetchingTest(WireTest):
 
     def test_a_server_that_ignores_haste(self):
         names = [f'v_{number}' for number in range(60)]
-        server = self.serve_all()
-        console = self.start()
-        console.connect(server)
+        server, console = self.connected()
         server.throttle_ms = 100
         asked = console.tell('fetch ' + ' '.join(names))
         finished = console.wait_for('fetch finished', 15, asked)

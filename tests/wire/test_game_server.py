@@ -4,7 +4,7 @@ import socket
 import time
 import unittest
 
-from game_server import OUT_OF_BAND, REFUSALS, REPLY_HEAD, REQUEST_HEAD, GameServer, Player, Raw
+from game_server import OUT_OF_BAND, PART_BYTES, REFUSAL, REPLY_HEAD, REQUEST_HEAD, GameServer
 
 
 class Client:
@@ -62,17 +62,13 @@ class GameServerTest(unittest.TestCase):
             ('setadmindvar g_motd ""', ''),
             ('setadmindvar g_unheardOf "1"', "dvar 'g_unheardOf' does not exist\n"),
             ('say "hello \xfc"', 'console: hello \xfc\n'),
-            ('clientkick 7', 'Old Tom^7 was kicked\n'),
-            ('banclient 7', 'Old Tom^7 was banned\n'),
+            ('clientkick 0', 'Old Tom^7 was kicked\n'),
             ('clientkick 8', 'Client 8 is not active\n'),
-            ('map mp_ropeway', 'Loading map mp_ropeway\n'),
-            ('map_rotate', 'Loading map mp_tramyard\n'),
-            ('fast_restart', ''),
             ('', ''),
         ]
         for command, expected in rows:
             with self.subTest(command), \
-                    GameServer(variables={'g_motd': 'hi'}, players=[Player(7, 'Old Tom')], mode='ranked') as server, \
+                    GameServer(variables={'g_motd': 'hi'}, players=['Old Tom'], mode='ranked') as server, \
                     Client(server) as client:
                 self.assertEqual(client.ask(f'secret {command}'.rstrip()), expected)
 
@@ -87,56 +83,32 @@ class GameServerTest(unittest.TestCase):
 
     def test_dump_comes_in_parts(self):
         server = self.serve(variables={f'v_{number}': 'x' * 40 for number in range(100)})
-        server.undumped = {'v_7'}
         client = self.meet(server)
-
-        def dump():
-            text = b''
-            parts = 0
-            client.send('secret dvardump')
-            while b' "' not in text or not text.endswith((b' dvars\n', b'v_99 "' + b'x' * 40 + b'"\n')):
-                datagram, _ = client.receive()
-                self.assertLessEqual(len(datagram), len(REPLY_HEAD) + server.part_bytes)
-                text += datagram[len(REPLY_HEAD):]
-                parts += 1
-            return text.decode(), parts
-
-        whole, parts = dump()
+        client.send('secret dvardump')
+        text, parts = '', 0
+        while not text.endswith(' dvars\n'):
+            datagram, _ = client.receive()
+            self.assertLessEqual(len(datagram), len(REPLY_HEAD) + PART_BYTES)
+            text += datagram[len(REPLY_HEAD):].decode()
+            parts += 1
         self.assertGreater(parts, 3)
-        lines = whole.splitlines()
-        self.assertEqual(int(lines[-1].split()[0]), sum('"' in line for line in lines))
-        self.assertIn('rcon_password "secret"', whole)
-        self.assertNotIn('v_7 ', whole)
-        server.dump_counts = False
-        server.part_bytes = 500
-        uncounted, more_parts = dump()
-        self.assertTrue(whole.startswith(uncounted + '\n'))
-        self.assertGreater(more_parts, parts)
+        self.assertEqual(int(text.splitlines()[-1].split()[0]), sum('"' in line for line in text.splitlines()))
+        self.assertIn('rcon_password "secret"', text)
 
     def test_team_status(self):
-        server = self.serve(players=['Ann', Player(12, 'Old Tom', score=30, team='axis')])
-        title, dashes, ann, tom = self.meet(server).ask('secret teamstatus').splitlines()
+        title, dashes, ann, tom = self.meet(self.serve(players=['Ann', 'Old Tom'])).ask('secret teamstatus').splitlines()
         self.assertEqual(title.split()[-2:], ['qport', 'rate'])
         self.assertEqual(set(dashes), {'-', ' '})
         self.assertEqual(ann.split()[:5], ['0', '0', '48', '200000000', 'Ann^7'])
-        self.assertEqual(tom.split()[4:7], ['Old', 'Tom^7', 'axis'])
         self.assertEqual(len(tom.split()), 11)
 
-    def test_refusals(self):
+    def test_refusal(self):
         server = self.serve(password='two words')
         client = self.meet(server)
-        for form, request in [('short', 'two wordsay hi'), ('text', 'wrong say hi'), ('closed', '')]:
-            with self.subTest(form):
-                server.refusal = form
-                client.send(request)
-                expected = REFUSALS[form]
-                self.assertEqual(client.receive()[0],
-                                 expected if isinstance(expected, Raw) else REPLY_HEAD + expected)
-        server.refuse_all = True
-        client.send('two words say hi')
-        client.receive()
-        self.assertEqual([request.outcome for request in server.requests], ['refused'] * 4)
-        self.assertEqual([request.command for request in server.requests], ['wordsay hi', 'say hi', '', 'say hi'])
+        for request in ['two wordsay hi', 'wrong say hi', '']:
+            client.send(request)
+            self.assertEqual(client.receive()[0], REFUSAL)
+        self.assertEqual([request.outcome for request in server.requests], ['refused'] * 3)
 
     def test_requests_are_recorded(self):
         server = self.serve()
@@ -158,39 +130,25 @@ class GameServerTest(unittest.TestCase):
             if command != 'status':
                 return None
             if count == 1:
-                return [(60, b'late', None), (0, b'false', '127.0.0.2'), (30, b'other port', '127.0.0.1'),
-                        (0, Raw(b'rubbish'), None)]
+                return [(60, b'late', None), (0, b'false', '127.0.0.2'), (30, b'other port', '127.0.0.1')]
             return []
 
         server = self.serve(answer=answer)
         client = self.meet(server)
         began = time.monotonic()
         client.send('secret status')
-        came = [client.receive() for _ in range(4)]
+        came = [client.receive() for _ in range(3)]
         self.assertGreaterEqual(time.monotonic() - began, 0.06)
         self.assertEqual([datagram for datagram, _ in came],
-                         [REPLY_HEAD + b'false', b'rubbish', REPLY_HEAD + b'other port', REPLY_HEAD + b'late'])
+                         [REPLY_HEAD + b'false', REPLY_HEAD + b'other port', REPLY_HEAD + b'late'])
         own = ('127.0.0.1', server.port)
-        self.assertEqual([came[1][1], came[3][1]], [own, own])
+        self.assertEqual(came[2][1], own)
         self.assertEqual(came[0][1][0], '127.0.0.2')
-        self.assertEqual(came[2][1][0], '127.0.0.1')
-        self.assertNotEqual(came[2][1][1], server.port)
+        self.assertEqual(came[1][1][0], '127.0.0.1')
+        self.assertNotEqual(came[1][1][1], server.port)
         client.send('secret status')
         self.assertEqual(client.ask('secret say hi'), 'console: hi\n')  # as by default, and nothing before it
         self.assertEqual([request.outcome for request in server.requests], ['answered', 'unanswered', 'answered'])
-
-    def test_delay_gap_and_closing_zero(self):
-        server = self.serve(players=['Ann'])
-        server.delay_ms, server.gap_ms, server.part_bytes, server.closing_zero = 60, 40, 250, True
-        client = self.meet(server)
-        began = time.monotonic()
-        client.send('secret teamstatus')
-        first, _ = client.receive()
-        between = time.monotonic()
-        second, _ = client.receive()
-        self.assertGreaterEqual(between - began, 0.06)
-        self.assertGreaterEqual(server.sent[-1].time - server.requests[0].time, 0.1)
-        self.assertTrue(first.endswith(b'\0') and second.endswith(b'\0'))
 
     def test_throttle(self):
         server = self.serve()
@@ -219,31 +177,22 @@ class GameServerTest(unittest.TestCase):
         port = server.port
         client.ask('secret setadmindvar g_motd "old"')
         client.ask('secret clientkick 0')
-        server.restart(away=0.05, password='new', mode='playlists', variables={'g_speed': '190'})
-        self.assertTrue(server.wait_until_back(2))
-        self.assertEqual(server.port, port)
-        self.assertEqual(client.ask('new g_motd'), 'Unknown command "g_motd"\n')
+        server.restart(away=0.2, password='new', mode='playlists', variables={'g_speed': '190'})
+        self.assertTrue(server.wait_until_away(2))
+        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as taken:
+            taken.bind(('127.0.0.1', port))
+        client.socket.settimeout(0.1)
+        answer = None
+        for _ in range(50):
+            try:
+                answer = client.ask('new g_motd')
+                break
+            except OSError:
+                continue
+        self.assertEqual(answer, 'Unknown command "g_motd"\n')
         self.assertIn('"190"', client.ask('new g_speed'))
         self.assertIn('"1"', client.ask('new playlist_enabled'))
         self.assertEqual([player.name for player in server.players], ['Ann'])
-        self.assertEqual(len(server.requests), 5)
-
-    def test_port_is_closed_while_away(self):
-        server = self.serve()
-        server.restart(away=60)
-        taken = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
-        self.addCleanup(taken.close)
-        deadline = time.monotonic() + 2
-        while True:
-            try:
-                taken.bind(('127.0.0.1', server.port))
-                break
-            except OSError:
-                self.assertLess(time.monotonic(), deadline, 'the port stays taken')
-        began = time.monotonic()
-        self.assertFalse(server.wait_until_back(0.02))
-        server.stop()
-        self.assertLess(time.monotonic() - began, 1)
 
     def test_waiting_ends(self):
         server = self.serve()

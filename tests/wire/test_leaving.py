@@ -36,13 +36,7 @@ class LeavingTest(WireTest):
         server = self.serve(answer=answers({unanswered: []}))
         console = self.start()
         console.tell(f'connect 127.0.0.1 {server.port} secret')
-        self.assertTrue(server.wait_for(lambda requests: any(r.command == unanswered for r in requests), 5))
-        return server, console
-
-    def connected(self, **options):
-        server = self.serve_all(**options)
-        console = self.start()
-        console.connect(server)
+        self.wait_for_command(server, unanswered)
         return server, console
 
     def test_while_the_name_is_looked_up(self):
@@ -65,20 +59,20 @@ class LeavingTest(WireTest):
     def test_while_a_variable_is_fetched(self):
         server, console = self.connected(answer=answers({'v_old_2': []}))
         console.tell('fetch v_old_1 v_old_2 v_old_3')
-        self.assertTrue(server.wait_for(lambda requests: any(r.command == 'v_old_2' for r in requests), 5))
+        self.wait_for_command(server, 'v_old_2')
         self.leave_and_move_on(server, console)
 
     def test_between_two_variables(self):
         server, console = self.connected()
         asked = console.tell('fetch v_old_1 v_old_2 v_old_3')
-        self.assertTrue(server.wait_for(lambda requests: any(r.command == 'v_old_1' for r in requests), 5))
+        self.wait_for_command(server, 'v_old_1')
         console.wait_for('idle', 5, asked)
         self.leave_and_move_on(server, console)
 
     def test_while_commands_are_under_way_and_wait(self):
         server, console = self.connected(answer=answers({'status': []}))
         console.tell('send status', 'send say old', 'fetch v_old_1')
-        self.assertTrue(server.wait_for(lambda requests: any(r.command == 'status' for r in requests), 5))
+        self.wait_for_command(server, 'status')
         self.leave_and_move_on(server, console)
 
     def test_while_a_reply_comes(self):
@@ -112,7 +106,7 @@ class LeavingTest(WireTest):
         def fetching():
             server, console = self.connected(answer=answers({'v_old': []}))
             console.tell('fetch v_old')
-            self.assertTrue(server.wait_for(lambda requests: any(r.command == 'v_old' for r in requests), 5))
+            self.wait_for_command(server, 'v_old')
             return console
         for begin in (looking_up, listing, fetching):
             with self.subTest(begin.__name__):

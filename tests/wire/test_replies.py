@@ -25,10 +25,8 @@ class RepliesTest(WireTest):
 
     def test_each_datagram_is_shown_when_it_comes(self):
         parts = ['first part\n', 'second part\n', 'third part\n']
-        server = self.serve_all(answer=answers(
+        server, console = self.connected(answer=answers(
             {'status': [(200 * number, part, None) for number, part in enumerate(parts)]}))
-        console = self.start()
-        console.connect(server)
 
         def slowest():
             asked = console.tell('send status')
@@ -55,9 +53,7 @@ class RepliesTest(WireTest):
             ('cut behind the third field', ['"{}" is: "hi"^7 in force: "hi"'], False),
             ('quote inside a value', ['"{}" is: "a\n"b"^7 in force: "a\n', '"b"^7\n'], False),
         ]
-        server = self.serve_all()
-        console = self.start()
-        console.connect(server)
+        server, console = self.connected()
         for title, parts, is_known in rows:
             name = 'v_' + title.replace(' ', '_')
             texts = [part.format(name) for part in parts]
@@ -79,10 +75,8 @@ class RepliesTest(WireTest):
 
     def test_what_comes_late_is_shown_and_learnt_from(self):
         late = 'what was still missing\n'
-        server = self.serve_all(variables={'v_known': 'hi'}, answer=answers(
+        server, console = self.connected(variables={'v_known': 'hi'}, answer=answers(
             {'v_late': [(0, told('v_late', 'hi'), None), (300, late, None)]}))
-        console = self.start()
-        console.connect(server)
         asked = console.tell('send v_late')
         done = console.wait_for('done', 2, asked)
         self.assertLess(done.time - asked, 0.3, 'the reply was not taken for whole')
@@ -100,10 +94,8 @@ class RepliesTest(WireTest):
 
     def test_what_comes_once_more_is_counted(self):
         reply = told('v_twice', 'hi')
-        server = self.serve_all(variables={'v_known': 'hi'}, answer=answers(
+        server, console = self.connected(variables={'v_known': 'hi'}, answer=answers(
             {'v_twice': [(0, reply, None), (300, reply, None)], 'v_later': [(450, told('v_later', 'hi'), None)]}))
-        console = self.start()
-        console.connect(server)
         console.tell('figures')
         self.assertEqual(console.wait_for('figures', 1)['doubled'], 0)
         asked = console.tell('send v_twice', 'send v_later')
@@ -120,12 +112,10 @@ class RepliesTest(WireTest):
 
     def test_strangers_are_not_believed(self):
         false, true = told('v_asked', 'false'), told('v_asked', 'true')
-        server = self.serve_all(answer=answers({
+        server, console = self.connected(answer=answers({
             'v_asked': [(0, false, '127.0.0.2'), (50, true, None)],
             'v_translated': [(0, told('v_translated', 'true'), '127.0.0.1')],
         }))
-        console = self.start()
-        console.connect(server)
         asked = console.tell('send v_asked', 'send v_translated')
         self.assertEqual(console.wait_for('done', 5, asked, command='v_asked')['text'], true.replace('^7', ''))
         self.assertEqual([event['text'] for event in console.all('shown', asked) if 'false' in event['text']], [])
@@ -145,9 +135,7 @@ class RepliesTest(WireTest):
         self.assertEqual([request.command for request in server.requests], ['dvardump'] * 3)
 
     def test_a_held_up_loop_sends_once(self):
-        server = self.serve_all(answer=answers({'v_asked': [(100, told('v_asked', 'hi'), None)]}))
-        console = self.start()
-        console.connect(server)
+        server, console = self.connected(answer=answers({'v_asked': [(100, told('v_asked', 'hi'), None)]}))
         asked = console.tell('send v_asked', 'block 600')
         done = console.wait_for('done', 5, asked)
         self.assertGreaterEqual(done.time - asked, 0.6)

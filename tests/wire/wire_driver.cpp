@@ -39,8 +39,8 @@
 static void print(const char *event, QJsonObject details = {})
 {
     const std::chrono::duration<double, std::milli> now = std::chrono::steady_clock::now().time_since_epoch();
-    details.insert(QStringLiteral("event"), QString::fromLatin1(event));
-    details.insert(QStringLiteral("ms"), now.count());
+    details.insert("event", QString::fromLatin1(event));
+    details.insert("ms", now.count());
     const QByteArray line = QJsonDocument(details).toJson(QJsonDocument::Compact) + '\n';
     std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stdout);
     std::fflush(stdout);
@@ -59,7 +59,7 @@ class PrintedAlerts final : public Alerts
 public:
     QCoro::Task<int> run(QString title, QString text, QStringList, AlertManner) override
     {
-        print("alert", {{QStringLiteral("title"), title}, {QStringLiteral("text"), text}});
+        print("alert", {{"title", title}, {"text", text}});
         co_return 0;
     }
 };
@@ -104,8 +104,6 @@ private:
     void connectToServer(const QString &rest);
     void disconnectFromServer(const QString &rest = {});
     void send(const QString &line) { m_actions.start(sendLine(line)); }
-    void setDvar(const QString &rest);
-    void fetchPlayers(const QString &) { m_actions.start(listPlayers()); }
     void fetch(const QString &rest) { m_fetcher.askFor(rest.split(QLatin1Char(' '))); }
     void block(const QString &ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms.toInt())); }
     void tryNow(const QString &) { m_reconnecting.tryNow(); }
@@ -117,7 +115,6 @@ private:
     void endConnection();
     QCoro::Task<> connectAction(QString host, QString port, QString password);
     QCoro::Task<> sendLine(QString line);
-    QCoro::Task<> writeDvar(QString name, QString value);
     QCoro::Task<> listPlayers();
     QCoro::Task<> showPlayers();
     static void printDone(const QString &command, const Reply &reply);
@@ -146,7 +143,7 @@ private:
 };
 
 WireDriver::WireDriver(const QString &resources, const QString &folder)
-    : m_preferences(folder + QStringLiteral("/preferences.ini")),
+    : m_preferences(folder + "/preferences.ini"),
       m_reader(CatalogueFolders{resources, folder}, m_alerts, [] { QCoreApplication::exit(1); }),
       m_playlists(m_server, m_gametypes, m_maps, m_alerts, resources)
 {
@@ -155,9 +152,7 @@ WireDriver::WireDriver(const QString &resources, const QString &folder)
     connect(&m_server, &KelServer::connectionBegan, &m_actions, &ActionQueue::refuseWaiting);
     connect(&m_reconnecting, &Reconnecting::disconnectWanted, this, [this] { disconnectFromServer(); });
     connect(&m_actions, &ActionQueue::idle, this, [] { print("idle"); });
-    connect(&m_actions, &ActionQueue::faulted, this, [](const QString &what) {
-        print("fault", {{QStringLiteral("text"), what}});
-    });
+    connect(&m_actions, &ActionQueue::faulted, this, [](const QString &what) { print("fault", {{"text", what}}); });
     printSession();
     printSettings();
     printWaysBack();
@@ -168,23 +163,23 @@ WireDriver::WireDriver(const QString &resources, const QString &folder)
 void WireDriver::printSession()
 {
     connect(&m_server, &KelServer::lookUpBegan, this, [](const QString &host) {
-        print("looking up", {{QStringLiteral("host"), host}});
+        print("looking up", {{"host", host}});
     });
     connect(&m_server.console(), &Console::messageAppended, this, [](const QString &text) {
-        print("shown", {{QStringLiteral("text"), text}});
+        print("shown", {{"text", text}});
     });
     connect(&m_server.console(), &Console::noteAppended, this, [](const QString &note) {
-        print("note", {{QStringLiteral("text"), note}});
+        print("note", {{"text", note}});
     });
     connect(&m_server, &KelServer::tabSetChanged, this, [this] {
-        print("tabs", {{QStringLiteral("set"), static_cast<int>(m_server.tabSet())}});
+        print("tabs", {{"set", static_cast<int>(m_server.tabSet())}});
     });
     connect(&m_server, &KelServer::isConnectedChanged, this, [](bool isConnected) {
-        print("connection", {{QStringLiteral("isConnected"), isConnected}});
+        print("connection", {{"isConnected", isConnected}});
     });
     connect(&m_server, &KelServer::didConnect, this, [this] {
         m_isComplete = true;
-        print("connected", {{QStringLiteral("catalogued"), QJsonArray::fromStringList(m_server.cataloguedDvars())}});
+        print("connected", {{"catalogued", QJsonArray::fromStringList(m_server.cataloguedDvars())}});
     });
 }
 
@@ -192,13 +187,13 @@ void WireDriver::printSettings()
 {
     connect(&m_fetcher, &DvarFetcher::settled, this, [this](const QString &name) {
         if (m_server.dvarList().contains(name))
-            print("fetched", {{QStringLiteral("name"), name}});
+            print("fetched", {{"name", name}});
     });
     connect(&m_fetcher, &DvarFetcher::progressed, this, [](int done, int total) {
-        print("progress", {{QStringLiteral("done"), done}, {QStringLiteral("total"), total}});
+        print("progress", {{"done", done}, {"total", total}});
     });
     connect(&m_fetcher, &DvarFetcher::finished, this, [](int unknown, int total) {
-        print("fetch finished", {{QStringLiteral("unknown"), unknown}, {QStringLiteral("total"), total}});
+        print("fetch finished", {{"unknown", unknown}, {"total", total}});
     });
 }
 
@@ -206,11 +201,10 @@ void WireDriver::printWaysBack()
 {
     connect(&m_server.link(), &Link::kindChanged, this, [](Link::Kind kind) {
         const char *name = QMetaEnum::fromType<Link::Kind>().valueToKey(static_cast<int>(kind));
-        print("link", {{QStringLiteral("kind"), QString::fromLatin1(name)}});
+        print("link", {{"kind", QString::fromLatin1(name)}});
     });
     connect(&m_reconnecting, &Reconnecting::cameBack, this, [this](std::chrono::milliseconds silence, int differences) {
-        print("connected again", {{QStringLiteral("silence"), static_cast<double>(silence.count())},
-                                  {QStringLiteral("differences"), differences}});
+        print("connected again", {{"silence", static_cast<double>(silence.count())}, {"differences", differences}});
         m_actions.start(listPlayers());
     });
 }
@@ -235,23 +229,21 @@ void WireDriver::read()
 void WireDriver::perform(const QString &line)
 {
     static const QHash<QString, Command> commands{
-        {QStringLiteral("connect"), &WireDriver::connectToServer},
-        {QStringLiteral("disconnect"), &WireDriver::disconnectFromServer},
-        {QStringLiteral("send"), &WireDriver::send},
-        {QStringLiteral("setdvar"), &WireDriver::setDvar},
-        {QStringLiteral("players"), &WireDriver::fetchPlayers},
-        {QStringLiteral("fetch"), &WireDriver::fetch},
-        {QStringLiteral("block"), &WireDriver::block},
-        {QStringLiteral("trynow"), &WireDriver::tryNow},
-        {QStringLiteral("password"), &WireDriver::tryPassword},
-        {QStringLiteral("name"), &WireDriver::tellName},
-        {QStringLiteral("figures"), &WireDriver::printFigures},
-        {QStringLiteral("quit"), &WireDriver::quit},
+        {"connect", &WireDriver::connectToServer},
+        {"disconnect", &WireDriver::disconnectFromServer},
+        {"send", &WireDriver::send},
+        {"fetch", &WireDriver::fetch},
+        {"block", &WireDriver::block},
+        {"trynow", &WireDriver::tryNow},
+        {"password", &WireDriver::tryPassword},
+        {"name", &WireDriver::tellName},
+        {"figures", &WireDriver::printFigures},
+        {"quit", &WireDriver::quit},
     };
     QString rest;
     const Command command = commands.value(twoWords(line, &rest));
     if (command == nullptr)
-        print("unknown command", {{QStringLiteral("text"), line}});
+        print("unknown command", {{"text", line}});
     else
         (this->*command)(rest);
 }
@@ -283,7 +275,7 @@ QCoro::Task<> WireDriver::connectAction(QString host, QString port, QString pass
         m_server.forgetVariables();
     if (turn && !m_isComplete)
         endConnection();
-    print("connect ended", {{QStringLiteral("isComplete"), m_isComplete}});
+    print("connect ended", {{"isComplete", m_isComplete}});
     if (turn && m_isComplete)
         co_await showPlayers();
 }
@@ -300,7 +292,7 @@ void WireDriver::disconnectFromServer(const QString &)
     m_actions.dropWaiting();
     m_server.cancelExchange();
     endConnection();
-    print("disconnected", {{QStringLiteral("isIdle"), m_actions.isIdle()}});
+    print("disconnected", {{"isIdle", m_actions.isIdle()}});
 }
 
 QCoro::Task<> WireDriver::sendLine(QString line)
@@ -309,38 +301,22 @@ QCoro::Task<> WireDriver::sendLine(QString line)
     if (!turn)
         co_return;
     const Arrived arrived = [line](const QString &text) {
-        print("arrived", {{QStringLiteral("command"), line}, {QStringLiteral("text"), text}});
+        print("arrived", {{"command", line}, {"text", text}});
     };
     const Reply reply = co_await m_server.sendCommand(line, arrived);
     printDone(line, reply);
 }
 
-void WireDriver::setDvar(const QString &rest)
-{
-    QString value;
-    const QString name = twoWords(rest, &value);
-    m_actions.start(writeDvar(name, value));
-}
-
-QCoro::Task<> WireDriver::writeDvar(QString name, QString value)
-{
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
-        co_return;
-    const Reply reply = co_await m_server.setDvar(name, value);
-    printDone(QStringLiteral("setadmindvar ") + name, reply);
-}
-
 void WireDriver::printDone(const QString &command, const Reply &reply)
 {
-    print("done", {{QStringLiteral("command"), command},
-                   {QStringLiteral("result"), static_cast<int>(reply.result)},
-                   {QStringLiteral("text"), reply.text},
-                   {QStringLiteral("isCancelled"), reply.isCancelled},
-                   {QStringLiteral("sends"), reply.sends},
-                   {QStringLiteral("doubled"), reply.doubled},
-                   {QStringLiteral("mayBeIncomplete"), reply.mayBeIncomplete},
-                   {QStringLiteral("roundTrip"), static_cast<double>(reply.roundTrip.count())}});
+    print("done", {{"command", command},
+                   {"result", static_cast<int>(reply.result)},
+                   {"text", reply.text},
+                   {"isCancelled", reply.isCancelled},
+                   {"sends", reply.sends},
+                   {"doubled", reply.doubled},
+                   {"mayBeIncomplete", reply.mayBeIncomplete},
+                   {"roundTrip", static_cast<double>(reply.roundTrip.count())}});
 }
 
 QCoro::Task<> WireDriver::listPlayers()
@@ -352,13 +328,13 @@ QCoro::Task<> WireDriver::listPlayers()
 
 QCoro::Task<> WireDriver::showPlayers()
 {
-    const QString line = QStringLiteral("teamstatus");
+    const QString line = "teamstatus";
     const Reply reply = co_await m_server.sendCommand(line);
     QStringList names;
     for (const PlayerRow &player : parsePlayerList(reply.text).players)
         names.append(player.name);
     if (reply.isSuccess())
-        print("players", {{QStringLiteral("names"), QJsonArray::fromStringList(names)}});
+        print("players", {{"names", QJsonArray::fromStringList(names)}});
 }
 
 /// "name NAME ADDRESS ADDRESS…"
@@ -374,11 +350,11 @@ void WireDriver::printFigures(const QString &)
     const LinkState line = m_server.link().figures();
     const std::chrono::duration<double, std::milli> roundTrip =
         line.stats.roundTrip().value_or(std::chrono::milliseconds(-1));
-    print("figures", {{QStringLiteral("strangers"), static_cast<int>(line.stats.strangers())},
-                      {QStringLiteral("doubled"), static_cast<int>(line.stats.doubled())},
-                      {QStringLiteral("late"), static_cast<int>(line.stats.late())},
-                      {QStringLiteral("gap"), static_cast<double>(line.gap.count())},
-                      {QStringLiteral("roundTrip"), roundTrip.count()}});
+    print("figures", {{"strangers", static_cast<int>(line.stats.strangers())},
+                      {"doubled", static_cast<int>(line.stats.doubled())},
+                      {"late", static_cast<int>(line.stats.late())},
+                      {"gap", static_cast<double>(line.gap.count())},
+                      {"roundTrip", roundTrip.count()}});
 }
 
 void WireDriver::quit(const QString &)

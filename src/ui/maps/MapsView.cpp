@@ -233,7 +233,7 @@ QCoro::Task<> MapsView::setBuiltRotation(QString rotation)
         goesOn = co_await confirmEmptyRotation();
     if (!goesOn || !action)
         co_return;
-    serverRotationPane->clear(); // what stood there is no longer certain
+    serverRotationPane->clear(); // the server's rotation is unknown until it is read again
     const QStringList variables{QStringLiteral("sv_mapRotation"), QStringLiteral("sv_mapRotationCurrent")};
     for (const QString &variable : variables) {
         const bool isSet = co_await action.write(variable, rotation);

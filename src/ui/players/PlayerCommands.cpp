@@ -84,7 +84,7 @@ void PlayerCommands::kickAll()
 QCoro::Task<> PlayerCommands::command(QString name, QString word, QList<ChosenPlayer> chosen, QString argument,
                                       std::chrono::seconds refreshAfter)
 {
-    // Its place in the queue counts from the press, but a question need not wait for those before it.
+    // The action takes its place in the queue now; the question is asked without waiting for the actions before it.
     ServerAction action(m_server, m_actions, {.action = name, .targets = namesOf(chosen)});
     const QStringList hidden = hiddenNames(chosen);
     bool goesOn = !chosen.isEmpty();
@@ -170,7 +170,7 @@ QCoro::Task<> PlayerCommands::sendCommandToSelectedPlayers(ServerAction *action,
 
 QCoro::Task<> PlayerCommands::confirmAndKickAll()
 {
-    // Its place in the queue counts from the press, but the question need not wait for those before it.
+    // The action takes its place in the queue now; the question is asked without waiting for the actions before it.
     ServerAction action(m_server, m_actions, {.action = tr("Kick All")});
     const QStringList buttons{tr("Yes"), tr("No")};
     const AlertManner manner{1, false}; // Return answers "No"

@@ -291,7 +291,7 @@ QCoro::Task<> SettingsView::write(SettingsOutlineModel *outline, std::shared_ptr
         co_return;
     if (!value)
         value = setting->dvarBoolValue() ? QStringLiteral("0") : QStringLiteral("1");
-    // Also when the session holds the same: somebody else may have changed it at the server meanwhile.
+    // The value is written even if the session holds the same one: the server may have been changed by another console.
     const Reply reply = co_await setting->setDvarValue(*value);
     const bool isSecret = holdsPassword(dvar);
     action.note(reply, isSecret, isSecret ? tr("%1 was set").arg(name) : tr("%1 was set to %2").arg(name, *value));

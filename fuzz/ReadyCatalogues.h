@@ -1,0 +1,15 @@
+#pragma once
+
+#include "KelGametype.h"
+#include "KelMapList.h"
+#include "KelSettings.h"
+#include "ReadySession.h"
+
+/// The catalogues of a session without a line, empty until they take a document.
+struct ReadyCatalogues : ReadySession {
+    CatalogueReader reader{{}, alerts, [] {
+                           }};
+    KelGametype gametypes{{server, alerts}, reader};
+    KelSettings settings{{server, alerts}, reader};
+    KelMapList maps{server, reader};
+};
