@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QAbstractItemView>
+#include <QMenu>
 #include <QString>
 #include <QStringList>
+#include <QTest>
 #include <QWidget>
 
 /// The control inside `root` that is called `name`, as who looks for it in the window finds it. Without one the test
@@ -44,4 +46,24 @@ inline QList<QStringList> shownRows(const QAbstractItemView &view)
     for (int row = 0; row < view.model()->rowCount(); ++row)
         rows.append(shownRow(view, row));
     return rows;
+}
+
+/// The entries of a menu, from the top to the bottom; "-" for a line between them.
+inline QStringList entriesOf(const QMenu &menu)
+{
+    QStringList texts;
+    for (const QAction *action : menu.actions())
+        texts.append(action->isSeparator() ? QStringLiteral("-") : action->text());
+    return texts;
+}
+
+/// What the Tab key goes through, from what has the focus inside `page` as far as `last`.
+inline QStringList tabOrder(const QWidget &page, const QString &last)
+{
+    QStringList order{page.focusWidget()->objectName()};
+    while (order.last() != last && order.size() < 30) {
+        QTest::keyClick(page.focusWidget(), Qt::Key_Tab);
+        order.append(page.focusWidget()->objectName());
+    }
+    return order;
 }

@@ -3,6 +3,7 @@
 #include "WindowFixture.h"
 
 #include <QAction>
+#include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QInputDialog>
 #include <QLabel>
@@ -20,7 +21,7 @@ struct Window : WindowFixture {
     Window()
     {
         exchange.answerEverything(ScriptedExchange::ok());
-        preferences.setValue(QStringLiteral("autoupdateMaps"), true);
+        control<QCheckBox>(view, "autoupdateMaps")->setChecked(true);
     }
 
     void pressConnect(const QString &host, const QString &port, const QString &password)
