@@ -18,8 +18,6 @@ Hint::Hint(QAbstractItemView *view) : QLabel(view->viewport()), m_view(view)
 
 void Hint::followModel()
 {
-    if (m_model != nullptr)
-        m_model->disconnect(this);
     m_model = m_view->model();
     if (m_model != nullptr) {
         connect(m_model, &QAbstractItemModel::modelReset, this, &Hint::follow);
