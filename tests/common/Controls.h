@@ -4,7 +4,6 @@
 #include <QMenu>
 #include <QString>
 #include <QStringList>
-#include <QTest>
 #include <QWidget>
 
 /// The control inside `root` that is called `name`, as who looks for it in the window finds it. Without one the test
@@ -55,15 +54,4 @@ inline QStringList entriesOf(const QMenu &menu)
     for (const QAction *action : menu.actions())
         texts.append(action->isSeparator() ? QStringLiteral("-") : action->text());
     return texts;
-}
-
-/// What the Tab key goes through, from what has the focus inside `page` as far as `last`.
-inline QStringList tabOrder(const QWidget &page, const QString &last)
-{
-    QStringList order{page.focusWidget()->objectName()};
-    while (order.last() != last && order.size() < 30) {
-        QTest::keyClick(page.focusWidget(), Qt::Key_Tab);
-        order.append(page.focusWidget()->objectName());
-    }
-    return order;
 }

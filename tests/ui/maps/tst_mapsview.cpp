@@ -1,6 +1,7 @@
 #include "CurrentMapPane.h"
 #include "LoadMapPane.h"
 #include "MapsFixture.h"
+#include "TabOrder.h"
 
 #include <QAbstractItemModelTester>
 #include <QAbstractProxyModel>

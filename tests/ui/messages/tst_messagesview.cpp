@@ -5,6 +5,7 @@
 #include "MessagesView.h"
 #include "QuickMessageField.h"
 #include "SessionFixture.h"
+#include "TabOrder.h"
 #include "TestPreferences.h"
 
 #include <QCheckBox>
