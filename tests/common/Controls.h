@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAbstractItemView>
+#include <QMenu>
 #include <QString>
 #include <QStringList>
 #include <QWidget>
@@ -44,4 +45,13 @@ inline QList<QStringList> shownRows(const QAbstractItemView &view)
     for (int row = 0; row < view.model()->rowCount(); ++row)
         rows.append(shownRow(view, row));
     return rows;
+}
+
+/// The entries of a menu, from the top to the bottom; "-" for a line between them.
+inline QStringList entriesOf(const QMenu &menu)
+{
+    QStringList texts;
+    for (const QAction *action : menu.actions())
+        texts.append(action->isSeparator() ? QStringLiteral("-") : action->text());
+    return texts;
 }

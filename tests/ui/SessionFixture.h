@@ -29,6 +29,17 @@ struct SessionFixture {
         return QTest::qWaitFor([this] { return actions.isIdle(); }, 60000);
     }
 
+    /// Answers one request after another. @return whether they were these, in this order, and all actions then ended.
+    bool answerInOrder(const QStringList &lines)
+    {
+        for (const QString &line : lines) {
+            if (!QTest::qWaitFor([this] { return exchange.keptCount() == 1; }) || exchange.sent().last() != line)
+                return false;
+            exchange.release();
+        }
+        return settle();
+    }
+
     /// What the server was asked once all actions have ended.
     QStringList sent() { return settle() ? exchange.sent() : QStringList{QStringLiteral("an action has not ended")}; }
 

@@ -1,15 +1,15 @@
 #include "CompareWindow.h"
 
 #include "FilterField.h"
+#include "LayoutMemory.h"
+#include "Named.h"
 #include "PlaceholderTable.h"
 
 #include <QCheckBox>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -20,23 +20,6 @@ namespace
 
 using Row = ConfigurationComparison::Row;
 using State = ConfigurationComparison::State;
-
-/// A tooltip tells what a cell is too narrow for.
-class ComparisonRows final : public ArrayController<Row>
-{
-public:
-    using ArrayController::ArrayController;
-
-    QVariant data(const QModelIndex &index, int role) const override
-    {
-        if (role != Qt::ToolTipRole)
-            return ArrayController::data(index, role);
-        constexpr int longestShown = 500;
-        const QString text = data(index, Qt::DisplayRole).toString().left(longestShown);
-        // Escaped, or a value with brackets would be taken for rich text.
-        return text.isEmpty() ? QString() : QStringLiteral("<span>%1</span>").arg(text.toHtmlEscaped());
-    }
-};
 
 QList<ArrayController<Row>::Column> comparisonColumns()
 {
@@ -52,45 +35,37 @@ QList<ArrayController<Row>::Column> comparisonColumns()
 
 } // namespace
 
-CompareWindow::CompareWindow(ConfigurationComparison comparison, const QString &fileName, QWidget *parent)
-    : QDialog(parent, Qt::Sheet), comparisonFilterField(new FilterField(tr("Filter variables"), this)),
-      showEqualOnes(new QCheckBox(tr("Show equal ones"), this)), comparisonTableView(new PlaceholderTable(this)),
-      comparisonController(new ComparisonRows(
+CompareWindow::CompareWindow(ConfigurationComparison comparison, const QString &fileName, Preferences &preferences,
+                             QWidget *parent)
+    : QDialog(parent, Qt::Sheet),
+      comparisonFilterField(named("comparisonFilterField", new FilterField(tr("Filter variables"), this))),
+      showEqualOnes(named("showEqualOnes", new QCheckBox(tr("Show equal ones"), this))),
+      comparisonTableView(named("comparisonTableView", new PlaceholderTable(this), tr("Comparison"))),
+      comparisonController(new ArrayController<Row>(
           comparisonColumns(), [](const Row &row) { return row.dvar; }, this)),
-      countsLabel(new QLabel(this)), loadOnlyDifferencesButton(new QPushButton(tr("Load Only Differences"), this)),
-      copyButton(new QPushButton(tr("Copy"), this)), closeButton(new QPushButton(tr("Close"), this)),
+      loadOnlyDifferencesButton(named("loadOnlyDifferencesButton", new QPushButton(tr("Load Only Differences"), this))),
+      copyButton(named("copyButton", new QPushButton(tr("Copy"), this))),
+      closeButton(named("closeButton", new QPushButton(tr("Close"), this))), m_preferences(preferences),
       m_comparison(std::move(comparison))
 {
     setObjectName(QStringLiteral("CompareWindow"));
     setWindowModality(Qt::WindowModal);
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Compare With %1").arg(fileName));
-    nameControls();
+    loadOnlyDifferencesButton->setToolTip(
+        tr("Writes the variables that differ and those that only the file has; the others stay as they are."));
+    loadOnlyDifferencesButton->setEnabled(!m_comparison.changes().isEmpty());
+    copyButton->setToolTip(tr("Copies the rows that are shown"));
+    closeButton->setDefault(true);
     layOut();
+    LayoutMemory::restore(*this, m_preferences);
     connectControls();
     showRows();
 }
 
-CompareWindow::~CompareWindow() = default;
-
-void CompareWindow::nameControls()
+CompareWindow::~CompareWindow()
 {
-    comparisonFilterField->setObjectName(QStringLiteral("comparisonFilterField"));
-    showEqualOnes->setObjectName(QStringLiteral("showEqualOnes"));
-    comparisonTableView->setObjectName(QStringLiteral("comparisonTableView"));
-    comparisonTableView->setAccessibleName(tr("Comparison"));
-    countsLabel->setObjectName(QStringLiteral("countsLabel"));
-    countsLabel->setTextFormat(Qt::PlainText);
-    countsLabel->setText(countsText());
-    countsLabel->setWordWrap(true);
-    loadOnlyDifferencesButton->setObjectName(QStringLiteral("loadOnlyDifferencesButton"));
-    loadOnlyDifferencesButton->setToolTip(
-        tr("Writes the variables that differ and those that only the file has; the others stay as they are."));
-    loadOnlyDifferencesButton->setEnabled(!m_comparison.changes().isEmpty());
-    copyButton->setObjectName(QStringLiteral("copyButton"));
-    copyButton->setToolTip(tr("Copies the rows that are shown"));
-    closeButton->setObjectName(QStringLiteral("closeButton"));
-    closeButton->setDefault(true);
+    LayoutMemory::save(*this, m_preferences);
 }
 
 void CompareWindow::layOut()
@@ -102,6 +77,9 @@ void CompareWindow::layOut()
     const QList<int> widths{230, 170, 170, 110};
     for (int column = 0; column < widths.size(); ++column)
         comparisonTableView->setColumnWidth(column, widths.at(column));
+    auto *countsLabel = named("countsLabel", new QLabel(countsText(), this));
+    countsLabel->setTextFormat(Qt::PlainText);
+    countsLabel->setWordWrap(true);
 
     auto *above = new QHBoxLayout;
     above->addWidget(comparisonFilterField, 1);

@@ -5,10 +5,10 @@
 
 #include <QDialog>
 
+class FilterField;
 class PlaceholderTable;
+class Preferences;
 class QCheckBox;
-class QLabel;
-class QLineEdit;
 class QPushButton;
 
 /// Shows, before anything is written, what a configuration file would change at the server. Deletes itself when closed.
@@ -16,8 +16,10 @@ class CompareWindow : public QDialog
 {
     Q_OBJECT
 public:
-    /// @param fileName  for the title.
-    CompareWindow(ConfigurationComparison comparison, const QString &fileName, QWidget *parent);
+    /// @param fileName     for the title.
+    /// @param preferences  keep the columns; they outlive the window.
+    CompareWindow(ConfigurationComparison comparison, const QString &fileName, Preferences &preferences,
+                  QWidget *parent);
     ~CompareWindow() override;
 
 public slots:
@@ -30,21 +32,20 @@ signals:
     void loadRequested(const QList<ConfigurationEntry> &entries);
 
 private:
-    void nameControls();
     void layOut();
     void connectControls();
     void showRows();
     void updateCopying();
     QString countsText() const;
 
-    QLineEdit *comparisonFilterField;
+    FilterField *comparisonFilterField;
     QCheckBox *showEqualOnes;
     PlaceholderTable *comparisonTableView;
     ArrayController<ConfigurationComparison::Row> *comparisonController;
-    QLabel *countsLabel;
     QPushButton *loadOnlyDifferencesButton;
     QPushButton *copyButton;
     QPushButton *closeButton;
 
+    Preferences &m_preferences;
     ConfigurationComparison m_comparison;
 };

@@ -1,15 +1,15 @@
 #include "ConfigBuilderView.h"
 
+#include "ActionButton.h"
 #include "ActionQueue.h"
 #include "Alerts.h"
-#include "ButtonAction.h"
-#include "ColumnLayout.h"
 #include "CompareWindow.h"
 #include "ConfigurationComparison.h"
 #include "ConfigurationLoading.h"
 #include "KelGametype.h"
 #include "KelServer.h"
 #include "KelSettings.h"
+#include "Named.h"
 #include "PendingDvars.h"
 #include "ProgressWindowController.h"
 #include "ReplaceQuestion.h"
@@ -17,9 +17,8 @@
 
 #include <QFileInfo>
 #include <QHBoxLayout>
-#include <QHeaderView>
-#include <QKeySequence>
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -28,47 +27,33 @@
 #include <utility>
 
 ConfigBuilderView::ConfigBuilderView(KelServer &server, ActionQueue &actions, Alerts &alerts, DvarFetcher &fetcher,
-                                     KelSettings &settings, KelGametype &gametypes, QWidget *parent)
-    : TabPage(parent), configBuilderGeneralSettingsTable(new SectionTable(tr("Settings groups"), this)),
-      configBuilderGametypeSettingsTable(new SectionTable(tr("Gametypes"), this)),
-      selectAllButton(new QPushButton(tr("Select All"), this)),
-      selectNoneButton(new QPushButton(tr("Select None"), this)), configSummaryLabel(new QLabel(this)),
-      saveConfigButton(new QPushButton(tr("Save Config…"), this)),
-      loadConfigButton(new QPushButton(tr("Load Config…"), this)),
-      compareConfigButton(new QPushButton(tr("Compare With File…"), this)), m_server(server), m_actions(actions),
-      m_alerts(alerts), m_fetcher(fetcher), m_settings(settings), m_gametypes(gametypes),
+                                     Preferences &preferences, KelSettings &settings, KelGametype &gametypes,
+                                     QWidget *parent)
+    : TabPage(parent), m_saveAction(makeAction(this, tr("&Save Config…"), &ConfigBuilderView::saveConfigButtonPressed)),
+      m_loadAction(makeAction(this, tr("&Load Config…"), &ConfigBuilderView::loadConfigButtonPressed)),
+      m_compareAction(makeAction(this, tr("&Compare With File…"), &ConfigBuilderView::compareConfigButtonPressed)),
+      configBuilderGeneralSettingsTable(named("configBuilderGeneralSettingsTable",
+                                              new SectionTable(tr("Settings groups"), this), tr("Settings groups"))),
+      configBuilderGametypeSettingsTable(
+          named("configBuilderGametypeSettingsTable", new SectionTable(tr("Gametypes"), this), tr("Gametypes"))),
+      m_server(server), m_actions(actions), m_alerts(alerts), m_fetcher(fetcher), m_preferences(preferences),
+      m_settings(settings), m_gametypes(gametypes),
       m_progressWindowController(std::make_unique<ProgressWindowController>(this)),
       m_loading(std::make_unique<ConfigurationLoading>(server, actions, alerts, *m_progressWindowController,
                                                        gametypes.formerNames())),
       m_pendingProgress(std::make_unique<ProgressWindowController>(this)),
       m_pending(std::make_unique<PendingDvars>(server, actions, fetcher, *m_pendingProgress))
 {
-    nameControls();
+    m_loadAction->setToolTip(tr("Writes every variable of a file to the server"));
+    m_compareAction->setToolTip(tr("Shows what a file would change before anything is written"));
     layOut();
-    connectControls();
+    connectParts();
     showCatalogues();
 }
 
 ConfigBuilderView::~ConfigBuilderView() = default;
 
-void ConfigBuilderView::nameControls()
-{
-    configBuilderGeneralSettingsTable->setObjectName(QStringLiteral("configBuilderGeneralSettingsTable"));
-    configBuilderGeneralSettingsTable->setAccessibleName(tr("Settings groups"));
-    configBuilderGametypeSettingsTable->setObjectName(QStringLiteral("configBuilderGametypeSettingsTable"));
-    configBuilderGametypeSettingsTable->setAccessibleName(tr("Gametypes"));
-    selectAllButton->setObjectName(QStringLiteral("selectAllButton"));
-    selectNoneButton->setObjectName(QStringLiteral("selectNoneButton"));
-    configSummaryLabel->setObjectName(QStringLiteral("configSummaryLabel"));
-    configSummaryLabel->setTextFormat(Qt::PlainText);
-    configSummaryLabel->setWordWrap(true);
-    saveConfigButton->setObjectName(QStringLiteral("saveConfigButton"));
-    loadConfigButton->setObjectName(QStringLiteral("loadConfigButton"));
-    loadConfigButton->setToolTip(tr("Writes every variable of a file to the server"));
-    compareConfigButton->setObjectName(QStringLiteral("compareConfigButton"));
-    compareConfigButton->setToolTip(tr("Shows what a file would change before anything is written"));
-}
-
+// The Tab key goes through the controls in the order in which they are made.
 void ConfigBuilderView::layOut()
 {
     auto *guide = new QLabel(tr("Select what goes into the file. The sections of each table stand there in the order "
@@ -78,16 +63,23 @@ void ConfigBuilderView::layOut()
     auto *tables = new QHBoxLayout;
     tables->addWidget(configBuilderGeneralSettingsTable);
     tables->addWidget(configBuilderGametypeSettingsTable);
+    auto *selectAllButton = named("selectAllButton", new QPushButton(tr("Select All"), this));
+    connect(selectAllButton, &QPushButton::clicked, this, &ConfigBuilderView::selectAllRows);
+    auto *selectNoneButton = named("selectNoneButton", new QPushButton(tr("Select None"), this));
+    connect(selectNoneButton, &QPushButton::clicked, this, &ConfigBuilderView::selectNoRows);
+    configSummaryLabel = named("configSummaryLabel", new QLabel(this));
+    configSummaryLabel->setTextFormat(Qt::PlainText);
+    configSummaryLabel->setWordWrap(true);
     auto *choosing = new QHBoxLayout;
     choosing->addWidget(selectAllButton);
     choosing->addWidget(selectNoneButton);
     choosing->addSpacing(12);
     choosing->addWidget(configSummaryLabel, 1);
     auto *files = new QHBoxLayout;
-    files->addWidget(saveConfigButton);
+    files->addWidget(new ActionButton(m_saveAction, "saveConfigButton", this));
     files->addSpacing(12);
-    files->addWidget(loadConfigButton);
-    files->addWidget(compareConfigButton);
+    files->addWidget(new ActionButton(m_loadAction, "loadConfigButton", this));
+    files->addWidget(new ActionButton(m_compareAction, "compareConfigButton", this));
     files->addStretch();
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(guide);
@@ -97,13 +89,8 @@ void ConfigBuilderView::layOut()
     setFocusProxy(configBuilderGeneralSettingsTable);
 }
 
-void ConfigBuilderView::connectControls()
+void ConfigBuilderView::connectParts()
 {
-    connect(saveConfigButton, &QPushButton::clicked, this, &ConfigBuilderView::saveConfigButtonPressed);
-    connect(loadConfigButton, &QPushButton::clicked, this, &ConfigBuilderView::loadConfigButtonPressed);
-    connect(compareConfigButton, &QPushButton::clicked, this, &ConfigBuilderView::compareConfigButtonPressed);
-    connect(selectAllButton, &QPushButton::clicked, this, &ConfigBuilderView::selectAllRows);
-    connect(selectNoneButton, &QPushButton::clicked, this, &ConfigBuilderView::selectNoRows);
     for (SectionTable *table : {configBuilderGeneralSettingsTable, configBuilderGametypeSettingsTable})
         connect(table, &SectionTable::choiceChanged, this, &ConfigBuilderView::updateSummary);
     connect(&m_settings, &KelSettings::sortedSettingsValuesChanged, this, &ConfigBuilderView::showCatalogues);
@@ -113,7 +100,7 @@ void ConfigBuilderView::connectControls()
     m_refreshing.setSingleShot(true);
     m_refreshing.setInterval(std::chrono::milliseconds(200));
     connect(&m_refreshing, &QTimer::timeout, this, &ConfigBuilderView::showCatalogues);
-    connect(&m_server, &KelServer::isConnectedChanged, this, &ConfigBuilderView::updateButtons);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &ConfigBuilderView::updateControls);
     connect(m_loading.get(), &ConfigurationLoading::isUnderWayChanged, this, &ConfigBuilderView::followTask);
     connect(m_pending.get(), &PendingDvars::isUnderWayChanged, this, &ConfigBuilderView::followTask);
 }
@@ -140,7 +127,7 @@ void ConfigBuilderView::showCatalogues()
     configBuilderGeneralSettingsTable->showLists(m_settings.sortedSettingsValues(), dvars);
     configBuilderGametypeSettingsTable->showLists(m_gametypes.listedGametypes(), dvars);
     updateSummary();
-    updateButtons();
+    updateControls();
 }
 
 void ConfigBuilderView::updateSummary()
@@ -158,22 +145,20 @@ void ConfigBuilderView::updateSummary()
 void ConfigBuilderView::followTask(bool isUnderWay)
 {
     QWidget *focused = window()->focusWidget();
-    const QList<QWidget *> buttons{saveConfigButton, loadConfigButton, compareConfigButton};
     if (isUnderWay)
-        m_focusedBefore = buttons.contains(focused) ? focused : nullptr;
-    updateButtons();
+        m_focusedBefore = qobject_cast<ActionButton *>(focused) != nullptr && isAncestorOf(focused) ? focused : nullptr;
+    updateControls();
     if (!isUnderWay && m_focusedBefore != nullptr)
         m_focusedBefore->setFocus();
 }
 
-void ConfigBuilderView::updateButtons()
+void ConfigBuilderView::updateControls()
 {
     const bool isConnected = m_server.isConnected();
     const bool isWaiting = m_pending->isUnderWay();
-    saveConfigButton->setEnabled(!m_server.dvarList().isEmpty() &&
-                                 !isWaiting); // values that were fetched can be saved after a disconnect
-    for (QPushButton *button : {loadConfigButton, compareConfigButton})
-        button->setEnabled(isConnected && !isWaiting && !m_loading->isUnderWay());
+    m_saveAction->setEnabled(!m_server.dvarList().isEmpty() && !isWaiting); // also when the server has gone
+    for (QAction *action : {m_loadAction, m_compareAction})
+        action->setEnabled(isConnected && !isWaiting && !m_loading->isUnderWay());
     configBuilderGeneralSettingsTable->setPlaceholder(
         isConnected ? tr("The catalogue has no groups.") : tr("Not connected. Connect to a server to see its groups."));
     configBuilderGametypeSettingsTable->setPlaceholder(
@@ -298,7 +283,7 @@ QCoro::Task<> ConfigBuilderView::compare(QString path)
 
 void ConfigBuilderView::showComparison(const ConfigurationComparison &comparison, const QString &fileName)
 {
-    auto *compareWindow = new CompareWindow(comparison, fileName, window());
+    auto *compareWindow = new CompareWindow(comparison, fileName, m_preferences, window());
     connect(compareWindow, &CompareWindow::loadRequested, this,
             [this](const QList<ConfigurationEntry> &entries) { m_actions.start(m_loading->loadEntries(entries)); });
     // The comparison shows values that the server has no longer.
@@ -321,35 +306,11 @@ void ConfigBuilderView::selectNoRows()
 
 void ConfigBuilderView::fillMenu(QMenu &menu)
 {
-    addButtonAction(menu, tr("&Save Config…"), QKeySequence(), saveConfigButton);
-    addButtonAction(menu, tr("&Load Config…"), QKeySequence(), loadConfigButton);
-    addButtonAction(menu, tr("&Compare With File…"), QKeySequence(), compareConfigButton);
+    menu.addActions({m_saveAction, m_loadAction, m_compareAction});
 }
 
 void ConfigBuilderView::setInFront(bool isInFront)
 {
     if (isInFront && ++m_visits == 2)
         selectAllRows();
-}
-
-static QString groupsKey()
-{
-    return QStringLiteral("window/configGroups");
-}
-
-static QString gametypesKey()
-{
-    return QStringLiteral("window/configGametypes");
-}
-
-void ConfigBuilderView::restoreLayout(const Preferences &preferences)
-{
-    restoreColumns(preferences, groupsKey(), *configBuilderGeneralSettingsTable->horizontalHeader());
-    restoreColumns(preferences, gametypesKey(), *configBuilderGametypeSettingsTable->horizontalHeader());
-}
-
-void ConfigBuilderView::saveLayout(Preferences &preferences) const
-{
-    saveColumns(preferences, groupsKey(), *configBuilderGeneralSettingsTable->horizontalHeader());
-    saveColumns(preferences, gametypesKey(), *configBuilderGametypeSettingsTable->horizontalHeader());
 }

@@ -22,9 +22,10 @@ class KelGametype;
 class KelServer;
 class KelSettings;
 class PendingDvars;
+class Preferences;
 class ProgressWindowController;
+class QAction;
 class QLabel;
-class QPushButton;
 class SectionTable;
 
 /// Writes the server's settings into a configuration file, and loads such a file into the server or compares it.
@@ -34,7 +35,8 @@ class ConfigBuilderView : public TabPage
 public:
     /// Everything handed in outlives the view, and the view outlives the actions that it starts.
     ConfigBuilderView(KelServer &server, ActionQueue &actions, Alerts &alerts, DvarFetcher &fetcher,
-                      KelSettings &settings, KelGametype &gametypes, QWidget *parent = nullptr);
+                      Preferences &preferences, KelSettings &settings, KelGametype &gametypes,
+                      QWidget *parent = nullptr);
     ~ConfigBuilderView() override;
 
     /// Writes `content` to `path`, with the extension "cfg" if it has another or none; asks first if the file exists.
@@ -43,8 +45,6 @@ public:
     void fillMenu(QMenu &menu) override;
     /// The second visit selects all rows.
     void setInFront(bool isInFront) override;
-    void restoreLayout(const Preferences &preferences) override;
-    void saveLayout(Preferences &preferences) const override;
 
 public slots:
     void saveConfigButtonPressed();
@@ -57,15 +57,14 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
-    void nameControls();
     void layOut();
-    void connectControls();
+    void connectParts();
     void showCatalogues();
     void showSoon();
     void updateSummary();
     /// A button that is grey for the time of a loading, or of a waiting for values, gets the focus back.
     void followTask(bool isUnderWay);
-    void updateButtons();
+    void updateControls();
     /// What is selected, with the values as the session holds them now.
     ConfigurationContent selectedContent() const;
     ConfigurationContent everything() const;
@@ -79,19 +78,18 @@ private:
     QCoro::Task<> compare(QString path);
     void showComparison(const ConfigurationComparison &comparison, const QString &fileName);
 
+    QAction *m_saveAction;
+    QAction *m_loadAction;
+    QAction *m_compareAction;
     SectionTable *configBuilderGeneralSettingsTable;
     SectionTable *configBuilderGametypeSettingsTable;
-    QPushButton *selectAllButton;
-    QPushButton *selectNoneButton;
-    QLabel *configSummaryLabel; ///< what saving would write
-    QPushButton *saveConfigButton;
-    QPushButton *loadConfigButton;
-    QPushButton *compareConfigButton;
+    QLabel *configSummaryLabel = nullptr; ///< what saving would write
 
     KelServer &m_server;
     ActionQueue &m_actions;
     Alerts &m_alerts;
     DvarFetcher &m_fetcher;
+    Preferences &m_preferences;
     KelSettings &m_settings;
     KelGametype &m_gametypes;
     std::unique_ptr<ProgressWindowController> m_progressWindowController; ///< of the loading

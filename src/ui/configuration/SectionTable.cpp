@@ -22,10 +22,8 @@ SectionTable::SectionTable(const QString &title, QWidget *parent)
 {
     setModel(controller->arranged());
     setSelectionModel(controller->selection());
-    horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder); // unsorted at first: the catalogue's order
-    setSortingEnabled(true);
-    horizontalHeader()->setStretchLastSection(false);
-    horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+    sortOnDemand(false); // the order is the catalogue's
+    setStretchedColumn(0);
     horizontalHeader()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     connect(controller->selection(), &QItemSelectionModel::selectionChanged, this, &SectionTable::selectionDidChange);
 }

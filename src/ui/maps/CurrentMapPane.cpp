@@ -1,77 +1,59 @@
 #include "CurrentMapPane.h"
 
+#include "ActionButton.h"
 #include "ActionQueue.h"
-#include "ButtonAction.h"
 #include "ElidingField.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
 #include "KelServer.h"
-#include "Preferences.h"
+#include "Named.h"
+#include "RefreshTimer.h"
 #include "RotationText.h"
 #include "ServerAction.h"
 #include "TitleLabel.h"
 
 #include <QAction>
-#include <QCheckBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QKeySequence>
 #include <QLabel>
-#include <QPushButton>
-#include <QSpinBox>
 #include <QVBoxLayout>
-
-#include <chrono>
 
 CurrentMapPane::CurrentMapPane(KelServer &server, ActionQueue &actions, Preferences &preferences,
                                const GameCatalogues &catalogues, QWidget *parent)
-    : QWidget(parent), currentGameTypeField(new ElidingField(this)), currentMapField(new ElidingField(this)),
-      refreshCurrentMapButton(new QPushButton(tr("Refresh"), this)),
-      restartMapButton(new QPushButton(tr("Restart Map"), this)),
-      fastRestartMapButton(new QPushButton(tr("Fast Restart"), this)),
-      startNextMapButton(new QPushButton(tr("Next Map"), this)),
-      autoupdateMaps(new QCheckBox(tr("Refresh every"), this)), autoupdateMapsInterval(new QSpinBox(this)),
-      autoupdateMapsTimer(new QTimer(this)), m_server(server), m_actions(actions), m_preferences(preferences),
-      m_gametypes(catalogues.gametypes), m_maps(catalogues.maps)
+    : QWidget(parent),
+      currentGameTypeField(named("currentGameTypeField", new ElidingField(this), tr("Current gametype"))),
+      currentMapField(named("currentMapField", new ElidingField(this), tr("Current map"))),
+      m_refreshAction(
+          makeAction(this, tr("&Refresh"), &CurrentMapPane::refreshCurrentMapButtonPressed, QKeySequence::Refresh)),
+      m_restartAction(makeAction(this, tr("Restart &Map"), &CurrentMapPane::restartMapButtonPressed)),
+      m_fastRestartAction(makeAction(this, tr("&Fast Restart"), &CurrentMapPane::fastRestartMapButtonPressed)),
+      m_nextMapAction(makeAction(this, tr("Ne&xt Map"), &CurrentMapPane::startNextMapButtonPressed)), m_server(server),
+      m_actions(actions), m_gametypes(catalogues.gametypes), m_maps(catalogues.maps)
 {
     setObjectName(QStringLiteral("currentMapPane"));
-    nameControls();
-    layOut();
-    connectControls();
+    setInFront(false);
+    layOut(preferences);
+    connect(m_refreshTimer, &RefreshTimer::due, this, &CurrentMapPane::updateMapsTimer);
+    connect(&m_server, &KelServer::connectionBegan, this, &CurrentMapPane::forgetServer);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &CurrentMapPane::connectionDidChange);
     connectionDidChange(m_server.isConnected());
 }
 
-void CurrentMapPane::nameControls()
-{
-    currentGameTypeField->setObjectName(QStringLiteral("currentGameTypeField"));
-    currentGameTypeField->setAccessibleName(tr("Current gametype"));
-    currentMapField->setObjectName(QStringLiteral("currentMapField"));
-    currentMapField->setAccessibleName(tr("Current map"));
-    for (ElidingField *field : {currentGameTypeField, currentMapField})
-        field->setPlaceholderText(tr("Unknown"));
-    refreshCurrentMapButton->setObjectName(QStringLiteral("refreshCurrentMapButton"));
-    restartMapButton->setObjectName(QStringLiteral("restartMapButton"));
-    fastRestartMapButton->setObjectName(QStringLiteral("fastRestartMapButton"));
-    startNextMapButton->setObjectName(QStringLiteral("startNextMapButton"));
-    autoupdateMaps->setObjectName(QStringLiteral("autoupdateMaps"));
-    autoupdateMaps->setChecked(m_preferences.boolValue(QStringLiteral("autoupdateMaps")));
-    autoupdateMapsInterval->setObjectName(QStringLiteral("autoupdateMapsInterval"));
-    autoupdateMapsInterval->setAccessibleName(tr("Map refresh interval"));
-    autoupdateMapsInterval->setRange(1, 86400);
-    autoupdateMapsInterval->setSuffix(tr(" s"));
-    autoupdateMapsInterval->setValue(m_preferences.intValue(QStringLiteral("autoupdateMapsInterval"), 1, 86400));
-    autoupdateMapsTimer->setObjectName(QStringLiteral("autoupdateMapsTimer"));
-}
-
-void CurrentMapPane::layOut()
+// The Tab key goes through the controls in the order in which they are made.
+void CurrentMapPane::layOut(Preferences &preferences)
 {
     auto *buttons = new QHBoxLayout;
-    for (QPushButton *button : {refreshCurrentMapButton, restartMapButton, fastRestartMapButton, startNextMapButton})
-        buttons->addWidget(button);
-    buttons->insertSpacing(1, 12);
+    buttons->addWidget(new ActionButton(m_refreshAction, "refreshCurrentMapButton", this));
+    buttons->addSpacing(12);
+    buttons->addWidget(new ActionButton(m_restartAction, "restartMapButton", this));
+    buttons->addWidget(new ActionButton(m_fastRestartAction, "fastRestartMapButton", this));
+    buttons->addWidget(new ActionButton(m_nextMapAction, "startNextMapButton", this));
     buttons->addStretch();
-    buttons->addWidget(autoupdateMaps);
-    buttons->addWidget(autoupdateMapsInterval);
+    m_refreshTimer = new RefreshTimer(preferences,
+                                      {QStringLiteral("autoupdateMaps"), QStringLiteral("autoupdateMapsInterval"),
+                                       QStringLiteral("autoupdateMapsTimer"), tr("Map refresh interval")},
+                                      this);
+    buttons->addWidget(m_refreshTimer);
 
     auto *current = new QGridLayout;
     current->addWidget(titleOf(tr("Current gametype"), currentGameTypeField), 0, 0);
@@ -79,6 +61,8 @@ void CurrentMapPane::layOut()
     current->addWidget(titleOf(tr("Current map"), currentMapField), 1, 0);
     current->addWidget(currentMapField, 1, 1);
     current->setColumnStretch(1, 1);
+    for (ElidingField *field : {currentGameTypeField, currentMapField})
+        field->setPlaceholderText(tr("Unknown"));
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -87,36 +71,15 @@ void CurrentMapPane::layOut()
     layout->addLayout(current);
 }
 
-void CurrentMapPane::connectControls()
+QList<QAction *> CurrentMapPane::menuActions() const
 {
-    connect(&m_server, &KelServer::connectionBegan, this, &CurrentMapPane::forgetServer);
-    connect(&m_server, &KelServer::isConnectedChanged, this, &CurrentMapPane::connectionDidChange);
-    connect(refreshCurrentMapButton, &QPushButton::clicked, this, &CurrentMapPane::refreshCurrentMapButtonPressed);
-    connect(restartMapButton, &QPushButton::clicked, this, &CurrentMapPane::restartMapButtonPressed);
-    connect(fastRestartMapButton, &QPushButton::clicked, this, &CurrentMapPane::fastRestartMapButtonPressed);
-    connect(startNextMapButton, &QPushButton::clicked, this, &CurrentMapPane::startNextMapButtonPressed);
-    connect(autoupdateMaps, &QCheckBox::toggled, this, [this](bool isOn) {
-        m_preferences.setValue(QStringLiteral("autoupdateMaps"), isOn);
-        autoupdateMapsChanged();
-    });
-    connect(autoupdateMapsInterval, &QSpinBox::valueChanged, this, [this](int seconds) {
-        m_preferences.setValue(QStringLiteral("autoupdateMapsInterval"), seconds);
-        autoupdateMapsChanged();
-    });
-    connect(autoupdateMapsTimer, &QTimer::timeout, this, &CurrentMapPane::updateMapsTimer);
-}
-
-void CurrentMapPane::fillMenu(QMenu &menu)
-{
-    m_refreshAction = addRefreshAction(menu, refreshCurrentMapButton);
-    addButtonAction(menu, tr("Restart &Map"), QKeySequence(), restartMapButton);
-    addButtonAction(menu, tr("&Fast Restart"), QKeySequence(), fastRestartMapButton);
-    addButtonAction(menu, tr("Ne&xt Map"), QKeySequence(), startNextMapButton);
+    return {m_refreshAction, m_restartAction, m_fastRestartAction, m_nextMapAction};
 }
 
 void CurrentMapPane::setInFront(bool isInFront)
 {
-    setActsInWindow(m_refreshAction, isInFront);
+    // Other pages have the same key.
+    m_refreshAction->setShortcutContext(isInFront ? Qt::WindowShortcut : Qt::WidgetShortcut);
 }
 
 void CurrentMapPane::showGametype(const QString &name)
@@ -137,8 +100,8 @@ void CurrentMapPane::forgetServer()
 
 void CurrentMapPane::connectionDidChange(bool isConnected)
 {
-    for (QPushButton *button : {refreshCurrentMapButton, restartMapButton, fastRestartMapButton, startNextMapButton})
-        button->setEnabled(isConnected);
+    for (QAction *action : menuActions())
+        action->setEnabled(isConnected);
     if (!isConnected)
         forgetServer();
 }
@@ -204,17 +167,17 @@ QCoro::Task<std::optional<QString>> CurrentMapPane::updateMap()
 
 void CurrentMapPane::restartMapButtonPressed()
 {
-    m_actions.start(command(QStringLiteral("map_restart"), restartMapButton->text()));
+    m_actions.start(command(QStringLiteral("map_restart"), m_restartAction->iconText()));
 }
 
 void CurrentMapPane::fastRestartMapButtonPressed()
 {
-    m_actions.start(command(QStringLiteral("fast_restart"), fastRestartMapButton->text()));
+    m_actions.start(command(QStringLiteral("fast_restart"), m_fastRestartAction->iconText()));
 }
 
 void CurrentMapPane::startNextMapButtonPressed()
 {
-    m_actions.start(command(QStringLiteral("map_rotate"), startNextMapButton->text()));
+    m_actions.start(command(QStringLiteral("map_rotate"), m_nextMapAction->iconText()));
 }
 
 QCoro::Task<> CurrentMapPane::command(QString line, QString name)
@@ -222,19 +185,4 @@ QCoro::Task<> CurrentMapPane::command(QString line, QString name)
     ServerAction action(m_server, m_actions, {.action = name});
     co_await action.begin();
     co_await action.send(line);
-}
-
-void CurrentMapPane::autoupdateMapsChanged()
-{
-    stopAutoupdateMapsTimer();
-    if (!m_preferences.boolValue(QStringLiteral("autoupdateMaps")))
-        return;
-    const int seconds = m_preferences.intValue(QStringLiteral("autoupdateMapsInterval"),
-                                               autoupdateMapsInterval->minimum(), autoupdateMapsInterval->maximum());
-    autoupdateMapsTimer->start(std::chrono::seconds(seconds));
-}
-
-void CurrentMapPane::stopAutoupdateMapsTimer()
-{
-    autoupdateMapsTimer->stop();
 }

@@ -4,8 +4,7 @@
 
 #include <QCoroTask>
 
-#include <QPointer>
-#include <QTimer>
+#include <QList>
 #include <QWidget>
 
 #include <optional>
@@ -15,10 +14,7 @@ class ElidingField;
 class KelServer;
 class Preferences;
 class QAction;
-class QCheckBox;
-class QMenu;
-class QPushButton;
-class QSpinBox;
+class RefreshTimer;
 
 /// What the server plays, the commands that start it anew or end it, and the timer that asks for it again and again.
 class CurrentMapPane : public QWidget
@@ -37,16 +33,16 @@ public:
     /// The same for the map.
     QCoro::Task<std::optional<QString>> updateMap();
 
-    void fillMenu(QMenu &menu);
+    /// For the menu, in this order.
+    QList<QAction *> menuActions() const;
+    /// Asks again and again from now on, as the user wants it.
+    RefreshTimer &refreshTimer() { return *m_refreshTimer; }
     /// Whether the key of "Refresh" is the pane's in the whole window.
     void setInFront(bool isInFront);
 
 public slots:
     void showGametype(const QString &name);
     void showMap(const QString &name);
-    /// Starts the refresh timer anew as the preferences say, or stops it.
-    void autoupdateMapsChanged();
-    void stopAutoupdateMapsTimer();
     void updateMapsTimer();
     void refreshCurrentMapButtonPressed();
     void restartMapButtonPressed();
@@ -54,9 +50,7 @@ public slots:
     void startNextMapButtonPressed();
 
 private:
-    void nameControls();
-    void layOut();
-    void connectControls();
+    void layOut(Preferences &preferences);
     void forgetServer();
     void connectionDidChange(bool isConnected);
     QCoro::Task<> refresh(bool wasAnswering);
@@ -65,19 +59,15 @@ private:
 
     ElidingField *currentGameTypeField;
     ElidingField *currentMapField;
-    QPushButton *refreshCurrentMapButton;
-    QPushButton *restartMapButton;
-    QPushButton *fastRestartMapButton;
-    QPushButton *startNextMapButton;
-    QCheckBox *autoupdateMaps;
-    QSpinBox *autoupdateMapsInterval;
-    QTimer *autoupdateMapsTimer;
+    RefreshTimer *m_refreshTimer = nullptr;
+    QAction *m_refreshAction;
+    QAction *m_restartAction;
+    QAction *m_fastRestartAction;
+    QAction *m_nextMapAction;
 
     KelServer &m_server;
     ActionQueue &m_actions;
-    Preferences &m_preferences;
     KelGametype &m_gametypes;
     KelMapList &m_maps;
-    QPointer<QAction> m_refreshAction; ///< in the menu
     bool m_isRefreshWaiting = false;
 };

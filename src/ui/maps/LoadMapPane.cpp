@@ -1,22 +1,21 @@
 #include "LoadMapPane.h"
 
+#include "ActionButton.h"
 #include "ActionQueue.h"
 #include "Alerts.h"
-#include "ButtonAction.h"
 #include "DvarSettingList.h"
-#include "EmptyHint.h"
+#include "Hint.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
 #include "KelServer.h"
+#include "Named.h"
 #include "ServerAction.h"
 #include "TitleLabel.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
-#include <QKeySequence>
 #include <QLabel>
 #include <QListView>
-#include <QPushButton>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -30,58 +29,17 @@ static QString nameOf(const MapInst &map)
 
 LoadMapPane::LoadMapPane(KelServer &server, ActionQueue &actions, Alerts &alerts, const GameCatalogues &catalogues,
                          QWidget *parent)
-    : QWidget(parent), gametypePopUpButton(new QComboBox(this)), mapListView(new QListView(this)),
+    : QWidget(parent), gametypePopUpButton(named("gametypePopUpButton", new QComboBox(this), tr("Gametype"))),
+      mapListView(named("mapListView", new QListView(this), tr("Maps"))),
       mapListController(new ArrayController<MapInst>({{tr("Map"), nameOf, nullptr}}, nameOf, this)),
-      loadMapButton(new QPushButton(tr("Load Map"), this)), m_server(server), m_actions(actions), m_alerts(alerts),
-      m_gametypes(catalogues.gametypes), m_maps(catalogues.maps)
+      m_loadAction(makeAction(this, tr("&Load Map"), &LoadMapPane::loadMapButtonPressed)), m_server(server),
+      m_actions(actions), m_alerts(alerts), m_gametypes(catalogues.gametypes), m_maps(catalogues.maps)
 {
     setObjectName(QStringLiteral("loadMapPane"));
-    nameControls();
+    m_loadAction->setToolTip(tr("Start the selected map with the gametype above"));
     layOut();
     gametypeListDidChange();
     mapListDidChange();
-    connectControls();
-}
-
-void LoadMapPane::nameControls()
-{
-    gametypePopUpButton->setObjectName(QStringLiteral("gametypePopUpButton"));
-    gametypePopUpButton->setAccessibleName(tr("Gametype"));
-    gametypePopUpButton->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    gametypePopUpButton->setMinimumContentsLength(14);
-    gametypePopUpButton->setMaxVisibleItems(20);
-    gametypePopUpButton->setPlaceholderText(tr("None yet"));
-    mapListView->setObjectName(QStringLiteral("mapListView"));
-    mapListView->setAccessibleName(tr("Maps"));
-    mapListView->setModel(mapListController->arranged());
-    mapListView->setSelectionModel(mapListController->selection());
-    mapListView->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    mapListView->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    mapListView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // long names end in an ellipsis
-    mapListView->setUniformItemSizes(true);
-    mapListView->setSpacing(2);
-    auto *hint = new EmptyHint(mapListView);
-    hint->setText(tr("The maps are listed here once you have connected to a server."));
-    loadMapButton->setObjectName(QStringLiteral("loadMapButton"));
-    loadMapButton->setToolTip(tr("Start the selected map with the gametype above"));
-}
-
-void LoadMapPane::layOut()
-{
-    auto *gametype = new QHBoxLayout;
-    gametype->addWidget(titleOf(tr("Gametype"), gametypePopUpButton));
-    gametype->addWidget(gametypePopUpButton, 1);
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addLayout(gametype);
-    layout->addWidget(titleOf(tr("Maps"), mapListView));
-    layout->addWidget(mapListView, 1);
-    layout->addWidget(loadMapButton);
-}
-
-void LoadMapPane::connectControls()
-{
-    connect(loadMapButton, &QPushButton::clicked, this, &LoadMapPane::loadMapButtonPressed);
     connect(gametypePopUpButton, &QComboBox::currentIndexChanged, this, &LoadMapPane::choiceDidChange);
     connect(mapListController->selection(), &QItemSelectionModel::selectionChanged, this,
             &LoadMapPane::choiceDidChange);
@@ -92,14 +50,35 @@ void LoadMapPane::connectControls()
     connect(&m_server, &KelServer::isConnectedChanged, this, &LoadMapPane::choiceDidChange);
 }
 
+void LoadMapPane::layOut()
+{
+    gametypePopUpButton->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    gametypePopUpButton->setMinimumContentsLength(14);
+    gametypePopUpButton->setMaxVisibleItems(20);
+    gametypePopUpButton->setPlaceholderText(tr("None yet"));
+    mapListView->setModel(mapListController->arranged());
+    mapListView->setSelectionModel(mapListController->selection());
+    mapListView->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    mapListView->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    mapListView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // long names end in an ellipsis
+    mapListView->setUniformItemSizes(true);
+    mapListView->setSpacing(2);
+    auto *hint = new Hint(mapListView);
+    hint->showText(tr("The maps are listed here once you have connected to a server."));
+    auto *gametype = new QHBoxLayout;
+    gametype->addWidget(titleOf(tr("Gametype"), gametypePopUpButton));
+    gametype->addWidget(gametypePopUpButton, 1);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(gametype);
+    layout->addWidget(titleOf(tr("Maps"), mapListView));
+    layout->addWidget(mapListView, 1);
+    layout->addWidget(new ActionButton(m_loadAction, "loadMapButton", this));
+}
+
 QWidget *LoadMapPane::focusTarget() const
 {
     return mapListView;
-}
-
-void LoadMapPane::fillMenu(QMenu &menu)
-{
-    addButtonAction(menu, tr("&Load Map"), QKeySequence(), loadMapButton);
 }
 
 void LoadMapPane::gametypeListDidChange()
@@ -137,7 +116,7 @@ LoadMapPane::Choice LoadMapPane::choice() const
 
 void LoadMapPane::choiceDidChange()
 {
-    loadMapButton->setEnabled(m_server.isConnected() && choice().isComplete());
+    m_loadAction->setEnabled(m_server.isConnected() && choice().isComplete());
 }
 
 void LoadMapPane::loadMapButtonPressed()

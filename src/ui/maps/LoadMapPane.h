@@ -11,10 +11,9 @@
 class ActionQueue;
 class Alerts;
 class KelServer;
+class QAction;
 class QComboBox;
 class QListView;
-class QMenu;
-class QPushButton;
 
 /// The gametypes and maps of the catalogues, one of each to choose, and the button that makes the server play them.
 class LoadMapPane : public QWidget
@@ -29,7 +28,8 @@ public:
     /// before the pane, would jump to it and leave out what stands above.
     QWidget *focusTarget() const;
 
-    void fillMenu(QMenu &menu);
+    /// For the menu.
+    QAction *loadAction() const { return m_loadAction; }
 
 public slots:
     void loadMapButtonPressed();
@@ -49,9 +49,7 @@ private:
         bool isComplete() const { return !gametypeDvarName.isEmpty() && !map.dvarName.isEmpty(); }
     };
 
-    void nameControls();
     void layOut();
-    void connectControls();
     void gametypeListDidChange();
     void mapListDidChange();
     void choiceDidChange();
@@ -64,7 +62,7 @@ private:
     QComboBox *gametypePopUpButton;
     QListView *mapListView;
     ArrayController<MapInst> *mapListController;
-    QPushButton *loadMapButton;
+    QAction *m_loadAction;
 
     KelServer &m_server;
     ActionQueue &m_actions;

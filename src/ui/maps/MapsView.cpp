@@ -1,8 +1,8 @@
 #include "MapsView.h"
 
+#include "ActionButton.h"
 #include "ActionQueue.h"
 #include "Alerts.h"
-#include "ButtonAction.h"
 #include "CurrentMapPane.h"
 #include "DvarSettingList.h"
 #include "KelGametype.h"
@@ -11,24 +11,18 @@
 #include "KelServer.h"
 #include "LoadMapPane.h"
 #include "MapGametypePairWindowController.h"
+#include "RefreshTimer.h"
 #include "RotationPane.h"
 #include "ServerAction.h"
 #include "ServerRotationPane.h"
 
 #include <QHBoxLayout>
 #include <QHash>
-#include <QKeySequence>
 #include <QMenu>
-#include <QPushButton>
 #include <QRegularExpression>
 #include <QVBoxLayout>
 
 #include <optional>
-
-static QString builderColumnsKey()
-{
-    return QStringLiteral("window/rotationBuilder");
-}
 
 // The Tab key goes through the panes in the order in which they are made: top to bottom, left to right.
 MapsView::MapsView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
@@ -37,28 +31,28 @@ MapsView::MapsView(KelServer &server, ActionQueue &actions, Alerts &alerts, Pref
       loadMapPane(new LoadMapPane(server, actions, alerts, catalogues, this)),
       serverRotationPane(new ServerRotationPane(server, catalogues, this)),
       rotationPane(new RotationPane(rotations, mapRotationLabels(), actions, alerts, this)),
-      addMapButton(new QPushButton(tr("Add Map…"), this)),
-      setBuiltRotationButton(new QPushButton(tr("Set on Server"), this)), m_server(server), m_actions(actions),
-      m_alerts(alerts), m_gametypes(catalogues.gametypes), m_maps(catalogues.maps), m_rotations(rotations)
+      m_addMapAction(makeAction(this, tr("&Add Map…"), &MapsView::addMapToRotationMenuItemClicked)),
+      m_setRotationAction(makeAction(this, tr("Set Rotation &on Server"), &MapsView::setBuiltRotationButtonPressed)),
+      m_server(server), m_actions(actions), m_alerts(alerts), m_gametypes(catalogues.gametypes),
+      m_maps(catalogues.maps), m_rotations(rotations)
 {
     setFocusProxy(loadMapPane->focusTarget());
-    nameControls();
     layOut();
-    connectControls();
-}
-
-void MapsView::nameControls()
-{
-    addMapButton->setObjectName(QStringLiteral("addMapButton"));
-    setBuiltRotationButton->setObjectName(QStringLiteral("setBuiltRotationButton"));
-    setBuiltRotationButton->setToolTip(tr("Make this the server's rotation and start its first map"));
-    rotationPane->addButtonAtFront(addMapButton);
-    rotationPane->addButtonAtEnd(setBuiltRotationButton);
-    rotationPane->setTakeRows([this](const QList<QStringList> &rows) { return takeRows(rows); });
+    connect(loadMapPane, &LoadMapPane::gametypeSet, currentMapPane, &CurrentMapPane::showGametype);
+    connect(loadMapPane, &LoadMapPane::mapLoaded, currentMapPane, &CurrentMapPane::showMap);
+    connect(serverRotationPane, &ServerRotationPane::copyToBuilderRequested, this,
+            &MapsView::copyCurrentMapRotationToBuilderButtonPressed);
+    connect(&m_server, &KelServer::isConnectedChanged, m_setRotationAction, &QAction::setEnabled);
+    m_setRotationAction->setEnabled(m_server.isConnected());
 }
 
 void MapsView::layOut()
 {
+    m_setRotationAction->setIconText(tr("Set on Server"));
+    m_setRotationAction->setToolTip(tr("Make this the server's rotation and start its first map"));
+    rotationPane->addButtonAtFront(new ActionButton(m_addMapAction, "addMapButton", this));
+    rotationPane->addButtonAtEnd(new ActionButton(m_setRotationAction, "setBuiltRotationButton", this));
+    rotationPane->setTakeRows([this](const QList<QStringList> &rows) { return takeRows(rows); });
     auto *rotation = new QVBoxLayout;
     rotation->addWidget(serverRotationPane, 2);
     rotation->addSpacing(4);
@@ -73,26 +67,12 @@ void MapsView::layOut()
     layout->addLayout(below, 1);
 }
 
-void MapsView::connectControls()
-{
-    connect(loadMapPane, &LoadMapPane::gametypeSet, currentMapPane, &CurrentMapPane::showGametype);
-    connect(loadMapPane, &LoadMapPane::mapLoaded, currentMapPane, &CurrentMapPane::showMap);
-    connect(serverRotationPane, &ServerRotationPane::copyToBuilderRequested, this,
-            &MapsView::copyCurrentMapRotationToBuilderButtonPressed);
-    connect(addMapButton, &QPushButton::clicked, this, &MapsView::addMapToRotationMenuItemClicked);
-    connect(setBuiltRotationButton, &QPushButton::clicked, this, &MapsView::setBuiltRotationButtonPressed);
-    connect(&m_server, &KelServer::isConnectedChanged, setBuiltRotationButton, &QWidget::setEnabled);
-    setBuiltRotationButton->setEnabled(m_server.isConnected());
-}
-
 void MapsView::fillMenu(QMenu &menu)
 {
-    currentMapPane->fillMenu(menu);
-    loadMapPane->fillMenu(menu);
+    menu.addActions(currentMapPane->menuActions());
+    menu.addAction(loadMapPane->loadAction());
     menu.addSeparator();
-    serverRotationPane->fillMenu(menu);
-    addButtonAction(menu, tr("&Add Map…"), QKeySequence(), addMapButton);
-    addButtonAction(menu, tr("Set Rotation &on Server"), QKeySequence(), setBuiltRotationButton);
+    menu.addActions({serverRotationPane->copyAction(), m_addMapAction, m_setRotationAction});
 }
 
 PageDocument *MapsView::document()
@@ -131,24 +111,12 @@ QCoro::Task<> MapsView::fetchInTurns(quint64 connection)
             co_await serverRotationPane->updateRotation(*gametype);
     }
     if (m_server.isConnected() && connection == m_server.connection())
-        currentMapPane->autoupdateMapsChanged();
+        currentMapPane->refreshTimer().restart();
 }
 
 void MapsView::willDisconnect()
 {
-    currentMapPane->stopAutoupdateMapsTimer();
-}
-
-void MapsView::restoreLayout(const Preferences &preferences)
-{
-    serverRotationPane->restoreLayout(preferences);
-    rotationPane->restoreColumns(preferences, builderColumnsKey());
-}
-
-void MapsView::saveLayout(Preferences &preferences) const
-{
-    serverRotationPane->saveLayout(preferences);
-    rotationPane->saveColumns(preferences, builderColumnsKey());
+    currentMapPane->refreshTimer().stop();
 }
 
 QCoro::Task<> MapsView::updateMapList(int flags)

@@ -11,7 +11,8 @@ class KelMapRotation;
 class KelServer;
 class LoadMapPane;
 class MapGametypePairWindowController;
-class QPushButton;
+class Preferences;
+class QAction;
 class RotationPane;
 class ServerRotationPane;
 
@@ -40,8 +41,6 @@ public:
     void setInFront(bool isInFront) override;
     QCoro::Task<> didConnect() override;
     void willDisconnect() override;
-    void restoreLayout(const Preferences &preferences) override;
-    void saveLayout(Preferences &preferences) const override;
 
 public slots:
     void addMapToRotationMenuItemClicked();
@@ -53,9 +52,7 @@ public slots:
 private:
     /// What a fresh connection shows, with a turn for each query, so that any action gets in between.
     QCoro::Task<> fetchInTurns(quint64 connection);
-    void nameControls();
     void layOut();
-    void connectControls();
     /// @return whether the server is to be left without a rotation.
     QCoro::Task<bool> confirmEmptyRotation();
     QCoro::Task<> setBuiltRotation(QString rotation);
@@ -67,8 +64,8 @@ private:
     LoadMapPane *loadMapPane;
     ServerRotationPane *serverRotationPane;
     RotationPane *rotationPane;
-    QPushButton *addMapButton;
-    QPushButton *setBuiltRotationButton;
+    QAction *m_addMapAction;
+    QAction *m_setRotationAction;
     /// Made when it is opened for the first time.
     MapGametypePairWindowController *mapGametypePairWindowController = nullptr;
 

@@ -1,29 +1,21 @@
 #include "ServerRotationPane.h"
 
-#include "ButtonAction.h"
-#include "ColumnLayout.h"
+#include "ActionButton.h"
 #include "DvarSettingList.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
 #include "KelServer.h"
+#include "Named.h"
 #include "PlaceholderTable.h"
 #include "TitleLabel.h"
 
 #include <QHBoxLayout>
 #include <QHash>
-#include <QHeaderView>
-#include <QKeySequence>
 #include <QLabel>
-#include <QPushButton>
 #include <QSet>
 #include <QVBoxLayout>
 
 #include <utility>
-
-static QString columnsKey()
-{
-    return QStringLiteral("window/serverRotation");
-}
 
 static QList<ArrayController<RotationRow>::Column> rotationColumns()
 {
@@ -37,45 +29,32 @@ static QString rotationKey(const RotationRow &row)
 }
 
 ServerRotationPane::ServerRotationPane(KelServer &server, const GameCatalogues &catalogues, QWidget *parent)
-    : QWidget(parent), mapServerRotationTableView(new PlaceholderTable(this)),
+    : QWidget(parent), m_copyAction(makeAction(this, tr("&Copy Server's Rotation to Builder"),
+                                               &ServerRotationPane::copyToBuilderRequested)),
       mapServerRotationController(new ArrayController<RotationRow>(rotationColumns(), rotationKey, this)),
-      copyToBuilderButton(new QPushButton(tr("Copy to Builder"), this)), m_server(server),
-      m_gametypes(catalogues.gametypes), m_maps(catalogues.maps)
+      m_server(server), m_gametypes(catalogues.gametypes), m_maps(catalogues.maps)
 {
     setObjectName(QStringLiteral("serverRotationPane"));
-    nameControls();
+    m_copyAction->setIconText(tr("Copy to Builder"));
+    m_copyAction->setToolTip(tr("Put the server's rotation into the builder below"));
     layOut();
-    updatePlaceholder();
-    updateCopyButton();
-    connect(copyToBuilderButton, &QPushButton::clicked, this, &ServerRotationPane::copyToBuilderRequested);
-    connect(mapServerRotationController, &QAbstractItemModel::rowsInserted, this,
-            &ServerRotationPane::updateCopyButton);
-    connect(mapServerRotationController, &QAbstractItemModel::rowsRemoved, this, &ServerRotationPane::updateCopyButton);
+    updateControls();
+    connect(mapServerRotationController, &QAbstractItemModel::rowsInserted, this, &ServerRotationPane::updateControls);
+    connect(mapServerRotationController, &QAbstractItemModel::rowsRemoved, this, &ServerRotationPane::updateControls);
     connect(&m_server, &KelServer::connectionBegan, this, &ServerRotationPane::clear);
     connect(&m_server, &KelServer::isConnectedChanged, this, &ServerRotationPane::connectionDidChange);
 }
 
-void ServerRotationPane::nameControls()
-{
-    QHeaderView *header = mapServerRotationTableView->horizontalHeader();
-    mapServerRotationTableView->setObjectName(QStringLiteral("mapServerRotationTableView"));
-    mapServerRotationTableView->setAccessibleName(tr("Server rotation"));
-    mapServerRotationTableView->setModel(mapServerRotationController->arranged());
-    mapServerRotationTableView->setSelectionModel(mapServerRotationController->selection());
-    // The table starts in the server's order; a third click on a column title returns to it.
-    header->setSortIndicator(-1, Qt::AscendingOrder);
-    header->setSortIndicatorClearable(true);
-    mapServerRotationTableView->setSortingEnabled(true);
-    // Maps have the longer names.
-    header->setStretchLastSection(false);
-    header->setSectionResizeMode(0, QHeaderView::Stretch);
-    mapServerRotationTableView->setColumnWidth(1, 150);
-    copyToBuilderButton->setObjectName(QStringLiteral("copyToBuilderButton"));
-    copyToBuilderButton->setToolTip(tr("Put the server's rotation into the builder below"));
-}
-
+// The Tab key goes through the controls in the order in which they are made: top to bottom.
 void ServerRotationPane::layOut()
 {
+    auto *copyToBuilderButton = new ActionButton(m_copyAction, "copyToBuilderButton", this);
+    mapServerRotationTableView = named("mapServerRotationTableView", new PlaceholderTable(this), tr("Server rotation"));
+    mapServerRotationTableView->setModel(mapServerRotationController->arranged());
+    mapServerRotationTableView->setSelectionModel(mapServerRotationController->selection());
+    mapServerRotationTableView->sortOnDemand(true);    // the server's order is the one that counts
+    mapServerRotationTableView->setStretchedColumn(0); // maps have the longer names
+    mapServerRotationTableView->setColumnWidth(1, 150);
     auto *title = new QHBoxLayout;
     title->addWidget(titleOf(tr("Server rotation"), mapServerRotationTableView), 1);
     title->addWidget(copyToBuilderButton);
@@ -83,22 +62,6 @@ void ServerRotationPane::layOut()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(title);
     layout->addWidget(mapServerRotationTableView, 1);
-    setTabOrder(copyToBuilderButton, mapServerRotationTableView); // top to bottom
-}
-
-void ServerRotationPane::fillMenu(QMenu &menu)
-{
-    addButtonAction(menu, tr("&Copy Server's Rotation to Builder"), QKeySequence(), copyToBuilderButton);
-}
-
-void ServerRotationPane::restoreLayout(const Preferences &preferences)
-{
-    restoreColumns(preferences, columnsKey(), *mapServerRotationTableView->horizontalHeader());
-}
-
-void ServerRotationPane::saveLayout(Preferences &preferences) const
-{
-    saveColumns(preferences, columnsKey(), *mapServerRotationTableView->horizontalHeader());
 }
 
 void ServerRotationPane::clear()
@@ -149,19 +112,13 @@ void ServerRotationPane::connectionDidChange()
 {
     if (!m_server.isConnected())
         clear();
-    updatePlaceholder();
+    updateControls();
 }
 
-void ServerRotationPane::updateCopyButton()
+void ServerRotationPane::updateControls()
 {
-    copyToBuilderButton->setEnabled(mapServerRotationController->rowCount() > 0);
-}
-
-void ServerRotationPane::updatePlaceholder()
-{
-    if (m_server.isConnected())
-        mapServerRotationTableView->setPlaceholder(
-            tr("No map rotation is known. The server is asked for it with each connect."));
-    else
-        mapServerRotationTableView->setPlaceholder(tr("Not connected. Connect to a server to see its rotation."));
+    m_copyAction->setEnabled(mapServerRotationController->rowCount() > 0);
+    mapServerRotationTableView->setPlaceholder(
+        m_server.isConnected() ? tr("No map rotation is known. The server is asked for it with each connect.")
+                               : tr("Not connected. Connect to a server to see its rotation."));
 }

@@ -10,9 +10,7 @@
 
 class KelServer;
 class PlaceholderTable;
-class Preferences;
-class QMenu;
-class QPushButton;
+class QAction;
 
 /// The rotation that the server plays, as it told it at the connect or when it got a new one; empty without a
 /// connection.
@@ -32,25 +30,22 @@ public:
     /// In the server's order, however the table is sorted.
     QList<RotationRow> rows() const { return mapServerRotationController->content(); }
 
-    void fillMenu(QMenu &menu);
-    void restoreLayout(const Preferences &preferences);
-    void saveLayout(Preferences &preferences) const;
+    /// For the menu.
+    QAction *copyAction() const { return m_copyAction; }
 
 signals:
     /// rows() are wanted in the builder.
     void copyToBuilderRequested();
 
 private:
-    void nameControls();
     void layOut();
     void showRotation(const QString &rotation, const QString &gametype);
     void connectionDidChange();
-    void updateCopyButton();
-    void updatePlaceholder();
+    void updateControls();
 
-    PlaceholderTable *mapServerRotationTableView;
+    QAction *m_copyAction;
+    PlaceholderTable *mapServerRotationTableView = nullptr;
     ArrayController<RotationRow> *mapServerRotationController;
-    QPushButton *copyToBuilderButton;
 
     KelServer &m_server;
     KelGametype &m_gametypes;

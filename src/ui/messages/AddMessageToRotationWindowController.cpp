@@ -1,5 +1,6 @@
 #include "AddMessageToRotationWindowController.h"
 
+#include "Named.h"
 #include "Number.h"
 #include "UnsendableLabel.h"
 
@@ -10,23 +11,18 @@
 #include <QPushButton>
 
 AddMessageToRotationWindowController::AddMessageToRotationWindowController(AddMessage addMessage, QWidget *parent)
-    : QDialog(parent, Qt::Sheet), messageTextField(new QLineEdit(this)), durationTextField(new QLineEdit(this)),
-      addButton(new QPushButton(tr("Add"), this)), m_unsendableLabel(new UnsendableLabel(this)),
-      m_durationHint(new QLabel(this)), m_addMessage(std::move(addMessage))
+    : QDialog(parent, Qt::Sheet), messageTextField(named("messageTextField", new QLineEdit(this), tr("Message"))),
+      durationTextField(named("durationTextField", new QLineEdit(this), tr("Duration"))),
+      addButton(named("addButton", new QPushButton(tr("Add"), this))), m_unsendableLabel(new UnsendableLabel(this)),
+      m_durationHint(named("durationHint", new QLabel(this))), m_addMessage(std::move(addMessage))
 {
     setObjectName(QStringLiteral("AddMessageToRotationWindowController"));
     setWindowTitle(tr("Add Message"));
     setWindowModality(Qt::WindowModal);
-    messageTextField->setObjectName(QStringLiteral("messageTextField"));
-    messageTextField->setAccessibleName(tr("Message"));
     messageTextField->setMinimumWidth(fontMetrics().averageCharWidth() * 60);
-    durationTextField->setObjectName(QStringLiteral("durationTextField"));
-    durationTextField->setAccessibleName(tr("Duration"));
     durationTextField->setPlaceholderText(tr("seconds"));
     m_unsendableLabel->keepRoom();
-    m_durationHint->setObjectName(QStringLiteral("durationHint"));
     m_durationHint->setWordWrap(true);
-    addButton->setObjectName(QStringLiteral("addButton"));
     addButton->setDefault(true);
     auto *buttons = new QDialogButtonBox(this);
     buttons->addButton(addButton, QDialogButtonBox::ActionRole);

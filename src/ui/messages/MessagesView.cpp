@@ -1,19 +1,20 @@
 #include "MessagesView.h"
 
+#include "ActionButton.h"
 #include "ActionQueue.h"
 #include "AddMessageToRotationWindowController.h"
-#include "ButtonAction.h"
 #include "ColorPreview.h"
 #include "KelMessageRotation.h"
+#include "Named.h"
 #include "OnAirDelegate.h"
 #include "Preferences.h"
 #include "QuickMessageField.h"
 #include "RotationPane.h"
+#include "TitleLabel.h"
 #include "UnsendableLabel.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
-#include <QKeySequence>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
@@ -21,97 +22,78 @@
 
 #include <chrono>
 
-static QString columnsKey()
-{
-    return QStringLiteral("window/messages");
-}
-
-static QString loopKey()
-{
-    return QStringLiteral("checkBoxLoopMessages");
-}
-
 // The Tab key goes through the controls in the order in which they are made.
 MessagesView::MessagesView(KelMessageRotation &messages, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
                            QWidget *parent)
-    : TabPage(parent), rotationPane(new RotationPane(messages, messageRotationLabels(), actions, alerts, this)),
-      addMessageButton(new QPushButton(tr("Add Message…"), this)),
-      buttonStartMessageRotation(new QPushButton(tr("Start"), this)),
-      buttonStopMessageRotation(new QPushButton(tr("Stop"), this)),
-      checkBoxLoopMessages(new QCheckBox(tr("Loop"), this)), onAirLabel(new QLabel(this)),
-      quickMessageTextField(new QuickMessageField(this)), colorButton(new QPushButton(tr("Colour"), this)),
-      quickMessageButton(new QPushButton(tr("Send"), this)), colorPreview(new ColorPreview(this)),
-      unsendableLabel(new UnsendableLabel(this)), m_messages(messages), m_actions(actions), m_preferences(preferences),
-      m_onAirDelegate(new OnAirDelegate(this)), m_colorMenu(new QMenu(this))
+    : TabPage(parent),
+      m_addAction(makeAction(this, tr("&Add Message…"), &MessagesView::addMessageToRotationMenuItemClicked)),
+      m_startAction(makeAction(this, tr("&Start"), &MessagesView::startMessageRotationButtonPressed)),
+      m_stopAction(makeAction(this, tr("S&top"), &MessagesView::stopMessageRotationButtonPressed)),
+      rotationPane(new RotationPane(messages, messageRotationLabels(), actions, alerts, this)), m_messages(messages),
+      m_actions(actions), m_onAirDelegate(new OnAirDelegate(this))
 {
     setFocusProxy(rotationPane);
-    nameControls();
-    layOut();
-    connectControls();
+    m_startAction->setToolTip(tr("Send the messages one after another, from the first"));
+    rotationPane->addButtonAtFront(new ActionButton(m_addAction, "addMessageButton", this));
+    rotationPane->setTakeRows([this](const QList<QStringList> &rows) { return takeRows(rows); });
+    rotationPane->setRowDelegate(m_onAirDelegate);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(rotationPane, 1);
+    layout->addSpacing(4);
+    layout->addLayout(makeTransport(preferences));
+    layout->addSpacing(8);
+    layout->addLayout(makeQuickMessage());
+    unsendableLabel = new UnsendableLabel(this);
+    colorPreview = new ColorPreview(this);
+    layout->addWidget(unsendableLabel);
+    layout->addWidget(colorPreview);
+    connectMessages();
     quickMessageDidChange();
     updateTransport();
 }
 
-void MessagesView::nameControls()
-{
-    addMessageButton->setObjectName(QStringLiteral("addMessageButton"));
-    rotationPane->addButtonAtFront(addMessageButton);
-    rotationPane->setTakeRows([this](const QList<QStringList> &rows) { return takeRows(rows); });
-    rotationPane->setRowDelegate(m_onAirDelegate);
-    buttonStartMessageRotation->setObjectName(QStringLiteral("buttonStartMessageRotation"));
-    buttonStartMessageRotation->setToolTip(tr("Send the messages one after another, from the first"));
-    buttonStopMessageRotation->setObjectName(QStringLiteral("buttonStopMessageRotation"));
-    checkBoxLoopMessages->setObjectName(loopKey());
-    checkBoxLoopMessages->setToolTip(tr("Begin again after the last message"));
-    checkBoxLoopMessages->setChecked(m_preferences.boolValue(loopKey()));
-    onAirLabel->setObjectName(QStringLiteral("onAirLabel"));
-    onAirLabel->setTextFormat(Qt::PlainText);
-    quickMessageTextField->setAccessibleName(tr("Quick message"));
-    quickMessageTextField->setPlaceholderText(tr("Type a message and press Return to send it to all players"));
-    colorButton->setObjectName(QStringLiteral("colorButton"));
-    colorButton->setToolTip(tr("Insert the code of a colour"));
-    quickMessageButton->setObjectName(QStringLiteral("quickMessageButton"));
-    quickMessageTextField->addColorCodes(*m_colorMenu);
-    m_secondTimer.setInterval(std::chrono::milliseconds(200));
-}
-
-void MessagesView::layOut()
+QLayout *MessagesView::makeTransport(Preferences &preferences)
 {
     auto *transport = new QHBoxLayout;
-    transport->addWidget(buttonStartMessageRotation);
-    transport->addWidget(buttonStopMessageRotation);
-    transport->addWidget(checkBoxLoopMessages);
+    transport->addWidget(new ActionButton(m_startAction, "buttonStartMessageRotation", this));
+    transport->addWidget(new ActionButton(m_stopAction, "buttonStopMessageRotation", this));
+    auto *loop = named("checkBoxLoopMessages", new QCheckBox(tr("Loop"), this));
+    loop->setToolTip(tr("Begin again after the last message"));
+    loop->setChecked(preferences.boolValue(loop->objectName()));
+    connect(loop, &QCheckBox::toggled, this,
+            [&preferences, key = loop->objectName()](bool isOn) { preferences.setValue(key, isOn); });
+    transport->addWidget(loop);
     transport->addSpacing(12);
+    onAirLabel = named("onAirLabel", new QLabel(this));
+    onAirLabel->setTextFormat(Qt::PlainText);
     transport->addWidget(onAirLabel, 1);
-    auto *quickTitle = new QLabel(tr("Quick message"), this);
-    quickTitle->setBuddy(quickMessageTextField);
-    auto *quick = new QHBoxLayout;
-    quick->addWidget(quickTitle);
-    quick->addWidget(quickMessageTextField, 1);
-    quick->addWidget(colorButton);
-    quick->addWidget(quickMessageButton);
-    auto *layout = new QVBoxLayout(this);
-    layout->addWidget(rotationPane, 1);
-    layout->addSpacing(4);
-    layout->addLayout(transport);
-    layout->addSpacing(8);
-    layout->addLayout(quick);
-    layout->addWidget(unsendableLabel);
-    layout->addWidget(colorPreview);
+    return transport;
 }
 
-void MessagesView::connectControls()
+QLayout *MessagesView::makeQuickMessage()
 {
-    connect(addMessageButton, &QPushButton::clicked, this, &MessagesView::addMessageToRotationMenuItemClicked);
-    connect(buttonStartMessageRotation, &QPushButton::clicked, this, &MessagesView::startMessageRotationButtonPressed);
-    connect(buttonStopMessageRotation, &QPushButton::clicked, this, &MessagesView::stopMessageRotationButtonPressed);
-    connect(checkBoxLoopMessages, &QCheckBox::toggled, this,
-            [this](bool isOn) { m_preferences.setValue(loopKey(), isOn); });
-    connect(quickMessageButton, &QPushButton::clicked, this, &MessagesView::quickMessageButtonPressed);
+    quickMessageTextField = named("quickMessageTextField", new QuickMessageField(this), tr("Quick message"));
+    quickMessageTextField->setPlaceholderText(tr("Type a message and press Return to send it to all players"));
+    auto *colorButton = named("colorButton", new QPushButton(tr("Colour"), this));
+    colorButton->setToolTip(tr("Insert the code of a colour"));
+    auto *colorMenu = new QMenu(this);
+    quickMessageTextField->addColorCodes(*colorMenu);
+    auto *sendButton = named("quickMessageButton", new QPushButton(tr("Send"), this));
+    connect(sendButton, &QPushButton::clicked, this, &MessagesView::quickMessageButtonPressed);
     connect(quickMessageTextField, &QLineEdit::returnPressed, this, &MessagesView::quickMessageButtonPressed);
     connect(quickMessageTextField, &QLineEdit::textChanged, this, &MessagesView::quickMessageDidChange);
-    connect(colorButton, &QPushButton::clicked, this,
-            [this] { m_colorMenu->popup(colorButton->mapToGlobal(QPoint(0, colorButton->height()))); });
+    connect(colorButton, &QPushButton::clicked, colorMenu,
+            [colorButton, colorMenu] { colorMenu->popup(colorButton->mapToGlobal(colorButton->rect().bottomLeft())); });
+    auto *quick = new QHBoxLayout;
+    quick->addWidget(titleOf(tr("Quick message"), quickMessageTextField));
+    quick->addWidget(quickMessageTextField, 1);
+    quick->addWidget(colorButton);
+    quick->addWidget(sendButton);
+    return quick;
+}
+
+void MessagesView::connectMessages()
+{
     connect(&m_messages, &KelMessageRotation::quickMessageTextChanged, quickMessageTextField,
             [this](const QString &text) {
                 if (quickMessageTextField->text() != text)
@@ -121,30 +103,20 @@ void MessagesView::connectControls()
     connect(&m_messages, &KelMessageRotation::entryOnAirChanged, this, &MessagesView::updateOnAir);
     connect(m_messages.tableModel(), &QAbstractItemModel::rowsMoved, this, &MessagesView::updateOnAir);
     connect(m_messages.tableModel(), &QAbstractItemModel::layoutChanged, this, &MessagesView::updateOnAir);
+    m_secondTimer.setInterval(std::chrono::milliseconds(200));
     connect(&m_secondTimer, &QTimer::timeout, this, &MessagesView::updateOnAir);
 }
 
 void MessagesView::fillMenu(QMenu &menu)
 {
-    addButtonAction(menu, tr("&Add Message…"), QKeySequence(), addMessageButton);
+    menu.addAction(m_addAction);
     menu.addSeparator();
-    addButtonAction(menu, tr("&Start"), QKeySequence(), buttonStartMessageRotation);
-    addButtonAction(menu, tr("S&top"), QKeySequence(), buttonStopMessageRotation);
+    menu.addActions({m_startAction, m_stopAction});
 }
 
 PageDocument *MessagesView::document()
 {
     return rotationPane;
-}
-
-void MessagesView::restoreLayout(const Preferences &preferences)
-{
-    rotationPane->restoreColumns(preferences, columnsKey());
-}
-
-void MessagesView::saveLayout(Preferences &preferences) const
-{
-    rotationPane->saveColumns(preferences, columnsKey());
 }
 
 void MessagesView::addMessageToRotationMenuItemClicked()
@@ -189,8 +161,8 @@ void MessagesView::quickMessageDidChange()
 
 void MessagesView::updateTransport()
 {
-    buttonStartMessageRotation->setEnabled(m_messages.startEnabled());
-    buttonStopMessageRotation->setEnabled(m_messages.stopEnabled());
+    m_startAction->setEnabled(m_messages.startEnabled());
+    m_stopAction->setEnabled(m_messages.stopEnabled());
     if (m_messages.stopEnabled() && isVisible())
         m_secondTimer.start();
     else

@@ -11,9 +11,10 @@ class Alerts;
 class ColorPreview;
 class KelMessageRotation;
 class OnAirDelegate;
-class QCheckBox;
+class Preferences;
+class QAction;
 class QLabel;
-class QPushButton;
+class QLayout;
 class QuickMessageField;
 class RotationPane;
 class UnsendableLabel;
@@ -29,8 +30,6 @@ public:
 
     void fillMenu(QMenu &menu) override;
     PageDocument *document() override;
-    void restoreLayout(const Preferences &preferences) override;
-    void saveLayout(Preferences &preferences) const override;
 
 public slots:
     void addMessageToRotationMenuItemClicked();
@@ -43,33 +42,29 @@ protected:
     void hideEvent(QHideEvent *event) override;
 
 private:
-    void nameControls();
-    void layOut();
-    void connectControls();
+    /// What plays the rotation, and what it is at.
+    QLayout *makeTransport(Preferences &preferences);
+    QLayout *makeQuickMessage();
+    void connectMessages();
     void quickMessageDidChange();
     void updateTransport();
     void updateOnAir();
     QString onAirText() const;
     QList<qsizetype> takeRows(const QList<QStringList> &rows);
 
+    QAction *m_addAction;
+    QAction *m_startAction;
+    QAction *m_stopAction;
     RotationPane *rotationPane;
-    QPushButton *addMessageButton;
-    QPushButton *buttonStartMessageRotation;
-    QPushButton *buttonStopMessageRotation;
-    QCheckBox *checkBoxLoopMessages;
-    QLabel *onAirLabel;
-    QuickMessageField *quickMessageTextField;
-    QPushButton *colorButton;
-    QPushButton *quickMessageButton;
-    ColorPreview *colorPreview;
-    UnsendableLabel *unsendableLabel;
+    QLabel *onAirLabel = nullptr;
+    QuickMessageField *quickMessageTextField = nullptr;
+    UnsendableLabel *unsendableLabel = nullptr;
+    ColorPreview *colorPreview = nullptr;
     /// The Add Message sheet while it is open.
     QPointer<AddMessageToRotationWindowController> addMessageToRotationWindowController;
 
     KelMessageRotation &m_messages;
     ActionQueue &m_actions;
-    Preferences &m_preferences;
     OnAirDelegate *m_onAirDelegate;
-    QMenu *m_colorMenu;
     QTimer m_secondTimer; ///< counts the remaining seconds down while they can be seen
 };

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "OneLineDelegate.h"
+#include "CutTextDelegate.h"
 
 /// Marks the row of a table that is on air with a sign and bold letters.
-class OnAirDelegate : public OneLineDelegate
+class OnAirDelegate : public CutTextDelegate
 {
     Q_OBJECT
 public:
-    using OneLineDelegate::OneLineDelegate;
+    using CutTextDelegate::CutTextDelegate;
 
     /// @param row  -1 marks none.
     void setRowOnAir(int row) { m_rowOnAir = row; }
@@ -15,7 +15,7 @@ public:
 protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
     {
-        OneLineDelegate::initStyleOption(option, index);
+        CutTextDelegate::initStyleOption(option, index);
         if (index.row() != m_rowOnAir)
             return;
         option->font.setBold(true);

@@ -7,11 +7,6 @@
 #include <QPainter>
 #include <QPixmap>
 
-QuickMessageField::QuickMessageField(QWidget *parent) : QLineEdit(parent)
-{
-    setObjectName(QStringLiteral("quickMessageTextField"));
-}
-
 void QuickMessageField::insertColorCode(int digit)
 {
     insert(colorCodeText(digit));

@@ -9,7 +9,7 @@ class QuickMessageField : public QLineEdit
 {
     Q_OBJECT
 public:
-    explicit QuickMessageField(QWidget *parent = nullptr);
+    using QLineEdit::QLineEdit;
 
     /// Puts the code of a colour, a digit, where the text cursor is.
     void insertColorCode(int digit);

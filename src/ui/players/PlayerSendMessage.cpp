@@ -1,5 +1,6 @@
 #include "PlayerSendMessage.h"
 
+#include "Named.h"
 #include "UnsendableLabel.h"
 
 #include <QDialogButtonBox>
@@ -9,16 +10,14 @@
 #include <QPushButton>
 
 PlayerSendMessage::PlayerSendMessage(QWidget *parent)
-    : QDialog(parent, Qt::Sheet), messageTextField(new QLineEdit(this)), sendButton(new QPushButton(tr("Send"), this)),
-      m_recipients(new QLabel(this)), m_unsendableLabel(new UnsendableLabel(this))
+    : QDialog(parent, Qt::Sheet), messageTextField(named("messageTextField", new QLineEdit(this), tr("Message"))),
+      sendButton(named("sendButton", new QPushButton(tr("Send"), this))), m_recipients(new QLabel(this)),
+      m_unsendableLabel(new UnsendableLabel(this))
 {
     setObjectName(QStringLiteral("playerSendMessagePanel"));
     setWindowTitle(tr("Private Message"));
     setWindowModality(Qt::WindowModal);
-    messageTextField->setObjectName(QStringLiteral("messageTextField"));
-    messageTextField->setAccessibleName(tr("Message"));
     messageTextField->setMinimumWidth(fontMetrics().averageCharWidth() * 50);
-    sendButton->setObjectName(QStringLiteral("sendButton"));
     sendButton->setDefault(true);
     m_recipients->setTextFormat(Qt::PlainText);
     m_recipients->setWordWrap(true);

@@ -1,109 +1,79 @@
 #include "PlayersView.h"
 
+#include "ActionButton.h"
 #include "ActionQueue.h"
 #include "Alerts.h"
-#include "ButtonAction.h"
-#include "ColumnLayout.h"
 #include "FilterField.h"
 #include "KelServer.h"
+#include "Named.h"
 #include "PlaceholderTable.h"
 #include "PlayerColumns.h"
 #include "PlayerCommands.h"
 #include "PlayerCountLabel.h"
 #include "PlayerListFile.h"
 #include "PlayerSendMessage.h"
-#include "Preferences.h"
+#include "RefreshTimer.h"
 #include "ReplaceQuestion.h"
 
-#include <QAction>
-#include <QCheckBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QHBoxLayout>
-#include <QHeaderView>
-#include <QLineEdit>
 #include <QMenu>
-#include <QPushButton>
-#include <QSpinBox>
 #include <QTimer>
 #include <QVBoxLayout>
 
 PlayersView::PlayersView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
                          QWidget *parent, PlayerRoster::Clock clock)
-    : TabPage(parent), refreshPlayersButton(new QPushButton(tr("Refresh"), this)),
-      kickPlayerButton(new QPushButton(tr("Kick"), this)), banPlayerButton(new QPushButton(tr("Ban"), this)),
-      tempBanPlayerButton(new QPushButton(tr("Temp Ban"), this)),
-      messagePlayerButton(new QPushButton(tr("Message…"), this)), kickAllButton(new QPushButton(tr("Kick All…"), this)),
-      savePlayerListButton(new QPushButton(tr("Save List…"), this)),
-      autoUpdatePlayers(new QCheckBox(tr("Refresh every"), this)), autoUpdatePlayersTime(new QSpinBox(this)),
-      playerFilterField(new FilterField(tr("Filter players"), this)), playersTableView(new PlaceholderTable(this)),
-      playerSendMessagePanel(new PlayerSendMessage(this)), autoupdatePlayerTimer(new QTimer(this)), m_server(server),
-      m_actions(actions), m_alerts(alerts), m_preferences(preferences),
+    : TabPage(parent), m_server(server), m_actions(actions), m_alerts(alerts),
       m_roster(new PlayerRoster(server, std::move(clock), this)),
-      m_commands(new PlayerCommands(server, *m_roster, actions, alerts, this))
+      m_commands(new PlayerCommands(server, *m_roster, actions, alerts, this)),
+      m_refreshAction(
+          makeAction(this, tr("&Refresh"), &PlayersView::refreshPlayersButtonPressed, QKeySequence::Refresh)),
+      m_kickAction(makeAction(this, tr("&Kick"), &PlayersView::kickPlayerButtonPressed, tr("Ctrl+K"))),
+      m_banAction(makeAction(this, tr("&Ban"), &PlayersView::banPlayerButtonPressed)),
+      m_tempBanAction(makeAction(this, tr("&Temp Ban"), &PlayersView::tempBanPlayerButtonPressed)),
+      m_messageAction(makeAction(this, tr("&Message…"), &PlayersView::messagePlayerButtonPressed, tr("Ctrl+M"))),
+      m_kickAllAction(makeAction(this, tr("Kick &All…"), &PlayersView::kickAll)),
+      m_saveAction(
+          makeAction(this, tr("Save &Player List…"), &PlayersView::savePlayerListButtonPressed, tr("Ctrl+Shift+S")))
 {
-    setUpControls();
+    m_saveAction->setIconText(tr("Save List…"));
+    m_refreshAction->setShortcutContext(Qt::WidgetShortcut); // until the page is in front
+    layOut(preferences);
     setUpTable();
-    playerCountLabel = new PlayerCountLabel(*m_roster, m_server, this);
-    layOut();
-    connectControls();
-    connectSession();
-    setFocusProxy(playersTableView);
-    updateControls();
-    updatePlaceholder();
-}
-
-void PlayersView::setUpControls()
-{
-    refreshPlayersButton->setObjectName(QStringLiteral("refreshPlayersButton"));
-    kickPlayerButton->setObjectName(QStringLiteral("kickPlayerButton"));
-    banPlayerButton->setObjectName(QStringLiteral("banPlayerButton"));
-    tempBanPlayerButton->setObjectName(QStringLiteral("tempBanPlayerButton"));
-    messagePlayerButton->setObjectName(QStringLiteral("messagePlayerButton"));
-    kickAllButton->setObjectName(QStringLiteral("kickAllButton"));
-    savePlayerListButton->setObjectName(QStringLiteral("savePlayerListButton"));
-    autoUpdatePlayers->setObjectName(QStringLiteral("autoUpdatePlayers"));
-    autoUpdatePlayers->setChecked(m_preferences.boolValue(QStringLiteral("autoUpdatePlayers")));
-    autoUpdatePlayersTime->setObjectName(QStringLiteral("autoUpdatePlayersTime"));
-    autoUpdatePlayersTime->setAccessibleName(tr("Player refresh interval"));
-    autoUpdatePlayersTime->setRange(1, 86400);
-    autoUpdatePlayersTime->setSuffix(tr(" s"));
-    autoUpdatePlayersTime->setValue(m_preferences.intValue(QStringLiteral("autoUpdatePlayersTime"), 1, 86400));
-    autoupdatePlayerTimer->setObjectName(QStringLiteral("autoupdatePlayerTimer"));
-    playerFilterField->setObjectName(QStringLiteral("playerFilterField"));
-    playerFilterField->setMinimumWidth(220);
-}
-
-void PlayersView::setUpTable()
-{
-    playersTableView->setObjectName(QStringLiteral("playersTableView"));
-    playersTableView->setAccessibleName(tr("Players"));
-    playersTableView->setModel(m_roster->rows().arranged());
-    playersTableView->setSelectionModel(m_roster->rows().selection());
-    playersTableView->setSortingEnabled(true);
-    playersTableView->sortByColumn(0, Qt::AscendingOrder);
-    playersTableView->horizontalHeader()->setStretchLastSection(false);
-    int section = 0;
-    for (const PlayerColumn &column : playerColumns()) {
-        if (column.width == PlayerColumn::remainingWidth)
-            playersTableView->horizontalHeader()->setSectionResizeMode(section, QHeaderView::Stretch);
-        else
-            playersTableView->setColumnWidth(section, column.width);
-        ++section;
+    for (QAction *action : {m_kickAction, m_messageAction}) {
+        action->setShortcutContext(Qt::WidgetShortcut);
+        playersTableView->addAction(action);
     }
+    connectSession();
+    updateControls();
 }
 
-void PlayersView::layOut()
+// The Tab key goes through the controls in the order in which they are made.
+void PlayersView::layOut(Preferences &preferences)
 {
+    const QList<QPushButton *> all{new ActionButton(m_refreshAction, "refreshPlayersButton", this),
+                                   new ActionButton(m_kickAction, "kickPlayerButton", this),
+                                   new ActionButton(m_banAction, "banPlayerButton", this),
+                                   new ActionButton(m_tempBanAction, "tempBanPlayerButton", this),
+                                   new ActionButton(m_messageAction, "messagePlayerButton", this),
+                                   new ActionButton(m_kickAllAction, "kickAllButton", this),
+                                   new ActionButton(m_saveAction, "savePlayerListButton", this)};
     auto *buttons = new QHBoxLayout;
-    for (QPushButton *button : {refreshPlayersButton, kickPlayerButton, banPlayerButton, tempBanPlayerButton,
-                                messagePlayerButton, kickAllButton, savePlayerListButton})
+    for (QPushButton *button : all)
         buttons->addWidget(button);
     buttons->insertSpacing(1, 12);
     buttons->insertStretch(6);
+    m_refreshTimer = new RefreshTimer(preferences,
+                                      {QStringLiteral("autoUpdatePlayers"), QStringLiteral("autoUpdatePlayersTime"),
+                                       QStringLiteral("autoupdatePlayerTimer"), tr("Player refresh interval")},
+                                      this);
+    playerFilterField = named("playerFilterField", new FilterField(tr("Filter players"), this));
+    playersTableView = named("playersTableView", new PlaceholderTable(this), tr("Players"));
+    playerCountLabel = new PlayerCountLabel(*m_roster, m_server, this);
+    playerSendMessagePanel = new PlayerSendMessage(this);
     auto *below = new QHBoxLayout;
-    below->addWidget(autoUpdatePlayers);
-    below->addWidget(autoUpdatePlayersTime);
+    below->addWidget(m_refreshTimer);
     below->addStretch();
     below->addWidget(playerFilterField);
     auto *layout = new QVBoxLayout(this);
@@ -111,77 +81,64 @@ void PlayersView::layOut()
     layout->addLayout(below);
     layout->addWidget(playersTableView, 1);
     layout->addWidget(playerCountLabel);
+    setFocusProxy(playersTableView);
+    for (ActionButton *button : findChildren<ActionButton *>())
+        button->setSuccessor(playersTableView); // else the focus would go on to "Kick All…"
 }
 
-void PlayersView::connectControls()
+void PlayersView::setUpTable()
 {
-    connect(refreshPlayersButton, &QPushButton::clicked, this, &PlayersView::refreshPlayersButtonPressed);
-    connect(kickPlayerButton, &QPushButton::clicked, this, &PlayersView::kickPlayerButtonPressed);
-    connect(banPlayerButton, &QPushButton::clicked, this, &PlayersView::banPlayerButtonPressed);
-    connect(tempBanPlayerButton, &QPushButton::clicked, this, &PlayersView::tempBanPlayerButtonPressed);
-    connect(messagePlayerButton, &QPushButton::clicked, this, &PlayersView::messagePlayerButtonPressed);
-    connect(kickAllButton, &QPushButton::clicked, this, &PlayersView::kickAll);
-    connect(savePlayerListButton, &QPushButton::clicked, this, &PlayersView::savePlayerListButtonPressed);
-    connect(autoUpdatePlayers, &QCheckBox::toggled, this, &PlayersView::autoupdatePlayerChanged);
-    connect(autoUpdatePlayersTime, &QSpinBox::valueChanged, this, &PlayersView::autoupdatePlayerTimeChanged);
-    connect(autoupdatePlayerTimer, &QTimer::timeout, this, &PlayersView::refreshByItself);
-    connect(playerSendMessagePanel, &QDialog::finished, this, &PlayersView::sendMessagePanelDidEnd);
-    connect(playerFilterField, &QLineEdit::textChanged, this, [this](const QString &text) {
-        m_roster->rows().setFilterText(text);
-        updatePlaceholder();
-        updateControls();
-        playerCountLabel->tell();
-    });
-    connect(m_roster->rows().selection(), &QItemSelectionModel::selectionChanged, this, &PlayersView::updateControls);
+    playersTableView->setModel(m_roster->rows().arranged());
+    playersTableView->setSelectionModel(m_roster->rows().selection());
+    playersTableView->setSortingEnabled(true);
+    playersTableView->sortByColumn(0, Qt::AscendingOrder);
+    int section = 0;
+    for (const PlayerColumn &column : playerColumns()) {
+        if (column.width == PlayerColumn::remainingWidth)
+            playersTableView->setStretchedColumn(section);
+        else
+            playersTableView->setColumnWidth(section, column.width);
+        ++section;
+    }
 }
 
 void PlayersView::connectSession()
 {
+    connect(m_refreshTimer, &RefreshTimer::due, this, &PlayersView::refreshByItself);
+    connect(playerSendMessagePanel, &QDialog::finished, this, &PlayersView::sendMessagePanelDidEnd);
+    connect(playerFilterField, &QLineEdit::textChanged, this, [this](const QString &text) {
+        m_roster->rows().setFilterText(text);
+        updateControls();
+        playerCountLabel->tell();
+    });
+    connect(m_roster->rows().selection(), &QItemSelectionModel::selectionChanged, this, &PlayersView::updateControls);
+    connect(m_roster, &PlayerRoster::changed, this, &PlayersView::updateControls);
     connect(&m_server, &KelServer::isConnectedChanged, this, &PlayersView::connectionDidChange);
     connect(&m_server, &KelServer::connectionBegan, this, &PlayersView::connectionDidBegin);
     connect(&m_server, &KelServer::didConnect, this, [this] { m_isConnecting = false; });
-    connect(m_roster, &PlayerRoster::changed, this, &PlayersView::updatePlaceholder);
-    connect(m_roster, &PlayerRoster::changed, this, &PlayersView::updateControls);
     connect(m_commands, &PlayerCommands::refreshWanted, this,
             [this](std::chrono::seconds delay) { QTimer::singleShot(delay, this, &PlayersView::refreshByItself); });
 }
 
 void PlayersView::fillMenu(QMenu &menu)
 {
-    m_refreshAction = addRefreshAction(menu, refreshPlayersButton);
+    menu.addAction(m_refreshAction);
     menu.addSeparator();
-    addButtonAction(menu, tr("&Message…"), QKeySequence(tr("Ctrl+M")), messagePlayerButton, playersTableView);
-    addButtonAction(menu, tr("&Kick"), QKeySequence(tr("Ctrl+K")), kickPlayerButton, playersTableView);
-    addButtonAction(menu, tr("&Temp Ban"), QKeySequence(), tempBanPlayerButton);
-    addButtonAction(menu, tr("&Ban"), QKeySequence(), banPlayerButton);
+    menu.addActions({m_messageAction, m_kickAction, m_tempBanAction, m_banAction});
     menu.addSeparator();
-    addButtonAction(menu, tr("Kick &All…"), QKeySequence(), kickAllButton);
+    menu.addAction(m_kickAllAction);
 }
 
 void PlayersView::fillFileMenu(QMenu &menu)
 {
-    addButtonAction(menu, tr("Save &Player List…"), QKeySequence(tr("Ctrl+Shift+S")), savePlayerListButton);
-}
-
-static QString columnsKey()
-{
-    return QStringLiteral("window/playersTable");
-}
-
-void PlayersView::restoreLayout(const Preferences &preferences)
-{
-    restoreColumns(preferences, columnsKey(), *playersTableView->horizontalHeader());
-}
-
-void PlayersView::saveLayout(Preferences &preferences) const
-{
-    saveColumns(preferences, columnsKey(), *playersTableView->horizontalHeader());
+    menu.addAction(m_saveAction);
 }
 
 void PlayersView::setInFront(bool isInFront)
 {
     m_isInFront = isInFront;
-    setActsInWindow(m_refreshAction, isInFront);
+    // Other pages have the same key.
+    m_refreshAction->setShortcutContext(isInFront ? Qt::WindowShortcut : Qt::WidgetShortcut);
     if (isInFront && !m_isConnecting)
         refreshByItself();
 }
@@ -198,28 +155,22 @@ void PlayersView::updateControls()
     const bool isConnected = m_server.isConnected();
     ArrayController<PlayerRow> &rows = m_roster->rows();
     const bool isAnySelected = rows.selection()->hasSelection() || rows.hiddenSelectedCount() > 0;
-    const auto enable = [this](QPushButton *button, bool isEnabled) {
-        if (!isEnabled && button->hasFocus())
-            playersTableView->setFocus(); // Qt would give the focus to "Kick All…"
-        button->setEnabled(isEnabled);
-    };
-    for (QPushButton *button : {kickPlayerButton, banPlayerButton, tempBanPlayerButton, messagePlayerButton})
-        enable(button, isConnected && isAnySelected);
-    for (QPushButton *button : {refreshPlayersButton, kickAllButton})
-        enable(button, isConnected);
-    enable(savePlayerListButton, !m_roster->players().isEmpty());
+    for (QAction *action : {m_kickAction, m_banAction, m_tempBanAction, m_messageAction})
+        action->setEnabled(isConnected && isAnySelected);
+    for (QAction *action : {m_refreshAction, m_kickAllAction})
+        action->setEnabled(isConnected);
+    m_saveAction->setEnabled(!m_roster->players().isEmpty());
+    playersTableView->setPlaceholder(placeholder());
 }
 
-void PlayersView::updatePlaceholder()
+QString PlayersView::placeholder() const
 {
     if (!m_roster->players().isEmpty())
-        playersTableView->setPlaceholder(tr("No player matches the filter."));
-    else if (m_server.isConnected() && !m_roster->isFetched())
-        playersTableView->setPlaceholder(tr("The list of players has not arrived yet."));
-    else if (m_server.isConnected())
-        playersTableView->setPlaceholder(tr("Nobody is playing. Press \"Refresh\" to look again."));
-    else
-        playersTableView->setPlaceholder(tr("Not connected. Connect to a server to see who is playing."));
+        return tr("No player matches the filter.");
+    if (!m_server.isConnected())
+        return tr("Not connected. Connect to a server to see who is playing.");
+    return m_roster->isFetched() ? tr("Nobody is playing. Press \"Refresh\" to look again.")
+                                 : tr("The list of players has not arrived yet.");
 }
 
 void PlayersView::connectionDidBegin()
@@ -234,7 +185,6 @@ void PlayersView::connectionDidChange(bool isConnected)
     if (!isConnected)
         m_roster->forget();
     updateControls();
-    updatePlaceholder();
 }
 
 bool PlayersView::isRefreshDue() const
@@ -271,30 +221,8 @@ QCoro::Task<> PlayersView::updatePlayerList()
 {
     if (!isRefreshDue())
         co_return;
-    setupAutoupdatePlayerTimer();
+    m_refreshTimer->restart();
     co_await m_roster->fetch();
-}
-
-void PlayersView::setupAutoupdatePlayerTimer()
-{
-    autoupdatePlayerTimer->stop();
-    if (!m_preferences.boolValue(QStringLiteral("autoUpdatePlayers")))
-        return;
-    const int seconds = m_preferences.intValue(QStringLiteral("autoUpdatePlayersTime"),
-                                               autoUpdatePlayersTime->minimum(), autoUpdatePlayersTime->maximum());
-    autoupdatePlayerTimer->start(std::chrono::seconds(seconds));
-}
-
-void PlayersView::autoupdatePlayerChanged()
-{
-    m_preferences.setValue(QStringLiteral("autoUpdatePlayers"), autoUpdatePlayers->isChecked());
-    setupAutoupdatePlayerTimer();
-}
-
-void PlayersView::autoupdatePlayerTimeChanged()
-{
-    m_preferences.setValue(QStringLiteral("autoUpdatePlayersTime"), autoUpdatePlayersTime->value());
-    setupAutoupdatePlayerTimer();
 }
 
 void PlayersView::kickPlayerButtonPressed()

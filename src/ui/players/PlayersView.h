@@ -3,21 +3,17 @@
 #include "PlayerRoster.h"
 #include "TabPage.h"
 
-#include <QPointer>
-
 class ActionQueue;
 class Alerts;
+class FilterField;
 class KelServer;
 class PlaceholderTable;
 class PlayerCountLabel;
 class PlayerCommands;
 class PlayerSendMessage;
+class Preferences;
 class QAction;
-class QCheckBox;
-class QLineEdit;
-class QPushButton;
-class QSpinBox;
-class QTimer;
+class RefreshTimer;
 
 /// The list of the players on the server, and what can be done to them.
 class PlayersView : public TabPage
@@ -34,8 +30,6 @@ public:
     /// The list is fetched only while the page is in front, and when it comes there.
     void setInFront(bool isInFront) override;
     QCoro::Task<> didConnect() override;
-    void restoreLayout(const Preferences &preferences) override;
-    void saveLayout(Preferences &preferences) const override;
 
     /// Fetches the list; a refresh that is not due (not connected, another tab) or that fails leaves it as it is.
     QCoro::Task<> updatePlayerList();
@@ -45,8 +39,6 @@ public:
 
 public slots:
     void refreshPlayersButtonPressed();
-    void autoupdatePlayerChanged();
-    void autoupdatePlayerTimeChanged();
     void kickPlayerButtonPressed();
     void banPlayerButtonPressed();
     void tempBanPlayerButtonPressed();
@@ -56,43 +48,37 @@ public slots:
     void savePlayerListButtonPressed();
 
 private:
-    void setUpControls();
+    void layOut(Preferences &preferences);
     void setUpTable();
-    void layOut();
-    void connectControls();
     void connectSession();
+    /// Follows what is known, selected and connected.
     void updateControls();
-    void updatePlaceholder();
+    QString placeholder() const;
     void connectionDidBegin();
     void connectionDidChange(bool isConnected);
-    void setupAutoupdatePlayerTimer();
     void refreshByItself();
     bool isRefreshDue() const;
     QCoro::Task<> refresh(bool wasAnswering);
 
-    QPushButton *refreshPlayersButton;
-    QPushButton *kickPlayerButton;
-    QPushButton *banPlayerButton;
-    QPushButton *tempBanPlayerButton;
-    QPushButton *messagePlayerButton;
-    QPushButton *kickAllButton;
-    QPushButton *savePlayerListButton;
-    QCheckBox *autoUpdatePlayers;
-    QSpinBox *autoUpdatePlayersTime;
-    QLineEdit *playerFilterField;
-    PlaceholderTable *playersTableView;
+    RefreshTimer *m_refreshTimer = nullptr;
+    FilterField *playerFilterField = nullptr;
+    PlaceholderTable *playersTableView = nullptr;
     PlayerCountLabel *playerCountLabel = nullptr;
-    PlayerSendMessage *playerSendMessagePanel;
-    QTimer *autoupdatePlayerTimer;
+    PlayerSendMessage *playerSendMessagePanel = nullptr;
 
     KelServer &m_server;
     ActionQueue &m_actions;
     Alerts &m_alerts;
-    Preferences &m_preferences;
     PlayerRoster *m_roster;
     PlayerCommands *m_commands;
-    QPointer<QAction> m_refreshAction; ///< in the menu
-    QList<ChosenPlayer> m_recipients;  ///< of the message that is being written
+    QAction *m_refreshAction;
+    QAction *m_kickAction;
+    QAction *m_banAction;
+    QAction *m_tempBanAction;
+    QAction *m_messageAction;
+    QAction *m_kickAllAction;
+    QAction *m_saveAction;
+    QList<ChosenPlayer> m_recipients; ///< of the message that is being written
     bool m_isInFront = false;
     bool m_isRefreshWaiting = false;
     bool m_isConnecting = false; ///< the connect that is under way fetches the list by itself

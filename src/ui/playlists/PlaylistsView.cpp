@@ -1,5 +1,6 @@
 #include "PlaylistsView.h"
 
+#include "ActionButton.h"
 #include "Alerts.h"
 #include "DvarSettingList.h"
 #include "ElidingField.h"
@@ -10,61 +11,75 @@
 #include "KeyHandlingTableView.h"
 #include "LeftDoubleClick.h"
 #include "MapGametypePairWindowController.h"
+#include "Named.h"
 #include "PlaceholderTable.h"
 #include "PlaylistDelegate.h"
-#include "Preferences.h"
 #include "ServerAction.h"
 #include "TitleLabel.h"
 
-#include <QDataStream>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 #include <utility>
 
+// The Tab key goes through the controls in the order in which they are made: top to bottom, left to right.
 PlaylistsView::PlaylistsView(KelServer &server, ActionQueue &actions, Alerts &alerts, KelGametype &gametypes,
                              KelMapList &maps, KelPlaylists &playlists, QWidget *parent)
-    : TabPage(parent), currentPlaylistField(new ElidingField(this)), playlistsTableView(new PlaceholderTable(this)),
-      startPlaylistButton(new QPushButton(tr("Start Playlist"), this)),
-      exclusionsTableView(new KeyHandlingTableView(this)), unsentExclusionsLabel(new QLabel(this)),
-      addExclusionButton(new QPushButton(tr("Add Exclusion…"), this)),
-      removeExclusionButton(new QPushButton(tr("Remove"), this)),
-      applyExclusionsButton(new QPushButton(tr("Apply Exclusions"), this)),
+    : TabPage(parent),
+      m_startAction(makeAction(this, tr("Start Playlist"), &PlaylistsView::startPlaylistButtonPressed)),
+      m_addAction(makeAction(this, tr("Add Exclusion…"), &PlaylistsView::addPlaylistExclusion)),
+      m_removeAction(makeAction(this, tr("Remove"), &PlaylistsView::removeExclusionPressed)),
+      m_applyAction(makeAction(this, tr("Apply Exclusions"), &PlaylistsView::applyPlaylistChangesButtonPressed)),
+      currentPlaylistField(named("currentPlaylistField", new ElidingField(this), tr("Current playlist"))),
+      playlistsTableView(named("playlistsTableView", new PlaceholderTable(this), tr("Playlists"))),
+      unsentExclusionsLabel(named("unsentExclusionsLabel", new QLabel(this))),
       mapGametypePairWindowController(new MapGametypePairWindowController(maps, gametypes, this)), m_server(server),
       m_actions(actions), m_alerts(alerts), m_gametypes(gametypes), m_maps(maps), m_playlists(playlists)
 {
-    nameControls();
-    setUpTables();
+    currentPlaylistField->setPlaceholderText(tr("Unknown"));
+    m_startAction->setToolTip(tr("Run the selected playlist; a ranked server begins it after the current map"));
+    m_applyAction->setToolTip(tr("Send the exclusions to the server"));
     layOut();
-    connectControls();
+    setUpTables();
+    connectParts();
     currentPlaylistDidChange();
-    updateButtons();
-    exclusionSelectionDidChange();
-    showUnsentExclusions(m_playlists.hasUnsentExclusions());
-    updatePlaceholders();
+    updateControls();
+    setFocusProxy(playlistsTableView);
 }
 
-void PlaylistsView::nameControls()
+void PlaylistsView::layOut()
 {
-    currentPlaylistField->setObjectName(QStringLiteral("currentPlaylistField"));
-    currentPlaylistField->setAccessibleName(tr("Current playlist"));
-    currentPlaylistField->setPlaceholderText(tr("Unknown"));
-    playlistsTableView->setObjectName(QStringLiteral("playlistsTableView"));
-    playlistsTableView->setAccessibleName(tr("Playlists"));
-    startPlaylistButton->setObjectName(QStringLiteral("startPlaylistButton"));
-    startPlaylistButton->setToolTip(tr("Run the selected playlist; a ranked server begins it after the current map"));
-    exclusionsTableView->setDeleteHandler([this] { removeExclusionPressed(); });
-    exclusionsTableView->setObjectName(QStringLiteral("exclusionsTableView"));
-    exclusionsTableView->setAccessibleName(tr("Exclusions"));
-    unsentExclusionsLabel->setObjectName(QStringLiteral("unsentExclusionsLabel"));
-    addExclusionButton->setObjectName(QStringLiteral("addExclusionButton"));
-    removeExclusionButton->setObjectName(QStringLiteral("removeExclusionButton"));
-    applyExclusionsButton->setObjectName(QStringLiteral("applyExclusionsButton"));
-    applyExclusionsButton->setToolTip(tr("Send the exclusions to the server"));
+    auto *startButton = new ActionButton(m_startAction, "startPlaylistButton", this);
+    startButton->setSuccessor(playlistsTableView); // else the focus would go on to the next button
+    exclusionsTableView = named("exclusionsTableView", new KeyHandlingTableView(this), tr("Exclusions"));
+    auto *buttons = new QHBoxLayout;
+    for (const auto &[action, name] : {std::pair<QAction *, const char *>(m_addAction, "addExclusionButton"),
+                                       {m_removeAction, "removeExclusionButton"},
+                                       {m_applyAction, "applyExclusionsButton"}}) {
+        auto *button = new ActionButton(action, name, this);
+        button->setSuccessor(exclusionsTableView);
+        buttons->addWidget(button);
+    }
+    buttons->insertStretch(2);
+    auto *current = new QHBoxLayout;
+    current->addWidget(titleOf(tr("Current playlist"), currentPlaylistField));
+    current->addWidget(currentPlaylistField, 1);
+    auto *exclusionsTitle = new QHBoxLayout;
+    exclusionsTitle->addWidget(titleOf(tr("Exclusions"), exclusionsTableView));
+    exclusionsTitle->addStretch();
+    exclusionsTitle->addWidget(unsentExclusionsLabel);
+    auto *layout = new QVBoxLayout(this);
+    layout->addLayout(current);
+    layout->addSpacing(4);
+    layout->addWidget(titleOf(tr("Playlists"), playlistsTableView));
+    layout->addWidget(playlistsTableView, 3);
+    layout->addWidget(startButton, 0, Qt::AlignRight);
+    layout->addSpacing(4);
+    layout->addLayout(exclusionsTitle);
+    layout->addWidget(exclusionsTableView, 2);
+    layout->addLayout(buttons);
 }
 
 void PlaylistsView::setUpTables()
@@ -77,70 +92,27 @@ void PlaylistsView::setUpTables()
     playlistsTableView->sortByColumn(0, Qt::AscendingOrder);
     playlistsTableView->setColumnWidth(0, 48);
     playlistsTableView->setColumnWidth(1, 215);
+    playlistsTableView->installEventFilter(this);
     exclusionsTableView->setModel(m_playlists.exclusionListController.arranged());
     exclusionsTableView->setSelectionModel(m_playlists.exclusionListController.selection());
-    // The table starts in the server's order; a third click on a column title returns to it.
-    exclusionsTableView->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
-    exclusionsTableView->horizontalHeader()->setSortIndicatorClearable(true);
-    exclusionsTableView->setSortingEnabled(true);
+    exclusionsTableView->sortOnDemand(true); // the order is the server's
     exclusionsTableView->setColumnWidth(0, 240);
-    playlistsTableView->installEventFilter(this);
+    exclusionsTableView->setDeleteHandler([this] { removeExclusionPressed(); });
 }
 
-void PlaylistsView::layOut()
+void PlaylistsView::connectParts()
 {
-    auto *current = new QHBoxLayout;
-    current->addWidget(titleOf(tr("Current playlist"), currentPlaylistField));
-    current->addWidget(currentPlaylistField, 1);
-    auto *start = new QHBoxLayout;
-    start->addStretch();
-    start->addWidget(startPlaylistButton);
-    auto *exclusionsTitle = new QHBoxLayout;
-    exclusionsTitle->addWidget(titleOf(tr("Exclusions"), exclusionsTableView));
-    exclusionsTitle->addStretch();
-    exclusionsTitle->addWidget(unsentExclusionsLabel);
-    auto *buttons = new QHBoxLayout;
-    buttons->addWidget(addExclusionButton);
-    buttons->addWidget(removeExclusionButton);
-    buttons->addStretch();
-    buttons->addWidget(applyExclusionsButton);
-
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(current);
-    layout->addSpacing(4);
-    layout->addWidget(titleOf(tr("Playlists"), playlistsTableView));
-    layout->addWidget(playlistsTableView, 3);
-    layout->addLayout(start);
-    layout->addSpacing(4);
-    layout->addLayout(exclusionsTitle);
-    layout->addWidget(exclusionsTableView, 2);
-    layout->addLayout(buttons);
-    // The Tab key goes from top to bottom and from left to right.
-    const QList<QWidget *> order{playlistsTableView, startPlaylistButton,   exclusionsTableView,
-                                 addExclusionButton, removeExclusionButton, applyExclusionsButton};
-    for (qsizetype i = 1; i < order.size(); ++i)
-        setTabOrder(order.at(i - 1), order.at(i));
-    setFocusProxy(playlistsTableView);
-}
-
-void PlaylistsView::connectControls()
-{
-    connect(startPlaylistButton, &QPushButton::clicked, this, &PlaylistsView::startPlaylistButtonPressed);
     connect(new LeftDoubleClick(playlistsTableView), &LeftDoubleClick::doubleClicked, this,
             &PlaylistsView::playlistDoubleClicked);
-    connect(addExclusionButton, &QPushButton::clicked, this, &PlaylistsView::addPlaylistExclusion);
-    connect(removeExclusionButton, &QPushButton::clicked, this, &PlaylistsView::removeExclusionPressed);
-    connect(applyExclusionsButton, &QPushButton::clicked, this, &PlaylistsView::applyPlaylistChangesButtonPressed);
     connect(mapGametypePairWindowController, &MapGametypePairWindowController::didPickMap, &m_playlists,
             &KelPlaylists::addExclusion);
     connect(&m_playlists, &KelPlaylists::currentPlaylistChanged, this, &PlaylistsView::currentPlaylistDidChange);
-    connect(&m_playlists, &KelPlaylists::hasUnsentExclusionsChanged, this, &PlaylistsView::showUnsentExclusions);
+    connect(&m_playlists, &KelPlaylists::hasUnsentExclusionsChanged, this, &PlaylistsView::updateControls);
     connect(m_playlists.exclusionListController.selection(), &QItemSelectionModel::selectionChanged, this,
-            &PlaylistsView::exclusionSelectionDidChange);
+            &PlaylistsView::updateControls);
     connect(m_playlists.playlistList.selection(), &QItemSelectionModel::selectionChanged, this,
-            &PlaylistsView::updateButtons);
-    connect(&m_server, &KelServer::isConnectedChanged, this, &PlaylistsView::updatePlaceholders);
-    connect(&m_server, &KelServer::isConnectedChanged, this, &PlaylistsView::updateButtons);
+            &PlaylistsView::updateControls);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &PlaylistsView::updateControls);
 }
 
 void PlaylistsView::startPlaylistButtonPressed()
@@ -228,7 +200,7 @@ bool PlaylistsView::eventFilter(QObject *object, QEvent *event)
     const bool isReturn = press->key() == Qt::Key_Return || press->key() == Qt::Key_Enter;
     if (object == playlistsTableView && isReturn && playlistsTableView->selectionModel()->hasSelection()) {
         if (!press->isAutoRepeat())
-            startPlaylistButton->click();
+            m_startAction->trigger();
         return true;
     }
     return TabPage::eventFilter(object, event);
@@ -241,68 +213,20 @@ void PlaylistsView::currentPlaylistDidChange()
     playlistsTableView->viewport()->update(); // another row is marked as current
 }
 
-void PlaylistsView::updateButtons()
+void PlaylistsView::updateControls()
 {
-    const bool canStart = m_server.isConnected() && m_playlists.playlistList.selection()->hasSelection();
-    if (!canStart && startPlaylistButton->hasFocus())
-        playlistsTableView->setFocus(); // Qt would give the focus to the next button
-    startPlaylistButton->setEnabled(canStart);
-    for (QPushButton *button : {addExclusionButton, applyExclusionsButton}) {
-        if (!m_server.isConnected() && button->hasFocus())
-            exclusionsTableView->setFocus();
-        button->setEnabled(m_server.isConnected());
-    }
-}
-
-void PlaylistsView::exclusionSelectionDidChange()
-{
-    const bool isAnySelected = m_playlists.exclusionListController.selection()->hasSelection();
-    if (!isAnySelected && removeExclusionButton->hasFocus())
-        exclusionsTableView->setFocus(); // Qt would give the focus to the next button
-    removeExclusionButton->setEnabled(isAnySelected);
-}
-
-void PlaylistsView::showUnsentExclusions(bool hasUnsent)
-{
-    unsentExclusionsLabel->setText(hasUnsent ? tr("Not yet applied. Starting a playlist discards these changes.")
-                                             : QString());
-}
-
-void PlaylistsView::updatePlaceholders()
-{
-    if (m_server.isConnected()) {
-        playlistsTableView->setPlaceholder(
-            tr("No playlists are known, as their file was not read. Connect again to read it anew."));
-        exclusionsTableView->setPlaceholder(
-            tr("Nothing is excluded. Press \"Add Exclusion…\" to leave out a map or a gametype."));
-        return;
-    }
-    playlistsTableView->setPlaceholder(tr("Not connected. Connect to a server to see the playlists."));
-    exclusionsTableView->setPlaceholder(tr("Not connected. Connect to a server to see what it leaves out."));
-}
-
-static QString layoutKey()
-{
-    return QStringLiteral("window/playlists");
-}
-
-void PlaylistsView::saveLayout(Preferences &preferences) const
-{
-    QByteArray layout;
-    QDataStream stream(&layout, QIODevice::WriteOnly);
-    stream << playlistsTableView->horizontalHeader()->saveState()
-           << exclusionsTableView->horizontalHeader()->saveState();
-    preferences.setValue(layoutKey(), layout);
-}
-
-void PlaylistsView::restoreLayout(const Preferences &preferences)
-{
-    QDataStream stream(preferences.value(layoutKey()).toByteArray());
-    QByteArray playlists;
-    QByteArray exclusions;
-    stream >> playlists >> exclusions;
-    if (stream.status() != QDataStream::Ok)
-        return;
-    playlistsTableView->horizontalHeader()->restoreState(playlists);
-    exclusionsTableView->horizontalHeader()->restoreState(exclusions);
+    const bool isConnected = m_server.isConnected();
+    m_startAction->setEnabled(isConnected && m_playlists.playlistList.selection()->hasSelection());
+    m_addAction->setEnabled(isConnected);
+    m_removeAction->setEnabled(m_playlists.exclusionListController.selection()->hasSelection());
+    m_applyAction->setEnabled(isConnected);
+    unsentExclusionsLabel->setText(m_playlists.hasUnsentExclusions()
+                                       ? tr("Not yet applied. Starting a playlist discards these changes.")
+                                       : QString());
+    playlistsTableView->setPlaceholder(
+        isConnected ? tr("No playlists are known, as their file was not read. Connect again to read it anew.")
+                    : tr("Not connected. Connect to a server to see the playlists."));
+    exclusionsTableView->setPlaceholder(
+        isConnected ? tr("Nothing is excluded. Press \"Add Exclusion…\" to leave out a map or a gametype.")
+                    : tr("Not connected. Connect to a server to see what it leaves out."));
 }

@@ -18,8 +18,8 @@ class KelServer;
 class KeyHandlingTableView;
 class MapGametypePairWindowController;
 class PlaceholderTable;
+class QAction;
 class QLabel;
-class QPushButton;
 
 /// The playlists that the server can run, and what is left out of them.
 class PlaylistsView : public TabPage
@@ -29,9 +29,6 @@ public:
     /// Everything handed in outlives the view.
     PlaylistsView(KelServer &server, ActionQueue &actions, Alerts &alerts, KelGametype &gametypes, KelMapList &maps,
                   KelPlaylists &playlists, QWidget *parent = nullptr);
-
-    void restoreLayout(const Preferences &preferences) override;
-    void saveLayout(Preferences &preferences) const override;
 
 public slots:
     void startPlaylistButtonPressed();
@@ -44,29 +41,26 @@ protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
-    void nameControls();
-    void setUpTables();
     void layOut();
-    void connectControls();
+    void setUpTables();
+    void connectParts();
     void playlistDoubleClicked(const QModelIndex &index);
-    void updateButtons();
     void currentPlaylistDidChange();
-    void exclusionSelectionDidChange();
-    void showUnsentExclusions(bool hasUnsent);
-    void updatePlaceholders();
+    /// Follows the connection, the selections and the edits that were not sent.
+    void updateControls();
     ExclusionText exclusionTexts() const;
     QCoro::Task<> startPlaylist(PlaylistInst playlist);
     QCoro::Task<> applyExclusions(ExclusionText texts);
 
+    QAction *m_startAction;
+    QAction *m_addAction;
+    QAction *m_removeAction;
+    QAction *m_applyAction;
     ElidingField *currentPlaylistField;
     PlaceholderTable *playlistsTableView;
-    QPushButton *startPlaylistButton;
-    KeyHandlingTableView *exclusionsTableView;
+    KeyHandlingTableView *exclusionsTableView = nullptr;
     /// Tells of edits that were not sent; empty when there are none.
     QLabel *unsentExclusionsLabel;
-    QPushButton *addExclusionButton;
-    QPushButton *removeExclusionButton;
-    QPushButton *applyExclusionsButton;
     MapGametypePairWindowController *mapGametypePairWindowController;
 
     KelServer &m_server;

@@ -2,7 +2,6 @@
 
 #include "ActionQueue.h"
 #include "Alerts.h"
-#include "ColumnLayout.h"
 #include "DeleteRotationWindowController.h"
 #include "ElidingLabel.h"
 #include "KeyHandlingTableView.h"
@@ -184,16 +183,6 @@ void RotationPane::scrollToEnd()
 void RotationPane::finishEditing()
 {
     tableView->finishEditing();
-}
-
-void RotationPane::restoreColumns(const Preferences &preferences, const QString &key)
-{
-    ::restoreColumns(preferences, key, *tableView->horizontalHeader());
-}
-
-void RotationPane::saveColumns(Preferences &preferences, const QString &key) const
-{
-    ::saveColumns(preferences, key, *tableView->horizontalHeader());
 }
 
 /// Opens a sheet. @return what comes when it was closed, or destroyed. Hold no reference to the sheet until then.

@@ -15,7 +15,6 @@ class ActionQueue;
 class Alerts;
 class ElidingLabel;
 class KeyHandlingTableView;
-class Preferences;
 class QAbstractItemDelegate;
 class QHBoxLayout;
 class QLabel;
@@ -48,9 +47,6 @@ public:
     /// Draws the rows anew, with what the delegate knows now.
     void updateRows();
     void scrollToEnd();
-
-    void restoreColumns(const Preferences &preferences, const QString &key);
-    void saveColumns(Preferences &preferences, const QString &key) const;
 
     void newDocument() override { newRotationMenuItemClicked(); }
     void openDocument() override { openRotationMenuItemClicked(); }

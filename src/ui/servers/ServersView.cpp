@@ -1,10 +1,11 @@
 #include "ServersView.h"
 
+#include "ActionButton.h"
 #include "ActionQueue.h"
 #include "Alerts.h"
-#include "ColumnLayout.h"
 #include "HostAndPort.h"
 #include "LeftDoubleClick.h"
+#include "Named.h"
 #include "PlaceholderTable.h"
 #include "SortKeys.h"
 
@@ -56,19 +57,34 @@ private:
     PropertyList m_entries;
 };
 
-ServersView::ServersView(SavedServers &savedServers, ActionQueue &actions, Alerts &alerts, QWidget *parent)
-    : QWidget(parent), savedServerTableView(new PlaceholderTable(this)),
-      savedServersController(new ArrayController<SavedServer>(serverColumns(), labelOf, this)),
-      savedPasswordField(new QLineEdit(this)),
-      connectToSavedServerButton(new QPushButton(tr("Connect to Server"), this)), labelField(new QLineEdit(this)),
-      hostField(new QLineEdit(this)), portField(new QLineEdit(this)), passwordField(new QLineEdit(this)),
-      connectButton(new QPushButton(tr("Connect"), this)),
-      saveToServerListButton(new QPushButton(tr("Save to List"), this)),
-      disconnectButton(new QPushButton(tr("Disconnect"), this)),
-      hostwellButton(new QPushButton(tr("Server Hosting"), this)), m_savedServers(savedServers), m_actions(actions),
-      m_alerts(alerts)
+static QLineEdit *passwordLine(const char *name, const QString &accessibleName, QWidget *parent)
 {
-    nameControls();
+    auto *field = named(name, new QLineEdit(parent), accessibleName);
+    field->setEchoMode(QLineEdit::Password);
+    return field;
+}
+
+// The Tab key goes through the controls in the order in which they are made.
+ServersView::ServersView(SavedServers &savedServers, ActionQueue &actions, Alerts &alerts, QWidget *parent)
+    : QWidget(parent), m_connectAction(makeAction(this, tr("&Connect"), tr("Ctrl+Return"))),
+      m_disconnectAction(makeAction(this, tr("&Disconnect"), &ServersView::disconnectButtonPressed, tr("Ctrl+D"))),
+      savedServerTableView(named("savedServerTableView", new PlaceholderTable(this), tr("Saved servers"))),
+      savedServersController(new ArrayController<SavedServer>(serverColumns(), labelOf, this)),
+      savedPasswordField(passwordLine("savedPasswordField", tr("Saved password"), this)),
+      connectToSavedServerButton(named("connectToSavedServerButton", new QPushButton(tr("Connect to Server"), this))),
+      disconnectButton(new ActionButton(m_disconnectAction, "disconnectButton", this)),
+      labelField(named("labelField", new QLineEdit(this), tr("Label"))),
+      hostField(named("hostField", new QLineEdit(this), tr("Host"))),
+      portField(named("portField", new QLineEdit(this), tr("Port"))),
+      passwordField(passwordLine("passwordField", tr("Password"), this)),
+      connectButton(new ActionButton(m_connectAction, "connectButton", this)),
+      saveToServerListButton(named("saveToServerListButton", new QPushButton(tr("Save to List"), this))),
+      hostwellButton(named("hostwellButton", new QPushButton(tr("Server Hosting"), this))),
+      m_savedServers(savedServers), m_actions(actions), m_alerts(alerts)
+{
+    // Elsewhere the key of Connect sends what is typed; there it would leave the server.
+    m_connectAction->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    addAction(m_connectAction);
     setUpControls();
     setUpTable();
     layOut();
@@ -76,39 +92,13 @@ ServersView::ServersView(SavedServers &savedServers, ActionQueue &actions, Alert
     loadSavedServersList();
 }
 
-void ServersView::nameControls()
-{
-    const QList<std::pair<QWidget *, QString>> names{
-        {savedServerTableView, QStringLiteral("savedServerTableView")},
-        {savedPasswordField, QStringLiteral("savedPasswordField")},
-        {connectToSavedServerButton, QStringLiteral("connectToSavedServerButton")},
-        {labelField, QStringLiteral("labelField")},
-        {hostField, QStringLiteral("hostField")},
-        {portField, QStringLiteral("portField")},
-        {passwordField, QStringLiteral("passwordField")},
-        {connectButton, QStringLiteral("connectButton")},
-        {saveToServerListButton, QStringLiteral("saveToServerListButton")},
-        {disconnectButton, QStringLiteral("disconnectButton")},
-        {hostwellButton, QStringLiteral("hostwellButton")}};
-    for (const auto &[control, name] : names)
-        control->setObjectName(name);
-}
-
 void ServersView::setUpControls()
 {
-    savedServerTableView->setAccessibleName(tr("Saved servers"));
-    savedPasswordField->setAccessibleName(tr("Saved password"));
     savedPasswordField->setToolTip(tr("The password of the selected server; an edit is saved."));
-    labelField->setAccessibleName(tr("Label"));
-    hostField->setAccessibleName(tr("Host"));
     hostField->setPlaceholderText(QStringLiteral("192.0.2.10"));
     hostField->setToolTip(tr("The server's IPv4 address, four numbers with dots between them"));
-    portField->setAccessibleName(tr("Port"));
     portField->setPlaceholderText(QStringLiteral("50960"));
-    passwordField->setAccessibleName(tr("Password"));
     passwordField->setToolTip(tr("The remote-console password. It travels to the server unencrypted."));
-    for (QLineEdit *field : {savedPasswordField, passwordField})
-        field->setEchoMode(QLineEdit::Password);
     hostwellButton->setFlat(true);
     hostwellButton->setCursor(Qt::PointingHandCursor);
     QFont underlined = hostwellButton->font();
@@ -126,8 +116,8 @@ void ServersView::setUpTable()
     savedServerTableView->setColumnWidth(1, 92);
     savedServerTableView->setColumnWidth(2, 52);
     savedServerTableView->horizontalHeader()->setMinimumSectionSize(40);
-    savedServerTableView->horizontalHeader()->setStretchLastSection(false);
-    savedServerTableView->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+    savedServerTableView->setStretchedColumn(0);
+    savedServerTableView->installEventFilter(this);
 }
 
 void ServersView::layOut()
@@ -158,64 +148,49 @@ void ServersView::layOut()
     layout->addLayout(savedButtons);
     layout->addWidget(box);
     layout->addWidget(hostwellButton, 0, Qt::AlignLeft);
-
-    const QList<QWidget *> order{savedServerTableView,
-                                 savedPasswordField,
-                                 connectToSavedServerButton,
-                                 disconnectButton,
-                                 labelField,
-                                 hostField,
-                                 portField,
-                                 passwordField,
-                                 connectButton,
-                                 saveToServerListButton,
-                                 hostwellButton};
-    for (int i = 1; i < order.size(); ++i)
-        setTabOrder(order.at(i - 1), order.at(i));
 }
 
 void ServersView::connectControls()
 {
     for (QLineEdit *field : {labelField, hostField, portField, passwordField}) {
-        connect(field, &QLineEdit::textChanged, this, &ServersView::controlTextDidChange);
-        connect(field, &QLineEdit::returnPressed, connectButton, &QPushButton::click);
+        connect(field, &QLineEdit::textChanged, this, &ServersView::updateControls);
+        connect(field, &QLineEdit::returnPressed, m_connectAction, &QAction::trigger);
     }
     connect(hostField, &QLineEdit::editingFinished, this, &ServersView::splitHostField);
-    connect(connectButton, &QPushButton::clicked, this,
-            &ServersView::splitHostField); // connected before the slots that read the form
-    connect(connectButton, &QPushButton::clicked, this, &ServersView::connectButtonPressed);
-    connect(disconnectButton, &QPushButton::clicked, this, &ServersView::disconnectButtonPressed);
+    connect(m_connectAction, &QAction::triggered, this, [this] {
+        splitHostField(); // before who reads the form
+        emit connectButtonPressed();
+    });
     connect(saveToServerListButton, &QPushButton::clicked, this, &ServersView::saveToServerListButtonPressed);
     connect(connectToSavedServerButton, &QPushButton::clicked, this, &ServersView::connectToSavedServerButtonPressed);
     connect(new LeftDoubleClick(savedServerTableView), &LeftDoubleClick::doubleClicked, this,
-            &ServersView::savedServerDoubleClicked);
+            [this](const QModelIndex &index) { choose(savedServersController->objectAt(index)); });
     connect(savedServersController->selection(), &QItemSelectionModel::selectionChanged, this,
             &ServersView::selectionDidChange);
     connect(savedPasswordField, &QLineEdit::editingFinished, this, &ServersView::savedPasswordDidChange);
     connect(hostwellButton, &QPushButton::clicked, this, &ServersView::hostwellButtonPressed);
-    savedServerTableView->installEventFilter(this);
 }
 
-void ServersView::controlTextDidChange()
+void ServersView::updateControls()
 {
     const bool hasPort = !portField->text().isEmpty() || !splitHostAndPort(hostField->text()).port.isEmpty();
     const bool isComplete = !hostField->text().isEmpty() && hasPort && !passwordField->text().isEmpty();
-    connectButton->setEnabled(isComplete && !m_isConnecting);
+    m_connectAction->setEnabled(isComplete && !m_isConnecting);
     saveToServerListButton->setEnabled(isComplete && !labelField->text().isEmpty());
-    disconnectButton->setEnabled(m_isConnecting || m_isConnected);
+    m_disconnectAction->setEnabled(m_isConnecting || m_isConnected);
     connectToSavedServerButton->setEnabled(!m_isConnecting && !savedServersController->selectedObjects().isEmpty());
 }
 
 void ServersView::setConnected(bool isConnected)
 {
     m_isConnected = isConnected;
-    controlTextDidChange();
+    updateControls();
 }
 
 void ServersView::setConnecting(bool isConnecting)
 {
     m_isConnecting = isConnecting;
-    controlTextDidChange();
+    updateControls();
 }
 
 ServerForm ServersView::form() const
@@ -269,26 +244,6 @@ void ServersView::focusSavedPassword(const QString &label)
     focusPassword(savedPasswordField);
 }
 
-bool ServersView::canDisconnect() const
-{
-    return disconnectButton->isEnabled();
-}
-
-void ServersView::pressDisconnect()
-{
-    disconnectButton->click();
-}
-
-bool ServersView::canConnect() const
-{
-    return connectButton->isEnabled();
-}
-
-void ServersView::pressConnect()
-{
-    connectButton->click();
-}
-
 void ServersView::loadSavedServersList()
 {
     m_readError = m_savedServers.load().error;
@@ -335,11 +290,6 @@ void ServersView::connectToSavedServerButtonPressed()
         choose(chosen.last());
 }
 
-void ServersView::savedServerDoubleClicked(const QModelIndex &index)
-{
-    choose(savedServersController->objectAt(index));
-}
-
 void ServersView::choose(const SavedServer &server)
 {
     if (m_isConnecting)
@@ -367,7 +317,7 @@ void ServersView::selectionDidChange()
     savedPasswordField->setText(password.value_or(QString()));
     const bool isUnknown = !chosen.isEmpty() && !password;
     savedPasswordField->setPlaceholderText(isUnknown ? tr("cannot be decrypted") : QString());
-    controlTextDidChange();
+    updateControls();
 }
 
 void ServersView::savedPasswordDidChange()
@@ -401,30 +351,17 @@ QCoro::Task<> ServersView::tell(QString text)
 bool ServersView::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == savedServerTableView && event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent *>(event)->key();
+        const auto *press = static_cast<QKeyEvent *>(event);
+        const int key = press->key();
         if (key == Qt::Key_Delete || key == Qt::Key_Backspace) {
             deleteSelectionFromTableView();
             return true;
         }
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+        const bool isReturn = key == Qt::Key_Return || key == Qt::Key_Enter;
+        if (isReturn && !press->modifiers().testFlag(Qt::ControlModifier)) { // which is the form's, complete or not
             connectToSavedServerButtonPressed();
             return true;
         }
     }
     return QWidget::eventFilter(watched, event);
-}
-
-static QString columnsKey()
-{
-    return QStringLiteral("window/savedServers");
-}
-
-void ServersView::restoreLayout(const Preferences &preferences)
-{
-    restoreColumns(preferences, columnsKey(), *savedServerTableView->horizontalHeader());
-}
-
-void ServersView::saveLayout(Preferences &preferences) const
-{
-    saveColumns(preferences, columnsKey(), *savedServerTableView->horizontalHeader());
 }

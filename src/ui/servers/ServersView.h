@@ -11,7 +11,7 @@
 class ActionQueue;
 class Alerts;
 class PlaceholderTable;
-class Preferences;
+class QAction;
 class QLineEdit;
 class QPushButton;
 
@@ -38,10 +38,6 @@ public:
     /// Deletions of saved servers. A step keeps the entries as the file holds them, the passwords encrypted.
     QUndoStack *undoStack() { return &m_undoStack; }
 
-    /// Widths, order and sorting of the table's columns; where nothing has been saved, they stay.
-    void restoreLayout(const Preferences &preferences);
-    void saveLayout(Preferences &preferences) const;
-
     /// While a connect is under way no second one can be asked for.
     void setConnecting(bool isConnecting);
     /// "Disconnect" can be pressed while there is a connection, or one is being made.
@@ -59,14 +55,10 @@ public:
     void focusFormPassword();
     /// Moves the focus to where filling in the form begins.
     void focusForm();
-    /// Whether "Connect" can be pressed.
-    bool canConnect() const;
-    /// Presses "Connect", if it can be pressed.
-    void pressConnect();
-    /// Whether "Disconnect" can be pressed.
-    bool canDisconnect() const;
-    /// Presses "Disconnect", if it can be pressed.
-    void pressDisconnect();
+
+    /// Connects to where the form says. Its key acts within the pane, also while a table has the focus.
+    QAction *connectAction() const { return m_connectAction; }
+    QAction *disconnectAction() const { return m_disconnectAction; }
 
 public slots:
     void saveToServerListButtonPressed();
@@ -85,33 +77,33 @@ protected:
 private:
     class Deletion;
 
-    void nameControls();
     void setUpControls();
     void setUpTable();
     void layOut();
     void connectControls();
-    void controlTextDidChange();
+    void updateControls();
     void splitHostField();
     void showList();
     void showWritten(const SavedServersOutcome &outcome);
     void selectionDidChange();
     void savedPasswordDidChange();
-    void savedServerDoubleClicked(const QModelIndex &index);
     void choose(const SavedServer &server);
     void report(const SavedServersOutcome &outcome);
     QCoro::Task<> tell(QString text);
 
+    QAction *m_connectAction;
+    QAction *m_disconnectAction;
     PlaceholderTable *savedServerTableView;
     ArrayController<SavedServer> *savedServersController;
     QLineEdit *savedPasswordField;
     QPushButton *connectToSavedServerButton;
+    QPushButton *disconnectButton;
     QLineEdit *labelField;
     QLineEdit *hostField;
     QLineEdit *portField;
     QLineEdit *passwordField;
     QPushButton *connectButton;
     QPushButton *saveToServerListButton;
-    QPushButton *disconnectButton;
     QPushButton *hostwellButton;
 
     SavedServers &m_savedServers;

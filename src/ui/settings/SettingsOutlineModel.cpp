@@ -1,5 +1,6 @@
 #include "SettingsOutlineModel.h"
 
+#include "CutText.h"
 #include "DvarFetcher.h"
 #include "DvarSetting.h"
 #include "DvarSettingCategory.h"
@@ -10,10 +11,10 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <utility>
 
 // A cell shows no more than this, and laying out longer texts would slow down every painting.
 static constexpr qsizetype longestCellText = 300;
-static constexpr qsizetype longestToolTip = 2000;
 
 static QString shortened(const QString &text, qsizetype length)
 {
@@ -62,13 +63,7 @@ SettingsOutlineModel::~SettingsOutlineModel() = default;
 void SettingsOutlineModel::setCategories(const QList<std::shared_ptr<DvarSettingCategory>> &categories)
 {
     beginResetModel();
-    m_categories.clear();
-    for (const std::shared_ptr<DvarSettingCategory> &category : categories) {
-        Category added{category, {}, {}};
-        for (const std::shared_ptr<DvarSetting> &setting : category->children())
-            added.rows.append(Row{setting, {}});
-        m_categories.append(added);
-    }
+    m_all = categories;
     arrange();
     endResetModel();
 }
@@ -87,25 +82,16 @@ void SettingsOutlineModel::arrange()
 {
     static const QRegularExpression blanks(QStringLiteral("\\s+"));
     const QStringList words = m_filterText.split(blanks, Qt::SkipEmptyParts);
-    m_visible.clear();
-    for (int each = 0; each < m_categories.size(); ++each) {
-        Category &category = m_categories[each];
-        category.visible.clear();
-        for (int row = 0; row < category.rows.size(); ++row) {
-            Row &candidate = category.rows[row];
-            if (!holdsAll(*candidate.setting, words))
-                continue;
-            category.visible.append(row);
-            candidate.shown = shownFor(*candidate.setting);
+    m_categories.clear();
+    for (const std::shared_ptr<DvarSettingCategory> &category : std::as_const(m_all)) {
+        Category arranged{category->name(), {}};
+        for (const std::shared_ptr<DvarSetting> &setting : category->children()) {
+            if (holdsAll(*setting, words))
+                arranged.rows.append(Row{setting, shownFor(*setting)});
         }
-        if (!category.visible.isEmpty())
-            m_visible.append(each);
+        if (!arranged.rows.isEmpty())
+            m_categories.append(arranged);
     }
-}
-
-bool SettingsOutlineModel::hasSettings() const
-{
-    return !m_categories.isEmpty();
 }
 
 void SettingsOutlineModel::followSession()
@@ -152,16 +138,16 @@ void SettingsOutlineModel::endWrite(const QString &dvar)
 
 void SettingsOutlineModel::announceChanges(const QString &dvar)
 {
-    for (int categoryRow = 0; categoryRow < m_visible.size(); ++categoryRow) {
-        Category &category = m_categories[m_visible.at(categoryRow)];
+    for (int categoryRow = 0; categoryRow < m_categories.size(); ++categoryRow) {
+        QList<Row> &rows = m_categories[categoryRow].rows;
         const QModelIndex parentIndex = index(categoryRow, NameColumn);
-        const int count = static_cast<int>(category.visible.size());
+        const int count = static_cast<int>(rows.size());
         // Neighbours are announced together: a view looks every announced row up from the top of the outline.
         int first = -1;
         for (int row = 0; row <= count; ++row) {
             bool isDifferent = false;
             if (row < count) {
-                Row &each = category.rows[category.visible.at(row)];
+                Row &each = rows[row];
                 if (dvar.isNull() || each.setting->dvar() == dvar) {
                     const Shown now = shownFor(*each.setting);
                     isDifferent = !(now == each.shown);
@@ -213,16 +199,15 @@ std::shared_ptr<DvarSetting> SettingsOutlineModel::settingAt(const QModelIndex &
 {
     if (!index.isValid() || index.internalId() == 0)
         return nullptr;
-    const Category &category = m_categories.at(m_visible.at(static_cast<int>(index.internalId() - 1)));
-    return category.rows.at(category.visible.at(index.row())).setting;
+    return m_categories.at(static_cast<int>(index.internalId() - 1)).rows.at(index.row()).setting;
 }
 
 QModelIndex SettingsOutlineModel::indexOf(const std::shared_ptr<DvarSetting> &setting, int column) const
 {
-    for (int categoryRow = 0; categoryRow < m_visible.size(); ++categoryRow) {
-        const Category &category = m_categories.at(m_visible.at(categoryRow));
-        for (int row = 0; row < category.visible.size(); ++row) {
-            if (category.rows.at(category.visible.at(row)).setting == setting)
+    for (int categoryRow = 0; categoryRow < m_categories.size(); ++categoryRow) {
+        const QList<Row> &rows = m_categories.at(categoryRow).rows;
+        for (int row = 0; row < rows.size(); ++row) {
+            if (rows.at(row).setting == setting)
                 return createIndex(row, column, idBelow(categoryRow));
         }
     }
@@ -246,10 +231,10 @@ QModelIndex SettingsOutlineModel::parent(const QModelIndex &child) const
 int SettingsOutlineModel::rowCount(const QModelIndex &parent) const
 {
     if (!parent.isValid())
-        return static_cast<int>(m_visible.size());
+        return static_cast<int>(m_categories.size());
     if (parent.internalId() != 0 || parent.column() != NameColumn)
         return 0;
-    return static_cast<int>(m_categories.at(m_visible.at(parent.row())).visible.size());
+    return static_cast<int>(m_categories.at(parent.row()).rows.size());
 }
 
 int SettingsOutlineModel::columnCount(const QModelIndex &) const
@@ -261,16 +246,7 @@ QVariant SettingsOutlineModel::headerData(int section, Qt::Orientation orientati
 {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return {};
-    switch (section) {
-    case NameColumn:
-        return tr("Name");
-    case ValueColumn:
-        return tr("Value");
-    case DescriptionColumn:
-        return tr("Description");
-    default:
-        return {};
-    }
+    return QStringList{tr("Name"), tr("Value"), tr("Description")}.value(section);
 }
 
 Qt::ItemFlags SettingsOutlineModel::flags(const QModelIndex &index) const
@@ -294,14 +270,13 @@ QVariant SettingsOutlineModel::data(const QModelIndex &index, int role) const
         return {};
     if (const std::shared_ptr<DvarSetting> setting = settingAt(index))
         return settingData(*setting, index.column(), role);
-    const DvarSettingCategory &category = *m_categories.at(m_visible.at(index.row())).category;
     if (role == Qt::FontRole) {
         QFont font;
         font.setBold(true);
         return font;
     }
     if (role == Qt::DisplayRole && index.column() == NameColumn)
-        return shortened(category.name(), longestCellText);
+        return shortened(m_categories.at(index.row()).name, longestCellText);
     return {};
 }
 
@@ -375,7 +350,7 @@ QString SettingsOutlineModel::toolTip(const DvarSetting &setting, int column) co
     lines.append(changeText(setting));
     lines.removeAll(QString());
     for (QString &line : lines)
-        line = shortened(line, longestToolTip).toHtmlEscaped();
+        line = shortened(line, CutText::LongestToolTip).toHtmlEscaped();
     // As rich text it wraps, and what the server or a catalogue says stays plain text within it.
     return QStringLiteral("<qt>%1</qt>").arg(lines.join(QLatin1String("<br>")));
 }

@@ -36,7 +36,7 @@ public:
     void setFilterText(const QString &text);
     QString filterText() const { return m_filterText; }
     /// Whether there are settings at all, shown or hidden by the filter.
-    bool hasSettings() const;
+    bool hasSettings() const { return !m_all.isEmpty(); }
 
     /// The setting of a row; null for a category.
     std::shared_ptr<DvarSetting> settingAt(const QModelIndex &index) const;
@@ -79,9 +79,8 @@ private:
         Shown shown;
     };
     struct Category {
-        std::shared_ptr<DvarSettingCategory> category;
+        QString name;
         QList<Row> rows;
-        QList<int> visible; ///< into rows
     };
 
     void followSession();
@@ -103,8 +102,8 @@ private:
 
     KelServer &m_server;
     const DvarFetcher &m_fetcher;
-    QList<Category> m_categories;
-    QList<int> m_visible; ///< into m_categories
+    QList<std::shared_ptr<DvarSettingCategory>> m_all;
+    QList<Category> m_categories; ///< that have rows which the filter lets pass, with these
     QString m_filterText;
     QHash<QString, QString> m_valuesAtConnect;
     QSet<QString> m_written; ///< what comes of these is what was written, so nothing to go back to

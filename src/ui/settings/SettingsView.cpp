@@ -5,22 +5,20 @@
 #include "DvarSettingCategory.h"
 #include "DvarSettingList.h"
 #include "DvarSettingOutlineView.h"
-#include "EmptyHint.h"
 #include "FilterField.h"
+#include "Hint.h"
 #include "KelGametype.h"
 #include "KelServer.h"
 #include "KelSettings.h"
-#include "Preferences.h"
+#include "Named.h"
 #include "Secrets.h"
 #include "ServerAction.h"
 #include "SettingsOutlineModel.h"
+#include "TitleLabel.h"
 
-#include <QDataStream>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QIODevice>
 #include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QSignalBlocker>
 #include <QSplitter>
@@ -30,8 +28,6 @@
 
 namespace
 {
-
-using Categories = QList<std::shared_ptr<DvarSettingCategory>>;
 
 /// Marks a variable as being written for as long as the action lives, however it ends.
 class PendingWrite
@@ -54,102 +50,76 @@ private:
 
 SettingsView::SettingsView(Mode mode, KelServer &server, ActionQueue &actions, DvarFetcher &fetcher,
                            KelSettings &settings, KelGametype &gametypes, QWidget *parent)
-    : TabPage(parent), m_mode(mode), settingsGroupList(new QListWidget(this)),
-      settingsFilterField(new FilterField(tr("Filter settings"), this)), m_server(server), m_actions(actions),
-      m_fetcher(fetcher), m_settings(settings), m_gametypes(gametypes),
-      m_settingsOutline(new SettingsOutlineModel(server, fetcher, this))
+    : TabPage(parent), m_server(server), m_actions(actions), m_fetcher(fetcher), m_settings(settings),
+      m_gametypes(gametypes), m_settingsPane(makeSettingsPane(mode)),
+      settingsFilterField(named("settingsFilterField", new FilterField(tr("Filter settings"), this)))
 {
-    settingsOutlineView = new DvarSettingOutlineView(*m_settingsOutline, this);
-    if (m_mode == Mode::Unranked) {
-        gametypeList = new QListWidget(this);
-        m_gametypeOutline = new SettingsOutlineModel(server, fetcher, this);
-        gametypeOutlineView = new DvarSettingOutlineView(*m_gametypeOutline, this);
-    }
-    layOut();
-    connectSettings();
-    listGroups();
-    showGroup();
-    if (m_mode == Mode::Ranked)
-        return;
-    connectGametypes();
-    listGametypes();
-    showGametype();
-    gametypeOutlineView->expandEveryRow();
-}
-
-SettingsView::~SettingsView() = default;
-
-void SettingsView::layOut()
-{
-    settingsGroupList->setObjectName(QStringLiteral("settingsGroupList"));
-    settingsGroupList->setAccessibleName(tr("Settings group"));
-    settingsFilterField->setObjectName(QStringLiteral("settingsFilterField"));
-    settingsFilterField->setMinimumWidth(220);
-    settingsOutlineView->setObjectName(m_mode == Mode::Ranked ? QStringLiteral("rankedOutlineView")
-                                                              : QStringLiteral("unrankedOutlineView"));
-    settingsOutlineView->setAccessibleName(tr("Game settings"));
-
-    auto *halves = new QSplitter(Qt::Vertical, this);
-    halves->setObjectName(QStringLiteral("settingsHalves"));
-    halves->setChildrenCollapsible(false);
-    halves->addWidget(pairOf(tr("Settings group"), settingsGroupList, settingsOutlineView));
-    m_groupsHint = new EmptyHint(settingsGroupList);
-    m_settingsHint = new EmptyHint(settingsOutlineView);
     auto *above = new QHBoxLayout;
     above->addStretch();
     above->addWidget(settingsFilterField);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(above);
-    layout->addWidget(halves, 1);
-    setTabOrder(settingsGroupList, settingsFilterField);
-    setTabOrder(settingsFilterField, settingsOutlineView);
-    setFocusProxy(settingsGroupList);
-    if (m_mode == Mode::Ranked)
-        return;
-    halves->addWidget(pairOf(tr("Gametype"), gametypeList, gametypeOutlineView));
-    layOutGametypes();
+    setTabOrder(m_settingsPane.list, settingsFilterField);
+    setFocusProxy(m_settingsPane.list);
+    connectSettings();
+    if (mode == Mode::Ranked) {
+        layout->addWidget(m_settingsPane.pair, 1);
+    } else {
+        m_gametypePane =
+            makePane({tr("Gametype"), "gametypeList", tr("Gametype settings"), "gametypeOutlineView", "gametypePair"});
+        auto *halves = named("settingsHalves", new QSplitter(Qt::Vertical, this));
+        halves->setChildrenCollapsible(false);
+        halves->addWidget(m_settingsPane.pair);
+        halves->addWidget(m_gametypePane->pair);
+        layout->addWidget(halves, 1);
+        connectGametypes();
+    }
+    followConnection();
+    if (m_gametypePane)
+        m_gametypePane->outlineView->expandEveryRow();
 }
 
-void SettingsView::layOutGametypes()
+SettingsView::~SettingsView() = default;
+
+SettingsView::Pane SettingsView::makeSettingsPane(Mode mode)
 {
-    gametypeList->setObjectName(QStringLiteral("gametypeList"));
-    gametypeList->setAccessibleName(tr("Gametype"));
-    gametypeOutlineView->setObjectName(QStringLiteral("gametypeOutlineView"));
-    gametypeOutlineView->setAccessibleName(tr("Gametype settings"));
-    m_gametypesHint = new EmptyHint(gametypeList);
-    m_gametypeSettingsHint = new EmptyHint(gametypeOutlineView);
-    setTabOrder(settingsOutlineView, gametypeList);
-    setTabOrder(gametypeList, gametypeOutlineView);
+    const QString title = tr("Settings group");
+    const QString settings = tr("Game settings");
+    if (mode == Mode::Ranked)
+        return makePane({title, "settingsGroupList", settings, "rankedOutlineView", "rankedSettingsPair"});
+    return makePane({title, "settingsGroupList", settings, "unrankedOutlineView", "unrankedSettingsPair"});
 }
 
-QSplitter *SettingsView::pairOf(const QString &title, QListWidget *list, DvarSettingOutlineView *outline)
+SettingsView::Pane SettingsView::makePane(const PaneNames &names)
 {
-    auto *pair = new QSplitter(Qt::Horizontal, this);
+    auto *pair = named(names.pair, new QSplitter(Qt::Horizontal, this));
     pair->setChildrenCollapsible(false);
     auto *left = new QWidget(pair);
-    auto *caption = new QLabel(title, left);
-    // In line with the outline's header beside it.
-    caption->setMinimumHeight(outline->header()->sizeHint().height());
-    caption->setBuddy(list);
+    auto *list = named(names.list, new QListWidget(left), names.listTitle);
+    list->setMinimumWidth(110);
+    list->setUniformItemSizes(true);
+    list->setTextElideMode(Qt::ElideRight);
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto *outline = new SettingsOutlineModel(m_server, m_fetcher, this);
+    auto *view = named(names.outline, new DvarSettingOutlineView(*outline, pair), names.outlineTitle);
+    QLabel *caption = titleOf(names.listTitle, list);
+    caption->setMinimumHeight(view->header()->sizeHint().height()); // in line with the header beside it
     auto *column = new QVBoxLayout(left);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(caption);
     column->addWidget(list, 1);
-    list->setMinimumWidth(110);
-    list->setUniformItemSizes(true);
-    list->setTextElideMode(Qt::ElideRight);
-    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     pair->addWidget(left);
-    pair->addWidget(outline);
+    pair->addWidget(view);
     pair->setStretchFactor(1, 1);
     pair->setSizes({140, 590});
-    return pair;
+    connect(view, &DvarSettingOutlineView::askAgainRequested, this, &SettingsView::askAgain);
+    connectOutline(outline);
+    return {pair, list, new Hint(list), outline, view, new Hint(view)};
 }
 
-void SettingsView::connectOutline(SettingsOutlineModel *outline, DvarSettingOutlineView *view)
+void SettingsView::connectOutline(SettingsOutlineModel *outline)
 {
-    connect(view, &DvarSettingOutlineView::askAgainRequested, this, &SettingsView::askAgain);
     connect(outline, &SettingsOutlineModel::writeRequested, this,
             [this, outline](const std::shared_ptr<DvarSetting> &setting, const QString &value) {
                 m_actions.start(write(outline, setting, value));
@@ -162,72 +132,79 @@ void SettingsView::connectOutline(SettingsOutlineModel *outline, DvarSettingOutl
 
 void SettingsView::connectSettings()
 {
-    connectOutline(m_settingsOutline, settingsOutlineView);
     connect(&m_fetcher, &DvarFetcher::began, this, &SettingsView::preferEverythingShown);
-    connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::listGroups);
-    connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::showGroup);
+    connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::followConnection);
     connect(&m_settings, &KelSettings::sortedSettingsValuesChanged, this, &SettingsView::listGroups);
     connect(&m_settings, &KelSettings::selectedSettingsChanged, this, &SettingsView::showGroup);
-    connect(settingsGroupList, &QListWidget::currentTextChanged, this,
+    connect(m_settingsPane.list, &QListWidget::currentTextChanged, this,
             [this](const QString &name) { m_settings.setSelectedSettingList(name); });
     connect(settingsFilterField, &QLineEdit::textChanged, this, [this](const QString &text) {
-        for (DvarSettingOutlineView *view : outlineViews())
-            view->setFilterText(text);
+        m_settingsPane.outlineView->setFilterText(text);
+        if (m_gametypePane)
+            m_gametypePane->outlineView->setFilterText(text);
         updateHints();
     });
 }
 
 void SettingsView::connectGametypes()
 {
-    connectOutline(m_gametypeOutline, gametypeOutlineView);
-    connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::listGametypes);
-    connect(&m_server, &KelServer::isConnectedChanged, this, &SettingsView::showGametype);
     connect(&m_gametypes, &KelGametype::gametypeListChanged, this, &SettingsView::listGametypes);
     connect(&m_gametypes, &KelGametype::selectedSettingsChanged, this, &SettingsView::showGametype);
-    connect(&m_gametypes, &KelGametype::selectedSettingListChanged, gametypeOutlineView,
+    connect(&m_gametypes, &KelGametype::selectedSettingListChanged, m_gametypePane->outlineView,
             &DvarSettingOutlineView::expandEveryRow);
-    connect(gametypeList, &QListWidget::currentRowChanged, this,
+    connect(m_gametypePane->list, &QListWidget::currentRowChanged, this,
             [this](int row) { m_gametypes.setSelectedSettingList(m_gametypes.arrangedGametypes().value(row)); });
+}
+
+void SettingsView::followConnection()
+{
+    listGroups();
+    showGroup();
+    if (!m_gametypePane)
+        return;
+    listGametypes();
+    showGametype();
 }
 
 void SettingsView::listGroups()
 {
-    // The catalogue keeps the selection and emits a signal when it has changed.
-    const QSignalBlocker quiet(settingsGroupList);
-    settingsGroupList->clear();
-    if (m_server.isConnected()) // after a disconnect the values may be outdated
-        settingsGroupList->addItems(m_settings.arrangedGroups());
+    // The catalogue decides what is selected, and tells when it has.
+    const QSignalBlocker quiet(m_settingsPane.list);
+    m_settingsPane.list->clear();
+    if (m_server.isConnected()) // the values of a server that has gone would look as if they were true
+        m_settingsPane.list->addItems(m_settings.arrangedGroups());
 }
 
 void SettingsView::listGametypes()
 {
-    const QSignalBlocker quiet(gametypeList);
-    gametypeList->clear();
+    const QSignalBlocker quiet(m_gametypePane->list);
+    m_gametypePane->list->clear();
     if (!m_server.isConnected())
         return;
     for (const std::shared_ptr<DvarSettingList> &gametype : m_gametypes.arrangedGametypes())
-        gametypeList->addItem(gametype->name());
+        m_gametypePane->list->addItem(gametype->name());
 }
 
 void SettingsView::showGroup()
 {
-    const QSignalBlocker quiet(settingsGroupList);
-    settingsGroupList->setCurrentRow(
-        static_cast<int>(m_settings.arrangedGroups().indexOf(m_settings.selectedSettingList())));
-    m_settingsOutline->setCategories(m_server.isConnected() ? m_settings.selectedSettings() : Categories());
-    settingsOutlineView->expandEveryRow();
-    updateHints();
-    preferShown(m_settings.selectedSettings());
+    const qsizetype row = m_settings.arrangedGroups().indexOf(m_settings.selectedSettingList());
+    fill(m_settingsPane, static_cast<int>(row), m_settings.selectedSettings());
+    m_settingsPane.outlineView->expandEveryRow();
 }
 
 void SettingsView::showGametype()
 {
-    const QSignalBlocker quiet(gametypeList);
-    gametypeList->setCurrentRow(
-        static_cast<int>(m_gametypes.arrangedGametypes().indexOf(m_gametypes.selectedSettingList())));
-    m_gametypeOutline->setCategories(m_server.isConnected() ? m_gametypes.selectedSettings() : Categories());
+    const qsizetype row = m_gametypes.arrangedGametypes().indexOf(m_gametypes.selectedSettingList());
+    fill(*m_gametypePane, static_cast<int>(row), m_gametypes.selectedSettings());
+}
+
+void SettingsView::fill(const Pane &pane, int row, const Categories &settings)
+{
+    const QSignalBlocker quiet(pane.list);
+    pane.list->setCurrentRow(row);
+    pane.outline->setCategories(m_server.isConnected() ? settings : Categories());
     updateHints();
-    preferShown(m_gametypes.selectedSettings());
+    preferShown(settings);
 }
 
 void SettingsView::setInFront(bool isInFront)
@@ -239,7 +216,7 @@ void SettingsView::setInFront(bool isInFront)
 void SettingsView::preferEverythingShown()
 {
     Categories shown = m_settings.selectedSettings();
-    if (m_mode == Mode::Unranked)
+    if (m_gametypePane)
         shown += m_gametypes.selectedSettings();
     preferShown(shown);
 }
@@ -271,12 +248,14 @@ QString SettingsView::outlineHint(const SettingsOutlineModel &outline, const QSt
 
 void SettingsView::updateHints()
 {
-    m_groupsHint->setText(m_server.isConnected() ? tr("The catalogue has no groups.") : tr("Not connected."));
-    m_settingsHint->setText(outlineHint(*m_settingsOutline, tr("Choose a group that has settings.")));
-    if (m_gametypeOutline == nullptr)
+    const bool isConnected = m_server.isConnected();
+    m_settingsPane.listHint->showText(isConnected ? tr("The catalogue has no groups.") : tr("Not connected."));
+    m_settingsPane.outlineHint->showText(outlineHint(*m_settingsPane.outline, tr("Choose a group that has settings.")));
+    if (!m_gametypePane)
         return;
-    m_gametypesHint->setText(m_server.isConnected() ? tr("The catalogue has no gametypes.") : tr("Not connected."));
-    m_gametypeSettingsHint->setText(outlineHint(*m_gametypeOutline, tr("Choose a gametype that has settings.")));
+    m_gametypePane->listHint->showText(isConnected ? tr("The catalogue has no gametypes.") : tr("Not connected."));
+    m_gametypePane->outlineHint->showText(
+        outlineHint(*m_gametypePane->outline, tr("Choose a gametype that has settings.")));
 }
 
 QCoro::Task<> SettingsView::write(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting,
@@ -295,55 +274,4 @@ QCoro::Task<> SettingsView::write(SettingsOutlineModel *outline, std::shared_ptr
     const Reply reply = co_await setting->setDvarValue(*value);
     const bool isSecret = holdsPassword(dvar);
     action.note(reply, isSecret, isSecret ? tr("%1 was set").arg(name) : tr("%1 was set to %2").arg(name, *value));
-}
-
-QList<QSplitter *> SettingsView::splitters() const
-{
-    return findChildren<QSplitter *>();
-}
-
-QList<DvarSettingOutlineView *> SettingsView::outlineViews() const
-{
-    if (gametypeOutlineView == nullptr)
-        return {settingsOutlineView};
-    return {settingsOutlineView, gametypeOutlineView};
-}
-
-QString SettingsView::layoutKey() const
-{
-    return m_mode == Mode::Ranked ? QStringLiteral("window/rankedSettings") : QStringLiteral("window/unrankedSettings");
-}
-
-void SettingsView::saveLayout(Preferences &preferences) const
-{
-    QList<QByteArray> states;
-    for (const QSplitter *splitter : splitters())
-        states.append(splitter->saveState());
-    for (const DvarSettingOutlineView *view : outlineViews())
-        states.append(view->header()->saveState());
-    QByteArray layout;
-    QDataStream stream(&layout, QIODevice::WriteOnly);
-    for (const QByteArray &state : states)
-        stream << state;
-    preferences.setValue(layoutKey(), layout);
-}
-
-void SettingsView::restoreLayout(const Preferences &preferences)
-{
-    const QList<QSplitter *> all = splitters();
-    const QList<DvarSettingOutlineView *> views = outlineViews();
-    QDataStream stream(preferences.value(layoutKey()).toByteArray());
-    QList<QByteArray> states;
-    // Entries are read one by one: damaged bytes could announce a list of any length.
-    for (qsizetype each = 0; each < all.size() + views.size(); ++each) {
-        QByteArray state;
-        stream >> state;
-        states.append(state);
-    }
-    if (stream.status() != QDataStream::Ok || !stream.atEnd())
-        return;
-    for (qsizetype each = 0; each < all.size(); ++each)
-        all.at(each)->restoreState(states.at(each));
-    for (qsizetype each = 0; each < views.size(); ++each)
-        views.at(each)->header()->restoreState(states.at(all.size() + each));
 }

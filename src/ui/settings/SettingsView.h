@@ -15,11 +15,11 @@ class DvarFetcher;
 class DvarSetting;
 class DvarSettingCategory;
 class DvarSettingOutlineView;
-class EmptyHint;
+class FilterField;
+class Hint;
 class KelGametype;
 class KelServer;
 class KelSettings;
-class QLineEdit;
 class QListWidget;
 class QSplitter;
 class SettingsOutlineModel;
@@ -37,54 +37,57 @@ public:
                  KelGametype &gametypes, QWidget *parent = nullptr);
     ~SettingsView() override;
 
-    /// Splitters and columns; each mode keeps its own. Anything but what saveLayout() kept leaves the layout as it is.
-    void restoreLayout(const Preferences &preferences) override;
-    void saveLayout(Preferences &preferences) const override;
     void setInFront(bool isInFront) override;
 
 private:
-    void layOut();
-    void layOutGametypes();
-    QSplitter *pairOf(const QString &title, QListWidget *list, DvarSettingOutlineView *outline);
-    void connectOutline(SettingsOutlineModel *outline, DvarSettingOutlineView *view);
+    using Categories = QList<std::shared_ptr<DvarSettingCategory>>;
+
+    /// A list, and beside it the settings of what is chosen there.
+    struct Pane {
+        QSplitter *pair;
+        QListWidget *list;
+        Hint *listHint;
+        SettingsOutlineModel *outline;
+        DvarSettingOutlineView *outlineView;
+        Hint *outlineHint;
+    };
+    struct PaneNames {
+        QString listTitle;
+        const char *list;
+        QString outlineTitle; ///< for a screen reader
+        const char *outline;
+        const char *pair;
+    };
+
+    Pane makeSettingsPane(Mode mode);
+    Pane makePane(const PaneNames &names);
+    void connectOutline(SettingsOutlineModel *outline);
     void connectSettings();
     void connectGametypes();
+    void followConnection();
     void listGroups();
     void listGametypes();
     void showGroup();
     void showGametype();
+    void fill(const Pane &pane, int row, const Categories &settings);
     /// Lets what is looked at come first, of that which is still to be asked for.
-    void preferShown(const QList<std::shared_ptr<DvarSettingCategory>> &categories);
+    void preferShown(const Categories &categories);
     void preferEverythingShown();
     void askAgain(const QString &dvar);
     void updateHints();
     QString outlineHint(const SettingsOutlineModel &outline, const QString &emptyText) const;
-    QList<QSplitter *> splitters() const;
-    QList<DvarSettingOutlineView *> outlineViews() const;
-    QString layoutKey() const;
 
     /// @param value  nothing: the opposite of what the checkbox shows in the turn.
     QCoro::Task<> write(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting,
                         std::optional<QString> value);
-
-    const Mode m_mode;
-    QListWidget *settingsGroupList;
-    QLineEdit *settingsFilterField;
-    /// The outline of the game's settings; its object name tells the mode.
-    DvarSettingOutlineView *settingsOutlineView;
-    QListWidget *gametypeList = nullptr;                   ///< null in the ranked mode
-    DvarSettingOutlineView *gametypeOutlineView = nullptr; ///< null in the ranked mode
 
     KelServer &m_server;
     ActionQueue &m_actions;
     DvarFetcher &m_fetcher;
     KelSettings &m_settings;
     KelGametype &m_gametypes;
-    SettingsOutlineModel *m_settingsOutline;
-    SettingsOutlineModel *m_gametypeOutline = nullptr;
-    EmptyHint *m_groupsHint = nullptr;
-    EmptyHint *m_settingsHint = nullptr;
-    EmptyHint *m_gametypesHint = nullptr;
-    EmptyHint *m_gametypeSettingsHint = nullptr;
+    Pane m_settingsPane;
+    FilterField *settingsFilterField;
+    std::optional<Pane> m_gametypePane; ///< not in the ranked mode
     bool m_isInFront = false;
 };

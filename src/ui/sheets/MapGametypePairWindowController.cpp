@@ -5,6 +5,7 @@
 #include "Exclusion.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
+#include "Named.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -15,9 +16,11 @@
 
 MapGametypePairWindowController::MapGametypePairWindowController(KelMapList &maps, KelGametype &gametypes,
                                                                  QWidget *parent)
-    : QDialog(parent, Qt::Sheet), mapsPopupButton(new QComboBox(this)), gametypesPopupButton(new QComboBox(this)),
-      addButton(new QPushButton(tr("Add"), this)), closeButton(new QPushButton(tr("Close"), this)),
-      addedField(new ElidingField(this)), m_maps(maps), m_gametypes(gametypes)
+    : QDialog(parent, Qt::Sheet), mapsPopupButton(named("mapsPopupButton", new QComboBox(this), tr("Map"))),
+      gametypesPopupButton(named("gametypesPopupButton", new QComboBox(this), tr("Gametype"))),
+      addButton(named("addButton", new QPushButton(tr("Add"), this))),
+      closeButton(named("closeButton", new QPushButton(tr("Close"), this))),
+      addedField(named("addedField", new ElidingField(this), tr("Added"))), m_maps(maps), m_gametypes(gametypes)
 {
     setObjectName(QStringLiteral("mapGametypePairPanel"));
     setWindowModality(Qt::WindowModal);
@@ -32,21 +35,13 @@ MapGametypePairWindowController::MapGametypePairWindowController(KelMapList &map
 
 void MapGametypePairWindowController::layOut()
 {
-    mapsPopupButton->setObjectName(QStringLiteral("mapsPopupButton"));
-    mapsPopupButton->setAccessibleName(tr("Map"));
-    gametypesPopupButton->setObjectName(QStringLiteral("gametypesPopupButton"));
-    gametypesPopupButton->setAccessibleName(tr("Gametype"));
     for (QComboBox *popup : {mapsPopupButton, gametypesPopupButton}) {
         popup->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
         popup->setMinimumContentsLength(30);
         popup->setMaxVisibleItems(20);
     }
-    addButton->setObjectName(QStringLiteral("addButton"));
     addButton->setDefault(true);
-    closeButton->setObjectName(QStringLiteral("closeButton"));
     closeButton->setAutoDefault(false);
-    addedField->setObjectName(QStringLiteral("addedField"));
-    addedField->setAccessibleName(tr("Added"));
 
     auto *buttons = new QDialogButtonBox(this);
     buttons->addButton(addButton, QDialogButtonBox::ActionRole);

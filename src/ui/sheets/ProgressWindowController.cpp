@@ -1,5 +1,7 @@
 #include "ProgressWindowController.h"
 
+#include "Named.h"
+
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -66,24 +68,19 @@ void ProgressWindowController::end()
 void ProgressWindowController::setTitle(const QString &title)
 {
     m_title = title;
-    if (titleLabel != nullptr)
-        titleLabel->setText(title);
-    if (m_window != nullptr)
-        m_window->setWindowTitle(title);
+    awakeFromNib();
 }
 
 void ProgressWindowController::setProgressMax(double progressMax)
 {
     m_progressMax = progressMax;
-    if (progressIndicator != nullptr)
-        progressIndicator->setMaximum(static_cast<int>(progressMax));
+    awakeFromNib();
 }
 
 void ProgressWindowController::setCurrentProgress(double currentProgress)
 {
     m_currentProgress = currentProgress;
-    if (progressIndicator != nullptr)
-        progressIndicator->setValue(static_cast<int>(currentProgress));
+    awakeFromNib();
 }
 
 void ProgressWindowController::beginSheet(QWidget *window)
@@ -92,12 +89,9 @@ void ProgressWindowController::beginSheet(QWidget *window)
     m_window->setObjectName(QStringLiteral("ProgressWindowController"));
     m_window->setAttribute(Qt::WA_DeleteOnClose);
     m_window->setWindowModality(Qt::WindowModal);
-    titleLabel = new QLabel(m_window);
-    titleLabel->setObjectName(QStringLiteral("titleLabel"));
+    titleLabel = named("titleLabel", new QLabel(m_window));
     titleLabel->setTextFormat(Qt::PlainText);
-    progressIndicator = new QProgressBar(m_window);
-    progressIndicator->setObjectName(QStringLiteral("progressIndicator"));
-    progressIndicator->setAccessibleName(QDialog::tr("Progress"));
+    progressIndicator = named("progressIndicator", new QProgressBar(m_window), QDialog::tr("Progress"));
     progressIndicator->setMinimumWidth(320);
     auto *layout = new QVBoxLayout(m_window);
     layout->addWidget(titleLabel);
@@ -110,8 +104,7 @@ void ProgressWindowController::beginSheet(QWidget *window)
 
 void ProgressWindowController::addCancelButton()
 {
-    auto *cancelButton = new QPushButton(QDialog::tr("Cancel"), m_window);
-    cancelButton->setObjectName(QStringLiteral("cancelButton"));
+    auto *cancelButton = named("cancelButton", new QPushButton(QDialog::tr("Cancel"), m_window));
     QObject::connect(cancelButton, &QPushButton::clicked, cancelButton, [cancelButton, cancel = m_cancel] {
         cancelButton->setEnabled(false);
         cancel();
@@ -124,12 +117,14 @@ void ProgressWindowController::addCancelButton()
 
 void ProgressWindowController::awakeFromNib()
 {
-    if (!m_title.isNull())
-        setTitle(m_title);
+    if (m_window == nullptr)
+        return;
+    titleLabel->setText(m_title);
+    m_window->setWindowTitle(m_title);
     if (!std::isnan(m_progressMax))
-        setProgressMax(m_progressMax);
+        progressIndicator->setMaximum(static_cast<int>(m_progressMax));
     if (!std::isnan(m_currentProgress))
-        setCurrentProgress(m_currentProgress);
+        progressIndicator->setValue(static_cast<int>(m_currentProgress));
 }
 
 void ProgressWindowController::endSheet()

@@ -44,6 +44,7 @@ public:
     QDialog *window() const { return m_window; }
 
 private:
+    /// Shows the values in the sheet, if there is one.
     void awakeFromNib();
     void addCancelButton();
 
@@ -53,6 +54,6 @@ private:
     double m_currentProgress = std::numeric_limits<double>::quiet_NaN();
     std::function<void()> m_cancel;
     QPointer<QDialog> m_window;
-    QPointer<QLabel> titleLabel;
-    QPointer<QProgressBar> progressIndicator;
+    QLabel *titleLabel = nullptr; ///< of the sheet while it is shown, as is the next
+    QProgressBar *progressIndicator = nullptr;
 };

@@ -1,17 +1,14 @@
 #include "KeyHandlingTableView.h"
 
-#include "OneLineDelegate.h"
 #include "ReorderableRows.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QDrag>
 #include <QHeaderView>
-#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
-#include <QToolTip>
 
 #include <algorithm>
 
@@ -33,7 +30,6 @@ static bool isStepKey(const QKeyEvent *event)
 
 KeyHandlingTableView::KeyHandlingTableView(QWidget *parent) : PlaceholderTable(parent)
 {
-    setItemDelegate(new OneLineDelegate(this));
     setEditTriggers(QAbstractItemView::DoubleClicked);
     setDefaultDropAction(Qt::MoveAction);
     setDragDropOverwriteMode(false); // drops fall between rows
@@ -212,25 +208,4 @@ QPixmap KeyHandlingTableView::pictureOfSelection() const
     for (int row = 0; row < places.size(); ++row)
         painter.drawPixmap(0, row * places.constFirst().height(), viewport()->grab(places.at(row)));
     return picture;
-}
-
-bool KeyHandlingTableView::viewportEvent(QEvent *event)
-{
-    if (event->type() == QEvent::ToolTip && showToolTip(static_cast<QHelpEvent *>(event)))
-        return true;
-    return PlaceholderTable::viewportEvent(event);
-}
-
-bool KeyHandlingTableView::showToolTip(const QHelpEvent *event)
-{
-    const QModelIndex cell = indexAt(event->pos());
-    const QString text = cell.data().toString();
-    if (text.size() <= OneLineDelegate::LongestShown && sizeHintForIndex(cell).width() <= columnWidth(cell.column()) &&
-        !text.contains(QLatin1Char('\n')))
-        return false;
-    // Escaped, or a text with brackets would be taken for rich text.
-    const QString shown =
-        text.left(4 * OneLineDelegate::LongestShown).toHtmlEscaped().replace(QLatin1Char('\n'), QLatin1String("<br>"));
-    QToolTip::showText(event->globalPos(), QStringLiteral("<span>%1</span>").arg(shown), viewport());
-    return true;
 }

@@ -37,7 +37,6 @@ signals:
 
 protected:
     bool event(QEvent *event) override;
-    bool viewportEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void startDrag(Qt::DropActions actions) override;
 
@@ -52,7 +51,6 @@ private:
     int firstSelectedRow() const;
     /// The first of the selected rows that can be seen, one below the other, for the pointer to carry.
     QPixmap pictureOfSelection() const;
-    bool showToolTip(const QHelpEvent *event);
 
     ReorderableRows *m_rows = nullptr;
     std::function<void()> m_deleteSelection;

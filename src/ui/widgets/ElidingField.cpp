@@ -1,9 +1,8 @@
 #include "ElidingField.h"
 
-#include <QPainter>
+#include "CutText.h"
 
-/// Longer texts are cut before they are measured: no screen shows more, and measuring costs time.
-static constexpr int longestShown = 500;
+#include <QPainter>
 
 ElidingField::ElidingField(QWidget *parent) : QLineEdit(parent)
 {
@@ -21,15 +20,14 @@ void ElidingField::showText(const QString &text)
         return;
     setText(text);
     setCursorPosition(0);
-    // Escaped, or a name with brackets would be taken for rich text.
-    setToolTip(QStringLiteral("<span>%1</span>").arg(text.left(longestShown).toHtmlEscaped()));
+    setToolTip(CutText::toolTip(text));
 }
 
 void ElidingField::paintEvent(QPaintEvent *event)
 {
     const QMargins margins = textMargins();
     const QRect area = rect().adjusted(margins.left() + 2, 0, -margins.right() - 2, 0);
-    const QString head = displayText().left(longestShown);
+    const QString head = displayText().left(CutText::LongestShown);
     if (hasFocus() || fontMetrics().horizontalAdvance(head) <= area.width()) {
         QLineEdit::paintEvent(event);
         return;

@@ -1,9 +1,8 @@
 #include "ElidingLabel.h"
 
-#include <QPainter>
+#include "CutText.h"
 
-/// Longer texts are cut before they are measured: no screen shows more, and measuring costs time.
-static constexpr int longestShown = 500;
+#include <QPainter>
 
 ElidingLabel::ElidingLabel(QWidget *parent) : QLabel(parent)
 {
@@ -14,8 +13,7 @@ ElidingLabel::ElidingLabel(QWidget *parent) : QLabel(parent)
 void ElidingLabel::showText(const QString &text)
 {
     setText(text);
-    // Escaped, or a name with brackets would be taken for rich text.
-    setToolTip(QStringLiteral("<span>%1</span>").arg(text.left(4 * longestShown).toHtmlEscaped()));
+    setToolTip(CutText::toolTip(text));
 }
 
 QSize ElidingLabel::minimumSizeHint() const
@@ -28,5 +26,5 @@ void ElidingLabel::paintEvent(QPaintEvent * /*event*/)
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
     painter.drawText(contentsRect(), Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
-                     fontMetrics().elidedText(text().left(longestShown), Qt::ElideRight, width()));
+                     fontMetrics().elidedText(text().left(CutText::LongestShown), Qt::ElideRight, width()));
 }

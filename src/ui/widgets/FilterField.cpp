@@ -7,7 +7,8 @@ FilterField::FilterField(const QString &name, QWidget *parent) : QLineEdit(paren
     setAccessibleName(name);
     setPlaceholderText(name);
     setClearButtonEnabled(true);
-    // Qt gives the clear button no name, so screen readers would pass over it.
+    setMinimumWidth(220);
+    // Qt gives its button no name, so that a screen reader would say nothing of it.
     if (auto *clearButton = findChild<QToolButton *>())
         clearButton->setAccessibleName(tr("Clear"));
 }

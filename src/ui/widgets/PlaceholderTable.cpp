@@ -1,10 +1,13 @@
 #include "PlaceholderTable.h"
 
-#include <QHeaderView>
-#include <QPainter>
+#include "CutTextDelegate.h"
+#include "Hint.h"
 
-PlaceholderTable::PlaceholderTable(QWidget *parent) : QTableView(parent)
+#include <QHeaderView>
+
+PlaceholderTable::PlaceholderTable(QWidget *parent) : QTableView(parent), m_hint(new Hint(this))
 {
+    setItemDelegate(new CutTextDelegate(this));
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setAlternatingRowColors(true);
@@ -21,21 +24,31 @@ PlaceholderTable::PlaceholderTable(QWidget *parent) : QTableView(parent)
     horizontalHeader()->setStretchLastSection(true);
 }
 
-void PlaceholderTable::setPlaceholder(const QString &text)
+void PlaceholderTable::setModel(QAbstractItemModel *model)
 {
-    if (text == m_placeholder)
-        return;
-    m_placeholder = text;
-    viewport()->update();
+    QTableView::setModel(model);
+    m_hint->followModel();
 }
 
-void PlaceholderTable::paintEvent(QPaintEvent *event)
+void PlaceholderTable::setPlaceholder(const QString &text)
 {
-    QTableView::paintEvent(event);
-    if (model() == nullptr || model()->rowCount() > 0 || m_placeholder.isEmpty())
-        return;
-    QPainter painter(viewport());
-    painter.setPen(palette().color(QPalette::PlaceholderText));
-    const QRect area = viewport()->rect().adjusted(24, 24, -24, -24);
-    painter.drawText(area, Qt::AlignCenter | Qt::TextWordWrap, m_placeholder);
+    m_hint->showText(text);
+}
+
+QString PlaceholderTable::placeholder() const
+{
+    return m_hint->text();
+}
+
+void PlaceholderTable::setStretchedColumn(int column)
+{
+    horizontalHeader()->setStretchLastSection(false);
+    horizontalHeader()->setSectionResizeMode(column, QHeaderView::Stretch);
+}
+
+void PlaceholderTable::sortOnDemand(bool isClearable)
+{
+    horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
+    horizontalHeader()->setSortIndicatorClearable(isClearable);
+    setSortingEnabled(true);
 }

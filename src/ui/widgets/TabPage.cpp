@@ -17,7 +17,3 @@ QCoro::Task<> TabPage::didConnect()
 }
 
 void TabPage::willDisconnect() {}
-
-void TabPage::restoreLayout(const Preferences & /*preferences*/) {}
-
-void TabPage::saveLayout(Preferences & /*preferences*/) const {}

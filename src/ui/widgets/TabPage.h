@@ -5,7 +5,6 @@
 #include <QWidget>
 
 class PageDocument;
-class Preferences;
 class QMenu;
 
 /// The page behind a tab, as the window sees it. A page overrides what it has.
@@ -28,8 +27,4 @@ public:
     virtual QCoro::Task<> didConnect();
     /// The user ends the connection: nothing may ask the server by itself from now on.
     virtual void willDisconnect();
-
-    /// Columns, sorting and splitters as they were left; where nothing has been saved, they stay.
-    virtual void restoreLayout(const Preferences &preferences);
-    virtual void saveLayout(Preferences &preferences) const;
 };

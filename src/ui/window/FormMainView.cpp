@@ -5,6 +5,7 @@
 #include "KelMapRotation.h"
 #include "KelMessageRotation.h"
 #include "KelServer.h"
+#include "LayoutMemory.h"
 #include "LinkStatus.h"
 #include "MainMenuBar.h"
 #include "MainTabs.h"
@@ -164,10 +165,7 @@ void FormMainView::restoreLayout()
     restoreGeometry(preferences.value(QStringLiteral("window/geometry")).toByteArray());
     fitIntoScreen();
     m_splitter->setSizes({270, 910});
-    m_splitter->restoreState(preferences.value(QStringLiteral("window/splitter")).toByteArray());
-    serversView->restoreLayout(preferences);
-    for (TabPage *page : tabControlMain->pages())
-        page->restoreLayout(preferences);
+    LayoutMemory::restore(*this, preferences);
 }
 
 void FormMainView::fitIntoScreen()
@@ -195,10 +193,7 @@ void FormMainView::saveLayout()
 {
     Preferences &preferences = m_workplace.preferences;
     preferences.setValue(QStringLiteral("window/geometry"), saveGeometry());
-    preferences.setValue(QStringLiteral("window/splitter"), m_splitter->saveState());
-    serversView->saveLayout(preferences);
-    for (const TabPage *page : tabControlMain->pages())
-        page->saveLayout(preferences);
+    LayoutMemory::save(*this, preferences);
 }
 
 bool FormMainView::event(QEvent *event)

@@ -1,5 +1,6 @@
 #include "MainMenuBar.h"
 
+#include "ActionButton.h"
 #include "Appearance.h"
 #include "KelServer.h"
 #include "MainTabs.h"
@@ -9,7 +10,6 @@
 #include "TabPage.h"
 
 #include <QAbstractSpinBox>
-#include <QAction>
 #include <QActionGroup>
 #include <QApplication>
 #include <QCoreApplication>
@@ -54,7 +54,7 @@ bool MainMenuBar::eventFilter(QObject *watched, QEvent *event)
     // In a text field the key that disconnects deletes the next letter, or does nothing where the platform has no such
     // key. While the user types there, it must not disconnect.
     if (event->type() == QEvent::ShortcutOverride && isTextTyped() &&
-        m_disconnectAction->shortcut() == QKeySequence(static_cast<QKeyEvent *>(event)->keyCombination())) {
+        m_servers.disconnectAction()->shortcut() == QKeySequence(static_cast<QKeyEvent *>(event)->keyCombination())) {
         event->accept();
         return true;
     }
@@ -81,33 +81,27 @@ PageDocument *MainMenuBar::currentDocument() const
 void MainMenuBar::makeFileMenu()
 {
     QMenu *file = addMenu(tr("&File"));
-    QList<QAction *> documentActions;
+    auto *ofDocument = new QActionGroup(this);
     const auto add = [&](const QString &text, QKeySequence::StandardKey key, void (PageDocument::*operation)()) {
-        documentActions.append(file->addAction(text, QKeySequence(key), this, [this, operation] {
-            if (PageDocument *document = currentDocument())
-                (document->*operation)();
-        }));
-        documentActions.last()->setAutoRepeat(false);
+        QAction *action = makeAction(this, text, key);
+        connect(action, &QAction::triggered, this, [this, operation] { (currentDocument()->*operation)(); });
+        file->addAction(ofDocument->addAction(action));
     };
     add(tr("&New Rotation…"), QKeySequence::New, &PageDocument::newDocument);
     add(tr("&Open Rotation…"), QKeySequence::Open, &PageDocument::openDocument);
     add(tr("&Save Rotation"), QKeySequence::Save, &PageDocument::saveDocument);
-    // Disabled in the menu where there is no rotation; a shortcut checks that when it is pressed.
-    connect(file, &QMenu::aboutToShow, this, [this, documentActions] {
-        for (QAction *action : documentActions)
-            action->setEnabled(currentDocument() != nullptr);
-    });
-    connect(file, &QMenu::aboutToHide, this, [documentActions] {
-        for (QAction *action : documentActions)
-            action->setEnabled(true);
-    });
+    const auto follow = [this, ofDocument] {
+        ofDocument->setEnabled(currentDocument() != nullptr);
+    };
+    connect(&m_tabs, &MainTabs::currentPageChanged, ofDocument, follow);
+    follow();
     file->addSeparator();
     for (TabPage *page : m_tabs.pages())
         page->fillFileMenu(*file);
     file->addSeparator();
-    QAction *quit = file->addAction(tr("&Quit"), QKeySequence(tr("Ctrl+Q")), this, &MainMenuBar::quitRequested);
-    quit->setAutoRepeat(false);
+    QAction *quit = makeAction(this, tr("&Quit"), &MainMenuBar::quitRequested, tr("Ctrl+Q"));
     quit->setMenuRole(QAction::QuitRole);
+    file->addAction(quit);
 }
 
 void MainMenuBar::makeEditMenu()
@@ -146,24 +140,7 @@ void MainMenuBar::chooseUndoStack()
 
 void MainMenuBar::makeServerMenu()
 {
-    QMenu *menu = addMenu(tr("&Server"));
-    QAction *connectAction =
-        menu->addAction(tr("&Connect"), QKeySequence(tr("Ctrl+Return")), this, [this] { m_servers.pressConnect(); });
-    connectAction->setAutoRepeat(false);
-    // In other panes the key sends what is typed; connecting there would leave the server.
-    connectAction->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-    m_servers.addAction(connectAction);
-    m_disconnectAction =
-        menu->addAction(tr("&Disconnect"), QKeySequence(tr("Ctrl+D")), this, [this] { m_servers.pressDisconnect(); });
-    m_disconnectAction->setAutoRepeat(false);
-    connect(menu, &QMenu::aboutToShow, this, [this, connectAction] {
-        connectAction->setEnabled(m_servers.canConnect());
-        m_disconnectAction->setEnabled(m_servers.canDisconnect());
-    });
-    connect(menu, &QMenu::aboutToHide, this, [this, connectAction] {
-        connectAction->setEnabled(true);
-        m_disconnectAction->setEnabled(true);
-    });
+    addMenu(tr("&Server"))->addActions({m_servers.connectAction(), m_servers.disconnectAction()});
 }
 
 void MainMenuBar::makeMenusOfTabs()
@@ -185,12 +162,12 @@ void MainMenuBar::makeViewMenu()
 {
     QMenu *menu = addMenu(tr("&View"));
     for (int place = 0; place < static_cast<int>(m_tabs.pages().size()) && place < 9; ++place) {
-        QAction *action =
-            menu->addAction(QString(), QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + place)), this, [this, place] {
-                m_tabs.setCurrentIndex(place);
-                m_tabs.currentWidget()->setFocus();
-            });
-        action->setAutoRepeat(false);
+        QAction *action = makeAction(this, QString(), QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + place)));
+        menu->addAction(action);
+        connect(action, &QAction::triggered, this, [this, place] {
+            m_tabs.setCurrentIndex(place);
+            m_tabs.currentWidget()->setFocus();
+        });
         const auto rename = [this, action, place] {
             action->setVisible(place < m_tabs.count());
             action->setText(m_tabs.tabText(place));

@@ -46,7 +46,6 @@ private:
     ServersView &m_servers;
     KelServer &m_server;
     Preferences &m_preferences;
-    QAction *m_disconnectAction = nullptr;
     QUndoGroup m_undoGroup;
     bool m_isFocusInServers = false;
     HeldKey m_heldKey;

@@ -46,8 +46,8 @@ static TabPage *makeMessages(const Workplace &place, QWidget *parent)
 
 static TabPage *makeConfigBuilder(const Workplace &place, QWidget *parent)
 {
-    return new ConfigBuilderView(place.server, place.actions, place.alerts, place.fetcher, place.catalogues.settings,
-                                 place.catalogues.gametypes, parent);
+    return new ConfigBuilderView(place.server, place.actions, place.alerts, place.fetcher, place.preferences,
+                                 place.catalogues.settings, place.catalogues.gametypes, parent);
 }
 
 static TabPage *makeConsole(const Workplace &place, QWidget *parent)

@@ -43,14 +43,7 @@ struct Maps : CataloguesFixture {
         QCOMPARE(found.size(), 1);
         list->selectionModel()->select(found.first(), QItemSelectionModel::ClearAndSelect);
     }
-    QStringList listedMaps() const
-    {
-        const QAbstractItemModel &model = *control<QListView>(view, "mapListView")->model();
-        QStringList names;
-        for (int row = 0; row < model.rowCount(); ++row)
-            names.append(model.index(row, 0).data().toString());
-        return names;
-    }
+    QStringList listedMaps() const { return shownTexts(*control<QListView>(view, "mapListView")); }
     ElidingField &field(const char *name) const { return *control<ElidingField>(view, name); }
     QStringList current() const { return {field("currentGameTypeField").text(), field("currentMapField").text()}; }
     QAbstractItemModel &rotationModel() const
@@ -60,9 +53,8 @@ struct Maps : CataloguesFixture {
     QList<RotationRow> rotation() const
     {
         QList<RotationRow> rows;
-        for (int row = 0; row < rotationModel().rowCount(); ++row)
-            rows.append(RotationRow{rotationModel().index(row, 0).data().toString(),
-                                    rotationModel().index(row, 1).data().toString()});
+        for (const QStringList &texts : shownRows(*control<QTableView>(view, "mapServerRotationTableView")))
+            rows.append(RotationRow{texts.at(0), texts.at(1)});
         return rows;
     }
 

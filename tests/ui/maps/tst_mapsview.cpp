@@ -1,13 +1,12 @@
 #include "CurrentMapPane.h"
 #include "LoadMapPane.h"
 #include "MapsFixture.h"
+#include "TabOrder.h"
 
 #include <QAbstractItemModelTester>
 #include <QAbstractProxyModel>
 #include <QCheckBox>
-#include <QHeaderView>
 #include <QMenu>
-#include <QSpinBox>
 #include <QTimer>
 
 static const QList<RotationRow> tdmRotation{
@@ -204,18 +203,6 @@ private slots:
         QCOMPARE(enabled().size(), 10);
     }
 
-    void aRefreshThatIsTickedStartsWithTheConnect()
-    {
-        Maps maps;
-        maps.preferences.setValue("autoupdateMaps", true);
-        const auto *timer = control<QTimer>(maps.view, "autoupdateMapsTimer");
-        QVERIFY(!timer->isActive());
-        awaited(maps.view.didConnect());
-        QVERIFY(maps.settle());
-        QVERIFY(timer->isActive());
-        QCOMPARE(timer->interval(), 30000);
-    }
-
     void aCommandCalledOffRaisesNoAlert()
     {
         Maps maps;
@@ -231,36 +218,21 @@ private slots:
         QCOMPARE(maps.alerts.shown().size(), 0);
     }
 
-    void theTimerFollowsThePreferences()
+    void theTimerRunsFromTheConnectToItsEnd()
     {
         Maps maps;
         auto *timer = control<QTimer>(maps.view, "autoupdateMapsTimer");
-        auto *box = control<QCheckBox>(maps.view, "autoupdateMaps");
-        auto *interval = control<QSpinBox>(maps.view, "autoupdateMapsInterval");
-        interval->setValue(86400);
-        QVERIFY(!timer->isActive());
-        box->setChecked(true);
-        QVERIFY(timer->isActive());
-        QCOMPARE(timer->interval(), 86400 * 1000);
-        interval->setValue(7); // while it runs
-        QCOMPARE(timer->interval(), 7000);
-        interval->setValue(86400);
+        control<QCheckBox>(maps.view, "autoupdateMaps")->setChecked(true);
         maps.view.willDisconnect();
         QVERIFY(!timer->isActive());
         awaited(maps.view.didConnect());
-        QVERIFY(maps.settle());
+        QCOMPARE(maps.sent(), QStringList({"g_gametype", "mapname", "sv_mapRotation"}));
         QVERIFY(timer->isActive());
-        QCOMPARE(maps.exchange.sent(), QStringList({"g_gametype", "mapname", "sv_mapRotation"}));
-        const MapsView later(maps.server, maps.actions, maps.alerts, maps.preferences, maps.catalogues(),
-                             maps.mapRotations);
-        QVERIFY(control<QCheckBox>(later, "autoupdateMaps")->isChecked());
-        QCOMPARE(control<QSpinBox>(later, "autoupdateMapsInterval")->value(), 86400);
         maps.exchange.forgetSent();
         timer->setInterval(1);
         QTRY_VERIFY(maps.exchange.sent().size() >= 4);
         QCOMPARE(maps.exchange.sent().first(4), QStringList({"g_gametype", "mapname", "g_gametype", "mapname"}));
-        box->setChecked(false);
-        QVERIFY(!timer->isActive());
+        timer->stop();
         QVERIFY(maps.settle());
     }
 
@@ -304,12 +276,8 @@ private slots:
         maps.press("restartMapButton");
         control<CurrentMapPane>(maps.view, "currentMapPane")->updateMapsTimer();
         maps.press("refreshCurrentMapButton");
-        for (const char *command : {"map_restart", "g_gametype", "mapname"}) {
-            QTRY_COMPARE(maps.exchange.keptCount(), 1);
-            QCOMPARE(maps.exchange.sent().last(), QString(command));
-            maps.exchange.release();
-        }
-        QCOMPARE(maps.sent().size(), 3);
+        QVERIFY(maps.answerInOrder({"map_restart", "g_gametype", "mapname"}));
+        QCOMPARE(maps.exchange.sent().size(), 3);
         maps.server.disconnect();
         control<CurrentMapPane>(maps.view, "currentMapPane")->updateMapsTimer();
         maps.press("refreshCurrentMapButton");
@@ -328,12 +296,7 @@ private slots:
         maps.server.cancelExchange();
         QCOMPARE(maps.sent(), QStringList{"map_restart"});
         maps.press("refreshCurrentMapButton");
-        for (const char *command : {"g_gametype", "mapname"}) {
-            QTRY_COMPARE(maps.exchange.keptCount(), 1);
-            QCOMPARE(maps.exchange.sent().last(), QString(command));
-            maps.exchange.release();
-        }
-        QVERIFY(maps.settle());
+        QVERIFY(maps.answerInOrder({"g_gametype", "mapname"}));
     }
 
     void outsideNamesAreTextsOfOneLine()
@@ -387,12 +350,7 @@ private slots:
         maps.choose("Domination", "Ropeway");
         maps.press("loadMapButton"); // waits behind the other
         maps.choose("Free for All", "Millrace");
-        for (const char *command : {"map_rotate", "setadmindvar g_gametype \"dom\"", "map mp_ropeway"}) {
-            QTRY_COMPARE(maps.exchange.keptCount(), 1);
-            QCOMPARE(maps.exchange.sent().last(), QString(command));
-            maps.exchange.release();
-        }
-        QVERIFY(maps.settle());
+        QVERIFY(maps.answerInOrder({"map_rotate", "setadmindvar g_gametype \"dom\"", "map mp_ropeway"}));
         QCOMPARE(maps.current(), QStringList({"Domination", "Ropeway"}));
     }
 
@@ -469,9 +427,7 @@ private slots:
         maps.exchange.answerEverything(ScriptedExchange::ok());
         QMenu menu;
         maps.view.fillMenu(menu);
-        QStringList texts;
-        for (const QAction *action : menu.actions())
-            texts.append(action->isSeparator() ? "-" : action->text());
+        const QStringList texts = entriesOf(menu);
         QCOMPARE(texts, QStringList({"&Refresh", "Restart &Map", "&Fast Restart", "Ne&xt Map", "&Load Map", "-",
                                      "&Copy Server's Rotation to Builder", "&Add Map…", "Set Rotation &on Server"}));
         maps.choose("Domination", "Ropeway");
@@ -480,31 +436,6 @@ private slots:
         QCOMPARE(maps.sent(), QStringList({"map_restart", "fast_restart", "map_rotate",
                                            "setadmindvar g_gametype \"dom\"", "map mp_ropeway"}));
     }
-
-    void columnsAreReadFromWhereTheyWereKept_data()
-    {
-        QTest::addColumn<QString>("table");
-        QTest::addColumn<QString>("key");
-        QTest::newRow("server rotation") << "mapServerRotationTableView"
-                                         << "window/serverRotation";
-        QTest::newRow("builder") << "mapRotationPreviewTableView"
-                                 << "window/rotationBuilder";
-    }
-    void columnsAreReadFromWhereTheyWereKept()
-    {
-        QFETCH(QString, table);
-        QFETCH(QString, key);
-        Maps maps;
-        QHeaderView *header = control<QTableView>(maps.view, table.toLatin1())->horizontalHeader();
-        header->resizeSection(1, 77);
-        const QByteArray kept = header->saveState();
-        maps.view.saveLayout(maps.preferences);
-        QCOMPARE(maps.preferences.value(key).toByteArray(), kept);
-        header->resizeSection(1, 200);
-        maps.view.restoreLayout(maps.preferences);
-        QCOMPARE(header->sectionSize(1), 77);
-    }
-
     void theFocusGoesToTheMapsAndTabFromTopToBottom()
     {
         Maps maps;
@@ -514,16 +445,12 @@ private slots:
         QVERIFY(QTest::qWaitForWindowActive(&maps.view));
         maps.view.setFocus();
         QCOMPARE(maps.view.focusWidget()->objectName(), QString("mapListView"));
-        QStringList order{"refreshCurrentMapButton"};
         maps.button("refreshCurrentMapButton").setFocus();
-        while (order.last() != "mapRotationPreviewTableView" && order.size() < 30) {
-            QTest::keyClick(maps.view.focusWidget(), Qt::Key_Tab);
-            order.append(maps.view.focusWidget()->objectName());
-        }
-        QCOMPARE(order, QStringList({"refreshCurrentMapButton", "restartMapButton", "fastRestartMapButton",
-                                     "startNextMapButton", "autoupdateMaps", "autoupdateMapsInterval",
-                                     "gametypePopUpButton", "mapListView", "loadMapButton", "copyToBuilderButton",
-                                     "mapServerRotationTableView", "mapRotationPreviewTableView"}));
+        QCOMPARE(tabOrder(maps.view, "mapRotationPreviewTableView"),
+                 QStringList({"refreshCurrentMapButton", "restartMapButton", "fastRestartMapButton",
+                              "startNextMapButton", "autoupdateMaps", "autoupdateMapsInterval", "gametypePopUpButton",
+                              "mapListView", "loadMapButton", "copyToBuilderButton", "mapServerRotationTableView",
+                              "mapRotationPreviewTableView"}));
     }
 };
 

@@ -4,17 +4,13 @@
 #include "MapGametypePairWindowController.h"
 #include "PlaceholderTable.h"
 #include "PlaylistsView.h"
-#include "TestPreferences.h"
 
 #include <QComboBox>
-#include <QDataStream>
 #include <QHeaderView>
-#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
-#include <QToolTip>
 
 /// A session on a server that plays list 3, with the catalogues loaded.
 struct Playlists : CataloguesFixture {
@@ -92,16 +88,6 @@ private slots:
         QCOMPARE(playlists.playlists.exclusions().size(), 1); // what the server has
     }
 
-    void exclusionsAreLeftAloneWithoutAConnection()
-    {
-        Playlists playlists;
-        for (const char *name : {"addExclusionButton", "applyExclusionsButton"})
-            QVERIFY2(control<QPushButton>(playlists.view, name)->isEnabled(), name);
-        playlists.server.disconnect();
-        for (const char *name : {"addExclusionButton", "applyExclusionsButton"})
-            QVERIFY2(!control<QPushButton>(playlists.view, name)->isEnabled(), name);
-    }
-
     void startsByDoubleClickOrReturn_data()
     {
         QTest::addColumn<int>("selected"); // a row, or -1
@@ -148,13 +134,17 @@ private slots:
         QVERIFY(playlists.alerts.shown().isEmpty());
     }
 
-    void anEmptyTableSaysWhyItIsEmpty()
+    void theExclusionsFollowTheConnection()
     {
         Playlists playlists(false, {"", "", ""});
         const auto *table = control<PlaceholderTable>(playlists.view, "exclusionsTableView");
-        QVERIFY(table->placeholder().startsWith("Nothing is excluded"));
-        playlists.server.disconnect();
-        QVERIFY(table->placeholder().startsWith("Not connected"));
+        for (const bool isConnected : {true, false}) {
+            if (!isConnected)
+                playlists.server.disconnect();
+            QVERIFY(table->placeholder().startsWith(isConnected ? "Nothing is excluded" : "Not connected"));
+            for (const char *name : {"addExclusionButton", "applyExclusionsButton"})
+                QCOMPARE(control<QPushButton>(playlists.view, name)->isEnabled(), isConnected);
+        }
     }
 
     void heldDownReturnStartsOnce()
@@ -182,24 +172,6 @@ private slots:
             const int width = QFontMetrics(row == 2 ? bold : table->font()).horizontalAdvance(marked);
             QCOMPARE(table->sizeHintForIndex(name).width() >= width, row == 2);
         }
-    }
-
-    void aCutTextIsToldInFullAndAsItIs()
-    {
-        Playlists playlists;
-        playlists.playlists.playlistList.addObject({30, "<i>&amp;</i>" + QString(100, 'n'), "short"});
-        auto *table = control<QTableView>(playlists.view, "playlistsTableView");
-        playlists.view.resize(700, 700);
-        playlists.view.show();
-        const auto told = [table](int column) {
-            const QModelIndex cell = table->model()->index(table->model()->rowCount() - 1, column);
-            const QPoint place = table->visualRect(cell).center();
-            QHelpEvent event(QEvent::ToolTip, place, table->viewport()->mapToGlobal(place));
-            QCoreApplication::sendEvent(table->viewport(), &event);
-            return QToolTip::text();
-        };
-        QCOMPARE(told(1), "<span>&lt;i&gt;&amp;amp;&lt;/i&gt;" + QString(100, 'n') + "</span>");
-        QTRY_COMPARE(told(2), QString()); // it goes after a moment
     }
 
     void appliesExclusions_data()
@@ -395,33 +367,6 @@ private slots:
         QCOMPARE(added, QList<Exclusion>({{"Ropeway", "<any gametype>", 2}, {"Ropeway", "Duel", 3}}));
         control<QPushButton>(picker, "closeButton")->click();
         QVERIFY(!picker.isVisible());
-    }
-
-    void readsTheLayoutOfEarlierVersions()
-    {
-        Playlists playlists;
-        TestPreferences preferences(playlists.folder);
-        QHeaderView *lists = control<QTableView>(playlists.view, "playlistsTableView")->horizontalHeader();
-        QHeaderView *exclusions = control<QTableView>(playlists.view, "exclusionsTableView")->horizontalHeader();
-        preferences.setValue("window/playlists", QByteArray("\xff\xff\xff\xfe", 4));
-        playlists.view.restoreLayout(preferences);
-        QCOMPARE(lists->sectionSize(1), 215);
-        lists->resizeSection(1, 123);
-        exclusions->resizeSection(0, 145);
-        const auto layout = [lists, exclusions] {
-            QByteArray bytes;
-            QDataStream stream(&bytes, QIODevice::WriteOnly);
-            stream << lists->saveState() << exclusions->saveState();
-            return bytes;
-        };
-        preferences.setValue("window/playlists", layout());
-        lists->resizeSection(1, 99);
-        exclusions->resizeSection(0, 99);
-        playlists.view.restoreLayout(preferences);
-        QCOMPARE(lists->sectionSize(1), 123);
-        QCOMPARE(exclusions->sectionSize(0), 145);
-        playlists.view.saveLayout(preferences);
-        QCOMPARE(preferences.value("window/playlists").toByteArray(), layout());
     }
 };
 

@@ -1,13 +1,9 @@
 #include "SettingsFixture.h"
-#include "TestPreferences.h"
 
 #include <QAbstractItemModelTester>
 #include <QClipboard>
-#include <QDataStream>
 #include <QGuiApplication>
-#include <QHeaderView>
 #include <QSignalSpy>
-#include <QSplitter>
 
 using Mode = SettingsView::Mode;
 using Model = SettingsOutlineModel;
@@ -217,16 +213,14 @@ private slots:
     {
         QTest::addColumn<QString>("how");
         QTest::addColumn<QString>("next");
-        QTest::newRow("another page is in front") << ""
-                                                  << "m_2";
-        QTest::newRow("the page comes to the front") << "front"
-                                                     << "z_1";
-        QTest::newRow("it is in front when the connect ends") << "connect"
-                                                              << "z_1";
-        QTest::newRow("a group is chosen") << "group"
-                                           << "y_1";
-        QTest::newRow("a gametype is chosen") << "gametype"
-                                              << "x_1";
+        const auto row = [](const char *name, const char *how, const char *next) {
+            QTest::newRow(name) << QString(how) << QString(next);
+        };
+        row("another page is in front", "", "m_2");
+        row("the page comes to the front", "front", "z_1");
+        row("it is in front when the connect ends", "connect", "z_1");
+        row("a group is chosen", "group", "y_1");
+        row("a gametype is chosen", "gametype", "x_1");
     }
     void whatIsLookedAtComesFirst()
     {
@@ -343,62 +337,6 @@ private slots:
         QVERIFY(shown.shownValue("g_time").size() < 1000);
         const QString toolTip = shown.valueOf("g_time").data(Qt::ToolTipRole).toString();
         QVERIFY(toolTip.contains("&lt;img src=x&gt;") && toolTip.size() < 10000);
-    }
-
-    void eachModeKeepsItsLayout()
-    {
-        QTemporaryDir folder;
-        TestPreferences preferences(folder);
-        const QList<std::pair<Mode, int>> widths{{Mode::Unranked, 177}, {Mode::Ranked, 199}};
-        for (const auto &[mode, width] : widths) {
-            SettingsFixture shown(mode);
-            shown.tree().setColumnWidth(Model::ValueColumn, width);
-            shown.view.saveLayout(preferences);
-        }
-        for (const auto &[mode, width] : widths) {
-            SettingsFixture next(mode);
-            next.view.restoreLayout(preferences);
-            QCOMPARE(next.tree().columnWidth(Model::ValueColumn), width);
-        }
-    }
-
-    void readsTheLayoutsOfEarlierVersions_data()
-    {
-        QTest::addColumn<Mode>("mode");
-        QTest::addColumn<QString>("key");
-        QTest::newRow("unranked") << Mode::Unranked << "window/unrankedSettings";
-        QTest::newRow("ranked") << Mode::Ranked << "window/rankedSettings";
-    }
-    void readsTheLayoutsOfEarlierVersions()
-    {
-        QFETCH(Mode, mode);
-        QFETCH(QString, key);
-        SettingsFixture shown(mode);
-        TestPreferences preferences(shown.folder);
-        const int width = shown.tree().columnWidth(Model::ValueColumn);
-        const QByteArrayList damaged{QByteArray(), QByteArray("\xff\xff\xff\xfe", 4), QByteArray(400, 'x')};
-        for (const QByteArray &bytes : damaged) {
-            preferences.setValue(key, bytes);
-            shown.view.restoreLayout(preferences);
-            QCOMPARE(shown.tree().columnWidth(Model::ValueColumn), width);
-        }
-        const auto layout = [&shown, mode] {
-            QByteArray bytes;
-            QDataStream stream(&bytes, QIODevice::WriteOnly);
-            for (const QSplitter *splitter : shown.view.findChildren<QSplitter *>())
-                stream << splitter->saveState();
-            stream << shown.tree().header()->saveState();
-            if (mode == Mode::Unranked)
-                stream << control<QTreeView>(shown.view, "gametypeOutlineView")->header()->saveState();
-            return bytes;
-        };
-        shown.tree().setColumnWidth(Model::ValueColumn, 211);
-        preferences.setValue(key, layout());
-        shown.tree().setColumnWidth(Model::ValueColumn, 99);
-        shown.view.restoreLayout(preferences);
-        QCOMPARE(shown.tree().columnWidth(Model::ValueColumn), 211);
-        shown.view.saveLayout(preferences);
-        QCOMPARE(preferences.value(key).toByteArray(), layout());
     }
 };
 

@@ -5,6 +5,7 @@
 
 #include <QAccessible>
 #include <QAction>
+#include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QInputDialog>
 #include <QLabel>
@@ -25,7 +26,7 @@ struct Window : WindowFixture {
     Window()
     {
         exchange.answerEverything(ScriptedExchange::ok());
-        preferences.setValue(QStringLiteral("autoupdateMaps"), true);
+        control<QCheckBox>(view, "autoupdateMaps")->setChecked(true);
     }
 
     void pressConnect(const QString &host, const QString &port, const QString &password)

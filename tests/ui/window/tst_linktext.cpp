@@ -112,9 +112,9 @@ private slots:
         ScriptedExchange exchange;
         Link link(exchange);
         link.open();
-        link.noteReply({}, ScriptedExchange::failure(), steady_clock::now() - 12s);
+        awaited(link.send({}));
         jumped += jump;
-        slept += sleep;
+        slept += 12 + sleep;
         const QString before = QDateTime::currentDateTime().addSecs(-silence).toString("HH:mm");
         const QString text = LinkText(link, steady_clock::now()).shortText();
         const QString after = QDateTime::currentDateTime().addSecs(-silence).toString("HH:mm");
