@@ -21,8 +21,8 @@ struct Catalogues {
     KelServer server{exchange, alerts};
     CatalogueReader reader{{}, alerts, [] {
                            }};
-    KelGametype gametypes{{server, alerts}, reader};
-    KelSettings settings{{server, alerts}, reader};
+    KelGametype gametypes{server, reader};
+    KelSettings settings{server, reader};
     KelMapList maps{server, reader};
 };
 

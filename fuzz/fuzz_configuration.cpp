@@ -71,7 +71,7 @@ static void checkWriting(const Entries &entries, const QHash<QString, QString> &
     static KelServer server(exchange, alerts);
     QList<std::shared_ptr<DvarSetting>> settings;
     for (const ConfigurationEntry &entry : entries) {
-        settings.append(std::make_shared<DvarSetting>(CatalogueContext{server, alerts}));
+        settings.append(std::make_shared<DvarSetting>(server));
         settings.constLast()->setName(entry.dvar);
         settings.constLast()->setDvar(entry.dvar);
     }

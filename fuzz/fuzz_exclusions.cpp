@@ -2,7 +2,7 @@
 #include "QuietAlerts.h"
 #include "ReadyExchange.h"
 
-#include "ExclusionText.h"
+#include "Exclusion.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
 #include "KelPlaylists.h"
@@ -18,7 +18,7 @@ struct Playlists {
     KelServer server{exchange, alerts};
     CatalogueReader reader{{}, alerts, [] {
                            }};
-    KelGametype gametypes{{server, alerts}, reader};
+    KelGametype gametypes{server, reader};
     KelMapList maps{server, reader};
     KelPlaylists playlists{server, gametypes, maps, alerts, {}};
 };

@@ -1,8 +1,8 @@
 #include "PlaylistFile.h"
 
+#include "BoundedFile.h"
 #include "Number.h"
 
-#include <QFile>
 #include <QStringDecoder>
 
 namespace
@@ -114,10 +114,6 @@ PlaylistFile PlaylistFile::parse(QStringView text)
 
 std::optional<PlaylistFile> PlaylistFile::parse(const QByteArray &bytes, QString *reason)
 {
-    if (bytes.size() > MaximumSize) {
-        *reason = tr("It is larger than %1 MiB.").arg(MaximumSize / (1024 * 1024));
-        return std::nullopt;
-    }
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString text = decoder(bytes);
     if (decoder.hasError()) {
@@ -129,18 +125,11 @@ std::optional<PlaylistFile> PlaylistFile::parse(const QByteArray &bytes, QString
 
 std::optional<PlaylistFile> PlaylistFile::read(const QString &path, QString *error)
 {
-    const auto fail = [error, &path](const QString &reason) -> std::optional<PlaylistFile> {
-        if (error != nullptr)
-            *error = tr("The file \"%1\" cannot be read.\n\n%2").arg(path, reason);
-        return std::nullopt;
-    };
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(file.errorString());
-    const QByteArray bytes = file.read(MaximumSize + 1);
-    if (file.error() != QFileDevice::NoError)
-        return fail(file.errorString());
     QString reason;
-    const std::optional<PlaylistFile> content = parse(bytes, &reason);
-    return content ? content : fail(reason);
+    std::optional<PlaylistFile> content;
+    if (const std::optional<QByteArray> bytes = BoundedFile::read(path, MaximumSize, &reason))
+        content = parse(*bytes, &reason);
+    if (!content && error != nullptr)
+        *error = tr("The file \"%1\" cannot be read.\n\n%2").arg(path, reason);
+    return content;
 }

@@ -53,6 +53,8 @@ public:
     quint64 connection() const { return m_connection; }
     /// Whether the server answers. Of the connection, so it outlives none.
     Link &link() { return m_link; }
+    /// Tells of failures of this session.
+    Alerts &alerts() { return m_alerts; }
     bool isConnected() const { return m_isConnected; }
     bool isRanked() const { return m_isRanked; }
     bool playlistsActive() const { return m_playlistsActive; }

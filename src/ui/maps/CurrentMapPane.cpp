@@ -24,7 +24,7 @@
 #include <chrono>
 
 CurrentMapPane::CurrentMapPane(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                               const GameCatalogues &catalogues, QWidget *parent)
+                               const Catalogues &catalogues, QWidget *parent)
     : QWidget(parent), currentGameTypeField(new ElidingField(this)), currentMapField(new ElidingField(this)),
       refreshCurrentMapButton(new QPushButton(tr("Refresh"), this)),
       restartMapButton(new QPushButton(tr("Restart Map"), this)),

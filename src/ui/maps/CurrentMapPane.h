@@ -1,6 +1,6 @@
 #pragma once
 
-#include "GameCatalogues.h"
+#include "Catalogues.h"
 
 #include <QCoroTask>
 
@@ -28,7 +28,7 @@ class CurrentMapPane : public QWidget
 public:
     /// Everything handed in outlives the pane.
     CurrentMapPane(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                   const GameCatalogues &catalogues, QWidget *parent = nullptr);
+                   const Catalogues &catalogues, QWidget *parent = nullptr);
 
     /// Asks the server for the gametype and shows it; empty when the server does not tell. Takes no turn: the action
     /// that calls it has one.

@@ -32,7 +32,7 @@ static QString builderColumnsKey()
 
 // The Tab key goes through the panes in the order in which they are made: top to bottom, left to right.
 MapsView::MapsView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                   const GameCatalogues &catalogues, KelMapRotation &rotations, QWidget *parent)
+                   const Catalogues &catalogues, KelMapRotation &rotations, QWidget *parent)
     : TabPage(parent), currentMapPane(new CurrentMapPane(server, actions, alerts, preferences, catalogues, this)),
       loadMapPane(new LoadMapPane(server, actions, alerts, catalogues, this)),
       serverRotationPane(new ServerRotationPane(server, catalogues, this)),

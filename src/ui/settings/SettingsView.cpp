@@ -1,5 +1,6 @@
 #include "SettingsView.h"
 
+#include "Alerts.h"
 #include "DvarFetcher.h"
 #include "DvarSetting.h"
 #include "DvarSettingCategory.h"
@@ -286,7 +287,7 @@ QCoro::Task<> SettingsView::writeSetting(SettingsOutlineModel *outline, std::sha
     if (!turn)
         co_return;
     // Also when the session holds the same: somebody else may have changed it at the server meanwhile.
-    co_await setting->setDvarValue(value);
+    co_await setDvarValue(setting->dvar(), value);
 }
 
 QCoro::Task<> SettingsView::toggleSetting(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting)
@@ -295,8 +296,23 @@ QCoro::Task<> SettingsView::toggleSetting(SettingsOutlineModel *outline, std::sh
     const ActionQueue::Turn turn = co_await m_actions.turn();
     if (!turn)
         co_return;
-    const bool opposite = !setting->dvarBoolValue();
-    co_await setting->setDvarBoolValue(opposite);
+    const QString opposite = setting->dvarBoolValue() ? QStringLiteral("0") : QStringLiteral("1");
+    co_await setDvarValue(setting->dvar(), opposite);
+}
+
+QCoro::Task<> SettingsView::setDvarValue(QString dvar, QString value)
+{
+    const Reply reply = co_await m_server.setDvar(dvar, value);
+    if (reply.isCancelled)
+        co_return;
+    if (!reply.isSuccess()) {
+        const QString text = tr("Error setting dvar '%1': %2").arg(dvar, reply.text);
+        co_await m_server.alerts().run(tr("Remote Command Failure"), text);
+    } else if (reply.text.contains(QLatin1String("not a valid value"))) {
+        co_await m_server.alerts().run(tr("Remote Command Failure"), reply.text);
+        if (m_server.isConnected())
+            co_await m_server.updateDvarFromServer(dvar);
+    }
 }
 
 QList<QSplitter *> SettingsView::splitters() const

@@ -64,6 +64,9 @@ private:
 
     QCoro::Task<> writeSetting(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting, QString value);
     QCoro::Task<> toggleSetting(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting);
+    /// Writes a variable and tells the user what went wrong; the session announces what changed. A value that the
+    /// server turns down is read anew. Takes no turn.
+    QCoro::Task<> setDvarValue(QString dvar, QString value);
 
     const Mode m_mode;
     QListWidget *settingsGroupList;

@@ -68,5 +68,5 @@ struct Maps : CataloguesFixture {
 
     TestPreferences preferences{folder};
     KelMapRotation mapRotations{preferences, alerts, folder.path()};
-    MapsView view{server, actions, alerts, preferences, catalogues(), mapRotations};
+    MapsView view{server, actions, alerts, preferences, catalogues, mapRotations};
 };

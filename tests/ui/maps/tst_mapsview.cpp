@@ -133,7 +133,7 @@ private slots:
         QVERIFY(!isOffered("&Copy Server's Rotation to Builder"));
         QCOMPARE(maps.button("setBuiltRotationButton").isEnabled(), !isEnded);
         QCOMPARE(isOffered("Set Rotation &on Server"), !isEnded);
-        const MapsView later(maps.server, maps.actions, maps.alerts, maps.preferences, maps.catalogues(),
+        const MapsView later(maps.server, maps.actions, maps.alerts, maps.preferences, maps.catalogues,
                              maps.mapRotations);
         QCOMPARE(control<QPushButton>(later, "setBuiltRotationButton")->isEnabled(), !isEnded);
     }
@@ -233,7 +233,7 @@ private slots:
         QVERIFY(maps.settle());
         QVERIFY(timer->isActive());
         QCOMPARE(maps.exchange.sent(), QStringList({"g_gametype", "mapname", "sv_mapRotation"}));
-        const MapsView later(maps.server, maps.actions, maps.alerts, maps.preferences, maps.catalogues(),
+        const MapsView later(maps.server, maps.actions, maps.alerts, maps.preferences, maps.catalogues,
                              maps.mapRotations);
         QVERIFY(control<QCheckBox>(later, "autoupdateMaps")->isChecked());
         QCOMPARE(control<QSpinBox>(later, "autoupdateMapsInterval")->value(), 86400);

@@ -58,6 +58,43 @@ private slots:
         QCOMPARE(shown.shownValue("g_time"), QString("30"));
     }
 
+    void tellsWhatBecameOfAWrite_data()
+    {
+        QTest::addColumn<int>("result");
+        QTest::addColumn<QString>("reply");
+        QTest::addColumn<QString>("alert");
+        QTest::addColumn<QString>("value");
+        QTest::newRow("accepted") << int(RConResultSuccess) << "will take effect later" << QString() << "900";
+        QTest::newRow("a failure is never read as a refusal") << int(RConResultTimeout) << "not a valid value %1"
+                                                              << "Error setting dvar 'g_time': not a valid value %1"
+                                                              << "20";
+        QTest::newRow("turned down") << int(RConResultSuccess) << "'900' is not a valid value for g_time"
+                                     << "'900' is not a valid value for g_time"
+                                     << "850";
+    }
+    void tellsWhatBecameOfAWrite()
+    {
+        QFETCH(int, result);
+        QFETCH(QString, reply);
+        QFETCH(QString, alert);
+        SettingsFixture shown;
+        shown.exchange.answer("setadmindvar g_time \"900\"", Reply{RConResult(result), reply, false});
+        shown.exchange.answer("g_time", ScriptedExchange::ok("\"g_time\" is: \"850\" in force: \"850\""));
+        shown.exchange.hold();
+        shown.type("g_time", "900");
+        QTest::keyClick(shown.editor(), Qt::Key_Return);
+        QTRY_COMPARE(shown.exchange.keptCount(), 1);
+        shown.loadCatalogues(); // another setting takes the place of the one that was edited
+        while (!shown.actions.isIdle()) {
+            QTRY_VERIFY(shown.exchange.keptCount() == 1 || shown.actions.isIdle());
+            if (shown.exchange.keptCount() == 1)
+                shown.exchange.release();
+        }
+        QCOMPARE(shown.alerts.texts(), alert.isNull() ? QStringList() : QStringList{alert});
+        QCOMPARE(shown.alerts.titles(), alert.isNull() ? QStringList() : QStringList{"Remote Command Failure"});
+        QTEST(shown.shownValue("g_time"), "value");
+    }
+
     void quotesTypedAroundAValueAreNoPartOfIt()
     {
         SettingsFixture shown;
