@@ -36,7 +36,7 @@ MapsView::MapsView(KelServer &server, ActionQueue &actions, Alerts &alerts, Pref
     : TabPage(parent), currentMapPane(new CurrentMapPane(server, actions, alerts, preferences, catalogues, this)),
       loadMapPane(new LoadMapPane(server, actions, alerts, catalogues, this)),
       serverRotationPane(new ServerRotationPane(server, catalogues, this)),
-      rotationPane(new RotationPane(rotations, mapRotationLabels(), actions, alerts, this)),
+      rotationPane(new RotationPane(rotations, actions, alerts, this)),
       addMapButton(new QPushButton(tr("Add Map…"), this)),
       setBuiltRotationButton(new QPushButton(tr("Set on Server"), this)), m_server(server), m_actions(actions),
       m_alerts(alerts), m_gametypes(catalogues.gametypes), m_maps(catalogues.maps), m_rotations(rotations)
@@ -54,7 +54,6 @@ void MapsView::nameControls()
     setBuiltRotationButton->setToolTip(tr("Make this the server's rotation and start its first map"));
     rotationPane->addButtonAtFront(addMapButton);
     rotationPane->addButtonAtEnd(setBuiltRotationButton);
-    rotationPane->setTakeRows([this](const QList<QStringList> &rows) { return takeRows(rows); });
 }
 
 void MapsView::layOut()
@@ -271,19 +270,4 @@ QCoro::Task<> MapsView::copyToBuilder(QList<RotationRow> rows)
     for (const RotationRow &row : std::as_const(rows))
         entries.append(MapRotationInst{row.map, row.gametype});
     co_await m_rotations.replaceEntries(entries);
-}
-
-QList<qsizetype> MapsView::takeRows(const QList<QStringList> &rows)
-{
-    QList<qsizetype> misfits;
-    QList<MapRotationInst> added;
-    for (qsizetype i = 0; i < rows.size(); ++i) {
-        const QStringList &texts = rows.at(i);
-        if (texts.size() == 2 && !texts.first().isEmpty() && !texts.last().isEmpty())
-            added.append(MapRotationInst{texts.first(), texts.last()});
-        else
-            misfits.append(i);
-    }
-    m_actions.start(m_rotations.addEntries(added));
-    return misfits;
 }

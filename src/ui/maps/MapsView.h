@@ -61,7 +61,6 @@ private:
     QCoro::Task<> setBuiltRotation(QString rotation);
     QCoro::Task<> tellOfUnknownNames(BuiltRotation built);
     QCoro::Task<> copyToBuilder(QList<RotationRow> rows);
-    QList<qsizetype> takeRows(const QList<QStringList> &rows);
 
     CurrentMapPane *currentMapPane;
     LoadMapPane *loadMapPane;

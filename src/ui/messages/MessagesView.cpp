@@ -34,7 +34,7 @@ static QString loopKey()
 // The Tab key goes through the controls in the order in which they are made.
 MessagesView::MessagesView(KelMessageRotation &messages, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
                            QWidget *parent)
-    : TabPage(parent), rotationPane(new RotationPane(messages, messageRotationLabels(), actions, alerts, this)),
+    : TabPage(parent), rotationPane(new RotationPane(messages, actions, alerts, this)),
       addMessageButton(new QPushButton(tr("Add Message…"), this)),
       buttonStartMessageRotation(new QPushButton(tr("Start"), this)),
       buttonStopMessageRotation(new QPushButton(tr("Stop"), this)),
@@ -56,7 +56,6 @@ void MessagesView::nameControls()
 {
     addMessageButton->setObjectName(QStringLiteral("addMessageButton"));
     rotationPane->addButtonAtFront(addMessageButton);
-    rotationPane->setTakeRows([this](const QList<QStringList> &rows) { return takeRows(rows); });
     rotationPane->setRowDelegate(m_onAirDelegate);
     buttonStartMessageRotation->setObjectName(QStringLiteral("buttonStartMessageRotation"));
     buttonStartMessageRotation->setToolTip(tr("Send the messages one after another, from the first"));
@@ -219,21 +218,6 @@ void MessagesView::updateOnAir()
     m_onAirDelegate->setRowOnAir(m_messages.rowOnAir());
     rotationPane->updateRows();
     onAirLabel->setText(onAirText());
-}
-
-QList<qsizetype> MessagesView::takeRows(const QList<QStringList> &rows)
-{
-    QList<qsizetype> misfits;
-    QList<MessageRotationInst> added;
-    for (qsizetype i = 0; i < rows.size(); ++i) {
-        const QStringList &texts = rows.at(i);
-        if (texts.size() == 2 && !texts.first().isEmpty())
-            added.append(MessageRotationInst{texts.first(), texts.last()});
-        else
-            misfits.append(i);
-    }
-    m_actions.start(m_messages.addEntries(added));
-    return misfits;
 }
 
 void MessagesView::showEvent(QShowEvent *event)

@@ -50,7 +50,6 @@ private:
     void updateTransport();
     void updateOnAir();
     QString onAirText() const;
-    QList<qsizetype> takeRows(const QList<QStringList> &rows);
 
     RotationPane *rotationPane;
     QPushButton *addMessageButton;
