@@ -147,7 +147,7 @@ private slots:
         awaited(f.messages.addMessageToCurrentRotation("1", "5"));
         QVERIFY(awaited(f.messages.saveUIChanges("a")));
         f.alerts.answerWith(1);
-        for (const QString &step : ("edit 2, " + steps).split(", "))
+        for (const QString &step : QString("edit 2, " + steps).split(", "))
             take(f.messages, step);
         KelMessageRotation again({f.preferences, f.alerts, f.server, f.actions}, f.folder.path());
         awaited(again.loadMessageRotation());

@@ -45,7 +45,7 @@ RotationPane::RotationPane(RotationStore &store, ActionQueue &actions, Alerts &a
     connect(m_store.tableSelection(), &QItemSelectionModel::selectionChanged, this, updateSoon);
     connect(&m_store, &RotationStore::currentRotationChanged, this, &RotationPane::currentRotationDidChange);
     connect(&m_store, &RotationStore::rotationOpened, &m_undo, &RowsUndo::reset);
-    m_store.setSaveAsPanel([this] { return show(Sheet::SaveAs); });
+    m_store.setSaveAsPanel([this] { return showSheet(Sheet::SaveAs); });
     currentRotationDidChange(m_store.currentRotation());
     updateControls();
 }
@@ -217,7 +217,7 @@ QCoro::Task<> RotationPane::runFileAction(Sheet which)
     if (which != Sheet::SaveAs)
         isGoingOn = co_await m_store.saveUnsavedChanges();
     if (isGoingOn)
-        co_await show(which);
+        co_await showSheet(which);
     endFileAction();
 }
 
@@ -242,7 +242,7 @@ QDialog *RotationPane::makeSheet(Sheet which)
     return new DeleteRotationSheet(m_store, m_actions, m_alerts, window());
 }
 
-QCoro::Task<> RotationPane::show(Sheet which)
+QCoro::Task<> RotationPane::showSheet(Sheet which)
 {
     QDialog *sheet = makeSheet(which);
     sheet->setAttribute(Qt::WA_DeleteOnClose);

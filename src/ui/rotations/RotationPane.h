@@ -78,7 +78,7 @@ private:
     QCoro::Task<> saveRotation(QString name);
     QDialog *makeSheet(Sheet which);
     /// Opens a sheet and resumes when it was closed.
-    QCoro::Task<> show(Sheet which);
+    QCoro::Task<> showSheet(Sheet which);
 
     RotationStore &m_store;
     ActionQueue &m_actions;

@@ -1,5 +1,6 @@
 #include "ActionQueue.h"
 #include "Controls.h"
+#include "DoubleClick.h"
 #include "ElidingLabel.h"
 #include "KeyHandlingTableView.h"
 #include "Preferences.h"
@@ -30,19 +31,25 @@ struct Note {
     bool operator==(const Note &) const = default;
 };
 
+static RotationKind noteKind()
+{
+    RotationKind kind;
+    kind.name = "MapRotation";
+    kind.fileName = "notes";
+    kind.currentRotationKey = "current";
+    kind.saveQuestion = "Save?";
+    kind.nameRefused = "Refused";
+    kind.nameTaken = "'%1' is taken";
+    kind.tableObjectName = "table";
+    return kind;
+}
+
 /// The saved rotations Alpha, Beta and Gamma, and none that is open.
 class NoteStore final : public RotationStoreOf<Note>
 {
 public:
     NoteStore(Preferences &preferences, Alerts &alerts, const QString &folder)
-        : RotationStoreOf({.name = "MapRotation",
-                           .fileName = "notes",
-                           .currentRotationKey = "current",
-                           .saveQuestion = "Save?",
-                           .nameRefused = "Refused",
-                           .nameTaken = "'%1' is taken",
-                           .tableObjectName = "table"},
-                          preferences, alerts, folder, Dictionary(), nullptr)
+        : RotationStoreOf(noteKind(), preferences, alerts, folder, Dictionary(), nullptr)
     {
         for (const char *name : {"Alpha", "Beta", "Gamma"})
             awaited(saveUIChanges(name));
@@ -193,27 +200,23 @@ private slots:
         QVERIFY(p.alerts.shown().isEmpty());
     }
 
-    void asksBeforeTheTableIsReplaced_data()
-    {
-        QTest::addColumn<QString>("button");
-        for (const char *button : {"newButton", "openButton", "deleteButton"})
-            QTest::newRow(button) << QString(button);
-    }
     void asksBeforeTheTableIsReplaced()
     {
-        QFETCH(QString, button);
         Pane p;
         p.store.write("V");
-        p.alerts.answerWith(2); // "Cancel"
-        p.press(p.pane, button.toLatin1());
-        QVERIFY(p.settle());
-        QCOMPARE(p.alerts.texts(), QStringList{"Save?"});
-        QVERIFY(p.pane.findChild<QDialog *>() == nullptr);
-        p.alerts.answerWith(1); // "No"
-        p.press(p.pane, button.toLatin1());
-        QTRY_VERIFY(p.pane.findChild<QDialog *>() != nullptr);
-        p.pane.findChild<QDialog *>()->reject();
-        QVERIFY(p.settle());
+        for (const char *button : {"newButton", "openButton", "deleteButton"}) {
+            p.alerts.answerWith(2); // "Cancel"
+            p.press(p.pane, button);
+            QVERIFY(p.settle());
+            QVERIFY(p.pane.findChild<QDialog *>() == nullptr);
+            p.alerts.answerWith(1); // "No"
+            p.press(p.pane, button);
+            QTRY_VERIFY(p.pane.findChild<QDialog *>() != nullptr);
+            p.pane.findChild<QDialog *>()->reject();
+            QVERIFY(p.settle());
+            QTRY_VERIFY(p.pane.findChild<QDialog *>() == nullptr);
+        }
+        QCOMPARE(p.alerts.texts(), QStringList(6, "Save?"));
         QCOMPARE(p.store.shown(), QString("V"));
     }
 
@@ -235,33 +238,16 @@ private slots:
         QTEST(p.store.currentRotation(), "opened");
     }
 
-    void aDoubleClickOpensTheRowUnderThePointer_data()
-    {
-        QTest::addColumn<Qt::MouseButton>("button");
-        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
-        QTest::addColumn<QString>("opened");
-        const Qt::KeyboardModifiers none;
-        QTest::newRow("left") << Qt::LeftButton << none << "Beta";
-        QTest::newRow("left, with Ctrl, which takes it out of the selection")
-            << Qt::LeftButton << Qt::KeyboardModifiers(Qt::ControlModifier) << "Beta";
-        QTest::newRow("right") << Qt::RightButton << none << "";
-        QTest::newRow("middle") << Qt::MiddleButton << none << "";
-    }
     void aDoubleClickOpensTheRowUnderThePointer()
     {
-        QFETCH(Qt::MouseButton, button);
-        QFETCH(Qt::KeyboardModifiers, modifiers);
         Pane p;
         QDialog *sheet = p.sheet("openButton", "OpenMapRotationWindowController");
         auto *table = control<KeyHandlingTableView>(*sheet, "tableView");
         QVERIFY(QTest::qWaitForWindowActive(sheet));
         const QPoint place = table->visualRect(table->model()->index(1, 0)).center();
-        QTest::mouseClick(table->viewport(), button, modifiers, place);
-        QTest::mouseDClick(table->viewport(), button, modifiers, place);
-        if (sheet->isVisible())
-            p.press(*sheet, "closeButton");
+        doubleClick(*table, place, Qt::LeftButton, Qt::ControlModifier); // which takes it out of the selection
         QVERIFY(p.settle());
-        QTEST(p.store.currentRotation(), "opened");
+        QCOMPARE(p.store.currentRotation(), QString("Beta"));
     }
 
     void theDeleteKeyAsks_data()
