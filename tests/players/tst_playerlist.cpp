@@ -71,7 +71,7 @@ private slots:
         row("cut off after the address", title + tom + "4 0 48 abc red 0 192.0.2.8:50074", onlyTom, true);
         row("its end alone", title + "Bad Wolf 2 0 192.0.2.4:50005 77 900\n" + tom, onlyTom, true);
         row("joined to the title", title + "4 0 48 abc Wo" + title + tom, onlyTom, true);
-        row("before the title", "7 0 48 abc Big Bad 2 0 192.0.2.4:50005 77 900\n" + title + tom, onlyTom, true);
+        row("beginning late", "7 0 48 abc Big Bad 2 0 192.0.2.4:50005 77 900\n" + title + tom, onlyTom, true);
         row("without a title nothing is certain", tom + "1", onlyTom);
     }
     void parses()

@@ -61,8 +61,8 @@ static void makeCompact(QPushButton *button)
     button->setMinimumWidth(button->fontMetrics().horizontalAdvance(button->text()) + 20);
 }
 
-QPushButton *RotationPane::addButton(const QString &name, const QString &text, QHBoxLayout *row,
-                                     std::function<void()> pressed)
+QPushButton *RotationPane::makeButton(const QString &name, const QString &text, QHBoxLayout *row,
+                                      std::function<void()> pressed)
 {
     auto *button = new QPushButton(text, this);
     button->setObjectName(name);
@@ -79,19 +79,19 @@ void RotationPane::addButtons()
             startFileAction(sheet);
         };
     };
-    removeButton = addButton(QStringLiteral("removeButton"), tr("Remove"), m_rowButtons, [this] {
+    removeButton = makeButton(QStringLiteral("removeButton"), tr("Remove"), m_rowButtons, [this] {
         finishEditing();
         m_store.deleteSelectedItems();
     });
-    removeAllButton = addButton(QStringLiteral("removeAllButton"), tr("Remove All"), m_rowButtons, [this] {
+    removeAllButton = makeButton(QStringLiteral("removeAllButton"), tr("Remove All"), m_rowButtons, [this] {
         finishEditing();
         m_store.deleteAllItems();
     });
-    addButton(QStringLiteral("newButton"), tr("New…"), m_fileButtons, showing(Sheet::New));
-    openButton = addButton(QStringLiteral("openButton"), tr("Open…"), m_fileButtons, showing(Sheet::Open));
-    addButton(QStringLiteral("saveButton"), tr("Save"), m_fileButtons, [this] { saveDocument(); });
-    addButton(QStringLiteral("saveAsButton"), tr("Save As…"), m_fileButtons, showing(Sheet::SaveAs));
-    deleteButton = addButton(QStringLiteral("deleteButton"), tr("Delete…"), m_fileButtons, showing(Sheet::Delete));
+    makeButton(QStringLiteral("newButton"), tr("New…"), m_fileButtons, showing(Sheet::New));
+    openButton = makeButton(QStringLiteral("openButton"), tr("Open…"), m_fileButtons, showing(Sheet::Open));
+    makeButton(QStringLiteral("saveButton"), tr("Save"), m_fileButtons, [this] { saveDocument(); });
+    makeButton(QStringLiteral("saveAsButton"), tr("Save As…"), m_fileButtons, showing(Sheet::SaveAs));
+    deleteButton = makeButton(QStringLiteral("deleteButton"), tr("Delete…"), m_fileButtons, showing(Sheet::Delete));
 }
 
 void RotationPane::setUpTable()

@@ -58,7 +58,7 @@ protected:
 private:
     enum class Sheet { New, Open, SaveAs, Delete };
 
-    QPushButton *addButton(const QString &name, const QString &text, QHBoxLayout *row, std::function<void()> pressed);
+    QPushButton *makeButton(const QString &name, const QString &text, QHBoxLayout *row, std::function<void()> pressed);
     void addButtons();
     void setUpTable();
     void layOut();
