@@ -4,6 +4,7 @@
 #include "KelServer.h"
 #include "LoopbackServer.h"
 #include "PreciseOneShotTimer.h"
+#include "Preferences.h"
 #include "RConExchange.h"
 
 #include <QCoreApplication>

@@ -9,7 +9,7 @@
 struct ReadyCatalogues : ReadySession {
     CatalogueReader reader{{}, alerts, [] {
                            }};
-    KelGametype gametypes{{server, alerts}, reader};
-    KelSettings settings{{server, alerts}, reader};
+    KelGametype gametypes{server, reader};
+    KelSettings settings{server, reader};
     KelMapList maps{server, reader};
 };

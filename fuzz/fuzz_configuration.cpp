@@ -67,7 +67,7 @@ static void checkWriting(const Entries &entries, const QHash<QString, QString> &
     static ReadySession session;
     QList<std::shared_ptr<DvarSetting>> settings;
     for (const ConfigurationEntry &entry : entries) {
-        settings.append(std::make_shared<DvarSetting>(CatalogueContext{session.server, session.alerts}));
+        settings.append(std::make_shared<DvarSetting>(session.server));
         settings.constLast()->setName(entry.dvar);
         settings.constLast()->setDvar(entry.dvar);
     }

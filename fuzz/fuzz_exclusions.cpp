@@ -1,7 +1,7 @@
 #include "Fuzzing.h"
 #include "ReadyCatalogues.h"
 
-#include "ExclusionText.h"
+#include "Exclusion.h"
 #include "KelPlaylists.h"
 
 /// Other white space belongs to its word, but not at the ends.

@@ -1,18 +1,18 @@
 #include "Fuzzing.h"
 
-#include "KelMapRotation.h"
-#include "KelMessageRotation.h"
+#include "MapRotation.h"
+#include "MessageRotation.h"
 #include "RotationDocument.h"
 
-template <typename Kind>
+template <typename Entry>
 static void checkRotations(const XmlDocument &document)
 {
-    const typename RotationDocument<Kind>::Dictionary rotations = RotationDocument<Kind>::rotationsIn(document);
+    const RotationDictionary<Entry> rotations = rotationsIn<Entry>(document);
     QString error;
-    const QByteArray bytes = RotationDocument<Kind>::checkedBytes(rotations, &error);
+    const QByteArray bytes = checkedRotationBytes(rotations, &error);
     require(error.isEmpty(), "what was read can be written");
     const std::optional<XmlDocument> again = XmlDocument::parse(bytes, &error, rotationReading);
-    require(again && RotationDocument<Kind>::rotationsIn(*again) == rotations, "rotations are read again");
+    require(again && rotationsIn<Entry>(*again) == rotations, "rotations are read again");
 }
 
 static void fuzz(const QByteArray &bytes)
@@ -22,6 +22,6 @@ static void fuzz(const QByteArray &bytes)
     require(document.has_value() == error.isEmpty(), "a file that is refused has a reason");
     if (!document)
         return;
-    checkRotations<MapRotationKind>(*document);
-    checkRotations<MessageRotationKind>(*document);
+    checkRotations<MapRotationInst>(*document);
+    checkRotations<MessageRotationInst>(*document);
 }

@@ -28,10 +28,9 @@ static CatalogueFolders catalogueFolders(const AppDelegate::Places &places)
 AppDelegate::AppDelegate(const Places &places, const QString &guide)
     : m_guide(guide.isEmpty() ? guideFile() : guide), m_preferences(places.preferencesFile),
       m_server(m_exchange, m_alerts), m_reader(catalogueFolders(places), m_alerts, [this] { m_window->close(); }),
-      m_gametypes(CatalogueContext{m_server, m_alerts}, m_reader),
-      m_settings(CatalogueContext{m_server, m_alerts}, m_reader), m_maps(m_server, m_reader),
+      m_gametypes(m_server, m_reader), m_settings(m_server, m_reader), m_maps(m_server, m_reader),
       m_playlists(m_server, m_gametypes, m_maps, m_alerts, m_reader.folders().resources),
-      m_catalogues(m_gametypes, m_settings, m_playlists),
+      m_catalogues(m_gametypes, m_settings, m_maps, m_playlists),
       m_savedServers(m_reader.folders().applicationSupport + QStringLiteral("/SavedServers.plist"), userLoginName()),
       m_unknownDvars(m_preferences), m_fetcher(m_server, m_actions, m_unknownDvars),
       m_reconnecting(m_server, m_actions, m_alerts, m_fetcher),
@@ -43,14 +42,8 @@ AppDelegate::AppDelegate(const Places &places, const QString &guide)
     registerDefaults();
     QApplication::setStyle(new IconKeepingStyle); // which the application takes
     Appearance::apply(m_preferences.value(QStringLiteral("appearance")).toString());
-    const Workplace workplace{m_server,
-                              m_actions,
-                              m_alerts,
-                              m_preferences,
-                              m_fetcher,
-                              m_reconnecting,
-                              {m_gametypes, m_settings, m_maps, m_playlists},
-                              {m_mapRotations, m_messageRotations}};
+    const Workplace workplace{m_server,  m_actions,      m_alerts,     m_preferences,
+                              m_fetcher, m_reconnecting, m_catalogues, {m_mapRotations, m_messageRotations}};
     m_window = std::make_unique<FormMainView>(workplace, m_savedServers);
     m_alerts.setWindow(m_window.get());
     connect(m_window.get(), &FormMainView::demoServerRequested, this, &AppDelegate::tryDemoServer);

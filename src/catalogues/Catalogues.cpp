@@ -21,25 +21,24 @@ static QStringList dvarsOf(const QList<std::shared_ptr<DvarSettingList>> &lists)
 
 QCoro::Task<> Catalogues::loadCatalogues()
 {
-    const CatalogueState gametypes = co_await m_gametypes.loadGametypeList();
-    if (gametypes == CatalogueState::Missing)
-        co_return; // the program is about to end
-    const CatalogueState settings = co_await m_settings.loadSettings();
-    Q_UNUSED(settings)
+    const CatalogueState state = co_await gametypes.loadGametypeList();
+    if (state == CatalogueState::Missing)
+        co_return;                                                                   // the program is about to end
+    [[maybe_unused]] const CatalogueState loaded = co_await settings.loadSettings(); // the user has been told
 }
 
 QStringList Catalogues::settingDvars() const
 {
-    return dvarsOf(m_settings.sortedSettingsValues());
+    return dvarsOf(settings.sortedSettingsValues());
 }
 
 QStringList Catalogues::gametypeDvars() const
 {
-    return dvarsOf(m_gametypes.listedGametypes());
+    return dvarsOf(gametypes.listedGametypes());
 }
 
 QCoro::Task<> Catalogues::updateControls()
 {
-    m_playlists.updateControls();
+    playlists.updateControls();
     co_return;
 }

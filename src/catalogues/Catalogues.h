@@ -3,16 +3,17 @@
 #include "CatalogueLoader.h"
 
 class KelGametype;
+class KelMapList;
 class KelPlaylists;
 class KelSettings;
 
-/// The gametypes, the settings and the playlists together, as the session loads and asks for them. Main thread only.
-class Catalogues : public CatalogueLoader
+/// What the program knows of the game. The session loads it and asks for it while it connects. Main thread only.
+class Catalogues final : public CatalogueLoader
 {
 public:
     /// All of them outlive this.
-    Catalogues(KelGametype &gametypes, KelSettings &settings, KelPlaylists &playlists)
-        : m_gametypes(gametypes), m_settings(settings), m_playlists(playlists)
+    Catalogues(KelGametype &theGametypes, KelSettings &theSettings, KelMapList &theMaps, KelPlaylists &thePlaylists)
+        : gametypes(theGametypes), settings(theSettings), maps(theMaps), playlists(thePlaylists)
     {
     }
 
@@ -21,8 +22,8 @@ public:
     QStringList gametypeDvars() const override;
     QCoro::Task<> updateControls() override;
 
-private:
-    KelGametype &m_gametypes;
-    KelSettings &m_settings;
-    KelPlaylists &m_playlists;
+    KelGametype &gametypes;
+    KelSettings &settings;
+    KelMapList &maps;
+    KelPlaylists &playlists;
 };

@@ -1,6 +1,5 @@
 #include "DvarSetting.h"
 
-#include "Alerts.h"
 #include "KelServer.h"
 #include "Number.h"
 #include "QuotedStrings.h"
@@ -10,10 +9,9 @@
 
 #include <algorithm>
 
-std::shared_ptr<DvarSetting> DvarSetting::dvarSettingWithXMLNode(const pugi::xml_node &node,
-                                                                 const CatalogueContext &context)
+std::shared_ptr<DvarSetting> DvarSetting::dvarSettingWithXMLNode(const pugi::xml_node &node, const KelServer &server)
 {
-    auto setting = std::make_shared<DvarSetting>(context);
+    auto setting = std::make_shared<DvarSetting>(server);
     setting->m_name = xmlChildText(node, "name");
     setting->m_dvar = xmlChildText(node, "dvar");
     setting->m_type = xmlChildText(node, "type");
@@ -31,7 +29,7 @@ QString DvarSetting::description() const
 
 QString DvarSetting::dvarValue() const
 {
-    const QHash<QString, QString> dvars = m_context.server.dvarList();
+    const QHash<QString, QString> dvars = m_server.dvarList();
     const auto found = dvars.constFind(m_dvar);
     if (found == dvars.constEnd())
         return {};
@@ -44,32 +42,6 @@ bool DvarSetting::dvarBoolValue() const
     // A fraction below one is not zero either, so the digits decide.
     return parseNumber(value).has_value() &&
            std::any_of(value.begin(), value.end(), [](QChar c) { return c.digitValue() > 0; });
-}
-
-QCoro::Task<Reply> DvarSetting::setDvarValue(QString value)
-{
-    // A reload may replace the setting while it waits, so nothing of it is used after the first wait.
-    const CatalogueContext context = m_context;
-    const QString dvar = m_dvar;
-    const Reply reply = co_await context.server.setDvar(dvar, value);
-    if (reply.isCancelled)
-        co_return reply;
-    if (!reply.isSuccess()) {
-        const QString text = tr("Error setting dvar '%1': %2").arg(dvar, reply.text);
-        co_await context.alerts.run(tr("Remote Command Failure"), text);
-    } else if (isValueRefused(reply.text)) {
-        co_await context.alerts.run(tr("Remote Command Failure"), reply.text);
-        if (context.server.isConnected())
-            co_await context.server.updateDvarFromServer(dvar);
-    }
-    co_return reply;
-}
-
-QCoro::Task<Reply> DvarSetting::setDvarBoolValue(bool value)
-{
-    const QString text = value ? QStringLiteral("1") : QStringLiteral("0");
-    const Reply reply = co_await setDvarValue(text);
-    co_return reply;
 }
 
 bool DvarSetting::validateValue(const QString &typed) const

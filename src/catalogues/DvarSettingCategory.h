@@ -11,16 +11,15 @@ class DvarSetting;
 class DvarSettingCategory
 {
 public:
+    /// @param children  in the order of their names, capitals before small letters.
+    DvarSettingCategory(QString name, QList<std::shared_ptr<DvarSetting>> children)
+        : m_name(std::move(name)), m_children(std::move(children))
+    {
+    }
+
     QString name() const { return m_name; }
-    void setName(const QString &name) { m_name = name; }
-
-    /// In the order of their names, capitals before small letters.
     QList<std::shared_ptr<DvarSetting>> children() const { return m_children; }
-    void setChildren(QList<std::shared_ptr<DvarSetting>> children);
-
     bool isLeaf() const { return false; }
-    QString dvarValue() const { return {}; }
-    QString settingDescription() const { return QStringLiteral(""); }
 
 private:
     QString m_name;

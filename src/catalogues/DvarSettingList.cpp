@@ -5,15 +5,17 @@
 #include "SortedKeys.h"
 #include "XmlDocument.h"
 
+#include <algorithm>
+
 std::shared_ptr<DvarSettingList> DvarSettingList::dvarSettingsWithXMLNode(const pugi::xml_node &node,
-                                                                          const CatalogueContext &context)
+                                                                          const KelServer &server)
 {
     auto list = std::make_shared<DvarSettingList>();
     list->m_name = xmlChildText(node, "name");
     list->m_dvarName = xmlChildText(node, "dvarName");
     QList<std::shared_ptr<DvarSetting>> settings;
     for (const pugi::xml_node &element : xmlElements(node, ".//DvarSetting"))
-        settings.append(DvarSetting::dvarSettingWithXMLNode(element, context));
+        settings.append(DvarSetting::dvarSettingWithXMLNode(element, server));
     list->setSettings(settings);
     return list;
 }
@@ -34,11 +36,11 @@ void DvarSettingList::setSettings(const QList<std::shared_ptr<DvarSetting>> &set
         byCategory[setting->category().isNull() ? m_name : setting->category()].append(setting);
     }
     CategoriesByName categories;
-    for (auto each = byCategory.cbegin(); each != byCategory.cend(); ++each) {
-        auto category = std::make_shared<DvarSettingCategory>();
-        category->setName(each.key());
-        category->setChildren(each.value());
-        categories.insert(each.key(), category);
+    for (auto each = byCategory.begin(); each != byCategory.end(); ++each) {
+        std::stable_sort(each->begin(), each->end(), [](const auto &left, const auto &right) {
+            return left->name().compare(right->name(), Qt::CaseSensitive) < 0;
+        });
+        categories.insert(each.key(), std::make_shared<DvarSettingCategory>(each.key(), *each));
     }
     m_settingsList = std::move(settingsList);
     m_categorizedSettingsList = std::move(categories);

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "CatalogueContext.h"
-
 #include <QHash>
 #include <QList>
 #include <QString>
@@ -15,6 +13,7 @@ class xml_node;
 
 class DvarSetting;
 class DvarSettingCategory;
+class KelServer;
 
 /// A named list of settings, as they stand and by category: a gametype's, or a group of the game's.
 /// A copy shares its settings and categories with the original. Main thread only.
@@ -24,26 +23,16 @@ public:
     using SettingsByName = QHash<QString, std::shared_ptr<DvarSetting>>;
     using CategoriesByName = QHash<QString, std::shared_ptr<DvarSettingCategory>>;
 
-    DvarSettingList() = default;
-    virtual ~DvarSettingList() = default;
-    DvarSettingList(const DvarSettingList &) = default;
-    DvarSettingList &operator=(const DvarSettingList &) = default;
-    DvarSettingList(DvarSettingList &&) = default;
-    DvarSettingList &operator=(DvarSettingList &&) = default;
-
-    /// Reads the list with all settings found under `node`. Always a plain list, also for the derived types.
+    /// Reads the list with all settings found under `node`.
     static std::shared_ptr<DvarSettingList> dvarSettingsWithXMLNode(const pugi::xml_node &node,
-                                                                    const CatalogueContext &context);
-    std::shared_ptr<DvarSettingList> copy() const { return std::make_shared<DvarSettingList>(*this); }
+                                                                    const KelServer &server);
 
     QString name() const { return m_name; }
     void setName(const QString &name) { m_name = name; }
     /// Of a gametype: its short name, the value of g_gametype.
     QString dvarName() const { return m_dvarName; }
-    void setDvarName(const QString &dvarName) { m_dvarName = dvarName; }
 
     SettingsByName settingsList() const { return m_settingsList; }
-    CategoriesByName categorizedSettingsList() const { return m_categorizedSettingsList; }
 
     /// In the order of their names, without regard to case.
     QList<std::shared_ptr<DvarSetting>> settings() const;
@@ -61,3 +50,6 @@ private:
     SettingsByName m_settingsList;
     CategoriesByName m_categorizedSettingsList;
 };
+
+using GametypeList = DvarSettingList;
+using SettingInstList = DvarSettingList;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "CatalogueContext.h"
 #include "CatalogueReader.h"
 #include "FormerNames.h"
 #include "SharedInstance.h"
@@ -15,17 +14,18 @@
 
 class DvarSettingCategory;
 class DvarSettingList;
+class KelServer;
 
 /// The catalogue of gametypes with their settings. Empty until it is loaded for the first time. Main thread only.
 class KelGametype : public QObject
 {
     Q_OBJECT
 public:
-    /// What `context` refers to outlives the catalogue. The latest catalogue made is the shared one.
-    KelGametype(const CatalogueContext &context, CatalogueReader reader, QObject *parent = nullptr);
+    /// The session outlives the catalogue. The latest catalogue made is the shared one.
+    KelGametype(const KelServer &server, CatalogueReader reader, QObject *parent = nullptr);
 
     /// @return the latest catalogue made, or null.
-    static KelGametype *sharedKelGametype();
+    static KelGametype *sharedKelGametype() { return SharedInstance<KelGametype>::latest(); }
 
     /// Loads the catalogue anew and selects its first gametype. What was loaded stays unless the file is Ready.
     QCoro::Task<CatalogueState> loadGametypeList();
@@ -33,16 +33,15 @@ public:
     void takeDocument(const XmlDocument &document);
 
     /// Display name to gametype; the later of two with one name.
-    QHash<QString, std::shared_ptr<DvarSettingList>> gametypeList() const;
+    QHash<QString, std::shared_ptr<DvarSettingList>> gametypeList() const { return m_gametypeList; }
     /// All gametypes in the order of the file, those with equal names too.
     QList<std::shared_ptr<DvarSettingList>> arrangedGametypes() const { return m_gametypes; }
     /// The gametypes of gametypeList(), in the order of the file.
-    QList<std::shared_ptr<DvarSettingList>> listedGametypes() const;
-    QString version() const { return m_version; }
+    QList<std::shared_ptr<DvarSettingList>> listedGametypes() const { return m_listedGametypes; }
     const FormerNames &formerNames() const { return m_formerNames; }
 
     /// The display name of a gametype with this short name; the short name itself when it is unknown.
-    QString findGametypeByDvar(const QString &dvarName) const;
+    QString findGametypeByDvar(const QString &dvarName) const { return m_displayNames.value(dvarName, dvarName); }
     /// The gametype with this display name, or with the present one where this is a former name; null if there is none.
     std::shared_ptr<DvarSettingList> findGametypeByName(const QString &name) const;
 
@@ -51,8 +50,6 @@ public:
     void setSelectedSettingList(const std::shared_ptr<DvarSettingList> &list);
     /// The categories of the selected gametype.
     QList<std::shared_ptr<DvarSettingCategory>> selectedSettings() const;
-    /// Selects like setSelectedSettingList(), but leaves the rows as they are, expanded or not.
-    void setSelectedSettings(const std::shared_ptr<DvarSettingList> &list);
 
 signals:
     void gametypeListChanged();
@@ -61,11 +58,13 @@ signals:
     void selectedSettingListChanged();
 
 private:
-    CatalogueContext m_context;
+    const KelServer &m_server;
     CatalogueReader m_reader;
     FormerNames m_formerNames;
     QList<std::shared_ptr<DvarSettingList>> m_gametypes;
+    QHash<QString, std::shared_ptr<DvarSettingList>> m_gametypeList;
+    QList<std::shared_ptr<DvarSettingList>> m_listedGametypes;
+    QHash<QString, QString> m_displayNames; ///< by short name, of the listed gametypes
     std::weak_ptr<DvarSettingList> m_selectedSettingList;
-    QString m_version;
     SharedInstance<KelGametype> m_shared{this};
 };

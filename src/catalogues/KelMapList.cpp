@@ -9,39 +9,26 @@ KelMapList::KelMapList(KelServer &server, CatalogueReader reader, QObject *paren
 {
 }
 
-KelMapList *KelMapList::sharedKelMapList()
-{
-    return SharedInstance<KelMapList>::latest();
-}
-
 QCoro::Task<CatalogueState> KelMapList::loadMapList()
 {
-    const WorkingCopy::Kind kind = WorkingCopy::maps();
-    const WorkingCopy::Result opened = co_await m_reader.open(kind);
-    if (opened.document)
-        takeDocument(*opened.document);
-    co_return opened.state;
+    return m_reader.load(CatalogueReader::Kind::Maps, [this](const XmlDocument &document) { takeDocument(document); });
 }
 
 void KelMapList::takeDocument(const XmlDocument &document)
 {
-    const QString version = document.lastText("//version");
-    if (!version.isNull())
-        m_version = version;
     m_maps.clear();
+    m_list.clear();
+    m_displayNames.clear();
     for (const pugi::xml_node &element : document.elements("//Map")) {
         m_maps.append(MapInst{xmlChildText(element, "name"), xmlChildText(element, "dvarName"),
                               xmlChildText(element, "excludeDvar")});
+        m_list.insert(m_maps.constLast().name, m_maps.constLast());
+    }
+    for (const MapInst &map : std::as_const(m_maps)) {
+        if (!map.dvarName.isNull() && !m_displayNames.contains(map.dvarName) && m_list.value(map.name) == map)
+            m_displayNames.insert(map.dvarName, map.name);
     }
     emit mapListChanged();
-}
-
-QHash<QString, MapInst> KelMapList::list() const
-{
-    QHash<QString, MapInst> list;
-    for (const MapInst &map : m_maps)
-        list.insert(map.name, map);
-    return list;
 }
 
 bool KelMapList::isExcluded(const MapInst &map) const
@@ -55,7 +42,7 @@ bool KelMapList::isExcluded(const MapInst &map) const
 
 QHash<QString, MapInst> KelMapList::filteredList() const
 {
-    QHash<QString, MapInst> filtered = list();
+    QHash<QString, MapInst> filtered = m_list;
     filtered.removeIf([this](const QHash<QString, MapInst>::iterator &each) { return isExcluded(each.value()); });
     return filtered;
 }
@@ -72,14 +59,4 @@ QList<MapInst> KelMapList::listedMaps() const
         left.erase(found);
     }
     return listed;
-}
-
-QString KelMapList::findMapByDvar(const QString &dvarName) const
-{
-    const QHash<QString, MapInst> listed = list();
-    for (const MapInst &map : m_maps) {
-        if (!map.dvarName.isNull() && map.dvarName == dvarName && listed.value(map.name) == map)
-            return map.name;
-    }
-    return dvarName;
 }

@@ -21,7 +21,7 @@ public:
     KelMapList(KelServer &server, CatalogueReader reader, QObject *parent = nullptr);
 
     /// @return the latest catalogue made, or null.
-    static KelMapList *sharedKelMapList();
+    static KelMapList *sharedKelMapList() { return SharedInstance<KelMapList>::latest(); }
 
     /// Loads the catalogue anew. What was loaded stays unless the file is Ready.
     QCoro::Task<CatalogueState> loadMapList();
@@ -31,15 +31,14 @@ public:
     /// All maps in the order of the file, those with equal names too.
     QList<MapInst> arrangedMaps() const { return m_maps; }
     /// Display name to map; the later of two with one name.
-    QHash<QString, MapInst> list() const;
+    QHash<QString, MapInst> list() const { return m_list; }
     /// list() without the maps that a ranked server has taken out of play.
     QHash<QString, MapInst> filteredList() const;
     /// The maps of filteredList(), in the order of the file; each name once.
     QList<MapInst> listedMaps() const;
-    QString version() const { return m_version; }
 
     /// The display name of a map that the server knows by this name; the name itself when it is unknown.
-    QString findMapByDvar(const QString &dvarName) const;
+    QString findMapByDvar(const QString &dvarName) const { return m_displayNames.value(dvarName, dvarName); }
 
 signals:
     void mapListChanged();
@@ -50,6 +49,7 @@ private:
     KelServer &m_server;
     CatalogueReader m_reader;
     QList<MapInst> m_maps;
-    QString m_version;
+    QHash<QString, MapInst> m_list;
+    QHash<QString, QString> m_displayNames; ///< by the server's name, of the maps in list()
     SharedInstance<KelMapList> m_shared{this};
 };

@@ -1,23 +1,16 @@
 #include "KelPlaylists.h"
 
 #include "Alerts.h"
-#include "DvarSettingList.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
 #include "KelServer.h"
 #include "Number.h"
 #include "PlaylistFile.h"
-#include "QuotedStrings.h"
 
 #include <QHash>
-#include <QSet>
 
 #include <algorithm>
-#include <functional>
 #include <utility>
-
-/// Of one variable. A game server holds a few thousand at most; what sends more is none.
-static constexpr qsizetype mostWords = 100000;
 
 static QList<ArrayController<PlaylistInst>::Column> playlistColumns()
 {
@@ -54,20 +47,6 @@ static QStringList sortedTexts(const QList<Exclusion> &exclusions)
     return texts;
 }
 
-/// Asks `find` once for each of the names that are `known`: a server may name thousands, and finding is slow.
-static QStringList displayNames(const QStringList &words, const QSet<QString> &known,
-                                const std::function<QString(const QString &)> &find)
-{
-    QHash<QString, QString> found;
-    QStringList names;
-    for (const QString &word : words) {
-        if (known.contains(word) && !found.contains(word))
-            found.insert(word, find(word));
-        names.append(found.value(word, word));
-    }
-    return names;
-}
-
 KelPlaylists::KelPlaylists(KelServer &server, KelGametype &gametypes, KelMapList &maps, Alerts &alerts,
                            const QString &resources, QObject *parent)
     : QObject(parent),
@@ -79,11 +58,6 @@ KelPlaylists::KelPlaylists(KelServer &server, KelGametype &gametypes, KelMapList
 {
     connect(&m_server, &KelServer::connectionBegan, this, &KelPlaylists::forgetServer);
     connect(&m_server, &KelServer::isConnectedChanged, this, &KelPlaylists::forgetServer);
-}
-
-KelPlaylists *KelPlaylists::sharedKelPlaylists()
-{
-    return SharedInstance<KelPlaylists>::latest();
 }
 
 QCoro::Task<> KelPlaylists::loadPlaylists()
@@ -125,51 +99,15 @@ void KelPlaylists::showExclusions(QList<Exclusion> exclusions)
     exclusionsDidChange();
 }
 
-QStringList KelPlaylists::wordsOf(const char *dvar) const
-{
-    const QString text = withoutOuterQuotes(m_server.dvarList().value(QLatin1String(dvar)));
-    QStringList words;
-    for (const QStringView word : QStringView(text).tokenize(u' ', Qt::SkipEmptyParts)) {
-        if (words.size() == mostWords)
-            break;
-        words.append(word.toString());
-    }
-    return words;
-}
-
 QList<Exclusion> KelPlaylists::serverExclusions() const
 {
-    QSet<QString> knownMaps;
-    for (const MapInst &map : m_maps.arrangedMaps())
-        knownMaps.insert(map.dvarName);
-    QSet<QString> knownGametypes;
-    for (const auto &gametype : m_gametypes.arrangedGametypes())
-        knownGametypes.insert(gametype->dvarName());
-    const auto mapNames = [&](const QStringList &words) {
-        return displayNames(words, knownMaps, [this](const QString &word) { return m_maps.findMapByDvar(word); });
-    };
-    const auto gametypeNames = [&](const QStringList &words) {
-        return displayNames(words, knownGametypes,
-                            [this](const QString &word) { return m_gametypes.findGametypeByDvar(word); });
-    };
-    QList<Exclusion> exclusions;
-    const QStringList maps = wordsOf("playlist_excludeMap");
-    const QStringList shownMaps = mapNames(maps);
-    for (qsizetype i = 0; i < maps.size(); ++i)
-        exclusions.append({shownMaps.at(i), Exclusion::anyGametype(), 0, maps.at(i), {}});
-    const QStringList gametypes = wordsOf("playlist_excludeGametype");
-    const QStringList shownGametypes = gametypeNames(gametypes);
-    for (qsizetype i = 0; i < gametypes.size(); ++i)
-        exclusions.append({Exclusion::anyMap(), shownGametypes.at(i), 0, {}, gametypes.at(i)});
-    QStringList firsts; // of the pairs: their gametypes
-    QStringList seconds;
-    for (const QString &word : wordsOf("playlist_excludeGametypeMap"))
-        (firsts.size() == seconds.size() ? firsts : seconds).append(word);
-    const QStringList shownFirsts = gametypeNames(firsts);
-    const QStringList shownSeconds = mapNames(seconds);
-    for (qsizetype i = 0; i < seconds.size(); ++i) // a gametype without a map after it is left out
-        exclusions.append({shownSeconds.at(i), shownFirsts.at(i), 0, seconds.at(i), firsts.at(i)});
-    return exclusions;
+    const QHash<QString, QString> dvars = m_server.dvarList();
+    const ExclusionText text{dvars.value(QStringLiteral("playlist_excludeMap")),
+                             dvars.value(QStringLiteral("playlist_excludeGametype")),
+                             dvars.value(QStringLiteral("playlist_excludeGametypeMap"))};
+    return exclusionsOf(
+        text, [this](const QString &name) { return m_maps.findMapByDvar(name); },
+        [this](const QString &name) { return m_gametypes.findGametypeByDvar(name); });
 }
 
 std::optional<PlaylistInst> KelPlaylists::findCurrentPlaylist() const

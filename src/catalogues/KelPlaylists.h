@@ -2,7 +2,6 @@
 
 #include "ArrayController.h"
 #include "Exclusion.h"
-#include "PlaylistGametypeInst.h"
 #include "PlaylistInst.h"
 #include "SharedInstance.h"
 
@@ -29,7 +28,7 @@ public:
                  QObject *parent = nullptr);
 
     /// @return the latest one made, or null.
-    static KelPlaylists *sharedKelPlaylists();
+    static KelPlaylists *sharedKelPlaylists() { return SharedInstance<KelPlaylists>::latest(); }
 
     /// Reads the playlist definitions anew; tells the user when they cannot be read, and both lists are empty then.
     QCoro::Task<> loadPlaylists();
@@ -63,7 +62,6 @@ private:
     void forgetServer();
     void showExclusions(QList<Exclusion> exclusions);
     QList<Exclusion> serverExclusions() const;
-    QStringList wordsOf(const char *dvar) const;
     std::optional<PlaylistInst> findCurrentPlaylist() const;
     void setCurrentPlaylist(const std::optional<PlaylistInst> &playlist);
     void exclusionsDidChange();

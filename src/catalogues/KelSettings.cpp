@@ -6,34 +6,24 @@
 
 #include <utility>
 
-KelSettings::KelSettings(const CatalogueContext &context, CatalogueReader reader, QObject *parent)
-    : QObject(parent), m_context(context), m_reader(std::move(reader))
+KelSettings::KelSettings(const KelServer &server, CatalogueReader reader, QObject *parent)
+    : QObject(parent), m_server(server), m_reader(std::move(reader))
 {
-}
-
-KelSettings *KelSettings::sharedKelSettings()
-{
-    return SharedInstance<KelSettings>::latest();
 }
 
 QCoro::Task<CatalogueState> KelSettings::loadSettings()
 {
-    const WorkingCopy::Kind kind = WorkingCopy::settings(m_context.server.isRanked());
-    const WorkingCopy::Result opened = co_await m_reader.open(kind);
-    if (opened.document)
-        takeDocument(*opened.document);
-    co_return opened.state;
+    using Kind = CatalogueReader::Kind;
+    return m_reader.load(m_server.isRanked() ? Kind::RankedSettings : Kind::UnrankedSettings,
+                         [this](const XmlDocument &document) { takeDocument(document); });
 }
 
 void KelSettings::takeDocument(const XmlDocument &document)
 {
-    const QString version = document.lastText("//version");
-    if (!version.isNull())
-        m_version = version;
     m_settingsList.clear();
     m_groupNames.clear();
     for (const pugi::xml_node &element : document.elements("//SettingInst")) {
-        const auto list = DvarSettingList::dvarSettingsWithXMLNode(element, m_context);
+        const auto list = DvarSettingList::dvarSettingsWithXMLNode(element, m_server);
         // Voice chat is never offered: these servers leave it to the players.
         if (list->name().compare(QLatin1String("voip"), Qt::CaseInsensitive) == 0)
             continue;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "CatalogueContext.h"
 #include "CatalogueReader.h"
 #include "SharedInstance.h"
 
@@ -15,6 +14,7 @@
 
 class DvarSettingCategory;
 class DvarSettingList;
+class KelServer;
 
 /// The catalogue of game settings in groups, for ranked or for unranked servers. Empty until it is loaded for the first
 /// time. Main thread only.
@@ -22,11 +22,11 @@ class KelSettings : public QObject
 {
     Q_OBJECT
 public:
-    /// What `context` refers to outlives the catalogue. The latest catalogue made is the shared one.
-    KelSettings(const CatalogueContext &context, CatalogueReader reader, QObject *parent = nullptr);
+    /// The session outlives the catalogue. The latest catalogue made is the shared one.
+    KelSettings(const KelServer &server, CatalogueReader reader, QObject *parent = nullptr);
 
     /// @return the latest catalogue made, or null.
-    static KelSettings *sharedKelSettings();
+    static KelSettings *sharedKelSettings() { return SharedInstance<KelSettings>::latest(); }
 
     /// Loads the catalogue of the session's mode anew and selects its first group. What was loaded stays unless the
     /// file is Ready.
@@ -40,7 +40,6 @@ public:
     QStringList arrangedGroups() const { return m_groupNames; }
     /// The groups in the order of their names, without regard to case.
     QList<std::shared_ptr<DvarSettingList>> sortedSettingsValues() const;
-    QString version() const { return m_version; }
 
     /// The name of the group that is shown; null when there is none.
     QString selectedSettingList() const { return m_selectedSettingList; }
@@ -54,11 +53,10 @@ signals:
     void selectedSettingsChanged();
 
 private:
-    CatalogueContext m_context;
+    const KelServer &m_server;
     CatalogueReader m_reader;
     QHash<QString, std::shared_ptr<DvarSettingList>> m_settingsList;
     QStringList m_groupNames;
     QString m_selectedSettingList;
-    QString m_version = QStringLiteral("");
     SharedInstance<KelSettings> m_shared{this};
 };

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "PlaylistGametypeInst.h"
 #include "PlaylistInst.h"
 
 #include <QByteArray>

@@ -11,3 +11,12 @@ struct PlaylistInst {
     QString uniqueName() const { return QStringLiteral("%1 (id=%2)").arg(name, QString::number(ID)); }
     bool operator==(const PlaylistInst &) const = default;
 };
+
+/// One gametype that playlists are made of.
+struct PlaylistGametypeInst {
+    QString name = QStringLiteral(""); ///< as users know it
+    QString dvar = QStringLiteral(""); ///< as the server knows it
+
+    QString uniqueName() const { return QStringLiteral("%1 (%2)").arg(name, dvar); }
+    bool operator==(const PlaylistGametypeInst &) const = default;
+};

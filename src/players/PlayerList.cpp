@@ -9,16 +9,7 @@
 
 static QStringList tokensOf(QStringView line)
 {
-    QStringList tokens;
-    qsizetype begin = 0;
-    for (qsizetype i = 0; i <= line.size(); ++i) {
-        if (i < line.size() && line.at(i) != QLatin1Char(' ') && line.at(i) != QLatin1Char('\t'))
-            continue;
-        if (i > begin)
-            tokens.append(line.sliced(begin, i - begin).toString());
-        begin = i + 1;
-    }
-    return tokens;
+    return line.toString().replace(u'\t', u' ').split(u' ', Qt::SkipEmptyParts);
 }
 
 QString playerKey(const PlayerRow &player)

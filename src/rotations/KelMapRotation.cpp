@@ -1,31 +1,34 @@
 #include "KelMapRotation.h"
 
-#include <utility>
-
-RotationWords MapRotationKind::words()
+static RotationKind mapRotationKind()
 {
-    return RotationWords{
-        KelMapRotation::tr("Unable to Create Map Rotation"),
-        KelMapRotation::tr("The map rotation named '%1' already exists!"),
-        KelMapRotation::tr("Unable to Delete Map Rotation"),
-        KelMapRotation::tr("The map rotation named '%1' does not exist!"),
-        KelMapRotation::tr("You have made changes in the Map Rotation which have not been saved.\n\nDo you want to "
-                           "save them?"),
-        KelMapRotation::tr("Map Rotations Not Loaded"),
-        KelMapRotation::tr("Map Rotations Not Saved"),
+    return {
+        .name = QStringLiteral("MapRotation"),
+        .fileName = QStringLiteral("FerrowRcon.exe.maprotate"),
+        .currentRotationKey = QStringLiteral("currentMapRotationName"),
+        .creationRefused = KelMapRotation::tr("Unable to Create Map Rotation"),
+        .alreadyExists = KelMapRotation::tr("The map rotation named '%1' already exists!"),
+        .deletionRefused = KelMapRotation::tr("Unable to Delete Map Rotation"),
+        .doesNotExist = KelMapRotation::tr("The map rotation named '%1' does not exist!"),
+        .saveQuestion = KelMapRotation::tr("You have made changes in the Map Rotation which have not been saved.\n\n"
+                                           "Do you want to save them?"),
+        .loadFailed = KelMapRotation::tr("Map Rotations Not Loaded"),
+        .saveFailed = KelMapRotation::tr("Map Rotations Not Saved"),
+        .newTitle = KelMapRotation::tr("New Map Rotation"),
+        .saveAsTitle = KelMapRotation::tr("Save Map Rotation As"),
+        .openTitle = KelMapRotation::tr("Open Map Rotation"),
+        .deleteTitle = KelMapRotation::tr("Delete Map Rotations"),
+        .nameRefused = KelMapRotation::tr("Unable to Add New Map Rotation"),
+        .nameTaken = KelMapRotation::tr("Map Rotation '%1' already exists!"),
+        .tableName = KelMapRotation::tr("Rotation builder"),
+        .tableObjectName = QStringLiteral("mapRotationPreviewTableView"),
+        .placeholder =
+            KelMapRotation::tr("No maps yet. Press \"Add Map…\" to add one, or \"Open…\" for a saved rotation."),
     };
 }
 
-using Row = std::shared_ptr<MapRotationInst>;
-
-static QList<RSRTVArrayController<MapRotationInst>::Column> columns()
-{
-    return {{KelMapRotation::tr("Map"), [](const Row &row) { return row->map; }, nullptr},
-            {KelMapRotation::tr("Gametype"), [](const Row &row) { return row->gametype; }, nullptr}};
-}
-
 KelMapRotation::KelMapRotation(Preferences &preferences, Alerts &alerts, const QString &folder, QObject *parent)
-    : RotationStoreOf(preferences, alerts, folder, columns(), Dictionary(), parent)
+    : RotationStoreOf(mapRotationKind(), preferences, alerts, folder, Dictionary(), parent)
 {
 }
 

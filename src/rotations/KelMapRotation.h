@@ -4,20 +4,8 @@
 #include "RotationStoreOf.h"
 #include "SharedInstance.h"
 
-/// What the store of map rotations differs in from that of messages.
-struct MapRotationKind {
-    using Entry = MapRotationInst;
-    using Rotation = MapRotation;
-    static constexpr const char *fileName = "FerrowRcon.exe.maprotate";
-    static constexpr const char *rootElement = "KelMapRotation";
-    static constexpr QLatin1String currentRotationKey{"currentMapRotationName"};
-
-    static RotationWords words();
-    static MapRotation rotationWithXMLNode(pugi::xml_node node) { return MapRotation::mapRotationWithXMLNode(node); }
-};
-
 /// The store of map rotations and the rows of the rotation builder. Main thread only.
-class KelMapRotation final : public RotationStoreOf<MapRotationKind>
+class KelMapRotation final : public RotationStoreOf<MapRotationInst>
 {
     Q_OBJECT
 public:

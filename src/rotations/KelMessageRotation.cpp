@@ -1,53 +1,38 @@
 #include "KelMessageRotation.h"
 
 #include "ActionQueue.h"
+#include "Alerts.h"
 #include "KelServer.h"
 #include "PreciseOneShotTimer.h"
 #include "ServerAction.h"
 
 #include <utility>
 
-RotationWords MessageRotationKind::words()
+static RotationKind messageRotationKind()
 {
-    return RotationWords{
-        KelMessageRotation::tr("Unable to Create Message Rotation"),
-        KelMessageRotation::tr("The message rotation named '%1' already exists!"),
-        KelMessageRotation::tr("Unable to Delete Message Rotation"),
-        KelMessageRotation::tr("The message rotation named '%1' does not exist!"),
-        KelMessageRotation::tr("You have made changes in the Message Rotation which have not been saved.\n\nDo you "
-                               "want to save them?"),
-        KelMessageRotation::tr("Message Rotations Not Loaded"),
-        KelMessageRotation::tr("Message Rotations Not Saved"),
+    return {
+        .name = QStringLiteral("MessageRotation"),
+        .fileName = QStringLiteral("FerrowRcon.exe.msgrotate"),
+        .currentRotationKey = QStringLiteral("currentMessageRotationName"),
+        .creationRefused = KelMessageRotation::tr("Unable to Create Message Rotation"),
+        .alreadyExists = KelMessageRotation::tr("The message rotation named '%1' already exists!"),
+        .deletionRefused = KelMessageRotation::tr("Unable to Delete Message Rotation"),
+        .doesNotExist = KelMessageRotation::tr("The message rotation named '%1' does not exist!"),
+        .saveQuestion = KelMessageRotation::tr("You have made changes in the Message Rotation which have not been "
+                                               "saved.\n\nDo you want to save them?"),
+        .loadFailed = KelMessageRotation::tr("Message Rotations Not Loaded"),
+        .saveFailed = KelMessageRotation::tr("Message Rotations Not Saved"),
+        .newTitle = KelMessageRotation::tr("New Message Rotation"),
+        .saveAsTitle = KelMessageRotation::tr("Save Message Rotation As"),
+        .openTitle = KelMessageRotation::tr("Open Message Rotation"),
+        .deleteTitle = KelMessageRotation::tr("Delete Message Rotations"),
+        .nameRefused = KelMessageRotation::tr("Unable to Add New Message Rotation"),
+        .nameTaken = KelMessageRotation::tr("Message Rotation '%1' already exists!"),
+        .tableName = KelMessageRotation::tr("Messages"),
+        .tableObjectName = QStringLiteral("messageRotationTableView"),
+        .placeholder = KelMessageRotation::tr("No messages yet. Press \"Add Message…\" to add one, or \"Open…\" for "
+                                              "a saved rotation."),
     };
-}
-
-using Row = std::shared_ptr<MessageRotationInst>;
-
-/// @return whether `field` holds something else now.
-static bool replace(QString &field, const QString &text)
-{
-    return std::exchange(field, text) != text;
-}
-
-static QList<RSRTVArrayController<MessageRotationInst>::Column> columns()
-{
-    RSRTVArrayController<MessageRotationInst>::Column message;
-    message.title = KelMessageRotation::tr("Message");
-    message.text = [](const Row &row) {
-        return row->message;
-    };
-    message.edit = [](Row &row, const QString &text) {
-        return replace(row->message, text);
-    };
-    RSRTVArrayController<MessageRotationInst>::Column duration;
-    duration.title = KelMessageRotation::tr("Duration");
-    duration.text = [](const Row &row) {
-        return row->duration;
-    };
-    duration.edit = [](Row &row, const QString &text) {
-        return replace(row->duration, text);
-    };
-    return {message, duration};
 }
 
 static std::unique_ptr<OneShotTimer> orPrecise(std::unique_ptr<OneShotTimer> timer)
@@ -57,7 +42,8 @@ static std::unique_ptr<OneShotTimer> orPrecise(std::unique_ptr<OneShotTimer> tim
 
 KelMessageRotation::KelMessageRotation(Surroundings surroundings, const QString &folder,
                                        std::unique_ptr<OneShotTimer> timer, QObject *parent)
-    : RotationStoreOf(surroundings.preferences, surroundings.alerts, folder, columns(), std::nullopt, parent),
+    : RotationStoreOf(messageRotationKind(), surroundings.preferences, surroundings.alerts, folder, std::nullopt,
+                      parent),
       m_server(surroundings.server), m_actions(surroundings.actions),
       m_player(
           surroundings.server, surroundings.actions, surroundings.preferences, [this] { return entries(); },
@@ -93,7 +79,7 @@ bool KelMessageRotation::startEnabled() const
 
 void KelMessageRotation::setQuickMessageText(const QString &text)
 {
-    if (replace(m_quickMessageText, text))
+    if (std::exchange(m_quickMessageText, text) != text)
         emit quickMessageTextChanged(text);
 }
 

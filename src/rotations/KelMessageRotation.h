@@ -10,24 +10,9 @@
 class ActionQueue;
 class KelServer;
 
-/// What the store of message rotations differs in from that of maps.
-struct MessageRotationKind {
-    using Entry = MessageRotationInst;
-    using Rotation = MessageRotation;
-    static constexpr const char *fileName = "FerrowRcon.exe.msgrotate";
-    static constexpr const char *rootElement = "KelMessageRotation";
-    static constexpr QLatin1String currentRotationKey{"currentMessageRotationName"};
-
-    static RotationWords words();
-    static MessageRotation rotationWithXMLNode(pugi::xml_node node)
-    {
-        return MessageRotation::messageRotationWithXMLNode(node);
-    }
-};
-
-/// The store of message rotations, the rows of the message table, the player that sends them to the server, and the
-/// quick message. Main thread only.
-class KelMessageRotation final : public RotationStoreOf<MessageRotationKind>
+/// The store of message rotations, the rows of the message table, and the player that sends them to the server.
+/// Main thread only. Every message that is sent is an action with a turn of its own.
+class KelMessageRotation final : public RotationStoreOf<MessageRotationInst>
 {
     Q_OBJECT
 public:

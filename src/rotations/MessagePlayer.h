@@ -1,6 +1,6 @@
 #pragma once
 
-#include "MessageRotationInst.h"
+#include "MessageRotation.h"
 #include "OneShotTimer.h"
 
 #include <QCoroTask>

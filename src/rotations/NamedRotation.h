@@ -4,56 +4,47 @@
 
 #include <QList>
 #include <QString>
-#include <QStringList>
 
-#include <algorithm>
-#include <memory>
-
-/// A name and the entries that are played in their order: what map and message rotations are made of. A copy shares
-/// its entries with the original; two rotations are equal when they hold the same.
+/// A text of an entry: an element of the file, and a column of the table.
 template <typename Entry>
-class NamedRotation
-{
-public:
-    using Entries = QList<std::shared_ptr<Entry>>;
+struct RotationField {
+    const char *element;
+    const char *title; ///< of the column, to be translated in the context "RotationField"
+    QString Entry::*text;
+};
 
+/// A name and the entries that are played in their order: what map and message rotations are made of. `Entry` names its
+/// `RotationElement` and its `EntryElement` in the file, and its `fields`.
+template <typename Entry>
+struct NamedRotation {
     QString name;
-    Entries rotationList;
+    QList<Entry> rotationList;
 
-    QString description() const
+    static NamedRotation withXMLNode(pugi::xml_node node)
     {
-        QStringList entries;
-        for (const std::shared_ptr<Entry> &entry : rotationList)
-            entries.append(entry->description());
-        return QStringLiteral("name=%1 rotation=(%2)").arg(name, entries.join(QLatin1String(", ")));
-    }
-
-    bool operator==(const NamedRotation &other) const
-    {
-        const auto holdsSame = [](const std::shared_ptr<Entry> &left, const std::shared_ptr<Entry> &right) {
-            return *left == *right;
-        };
-        return name == other.name && std::equal(rotationList.begin(), rotationList.end(), other.rotationList.begin(),
-                                                other.rotationList.end(), holdsSame);
-    }
-
-protected:
-    void readFrom(pugi::xml_node node, Entry (*entryWithXMLNode)(pugi::xml_node))
-    {
-        name = rotationText(node, "name");
+        NamedRotation rotation{rotationText(node, "name"), {}};
         for (const pugi::xml_node list : node.children("Rotation")) {
-            for (const pugi::xml_node entry : list.children(Entry::ElementName))
-                rotationList.append(std::make_shared<Entry>(entryWithXMLNode(entry)));
+            for (const pugi::xml_node element : list.children(Entry::EntryElement)) {
+                Entry entry;
+                for (const RotationField<Entry> &field : Entry::fields)
+                    entry.*field.text = rotationText(element, field.element);
+                rotation.rotationList.append(entry);
+            }
+        }
+        return rotation;
+    }
+
+    void addTo(pugi::xml_node parent) const
+    {
+        pugi::xml_node element = parent.append_child(Entry::RotationElement);
+        appendTextElement(element, "name", name);
+        pugi::xml_node list = element.append_child("Rotation");
+        for (const Entry &entry : rotationList) {
+            const pugi::xml_node child = list.append_child(Entry::EntryElement);
+            for (const RotationField<Entry> &field : Entry::fields)
+                appendTextElement(child, field.element, entry.*field.text);
         }
     }
 
-    pugi::xml_node writeTo(pugi::xml_node parent, const char *elementName) const
-    {
-        pugi::xml_node element = parent.append_child(elementName);
-        appendTextElement(element, "name", name);
-        const pugi::xml_node list = element.append_child("Rotation");
-        for (const std::shared_ptr<Entry> &entry : rotationList)
-            entry->xmlNode(list);
-        return element;
-    }
+    bool operator==(const NamedRotation &) const = default;
 };

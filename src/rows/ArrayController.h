@@ -117,11 +117,25 @@ public:
     /// selection, hidden or not, stays with the keys, so that a refresh disturbs nothing.
     void mergeContent(const QList<Row> &rows)
     {
+        QHash<QString, QList<int>> places; // of each key in the new list, the last one first
+        for (int place = static_cast<int>(rows.size()) - 1; place >= 0; --place)
+            places[m_keyOf(rows.at(place))].append(place);
+        QList<bool> isKept;
+        QList<bool> isNew(rows.size(), true);
+        QList<int> placeOf; // of each row that stays, in their present order
+        for (const Row &row : std::as_const(m_rows)) {
+            QList<int> &left = places[m_keyOf(row)];
+            isKept.append(!left.isEmpty());
+            if (left.isEmpty())
+                continue;
+            placeOf.append(left.takeLast());
+            isNew[placeOf.constLast()] = false;
+        }
         const QSet<QString> chosen = selectedKeys();
         m_isUpdating = true;
-        removeAbsent(rows);
-        reorder(rows);
-        insertNew(rows);
+        removeUnkept(isKept);
+        reorder(placeOf);
+        insertNew(rows, isNew);
         changeInPlace(rows);
         m_isUpdating = false;
         selectKeys(chosen);
@@ -267,23 +281,6 @@ private:
         m_isUpdating = false;
     }
 
-    QHash<QString, int> countedKeys(const QList<Row> &rows) const
-    {
-        QHash<QString, int> counts;
-        for (const Row &row : rows)
-            ++counts[m_keyOf(row)];
-        return counts;
-    }
-
-    void removeAbsent(const QList<Row> &rows)
-    {
-        QHash<QString, int> wanted = countedKeys(rows);
-        QList<bool> isKept(m_rows.size());
-        for (int row = 0; row < m_rows.size(); ++row)
-            isKept[row] = --wanted[m_keyOf(m_rows.at(row))] >= 0;
-        removeUnkept(isKept);
-    }
-
     void removeUnkept(const QList<bool> &isKept)
     {
         int last = static_cast<int>(m_rows.size()) - 1;
@@ -302,39 +299,21 @@ private:
         }
     }
 
-    /// Brings the rows that stay into the order of the new list.
-    void reorder(const QList<Row> &rows)
+    void reorder(const QList<int> &placeOf)
     {
-        QHash<QString, QList<int>> places;
-        for (int place = static_cast<int>(rows.size()) - 1; place >= 0; --place)
-            places[m_keyOf(rows.at(place))].append(place);
-        QList<int> placeOf(m_rows.size());
-        for (int row = 0; row < m_rows.size(); ++row)
-            placeOf[row] = places[m_keyOf(m_rows.at(row))].takeLast();
-        QList<int> order(m_rows.size());
+        QList<int> order(placeOf.size());
         std::iota(order.begin(), order.end(), 0);
         std::sort(order.begin(), order.end(),
                   [&](int left, int right) { return placeOf.at(left) < placeOf.at(right); });
         rearrange(order);
     }
 
-    void insertNew(const QList<Row> &rows)
+    void insertNew(const QList<Row> &rows, const QList<bool> &isNew)
     {
-        int first = 0;
-        while (first < rows.size()) {
-            const bool isThere = first < m_rows.size() && m_keyOf(m_rows.at(first)) == m_keyOf(rows.at(first));
-            if (isThere) {
-                ++first;
-                continue;
-            }
-            // What is new here ends where the next row that stayed stands in the new list.
-            int end = first + 1;
-            const QString next = first < m_rows.size() ? m_keyOf(m_rows.at(first)) : QString();
-            while (end < rows.size() && (first >= m_rows.size() || m_keyOf(rows.at(end)) != next))
-                ++end;
-            beginInsertRows({}, first, end - 1);
-            m_rows = m_rows.first(first) + rows.sliced(first, end - first) + m_rows.sliced(first);
-            endInsertRows();
+        for (qsizetype first = isNew.indexOf(true); first >= 0; first = isNew.indexOf(true, first)) {
+            const qsizetype next = isNew.indexOf(false, first);
+            const qsizetype end = next < 0 ? rows.size() : next;
+            insertObjects(static_cast<int>(first), rows.sliced(first, end - first));
             first = end;
         }
     }

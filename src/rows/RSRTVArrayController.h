@@ -8,15 +8,6 @@
 #include <concepts>
 #include <unordered_set>
 
-/// An entry that can be duplicated by dragging.
-template <typename Entry>
-concept CopyableEntry = requires(const Entry &entry)
-{
-    {
-        entry.copy()
-        } -> std::same_as<std::shared_ptr<Entry>>;
-};
-
 /// An array controller whose rows the user puts into the order that counts: by dragging, by the keyboard, and back by
 /// undoing. The rows are shared with whoever else edits them. They can be dragged while their table is neither sorted
 /// nor filtered. Main thread only.
@@ -32,29 +23,41 @@ public:
     {
     }
 
-    bool tableObjectsSupportCopying() const override { return CopyableEntry<Entry>; }
     int arrangedCount() const override { return this->rowCount(); }
     bool isInOwnOrder() const override
     {
         return m_arrangement->sortColumn() < 0 && m_arrangement->filterText().isEmpty();
     }
 
+    bool moveObjectsInArrangedObjects(const QList<int> &fromIndexes, int toIndex) override
+    {
+        if (!isInOwnOrder())
+            return false;
+        const QSet<int> moved(fromIndexes.begin(), fromIndexes.end());
+        const int target = std::clamp(toIndex, 0, arrangedCount());
+        QList<int> above;
+        QList<int> between;
+        QList<int> below;
+        for (int row = 0; row < arrangedCount(); ++row)
+            (moved.contains(row) ? between : row < target ? above : below).append(row);
+        this->rearrange(above + between + below);
+        selectRows(static_cast<int>(above.size()), static_cast<int>(between.size()));
+        return true;
+    }
+
     Qt::ItemFlags flags(const QModelIndex &index) const override
     {
         const Qt::ItemFlags flags = Base::flags(index);
-        if (!isReorderable())
+        if (!isInOwnOrder())
             return flags;
         return flags | (index.isValid() ? Qt::ItemIsDragEnabled : Qt::ItemIsDropEnabled); // between rows, never on one
     }
     QStringList mimeTypes() const override { return {QStringLiteral("application/x-ferrow-rows")}; }
-    Qt::DropActions supportedDropActions() const override
-    {
-        return CopyableEntry<Entry> ? Qt::MoveAction | Qt::CopyAction : Qt::MoveAction;
-    }
+    Qt::DropActions supportedDropActions() const override { return Qt::MoveAction; }
     /// The rows that are taken, for a drop in the same table whatever happens to it meanwhile. The caller owns it.
     QMimeData *mimeData(const QModelIndexList &indexes) const override
     {
-        if (indexes.isEmpty() || !isReorderable())
+        if (indexes.isEmpty() || !isInOwnOrder())
             return nullptr;
         auto taken = std::make_unique<TakenRows>();
         for (const QModelIndex &index : indexes)
@@ -63,44 +66,17 @@ public:
         taken->setData(mimeTypes().constFirst(), {});
         return taken.release();
     }
-    bool canDropMimeData(const QMimeData *data, Qt::DropAction action, int, int, const QModelIndex &) const override
+    bool canDropMimeData(const QMimeData *data, Qt::DropAction, int, int, const QModelIndex &) const override
     {
-        return validateDrop(!placesOf(data).isEmpty(), action == Qt::CopyAction) != DropOperation::None;
+        return isInOwnOrder() && !placesOf(data).isEmpty();
     }
+    /// The rows are moved whatever the action: they are never copied.
     /// @param row     the rows come before this one; -1 behind the last, or before `parent` where that is a row.
-    bool dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int, const QModelIndex &parent) override
+    bool dropMimeData(const QMimeData *data, Qt::DropAction, int row, int, const QModelIndex &parent) override
     {
         const QList<int> places = placesOf(data);
         const int before = parent.isValid() ? parent.row() : row < 0 ? arrangedCount() : row;
-        return acceptDrop(places, before, !places.isEmpty(), action == Qt::CopyAction);
-    }
-
-    void moveObjectsInArrangedObjects(const QList<int> &fromIndexes, int toIndex) override
-    {
-        const QList<int> fromTop = fromSmallest(fromIndexes);
-        const int target = std::clamp(toIndex, 0, arrangedCount());
-        QList<int> order;
-        order.reserve(arrangedCount());
-        const auto appendOthers = [&](int first, int end) {
-            for (int row = first; row < end; ++row) {
-                if (!std::binary_search(fromTop.begin(), fromTop.end(), row))
-                    order.append(row);
-            }
-        };
-        appendOthers(0, target);
-        order.append(fromTop);
-        appendOthers(target, arrangedCount());
-        this->rearrange(order);
-    }
-
-    void copyObjectsInArrangedObjects(const QList<int> &fromIndexes, int toIndex) override
-    {
-        if constexpr (CopyableEntry<Entry>) {
-            QList<Row> copies;
-            for (const int index : fromSmallest(fromIndexes))
-                copies.append(this->content().at(index)->copy());
-            this->insertObjects(std::clamp(toIndex, 0, arrangedCount()), copies);
-        }
+        return !places.isEmpty() && moveObjectsInArrangedObjects(places, before);
     }
 
     std::unique_ptr<RowsState> state() const override
@@ -113,38 +89,19 @@ public:
 
     void restore(const RowsState &state) override
     {
-        const auto *wanted = dynamic_cast<const State *>(&state);
-        if (wanted == nullptr)
-            return;
+        const auto &wanted = static_cast<const State &>(state);
         QList<Row> rows;
-        int firstChanged = -1;
-        int lastChanged = -1;
-        for (const auto &[row, held] : wanted->rows) {
-            if (!(*row == held)) {
-                *row = held;
-                lastChanged = static_cast<int>(rows.size());
-                firstChanged = firstChanged < 0 ? lastChanged : firstChanged;
-            }
+        bool isChanged = false;
+        for (const auto &[row, held] : wanted.rows) {
+            isChanged = isChanged || !(*row == held);
+            *row = held;
             rows.append(row);
         }
         this->mergeContent(rows);
-        if (firstChanged >= 0) {
-            emit this->dataChanged(this->index(firstChanged, 0), this->index(lastChanged, this->columnCount() - 1),
+        if (isChanged) {
+            emit this->dataChanged(this->index(0, 0), this->index(arrangedCount() - 1, this->columnCount() - 1),
                                    {Qt::DisplayRole, Qt::EditRole});
         }
-    }
-
-protected:
-    void selectRows(int first, int count) override
-    {
-        QItemSelection rows;
-        if (count > 0) {
-            rows.select(this->arranged()->index(first, 0),
-                        this->arranged()->index(first + count - 1, this->columnCount() - 1));
-        }
-        this->selection()->select(rows, QItemSelectionModel::ClearAndSelect);
-        if (count > 0)
-            this->selection()->setCurrentIndex(this->arranged()->index(first, 0), QItemSelectionModel::NoUpdate);
     }
 
 private:
@@ -155,13 +112,20 @@ private:
     };
 
     struct State final : RowsState {
-        bool equals(const RowsState &other) const override
-        {
-            const auto *state = dynamic_cast<const State *>(&other);
-            return state != nullptr && state->rows == rows;
-        }
+        bool equals(const RowsState &other) const override { return static_cast<const State &>(other).rows == rows; }
         QList<std::pair<Row, Entry>> rows;
     };
+
+    void selectRows(int first, int count)
+    {
+        QItemSelection rows;
+        const QModelIndex top = this->arranged()->index(first, 0);
+        if (count > 0)
+            rows.select(top, this->arranged()->index(first + count - 1, this->columnCount() - 1));
+        this->selection()->select(rows, QItemSelectionModel::ClearAndSelect);
+        if (count > 0)
+            this->selection()->setCurrentIndex(top, QItemSelectionModel::NoUpdate);
+    }
 
     /// Where the rows that were taken are now; those that are gone are left out.
     QList<int> placesOf(const QMimeData *data) const

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "CatalogueReader.h"
 #include "KelServer.h"
 #include "RecordedAlerts.h"
 #include "ScriptedExchange.h"
-#include "WorkingCopy.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -43,11 +44,10 @@ class ScriptedFolders
 public:
     ScriptedFolders()
     {
-        m_isReady =
-            QDir(m_root.path()).mkpath(QStringLiteral("shipped")) && QDir(m_root.path()).mkpath(QStringLiteral("user"));
+        for (const char *folder : {"shipped", "user"})
+            QVERIFY(QDir(m_root.path()).mkdir(folder));
     }
 
-    bool isReady() const { return m_isReady; }
     CatalogueFolders folders() const { return {m_root.filePath("shipped"), m_root.filePath("user")}; }
     QString shipped(const QString &extension) const
     {
@@ -64,7 +64,7 @@ public:
         return file.setFileTime(QDateTime::currentDateTime().addSecs(-age), QFileDevice::FileModificationTime);
     }
 
-    static QByteArray read(const QString &path)
+    static QByteArray bytes(const QString &path)
     {
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<no file>");
@@ -72,5 +72,4 @@ public:
 
 private:
     QTemporaryDir m_root;
-    bool m_isReady = false;
 };

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "CatalogueFixture.h"
-#include "CatalogueReader.h"
 #include "Catalogues.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
@@ -15,10 +14,9 @@ struct LoadedCatalogues {
     explicit LoadedCatalogues(const std::optional<QString> &resources = std::nullopt)
         : reader({resources.value_or(files.folders().resources), files.folders().applicationSupport}, session.alerts,
                  [this] { ++terminations; }),
-          context{session.server, session.alerts}, gametypes(context, reader), settings(context, reader),
-          maps(session.server, reader),
+          gametypes(session.server, reader), settings(session.server, reader), maps(session.server, reader),
           playlists(session.server, gametypes, maps, session.alerts, reader.folders().resources),
-          catalogues(gametypes, settings, playlists)
+          catalogues(gametypes, settings, maps, playlists)
     {
     }
 
@@ -40,7 +38,6 @@ struct LoadedCatalogues {
     ScriptedSession session;
     int terminations = 0;
     CatalogueReader reader;
-    CatalogueContext context;
     KelGametype gametypes;
     KelSettings settings;
     KelMapList maps;

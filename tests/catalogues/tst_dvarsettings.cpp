@@ -4,8 +4,6 @@
 #include "DvarSettingList.h"
 #include "XmlDocument.h"
 
-using Exchanged = ScriptedExchange;
-
 static QString shown(const QString &text)
 {
     return text.isNull() ? QStringLiteral("-") : '[' + text + ']';
@@ -36,8 +34,8 @@ private slots:
         ScriptedSession session;
         const auto document = XmlDocument::parse("<DvarSetting>" + xml + "</DvarSetting>");
         QVERIFY(document);
-        const auto read = DvarSetting::dvarSettingWithXMLNode(document->elements("/DvarSetting").front(),
-                                                              {session.server, session.alerts});
+        const auto read =
+            DvarSetting::dvarSettingWithXMLNode(document->elements("/DvarSetting").front(), session.server);
         const QStringList texts{shown(read->name()), shown(read->dvar()), shown(read->type()),
                                 shown(read->settingDescription()), shown(read->category())};
         QTEST(texts.join(' '), "read");
@@ -68,8 +66,7 @@ private slots:
         xml.replace("<c>", "<category>").replace("</c>", "</category>").replace("<c/>", "<category/>");
         const auto document = XmlDocument::parse("<L>" + xml + "</L>");
         QVERIFY(document);
-        const auto list = DvarSettingList::dvarSettingsWithXMLNode(document->elements("/L").front(),
-                                                                   {session.server, session.alerts});
+        const auto list = DvarSettingList::dvarSettingsWithXMLNode(document->elements("/L").front(), session.server);
         QStringList settings;
         for (const auto &each : list->settings())
             settings.append(each->name() + '=' + each->dvar());
@@ -126,53 +123,10 @@ private slots:
         QCOMPARE(on, QStringList{"0.5"});
     }
 
-    void writes_data()
-    {
-        QTest::addColumn<int>("result");
-        QTest::addColumn<QString>("reply");
-        QTest::addColumn<QStringList>("sent");
-        QTest::addColumn<QString>("alert");
-        QTest::addColumn<QString>("valueAfter");
-        const QString write = "setadmindvar g_gravity \"900\"";
-        QTest::newRow("accepted") << int(RConResultSuccess) << "will take effect later" << QStringList{write}
-                                  << QString() << "900";
-        QTest::newRow("a failure is never read as a refusal")
-            << int(RConResultTimeout) << "not a valid value %1" << QStringList{write}
-            << QString("Error setting dvar 'g_gravity': not a valid value %1") << "800";
-        QTest::newRow("turned down") << int(RConResultSuccess) << "'900' is not a valid value for g_gravity"
-                                     << QStringList{write, "g_gravity"} << "'900' is not a valid value for g_gravity"
-                                     << "850";
-    }
-    void writes()
-    {
-        QFETCH(int, result);
-        QFETCH(QString, reply);
-        QFETCH(QStringList, sent);
-        QFETCH(QString, alert);
-        ScriptedSession session;
-        QVERIFY(hasEnded(session.connectTo({{"g_gravity", "800"}})));
-        session.exchange.forgetSent();
-        session.exchange.answer("setadmindvar g_gravity \"900\"", Reply{RConResult(result), reply, false});
-        session.exchange.answer("g_gravity", Exchanged::ok("\"g_gravity\" is: \"850\" in force: \"850\""));
-        session.exchange.hold();
-        auto tested = setting(session, "int");
-        const auto write = tested->setDvarValue("900");
-        tested.reset(); // as a reload of the catalogue does
-        for (int i = 0; i < sent.size(); ++i) {
-            QTRY_COMPARE(session.exchange.keptCount(), 1);
-            session.exchange.release();
-        }
-        QVERIFY(hasEnded(write));
-        QCOMPARE(session.exchange.sent(), sent);
-        QCOMPARE(session.alerts.texts(), alert.isNull() ? QStringList() : QStringList{alert});
-        QCOMPARE(session.alerts.titles(), alert.isNull() ? QStringList() : QStringList{"Remote Command Failure"});
-        QTEST(session.server.dvarList().value("g_gravity"), "valueAfter");
-    }
-
 private:
     static std::shared_ptr<DvarSetting> setting(ScriptedSession &session, const QString &type = "string")
     {
-        auto made = std::make_shared<DvarSetting>(CatalogueContext{session.server, session.alerts});
+        auto made = std::make_shared<DvarSetting>(session.server);
         made->setDvar("g_gravity");
         made->setType(type);
         return made;

@@ -80,20 +80,6 @@ private slots:
         QVERIFY(loaded.playlists.playlistList.content().isEmpty());
     }
 
-    void equalExclusionsAreToldApart()
-    {
-        Shipped loaded;
-        QVERIFY(hasEnded(loaded.session.connectTo({{"playlist", "1"}, {"playlist_excludeMap", "a a"}})));
-        QVERIFY(hasEnded(loaded.catalogues.updateControls()));
-        auto &rows = loaded.playlists.exclusionListController;
-        for (int row = 0; row < 2; ++row)
-            QCOMPARE(rows.arranged()->index(row, 0).data().toString(), "a");
-        rows.selection()->select(rows.arranged()->index(1, 0),
-                                 QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-        QVERIFY(hasEnded(loaded.catalogues.updateControls())); // as a refresh does
-        QCOMPARE(rows.selectedObjects().size(), 1);
-    }
-
     void followsTheServer_data()
     {
         QTest::addColumn<QStringList>("values"); // playlist, maps, gametypes, pairs
@@ -132,13 +118,13 @@ private slots:
     void equalExclusionsAreRowsOfTheirOwn()
     {
         LoadedCatalogues loaded;
+        QVERIFY(hasEnded(loaded.session.connectTo({{"playlist_excludeMap", "a a a"}})));
+        loaded.playlists.updateControls();
         ArrayController<Exclusion> &rows = loaded.playlists.exclusionListController;
-        for (int i = 0; i < 3; ++i)
-            loaded.playlists.addExclusion("a", "b");
         rows.selection()->select(rows.arranged()->index(1, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
-        rows.mergeContent(rows.content()); // keeps what is selected, no more
+        loaded.playlists.updateControls(); // as a refresh does: it keeps what is selected, no more
         loaded.playlists.deleteSelection();
-        QCOMPARE(shown(loaded.playlists), QString("a/b\na/b"));
+        QCOMPARE(shown(loaded.playlists), QString("a/<any gametype>\na/<any gametype>\n<any map>/b"));
     }
 };
 

@@ -8,13 +8,6 @@ struct Letter {
     bool operator==(const Letter &) const = default;
 };
 
-struct CopyableLetter : Letter {
-    std::shared_ptr<CopyableLetter> copy() const
-    {
-        return std::make_shared<CopyableLetter>(CopyableLetter{text + QLatin1Char('\'')});
-    }
-};
-
 template <typename Entry>
 class Letters : public RSRTVArrayController<Entry>
 {

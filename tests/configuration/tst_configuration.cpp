@@ -25,7 +25,7 @@ class ConfigurationTest : public QObject
     {
         QList<std::shared_ptr<DvarSetting>> settings;
         for (const auto &[settingName, dvar] : content) {
-            settings.append(std::make_shared<DvarSetting>(CatalogueContext{m_server, m_alerts}));
+            settings.append(std::make_shared<DvarSetting>(m_server));
             settings.last()->setName(settingName);
             settings.last()->setDvar(dvar);
         }

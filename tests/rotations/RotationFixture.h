@@ -4,6 +4,7 @@
 #include "KelMapRotation.h"
 #include "KelMessageRotation.h"
 #include "KelServer.h"
+#include "Preferences.h"
 #include "RecordedAlerts.h"
 #include "ScriptedExchange.h"
 #include "Wait.h"

@@ -1,4 +1,5 @@
 #include "KelMapRotation.h"
+#include "Preferences.h"
 #include "RecordedAlerts.h"
 #include "Wait.h"
 

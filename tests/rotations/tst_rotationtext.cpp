@@ -22,18 +22,15 @@ private slots:
     {
         QTest::addColumn<QString>("reply");
         QTest::addColumn<QString>("value");
-        QTest::newRow("three fields") << "\"mapname\" is: \"mp_a\"^7 in force: \"mp_b\"^7\n"
-                                      << "mp_a";
-        QTest::newRow("quotes at the ends") << "\"sv_mapRotation\" is: \"\\\"map mp_a\\\"\" in force: \"\""
-                                            << "map mp_a";
-        QTest::newRow("a quote inside") << "\"a\" is: \"b\\\"c\""
-                                        << "b\"c";
-        QTest::newRow("empty value") << "\"sv_mapRotation\" is: \"\" in force: \"\""
-                                     << "";
-        QTest::newRow("one field") << "\"mapname\" is unknown"
-                                   << "";
-        QTest::newRow("second field unfinished") << "\"mapname\" is: \"mp_a"
-                                                 << "";
+        const auto row = [](const char *name, const char *reply, const char *value) {
+            QTest::newRow(name) << QString(reply) << QString(value);
+        };
+        row("three fields", "\"mapname\" is: \"mp_a\"^7 in force: \"mp_b\"^7\n", "mp_a");
+        row("quotes at the ends", "\"sv_mapRotation\" is: \"\\\"map mp_a\\\"\" in force: \"\"", "map mp_a");
+        row("a quote inside", "\"a\" is: \"b\\\"c\"", "b\"c");
+        row("empty value", "\"sv_mapRotation\" is: \"\" in force: \"\"", "");
+        row("one field", "\"mapname\" is unknown", "");
+        row("second field unfinished", "\"mapname\" is: \"mp_a", "");
     }
     void findsTheValueOfAReply()
     {
@@ -67,19 +64,13 @@ private slots:
         QTest::newRow("many blanks") << "  map    mp_a  " << Rows{{"Alley", "now"}};
         QTest::newRow("only blanks part") << "map\tmp_a" << Rows{{"map\tmp_a", "now"}};
         QTest::newRow("only question marks") << QString(1000, '?') << Rows{};
-        QTest::newRow("enormous") << QString("mp_a ").repeated(100000) << Rows(100000, {"Alley", "now"});
         QTest::newRow("enormous, map for map") << QString("map ").repeated(100001) << Rows(50001, {"map", "now"});
     }
     void walksThroughARotation()
     {
         QFETCH(QString, rotation);
         QFETCH(Rows, rows);
-        const Rows walked = parseRotation(rotation, QStringLiteral("now"), mapName, gametypeName);
-        for (qsizetype i = 0; i < std::min(walked.size(), rows.size()); ++i) {
-            QCOMPARE(walked.at(i).map, rows.at(i).map);
-            QCOMPARE(walked.at(i).gametype, rows.at(i).gametype);
-        }
-        QCOMPARE(walked.size(), rows.size());
+        QCOMPARE(parseRotation(rotation, QStringLiteral("now"), mapName, gametypeName), rows);
     }
 
     void buildsWhatTheServerTakes_data()

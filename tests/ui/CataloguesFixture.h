@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CatalogueReader.h"
-#include "GameCatalogues.h"
+#include "Catalogues.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
 #include "KelPlaylists.h"
@@ -12,8 +12,6 @@
 
 /// The shipped catalogues, with working copies in a folder of the test; connecting does not ask for them by itself.
 struct CataloguesFixture : SessionFixture {
-    GameCatalogues catalogues() { return {gametypes, settings, maps, playlists}; }
-
     /// Puts a catalogue into the user's folder; it is loaded only when the test does so.
     void write(const QString &extension, const QByteArray &xml)
     {
@@ -24,8 +22,9 @@ struct CataloguesFixture : SessionFixture {
 
     CatalogueReader reader{{QStringLiteral(FERROW_RESOURCES), folder.path()}, alerts, [] {
                            }};
-    KelGametype gametypes{{server, alerts}, reader};
-    KelSettings settings{{server, alerts}, reader};
+    KelGametype gametypes{server, reader};
+    KelSettings settings{server, reader};
     KelMapList maps{server, reader};
     KelPlaylists playlists{server, gametypes, maps, alerts, QStringLiteral(FERROW_RESOURCES)};
+    Catalogues catalogues{gametypes, settings, maps, playlists};
 };

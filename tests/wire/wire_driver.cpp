@@ -130,11 +130,11 @@ private:
     Preferences m_preferences;
     KelServer m_server{m_exchange, m_alerts};
     CatalogueReader m_reader;
-    KelGametype m_gametypes{CatalogueContext{m_server, m_alerts}, m_reader};
-    KelSettings m_settings{CatalogueContext{m_server, m_alerts}, m_reader};
+    KelGametype m_gametypes{m_server, m_reader};
+    KelSettings m_settings{m_server, m_reader};
     KelMapList m_maps{m_server, m_reader};
     KelPlaylists m_playlists;
-    Catalogues m_catalogues{m_gametypes, m_settings, m_playlists};
+    Catalogues m_catalogues{m_gametypes, m_settings, m_maps, m_playlists};
     ActionQueue m_actions;
     UnknownDvars m_unknown{m_preferences};
     DvarFetcher m_fetcher{m_server, m_actions, m_unknown};

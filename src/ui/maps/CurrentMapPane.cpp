@@ -19,7 +19,7 @@
 #include <QVBoxLayout>
 
 CurrentMapPane::CurrentMapPane(KelServer &server, ActionQueue &actions, Preferences &preferences,
-                               const GameCatalogues &catalogues, QWidget *parent)
+                               const Catalogues &catalogues, QWidget *parent)
     : QWidget(parent),
       currentGameTypeField(named("currentGameTypeField", new ElidingField(this), tr("Current gametype"))),
       currentMapField(named("currentMapField", new ElidingField(this), tr("Current map"))),

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "GameCatalogues.h"
+#include "Catalogues.h"
 
 #include <QCoroTask>
 
@@ -22,7 +22,7 @@ class CurrentMapPane : public QWidget
     Q_OBJECT
 public:
     /// Everything handed in outlives the pane.
-    CurrentMapPane(KelServer &server, ActionQueue &actions, Preferences &preferences, const GameCatalogues &catalogues,
+    CurrentMapPane(KelServer &server, ActionQueue &actions, Preferences &preferences, const Catalogues &catalogues,
                    QWidget *parent = nullptr);
 
     /// Asks the server for the gametype and shows it; empty when the server does not tell. Takes no turn: the action

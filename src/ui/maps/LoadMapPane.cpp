@@ -27,7 +27,7 @@ static QString nameOf(const MapInst &map)
     return map.name;
 }
 
-LoadMapPane::LoadMapPane(KelServer &server, ActionQueue &actions, Alerts &alerts, const GameCatalogues &catalogues,
+LoadMapPane::LoadMapPane(KelServer &server, ActionQueue &actions, Alerts &alerts, const Catalogues &catalogues,
                          QWidget *parent)
     : QWidget(parent), gametypePopUpButton(named("gametypePopUpButton", new QComboBox(this), tr("Gametype"))),
       mapListView(named("mapListView", new QListView(this), tr("Maps"))),

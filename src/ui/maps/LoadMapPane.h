@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ArrayController.h"
-#include "GameCatalogues.h"
+#include "Catalogues.h"
 #include "MapInst.h"
 
 #include <QCoroTask>
@@ -21,7 +21,7 @@ class LoadMapPane : public QWidget
     Q_OBJECT
 public:
     /// Everything handed in outlives the pane.
-    LoadMapPane(KelServer &server, ActionQueue &actions, Alerts &alerts, const GameCatalogues &catalogues,
+    LoadMapPane(KelServer &server, ActionQueue &actions, Alerts &alerts, const Catalogues &catalogues,
                 QWidget *parent = nullptr);
 
     /// Where the page hands the focus that it gets. It is no focus proxy of the pane: the Tab key, on its way from

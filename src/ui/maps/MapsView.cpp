@@ -26,11 +26,11 @@
 
 // The Tab key goes through the panes in the order in which they are made: top to bottom, left to right.
 MapsView::MapsView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-                   const GameCatalogues &catalogues, KelMapRotation &rotations, QWidget *parent)
+                   const Catalogues &catalogues, KelMapRotation &rotations, QWidget *parent)
     : TabPage(parent), currentMapPane(new CurrentMapPane(server, actions, preferences, catalogues, this)),
       loadMapPane(new LoadMapPane(server, actions, alerts, catalogues, this)),
       serverRotationPane(new ServerRotationPane(server, catalogues, this)),
-      rotationPane(new RotationPane(rotations, mapRotationLabels(), actions, alerts, this)),
+      rotationPane(new RotationPane(rotations, actions, alerts, this)),
       m_addMapAction(makeAction(this, tr("&Add Map…"), &MapsView::addMapToRotationMenuItemClicked)),
       m_setRotationAction(makeAction(this, tr("Set Rotation &on Server"), &MapsView::setBuiltRotationButtonPressed)),
       m_server(server), m_actions(actions), m_alerts(alerts), m_gametypes(catalogues.gametypes),
@@ -52,7 +52,6 @@ void MapsView::layOut()
     m_setRotationAction->setToolTip(tr("Make this the server's rotation and start its first map"));
     rotationPane->addButtonAtFront(new ActionButton(m_addMapAction, "addMapButton", this));
     rotationPane->addButtonAtEnd(new ActionButton(m_setRotationAction, "setBuiltRotationButton", this));
-    rotationPane->setTakeRows([this](const QList<QStringList> &rows) { return takeRows(rows); });
     auto *rotation = new QVBoxLayout;
     rotation->addWidget(serverRotationPane, 2);
     rotation->addSpacing(4);
@@ -228,19 +227,4 @@ QCoro::Task<> MapsView::copyToBuilder(QList<RotationRow> rows)
     for (const RotationRow &row : std::as_const(rows))
         entries.append(MapRotationInst{row.map, row.gametype});
     co_await m_rotations.replaceEntries(entries);
-}
-
-QList<qsizetype> MapsView::takeRows(const QList<QStringList> &rows)
-{
-    QList<qsizetype> misfits;
-    QList<MapRotationInst> added;
-    for (qsizetype i = 0; i < rows.size(); ++i) {
-        const QStringList &texts = rows.at(i);
-        if (texts.size() == 2 && !texts.first().isEmpty() && !texts.last().isEmpty())
-            added.append(MapRotationInst{texts.first(), texts.last()});
-        else
-            misfits.append(i);
-    }
-    m_actions.start(m_rotations.addEntries(added));
-    return misfits;
 }

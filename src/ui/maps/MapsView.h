@@ -1,6 +1,6 @@
 #pragma once
 
-#include "GameCatalogues.h"
+#include "Catalogues.h"
 #include "RotationText.h"
 #include "TabPage.h"
 
@@ -30,7 +30,7 @@ public:
 
     /// Everything handed in outlives the view.
     MapsView(KelServer &server, ActionQueue &actions, Alerts &alerts, Preferences &preferences,
-             const GameCatalogues &catalogues, KelMapRotation &rotations, QWidget *parent = nullptr);
+             const Catalogues &catalogues, KelMapRotation &rotations, QWidget *parent = nullptr);
 
     /// Asks the server for what `flags`, a set of RefreshFlag, name; the rotation asks for the gametype too. Takes no
     /// turn: the action that calls it has one. What is asked for and not told becomes empty, a rotation stays.
@@ -58,7 +58,6 @@ private:
     QCoro::Task<> setBuiltRotation(QString rotation);
     QCoro::Task<> tellOfUnknownNames(BuiltRotation built);
     QCoro::Task<> copyToBuilder(QList<RotationRow> rows);
-    QList<qsizetype> takeRows(const QList<QStringList> &rows);
 
     CurrentMapPane *currentMapPane;
     LoadMapPane *loadMapPane;

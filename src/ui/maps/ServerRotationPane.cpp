@@ -1,7 +1,6 @@
 #include "ServerRotationPane.h"
 
 #include "ActionButton.h"
-#include "DvarSettingList.h"
 #include "KelGametype.h"
 #include "KelMapList.h"
 #include "KelServer.h"
@@ -10,12 +9,8 @@
 #include "TitleLabel.h"
 
 #include <QHBoxLayout>
-#include <QHash>
 #include <QLabel>
-#include <QSet>
 #include <QVBoxLayout>
-
-#include <utility>
 
 static QList<ArrayController<RotationRow>::Column> rotationColumns()
 {
@@ -28,7 +23,7 @@ static QString rotationKey(const RotationRow &row)
     return row.map + QLatin1Char('\n') + row.gametype;
 }
 
-ServerRotationPane::ServerRotationPane(KelServer &server, const GameCatalogues &catalogues, QWidget *parent)
+ServerRotationPane::ServerRotationPane(KelServer &server, const Catalogues &catalogues, QWidget *parent)
     : QWidget(parent), m_copyAction(makeAction(this, tr("&Copy Server's Rotation to Builder"),
                                                &ServerRotationPane::copyToBuilderRequested)),
       mapServerRotationController(new ArrayController<RotationRow>(rotationColumns(), rotationKey, this)),
@@ -77,32 +72,14 @@ QCoro::Task<> ServerRotationPane::updateRotation(QString gametype)
         showRotation(parseMapResponse(reply.text), gametype);
 }
 
-/// Asks `find` once for each of the names that it knows: a rotation from outside may be long, and finding is slow.
-static NameLookup remembering(QSet<QString> known, NameLookup find)
-{
-    return [known = std::move(known), find = std::move(find),
-            found = QHash<QString, QString>()](const QString &dvarName) mutable {
-        if (!known.contains(dvarName))
-            return dvarName;
-        auto name = found.constFind(dvarName);
-        if (name == found.constEnd())
-            name = found.insert(dvarName, find(dvarName));
-        return *name;
-    };
-}
-
 void ServerRotationPane::showRotation(const QString &rotation, const QString &gametype)
 {
-    QSet<QString> maps;
-    for (const MapInst &map : m_maps.arrangedMaps())
-        maps.insert(map.dvarName);
-    QSet<QString> gametypes;
-    for (const auto &each : m_gametypes.arrangedGametypes())
-        gametypes.insert(each->dvarName());
-    const NameLookup findMap =
-        remembering(maps, [this](const QString &dvarName) { return m_maps.findMapByDvar(dvarName); });
-    const NameLookup findGametype =
-        remembering(gametypes, [this](const QString &dvarName) { return m_gametypes.findGametypeByDvar(dvarName); });
+    const NameLookup findMap = [this](const QString &dvarName) {
+        return m_maps.findMapByDvar(dvarName);
+    };
+    const NameLookup findGametype = [this](const QString &dvarName) {
+        return m_gametypes.findGametypeByDvar(dvarName);
+    };
     // A rotation may hold the same pair several times, so rows of the old and the new one cannot be matched.
     clear();
     mapServerRotationController->mergeContent(parseRotation(rotation, gametype, findMap, findGametype));

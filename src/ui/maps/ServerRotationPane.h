@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ArrayController.h"
-#include "GameCatalogues.h"
+#include "Catalogues.h"
 #include "RotationText.h"
 
 #include <QCoroTask>
@@ -19,7 +19,7 @@ class ServerRotationPane : public QWidget
     Q_OBJECT
 public:
     /// Everything handed in outlives the pane.
-    ServerRotationPane(KelServer &server, const GameCatalogues &catalogues, QWidget *parent = nullptr);
+    ServerRotationPane(KelServer &server, const Catalogues &catalogues, QWidget *parent = nullptr);
 
     /// Asks the server for its rotation and shows it; what is shown stays when the server does not tell. Takes no turn:
     /// the action that calls it has one.

@@ -29,13 +29,12 @@ MessagesView::MessagesView(KelMessageRotation &messages, ActionQueue &actions, A
       m_addAction(makeAction(this, tr("&Add Message…"), &MessagesView::addMessageToRotationMenuItemClicked)),
       m_startAction(makeAction(this, tr("&Start"), &MessagesView::startMessageRotationButtonPressed)),
       m_stopAction(makeAction(this, tr("S&top"), &MessagesView::stopMessageRotationButtonPressed)),
-      rotationPane(new RotationPane(messages, messageRotationLabels(), actions, alerts, this)), m_messages(messages),
-      m_actions(actions), m_onAirDelegate(new OnAirDelegate(this))
+      rotationPane(new RotationPane(messages, actions, alerts, this)), m_messages(messages), m_actions(actions),
+      m_onAirDelegate(new OnAirDelegate(this))
 {
     setFocusProxy(rotationPane);
     m_startAction->setToolTip(tr("Send the messages one after another, from the first"));
     rotationPane->addButtonAtFront(new ActionButton(m_addAction, "addMessageButton", this));
-    rotationPane->setTakeRows([this](const QList<QStringList> &rows) { return takeRows(rows); });
     rotationPane->setRowDelegate(m_onAirDelegate);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(rotationPane, 1);
@@ -191,21 +190,6 @@ void MessagesView::updateOnAir()
     m_onAirDelegate->setRowOnAir(m_messages.rowOnAir());
     rotationPane->updateRows();
     onAirLabel->setText(onAirText());
-}
-
-QList<qsizetype> MessagesView::takeRows(const QList<QStringList> &rows)
-{
-    QList<qsizetype> misfits;
-    QList<MessageRotationInst> added;
-    for (qsizetype i = 0; i < rows.size(); ++i) {
-        const QStringList &texts = rows.at(i);
-        if (texts.size() == 2 && !texts.first().isEmpty())
-            added.append(MessageRotationInst{texts.first(), texts.last()});
-        else
-            misfits.append(i);
-    }
-    m_actions.start(m_messages.addEntries(added));
-    return misfits;
 }
 
 void MessagesView::showEvent(QShowEvent *event)

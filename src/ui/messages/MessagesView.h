@@ -50,7 +50,6 @@ private:
     void updateTransport();
     void updateOnAir();
     QString onAirText() const;
-    QList<qsizetype> takeRows(const QList<QStringList> &rows);
 
     QAction *m_addAction;
     QAction *m_startAction;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ActionQueue.h"
-#include "ExclusionText.h"
+#include "Exclusion.h"
 #include "PlaylistInst.h"
 #include "TabPage.h"
 

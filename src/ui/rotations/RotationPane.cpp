@@ -2,45 +2,49 @@
 
 #include "ActionQueue.h"
 #include "Alerts.h"
-#include "DeleteRotationWindowController.h"
 #include "ElidingLabel.h"
 #include "KeyHandlingTableView.h"
-#include "NewRotationWindowController.h"
-#include "OpenRotationWindowController.h"
+#include "ListSheets.h"
+#include "NamingSheet.h"
 #include "RotationStore.h"
 #include "RowsText.h"
-#include "SaveRotationAsWindowController.h"
 
 #include <QCoroFuture>
 
 #include <QClipboard>
-#include <QFutureWatcher>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QPointer>
+#include <QMap>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
 
-RotationPane::RotationPane(RotationStore &store, const RotationLabels &labels, ActionQueue &actions, Alerts &alerts,
-                           QWidget *parent)
-    : QWidget(parent), labelCurrentRotation(new ElidingLabel(this)),
-      labelUnsavedChanges(new QLabel(tr("Unsaved changes"), this)), tableView(new KeyHandlingTableView(this)),
-      removeButton(new QPushButton(tr("Remove"), this)), removeAllButton(new QPushButton(tr("Remove All"), this)),
-      newButton(new QPushButton(tr("New…"), this)), openButton(new QPushButton(tr("Open…"), this)),
-      saveButton(new QPushButton(tr("Save"), this)), saveAsButton(new QPushButton(tr("Save As…"), this)),
-      deleteButton(new QPushButton(tr("Delete…"), this)), m_store(store), m_labels(labels), m_actions(actions),
-      m_alerts(alerts), m_undo(store.rows(), *store.tableModel()), m_rowButtons(new QHBoxLayout)
+RotationPane::RotationPane(RotationStore &store, ActionQueue &actions, Alerts &alerts, QWidget *parent)
+    : QWidget(parent), m_store(store), m_actions(actions), m_alerts(alerts), m_undo(store.rows(), *store.tableModel()),
+      m_rowButtons(new QHBoxLayout), m_fileButtons(new QHBoxLayout), labelCurrentRotation(new ElidingLabel(this)),
+      labelUnsavedChanges(new QLabel(tr("Unsaved changes"), this)), tableView(new KeyHandlingTableView(this))
 {
+    labelCurrentRotation->setObjectName(QStringLiteral("labelCurrentRotation"));
+    labelUnsavedChanges->setObjectName(QStringLiteral("labelUnsavedChanges"));
     setFocusProxy(tableView);
-    nameControls();
+    setUpTable();
+    addButtons();
     layOut();
-    connectControls();
-    m_store.setSaveAsPanel([this] { return saveAsPanel(); });
+    m_updateTimer.setSingleShot(true);
+    m_updateTimer.setInterval(0);
+    const auto updateSoon = [this] {
+        m_updateTimer.start();
+    };
+    connect(&m_updateTimer, &QTimer::timeout, this, &RotationPane::updateControls);
+    connect(&m_store, &RotationStore::unsavedWorkTouched, this, updateSoon); // also by each change of the rows
+    connect(m_store.tableSelection(), &QItemSelectionModel::selectionChanged, this, updateSoon);
+    connect(&m_store, &RotationStore::currentRotationChanged, this, &RotationPane::currentRotationDidChange);
+    connect(&m_store, &RotationStore::rotationOpened, &m_undo, &RowsUndo::reset);
+    m_store.setSaveAsPanel([this] { return showSheet(Sheet::SaveAs); });
     currentRotationDidChange(m_store.currentRotation());
     updateControls();
 }
@@ -50,36 +54,65 @@ RotationPane::~RotationPane()
     m_store.setSaveAsPanel(nullptr);
 }
 
-void RotationPane::nameControls()
+/// Less than a style's usual button, so that five fit side by side in a narrow window.
+static void makeCompact(QPushButton *button)
 {
-    labelCurrentRotation->setObjectName(QStringLiteral("labelCurrentRotation"));
-    labelUnsavedChanges->setObjectName(QStringLiteral("labelUnsavedChanges"));
-    tableView->setObjectName(m_labels.tableObjectName);
-    tableView->setAccessibleName(m_labels.tableName);
-    tableView->setPlaceholder(m_labels.placeholder);
+    button->setMinimumWidth(button->fontMetrics().horizontalAdvance(button->text()) + 20);
+}
+
+QPushButton *RotationPane::makeButton(const QString &name, const QString &text, QHBoxLayout *row,
+                                      std::function<void()> pressed)
+{
+    auto *button = new QPushButton(text, this);
+    button->setObjectName(name);
+    makeCompact(button);
+    row->addWidget(button);
+    connect(button, &QPushButton::clicked, this, std::move(pressed));
+    return button;
+}
+
+void RotationPane::addButtons()
+{
+    const auto showing = [this](Sheet sheet) -> std::function<void()> {
+        return [this, sheet] {
+            startFileAction(sheet);
+        };
+    };
+    removeButton = makeButton(QStringLiteral("removeButton"), tr("Remove"), m_rowButtons, [this] {
+        finishEditing();
+        m_store.deleteSelectedItems();
+    });
+    removeAllButton = makeButton(QStringLiteral("removeAllButton"), tr("Remove All"), m_rowButtons, [this] {
+        finishEditing();
+        m_store.deleteAllItems();
+    });
+    makeButton(QStringLiteral("newButton"), tr("New…"), m_fileButtons, showing(Sheet::New));
+    openButton = makeButton(QStringLiteral("openButton"), tr("Open…"), m_fileButtons, showing(Sheet::Open));
+    makeButton(QStringLiteral("saveButton"), tr("Save"), m_fileButtons, [this] { saveDocument(); });
+    makeButton(QStringLiteral("saveAsButton"), tr("Save As…"), m_fileButtons, showing(Sheet::SaveAs));
+    deleteButton = makeButton(QStringLiteral("deleteButton"), tr("Delete…"), m_fileButtons, showing(Sheet::Delete));
+}
+
+void RotationPane::setUpTable()
+{
+    const RotationKind &kind = m_store.kind();
+    tableView->setObjectName(kind.tableObjectName);
+    tableView->setAccessibleName(kind.tableName);
+    tableView->setPlaceholder(kind.placeholder);
+    tableView->setToolTip(tr("Drag rows to put them into order, or move them with Alt and the arrow keys"));
     tableView->setModel(m_store.tableModel());
     tableView->setSelectionModel(m_store.tableSelection());
     tableView->setRows(&m_store.rows());
+    tableView->setDeleteHandler([this] { m_store.deleteSelectedItems(); });
+    connect(tableView, &KeyHandlingTableView::copyRequested, this, &RotationPane::copyRows);
+    connect(tableView, &KeyHandlingTableView::pasteRequested, this,
+            [this](const QString &text) { m_actions.start(addRows(RowsText::linesOf(text))); });
     tableView->setMinimumHeight(tableView->verticalHeader()->defaultSectionSize() * 4);
     // The first column has the longer texts.
     tableView->horizontalHeader()->setStretchLastSection(false);
     tableView->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
     for (int column = 1; column < m_store.tableModel()->columnCount(); ++column)
         tableView->setColumnWidth(column, 140);
-    removeButton->setObjectName(QStringLiteral("removeButton"));
-    removeAllButton->setObjectName(QStringLiteral("removeAllButton"));
-    newButton->setObjectName(QStringLiteral("newButton"));
-    openButton->setObjectName(QStringLiteral("openButton"));
-    saveButton->setObjectName(QStringLiteral("saveButton"));
-    saveAsButton->setObjectName(QStringLiteral("saveAsButton"));
-    deleteButton->setObjectName(QStringLiteral("deleteButton"));
-    tableView->setToolTip(tr("Drag rows to put them into order, or move them with Alt and the arrow keys"));
-}
-
-void RotationPane::makeCompact(QPushButton *button)
-{
-    // Less than a style's usual button, so that five fit side by side in a narrow window.
-    button->setMinimumWidth(button->fontMetrics().horizontalAdvance(button->text()) + 20);
 }
 
 void RotationPane::layOut()
@@ -87,61 +120,20 @@ void RotationPane::layOut()
     auto *title = new QHBoxLayout;
     title->addWidget(labelCurrentRotation, 1);
     title->addWidget(labelUnsavedChanges);
-    m_rowButtons->addWidget(removeButton);
-    m_rowButtons->addWidget(removeAllButton);
     m_rowButtons->addStretch();
-    auto *fileButtons = new QHBoxLayout;
-    for (QPushButton *button : {newButton, openButton, saveButton, saveAsButton, deleteButton})
-        fileButtons->addWidget(button);
-    fileButtons->addStretch();
-    for (QPushButton *button :
-         {removeButton, removeAllButton, newButton, openButton, saveButton, saveAsButton, deleteButton})
-        makeCompact(button);
+    m_fileButtons->addStretch();
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(title);
     layout->addWidget(tableView, 1);
     layout->addLayout(m_rowButtons);
-    layout->addLayout(fileButtons);
+    layout->addLayout(m_fileButtons);
     setTabOrder();
-}
-
-void RotationPane::connectControls()
-{
-    connect(newButton, &QPushButton::clicked, this, &RotationPane::newRotationMenuItemClicked);
-    connect(openButton, &QPushButton::clicked, this, &RotationPane::openRotationMenuItemClicked);
-    connect(saveButton, &QPushButton::clicked, this, &RotationPane::saveRotationMenuItemClicked);
-    connect(saveAsButton, &QPushButton::clicked, this, &RotationPane::saveRotationAsMenuItemClicked);
-    connect(deleteButton, &QPushButton::clicked, this, &RotationPane::deleteRotationMenuItemClicked);
-    connect(removeButton, &QPushButton::clicked, this, &RotationPane::deleteSelectedMenuItemClicked);
-    connect(removeAllButton, &QPushButton::clicked, this, &RotationPane::deleteAllMenuItemClicked);
-    connect(tableView, &KeyHandlingTableView::copyRequested, this, &RotationPane::copyRows);
-    connect(tableView, &KeyHandlingTableView::pasteRequested, this, &RotationPane::pasteRows);
-    connect(&m_store, &RotationStore::currentRotationChanged, this, &RotationPane::currentRotationDidChange);
-    connect(&m_store, &RotationStore::rotationOpened, &m_undo, &RowsUndo::reset);
-
-    m_updateTimer.setSingleShot(true);
-    m_updateTimer.setInterval(0);
-    connect(&m_updateTimer, &QTimer::timeout, this, &RotationPane::updateControls);
-    const auto updateSoon = [this] {
-        m_updateTimer.start();
-    };
-    connect(&m_store, &RotationStore::currentRotationChanged, this, updateSoon);
-    connect(&m_store, &RotationStore::rotationOpened, this, updateSoon);
-    connect(&m_store, &RotationStore::unsavedWorkTouched, this, updateSoon);
-    connect(m_store.tableSelection(), &QItemSelectionModel::selectionChanged, this, updateSoon);
-    const QAbstractItemModel *model = m_store.tableModel();
-    connect(model, &QAbstractItemModel::rowsInserted, this, updateSoon);
-    connect(model, &QAbstractItemModel::rowsRemoved, this, updateSoon);
-    connect(model, &QAbstractItemModel::rowsMoved, this, updateSoon);
-    connect(model, &QAbstractItemModel::layoutChanged, this, updateSoon);
-    connect(model, &QAbstractItemModel::modelReset, this, updateSoon);
 }
 
 void RotationPane::addButtonAtFront(QPushButton *button)
 {
-    m_rowButtons->insertWidget(static_cast<int>(m_frontButtons.size()), button);
-    m_frontButtons.append(button);
+    m_rowButtons->insertWidget(m_rowButtons->indexOf(removeButton), button);
     makeCompact(button);
     setTabOrder();
 }
@@ -149,20 +141,21 @@ void RotationPane::addButtonAtFront(QPushButton *button)
 void RotationPane::addButtonAtEnd(QPushButton *button)
 {
     m_rowButtons->addWidget(button);
-    m_endButtons.append(button);
     makeCompact(button);
     setTabOrder();
 }
 
 void RotationPane::setTabOrder()
 {
-    QList<QWidget *> order{tableView};
-    order.append(QList<QWidget *>(m_frontButtons.begin(), m_frontButtons.end()));
-    order.append({removeButton, removeAllButton});
-    order.append(QList<QWidget *>(m_endButtons.begin(), m_endButtons.end()));
-    order.append({newButton, openButton, saveButton, saveAsButton, deleteButton});
-    for (qsizetype i = 1; i < order.size(); ++i)
-        QWidget::setTabOrder(order.at(i - 1), order.at(i));
+    QWidget *last = tableView;
+    for (const QHBoxLayout *row : {m_rowButtons, m_fileButtons}) {
+        for (int place = 0; place < row->count(); ++place) {
+            if (QWidget *button = row->itemAt(place)->widget()) {
+                QWidget::setTabOrder(last, button);
+                last = button;
+            }
+        }
+    }
 }
 
 void RotationPane::setRowDelegate(QAbstractItemDelegate *delegate)
@@ -185,15 +178,6 @@ void RotationPane::finishEditing()
     tableView->finishEditing();
 }
 
-/// Opens a sheet. @return what comes when it was closed, or destroyed. Hold no reference to the sheet until then.
-static QFuture<int> opened(QDialog *sheet)
-{
-    QFuture<int> closed =
-        QtFuture::connect(sheet, &QDialog::finished).onCanceled([] { return int(QDialog::Rejected); });
-    sheet->open();
-    return closed;
-}
-
 bool RotationPane::beginFileAction()
 {
     if (m_isFileActionRunning) // its sheet or its question is still open
@@ -209,48 +193,21 @@ void RotationPane::endFileAction()
     updateControls();
 }
 
-void RotationPane::newRotationMenuItemClicked()
+void RotationPane::startFileAction(Sheet which)
 {
     if (beginFileAction())
-        m_actions.start(newRotation());
+        m_actions.start(runFileAction(which));
 }
 
-QCoro::Task<> RotationPane::newRotation()
+QCoro::Task<> RotationPane::runFileAction(Sheet which)
 {
-    const bool isGoingOn = co_await m_store.saveUnsavedChanges();
-    if (isGoingOn) {
-        auto *sheet = new NewRotationWindowController(m_store, m_labels, m_actions, m_alerts, window());
-        sheet->setAttribute(Qt::WA_DeleteOnClose);
-        const QFuture<int> closed = opened(sheet);
-        co_await closed;
-    }
+    // Deleting opens the current rotation anew, too, which would discard its unsaved rows.
+    bool isGoingOn = true;
+    if (which != Sheet::SaveAs)
+        isGoingOn = co_await m_store.saveUnsavedChanges();
+    if (isGoingOn)
+        co_await showSheet(which);
     endFileAction();
-}
-
-void RotationPane::openRotationMenuItemClicked()
-{
-    if (beginFileAction())
-        m_actions.start(openRotation());
-}
-
-QCoro::Task<> RotationPane::openRotation()
-{
-    const bool isGoingOn = co_await m_store.saveUnsavedChanges();
-    if (isGoingOn) {
-        auto *sheet = new OpenRotationWindowController(m_store, m_labels, window());
-        sheet->setAttribute(Qt::WA_DeleteOnClose);
-        const QFuture<int> closed = opened(sheet);
-        co_await closed;
-    }
-    endFileAction();
-}
-
-void RotationPane::saveRotationMenuItemClicked()
-{
-    if (!beginFileAction())
-        return;
-    const QString name = m_store.currentRotation();
-    m_actions.start(name.isEmpty() ? saveRotationAs() : saveRotation(name));
 }
 
 QCoro::Task<> RotationPane::saveRotation(QString name)
@@ -259,106 +216,64 @@ QCoro::Task<> RotationPane::saveRotation(QString name)
     endFileAction();
 }
 
-void RotationPane::saveRotationAsMenuItemClicked()
+QDialog *RotationPane::makeSheet(Sheet which)
 {
-    if (beginFileAction())
-        m_actions.start(saveRotationAs());
-}
-
-QCoro::Task<> RotationPane::saveRotationAs()
-{
-    const QString name = co_await saveAsPanel();
-    // The panel has saved the rotation already; the end of the message rotation's panel has always saved it once more.
-    if (m_labels.savesAgain && !name.isEmpty() && !m_store.hasUnsavedWork()) {
-        [[maybe_unused]] const bool isWritten = co_await m_store.saveUIChanges(name); // a failure has been told
+    switch (which) {
+    case Sheet::New:
+        return new NamingSheet(NamingSheet::Purpose::New, m_store, m_actions, m_alerts, window());
+    case Sheet::SaveAs:
+        return new NamingSheet(NamingSheet::Purpose::SaveAs, m_store, m_actions, m_alerts, window());
+    case Sheet::Open:
+        return new OpenRotationSheet(m_store, window());
+    case Sheet::Delete:
+        break;
     }
-    endFileAction();
+    return new DeleteRotationSheet(m_store, m_actions, m_alerts, window());
 }
 
-QCoro::Task<QString> RotationPane::saveAsPanel()
+QCoro::Task<> RotationPane::showSheet(Sheet which)
 {
-    const QPointer<SaveRotationAsWindowController> sheet(
-        new SaveRotationAsWindowController(m_store, m_labels, m_actions, m_alerts, window()));
-    const QFuture<int> closed = opened(sheet);
+    QDialog *sheet = makeSheet(which);
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    const QFuture<int> closed =
+        QtFuture::connect(sheet, &QDialog::finished).onCanceled([] { return int(QDialog::Rejected); });
+    sheet->open();
     co_await closed;
-    QString name;
-    if (sheet != nullptr) {
-        name = sheet->rotationName();
-        sheet->deleteLater();
-    }
-    co_return name;
 }
 
-void RotationPane::deleteRotationMenuItemClicked()
+void RotationPane::saveDocument()
 {
-    if (beginFileAction())
-        m_actions.start(deleteRotation());
-}
-
-QCoro::Task<> RotationPane::deleteRotation()
-{
-    // Deleting opens the current rotation anew, which would discard its unsaved rows.
-    const bool isGoingOn = co_await m_store.saveUnsavedChanges();
-    if (isGoingOn) {
-        auto *sheet = new DeleteRotationWindowController(m_store, m_labels, m_actions, m_alerts, window());
-        sheet->setAttribute(Qt::WA_DeleteOnClose);
-        const QFuture<int> closed = opened(sheet);
-        co_await closed;
-    }
-    endFileAction();
-}
-
-void RotationPane::deleteSelectedMenuItemClicked()
-{
-    finishEditing();
-    m_store.deleteSelectedItems();
-}
-
-void RotationPane::deleteAllMenuItemClicked()
-{
-    finishEditing();
-    m_store.deleteAllItems();
-}
-
-QString RotationPane::textOfSelection() const
-{
-    const QAbstractItemModel &model = *m_store.tableModel();
-    QList<int> rows;
-    for (const QModelIndex &index : m_store.tableSelection()->selectedRows())
-        rows.append(index.row());
-    std::sort(rows.begin(), rows.end());
-    QList<QStringList> texts;
-    for (const int row : std::as_const(rows)) {
-        QStringList cells;
-        for (int column = 0; column < model.columnCount(); ++column)
-            cells.append(model.index(row, column).data().toString());
-        texts.append(cells);
-    }
-    return RowsText::fromRows(texts);
+    const QString name = m_store.currentRotation();
+    if (name.isEmpty())
+        startFileAction(Sheet::SaveAs);
+    else if (beginFileAction())
+        m_actions.start(saveRotation(name));
 }
 
 void RotationPane::copyRows()
 {
-    const QString text = textOfSelection();
-    if (!text.isEmpty())
-        QGuiApplication::clipboard()->setText(text);
+    const QAbstractItemModel &model = *m_store.tableModel();
+    QMap<int, QStringList> rows; // by their places in the table
+    for (const QModelIndex &index : m_store.tableSelection()->selectedRows()) {
+        for (int column = 0; column < model.columnCount(); ++column)
+            rows[index.row()].append(index.siblingAtColumn(column).data().toString());
+    }
+    if (!rows.isEmpty())
+        QGuiApplication::clipboard()->setText(RowsText::fromRows(rows.values()));
 }
 
-void RotationPane::pasteRows(const QString &text)
+QCoro::Task<> RotationPane::addRows(QStringList lines)
 {
-    if (!m_takeRows)
-        return;
-    const QStringList lines = RowsText::linesOf(text);
     QList<QStringList> rows;
-    rows.reserve(lines.size());
-    for (const QString &line : lines)
+    for (const QString &line : std::as_const(lines))
         rows.append(RowsText::columnsOf(line));
-    QStringList misfits;
-    for (const qsizetype place : m_takeRows(rows))
-        misfits.append(lines.at(place));
+    const QList<qsizetype> places = co_await m_store.addTexts(rows);
     tableView->scrollToBottom();
+    QStringList misfits;
+    for (const qsizetype place : places)
+        misfits.append(lines.at(place));
     if (!misfits.isEmpty())
-        m_actions.start(tellOfMisfits(misfits, lines.size()));
+        co_await tellOfMisfits(misfits, lines.size());
 }
 
 QCoro::Task<> RotationPane::tellOfMisfits(QStringList misfits, qsizetype lineCount)

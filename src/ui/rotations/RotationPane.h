@@ -1,7 +1,6 @@
 #pragma once
 
 #include "PageDocument.h"
-#include "RotationLabels.h"
 #include "RowsUndo.h"
 
 #include <QCoroTask>
@@ -16,6 +15,7 @@ class Alerts;
 class ElidingLabel;
 class KeyHandlingTableView;
 class QAbstractItemDelegate;
+class QDialog;
 class QHBoxLayout;
 class QLabel;
 class QPushButton;
@@ -26,91 +26,70 @@ class RotationPane : public QWidget, public PageDocument
 {
     Q_OBJECT
 public:
-    /// Adds pasted rows, given as the texts of their columns, in one step.
-    /// @return the places in the list of those that do not fit and were left out.
-    using TakeRows = std::function<QList<qsizetype>(const QList<QStringList> &rows)>;
-
     /// Everything handed in outlives the pane, which is the store's Save As panel from now on.
-    RotationPane(RotationStore &store, const RotationLabels &labels, ActionQueue &actions, Alerts &alerts,
-                 QWidget *parent = nullptr);
+    RotationPane(RotationStore &store, ActionQueue &actions, Alerts &alerts, QWidget *parent = nullptr);
     ~RotationPane() override;
 
     /// Puts a button before "Remove"; the pane owns it.
     void addButtonAtFront(QPushButton *button);
     /// Puts a button behind "Remove All", at the far end of the row; the pane owns it.
     void addButtonAtEnd(QPushButton *button);
-    /// Who makes rows of what is pasted; nobody at first, and nothing can be pasted then.
-    void setTakeRows(TakeRows takeRows) { m_takeRows = std::move(takeRows); }
-
     /// Who draws and edits the rows; outlives the pane.
     void setRowDelegate(QAbstractItemDelegate *delegate);
     /// Draws the rows anew, with what the delegate knows now.
     void updateRows();
     void scrollToEnd();
 
-    void newDocument() override { newRotationMenuItemClicked(); }
-    void openDocument() override { openRotationMenuItemClicked(); }
-    void saveDocument() override { saveRotationMenuItemClicked(); }
+    void newDocument() override { startFileAction(Sheet::New); }
+    void openDocument() override { startFileAction(Sheet::Open); }
+    void saveDocument() override;
     void finishEditing() override;
     /// The pane itself handles the keys for it.
     QUndoStack *undoStack() override { return m_undo.stack(); }
-
-public slots:
-    void newRotationMenuItemClicked();
-    void openRotationMenuItemClicked();
-    void saveRotationMenuItemClicked();
-    void saveRotationAsMenuItemClicked();
-    void deleteRotationMenuItemClicked();
-    void deleteSelectedMenuItemClicked();
-    void deleteAllMenuItemClicked();
 
 protected:
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    void nameControls();
+    enum class Sheet { New, Open, SaveAs, Delete };
+
+    QPushButton *makeButton(const QString &name, const QString &text, QHBoxLayout *row, std::function<void()> pressed);
+    void addButtons();
+    void setUpTable();
     void layOut();
-    void connectControls();
-    void makeCompact(QPushButton *button);
     void setTabOrder();
     void currentRotationDidChange(const QString &name);
     void updateControls();
-    /// The selected rows, one a line, their columns separated by tabs.
-    QString textOfSelection() const;
     void copyRows();
-    /// Adds one row for each line of `text`, and tells once about the lines that do not fit.
-    void pasteRows(const QString &text);
+    /// Adds one row for each of the lines, and tells once about those that do not fit.
+    QCoro::Task<> addRows(QStringList lines);
+    QCoro::Task<> tellOfMisfits(QStringList misfits, qsizetype lineCount);
+
+    /// @return false while the sheet or the question of another file button is in front.
     bool beginFileAction();
     void endFileAction();
-    QCoro::Task<> newRotation();
-    QCoro::Task<> openRotation();
+    void startFileAction(Sheet which);
+    QCoro::Task<> runFileAction(Sheet which);
     QCoro::Task<> saveRotation(QString name);
-    QCoro::Task<> saveRotationAs();
-    QCoro::Task<> deleteRotation();
-    QCoro::Task<QString> saveAsPanel();
-    QCoro::Task<> tellOfMisfits(QStringList misfits, qsizetype lineCount);
+    QDialog *makeSheet(Sheet which);
+    /// Opens a sheet and resumes when it was closed.
+    QCoro::Task<> showSheet(Sheet which);
+
+    RotationStore &m_store;
+    ActionQueue &m_actions;
+    Alerts &m_alerts;
+    RowsUndo m_undo;
+    QTimer m_updateTimer; ///< one look at the rows for all that happens in a turn
+    QHBoxLayout *m_rowButtons;
+    QHBoxLayout *m_fileButtons;
+    bool m_isFileActionRunning = false;
 
     ElidingLabel *labelCurrentRotation;
     QLabel *labelUnsavedChanges;
     KeyHandlingTableView *tableView;
     QPushButton *removeButton;
     QPushButton *removeAllButton;
-    QPushButton *newButton;
     QPushButton *openButton;
-    QPushButton *saveButton;
-    QPushButton *saveAsButton;
     QPushButton *deleteButton;
-
-    RotationStore &m_store;
-    const RotationLabels m_labels;
-    ActionQueue &m_actions;
-    Alerts &m_alerts;
-    RowsUndo m_undo;
-    TakeRows m_takeRows;
-    QTimer m_updateTimer; ///< one look at the rows for all that happens in a turn
-    QHBoxLayout *m_rowButtons;
-    QList<QPushButton *> m_frontButtons;
-    QList<QPushButton *> m_endButtons;
-    bool m_isFileActionRunning = false;
 };

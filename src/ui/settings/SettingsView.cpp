@@ -1,6 +1,8 @@
 #include "SettingsView.h"
 
+#include "Alerts.h"
 #include "DvarFetcher.h"
+#include "DvarReplies.h"
 #include "DvarSetting.h"
 #include "DvarSettingCategory.h"
 #include "DvarSettingList.h"
@@ -271,7 +273,24 @@ QCoro::Task<> SettingsView::write(SettingsOutlineModel *outline, std::shared_ptr
     if (!value)
         value = setting->dvarBoolValue() ? QStringLiteral("0") : QStringLiteral("1");
     // The value is written even if the session holds the same one: the server may have been changed by another console.
-    const Reply reply = co_await setting->setDvarValue(*value);
+    const Reply reply = co_await setDvarValue(dvar, *value);
     const bool isSecret = holdsPassword(dvar);
     action.note(reply, isSecret, isSecret ? tr("%1 was set").arg(name) : tr("%1 was set to %2").arg(name, *value));
+}
+
+QCoro::Task<Reply> SettingsView::setDvarValue(QString dvar, QString value)
+{
+    const Reply reply = co_await m_server.setDvar(dvar, value);
+    if (reply.isCancelled)
+        co_return reply;
+    const QString title = tr("Remote Command Failure");
+    if (!reply.isSuccess()) {
+        const QString text = tr("Error setting dvar '%1': %2").arg(dvar, reply.text);
+        co_await m_server.alerts().run(title, text);
+    } else if (isValueRefused(reply.text)) {
+        co_await m_server.alerts().run(title, reply.text);
+        if (m_server.isConnected())
+            co_await m_server.updateDvarFromServer(dvar);
+    }
+    co_return reply;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ActionQueue.h"
+#include "Exchange.h"
 #include "TabPage.h"
 
 #include <QCoroTask>
@@ -80,6 +81,10 @@ private:
     /// @param value  nothing: the opposite of what the checkbox shows in the turn.
     QCoro::Task<> write(SettingsOutlineModel *outline, std::shared_ptr<DvarSetting> setting,
                         std::optional<QString> value);
+    /// Writes a variable and tells the user what went wrong; the session announces what changed. A value that the
+    /// server turns down is read anew. Takes no turn.
+    /// @return what the server answered to the write.
+    QCoro::Task<Reply> setDvarValue(QString dvar, QString value);
 
     KelServer &m_server;
     ActionQueue &m_actions;

@@ -76,13 +76,10 @@ bool KeyHandlingTableView::editSelection()
 
 bool KeyHandlingTableView::deleteSelection()
 {
-    const bool isAskedOfRows = m_rows != nullptr && m_rows->hasKeyHandlingDelegate();
-    if (!isAskedOfRows && !m_deleteSelection)
+    if (!m_deleteSelection)
         return false;
     if (selectionModel() == nullptr || !selectionModel()->hasSelection())
         beep();
-    else if (isAskedOfRows)
-        m_rows->deleteSelectionFromTableView();
     else
         m_deleteSelection();
     return true;
@@ -107,7 +104,7 @@ void KeyHandlingTableView::moveSelection(int step)
     const int target = step < 0 ? *first - 1 : *last + 2; // before the row above, or behind the one below
     if (target < 0 || target > m_rows->arrangedCount())
         return;
-    if (m_rows->acceptDrop(selected, target, true, false))
+    if (m_rows->moveObjectsInArrangedObjects(selected, target))
         scrollTo(currentIndex());
 }
 

@@ -15,10 +15,10 @@ class KeyHandlingTableView : public PlaceholderTable
 public:
     explicit KeyHandlingTableView(QWidget *parent = nullptr);
 
-    /// The rows to put into order and to delete from; null for none. They outlive the table, whose model shows them and
-    /// tells Qt what can be dragged.
+    /// The rows to put into order; null for none. They outlive the table, whose model shows them and tells Qt what can
+    /// be dragged.
     void setRows(ReorderableRows *rows);
-    /// Who deletes the selected rows, for a table without rows to put into order.
+    /// Who deletes the selected rows; nobody at first, and the keys do nothing then.
     void setDeleteHandler(std::function<void()> deleteSelection) { m_deleteSelection = std::move(deleteSelection); }
 
     /// @return whether the key was Return, Enter, Delete or Backspace and has been handled.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "GameCatalogues.h"
+#include "Catalogues.h"
 #include "Rotations.h"
 #include "TabSet.h"
 
@@ -23,7 +23,7 @@ struct Workplace {
     Preferences &preferences;
     DvarFetcher &fetcher;
     Reconnecting &reconnecting;
-    GameCatalogues catalogues;
+    Catalogues &catalogues;
     Rotations rotations;
 };
 

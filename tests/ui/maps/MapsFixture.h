@@ -60,5 +60,5 @@ struct Maps : CataloguesFixture {
 
     TestPreferences preferences{folder};
     KelMapRotation mapRotations{preferences, alerts, folder.path()};
-    MapsView view{server, actions, alerts, preferences, catalogues(), mapRotations};
+    MapsView view{server, actions, alerts, preferences, catalogues, mapRotations};
 };

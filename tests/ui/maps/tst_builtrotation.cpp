@@ -145,7 +145,7 @@ private slots:
             copied.append(entry->map + "/" + entry->gametype);
         QCOMPARE(copied, QStringList({"Ropeway/Team Match", "Millrace/Domination", "mp_new/Domination"}));
         QCOMPARE(control<ElidingLabel>(maps.view, "labelCurrentRotation")->text(), QString("Rotation: mine"));
-        QVERIFY(maps.mapRotations.unsavedChanges());
+        QVERIFY(maps.mapRotations.hasUnsavedWork());
     }
 };
 

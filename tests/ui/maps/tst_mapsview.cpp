@@ -150,7 +150,7 @@ private slots:
         QVERIFY(!isOffered("&Copy Server's Rotation to Builder"));
         QCOMPARE(maps.button("setBuiltRotationButton").isEnabled(), !isEnded);
         QCOMPARE(isOffered("Set Rotation &on Server"), !isEnded);
-        const MapsView later(maps.server, maps.actions, maps.alerts, maps.preferences, maps.catalogues(),
+        const MapsView later(maps.server, maps.actions, maps.alerts, maps.preferences, maps.catalogues,
                              maps.mapRotations);
         QCOMPARE(control<QPushButton>(later, "setBuiltRotationButton")->isEnabled(), !isEnded);
     }

@@ -1,11 +1,12 @@
 #include "ActionQueue.h"
 #include "Controls.h"
+#include "DoubleClick.h"
 #include "ElidingLabel.h"
 #include "KeyHandlingTableView.h"
-#include "Letters.h"
+#include "Preferences.h"
 #include "RecordedAlerts.h"
 #include "RotationPane.h"
-#include "RotationStore.h"
+#include "RotationStoreOf.h"
 #include "Wait.h"
 
 #include <QApplication>
@@ -13,58 +14,66 @@
 #include <QDialog>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
 
-/// Rotations of letters, which writes down what it is asked.
-class LetterStore final : public RotationStore
+struct Note {
+    QString tone;
+    QString text;
+
+    static constexpr const char *RootElement = "notes";
+    static constexpr const char *RotationElement = "tune";
+    static constexpr const char *EntryElement = "note";
+    static constexpr bool IsEditable = true;
+    static constexpr RotationField<Note> fields[] = {{"tone", "Tone", &Note::tone}, {"text", "Text", &Note::text}};
+
+    bool isWhole() const { return !text.isEmpty(); }
+    bool operator==(const Note &) const = default;
+};
+
+static RotationKind noteKind()
+{
+    RotationKind kind;
+    kind.name = "MapRotation";
+    kind.fileName = "notes";
+    kind.currentRotationKey = "current";
+    kind.saveQuestion = "Save?";
+    kind.nameRefused = "Refused";
+    kind.nameTaken = "'%1' is taken";
+    kind.tableObjectName = "table";
+    return kind;
+}
+
+/// The saved rotations Alpha, Beta and Gamma, and none that is open.
+class NoteStore final : public RotationStoreOf<Note>
 {
 public:
-    QStringList names() const override { return stored; }
-    bool contains(const QString &name) const override { return stored.contains(name); }
-    QString currentRotation() const override { return current; }
-    QAbstractItemModel *tableModel() override { return letters.arranged(); }
-    QItemSelectionModel *tableSelection() override { return letters.selection(); }
-    ReorderableRows &rows() override { return letters; }
-    bool unsavedChanges() const override { return false; }
-    bool hasUnsavedWork() const override { return false; }
-    void openRotationNamed(const QString &name) override
+    NoteStore(Preferences &preferences, Alerts &alerts, const QString &folder)
+        : RotationStoreOf(noteKind(), preferences, alerts, folder, Dictionary(), nullptr)
     {
-        asked.append(QStringLiteral("open ") + name);
-        current = name;
-        emit currentRotationChanged(name);
-        emit rotationOpened();
+        for (const char *name : {"Alpha", "Beta", "Gamma"})
+            awaited(saveUIChanges(name));
+        openRotationNamed({});
     }
-    QCoro::Task<> newRotationNamed(QString name) override { return note(QStringLiteral("new ") + name); }
-    QCoro::Task<> deleteRotationNamed(QString name) override
+    /// Puts rows into the table, one for each letter.
+    void write(const QString &letters)
     {
-        stored.removeOne(name);
-        return note(QStringLiteral("delete ") + name);
+        for (const QChar letter : letters)
+            awaited(addEntries({{QString(), letter}}));
     }
-    QCoro::Task<bool> saveUIChanges(QString name) override
+    QString shown() const
     {
-        co_await note(QStringLiteral("save ") + name);
-        co_return true;
+        QString letters;
+        for (const auto &note : entries())
+            letters += note->text;
+        return letters;
     }
-    QCoro::Task<bool> saveUnsavedChanges() override
+    void choose(const QList<int> &rows)
     {
-        co_await note(QStringLiteral("ask"));
-        co_return isGoingOn;
-    }
-    void deleteSelectedItems() override { letters.removeSelected(); }
-    void deleteAllItems() override { letters.removeAll(); }
-    QCoro::Task<QString> panel() { return m_saveAsPanel(); }
-
-    Letters<Letter> letters{QStringLiteral("VWX")};
-    QStringList stored{QStringLiteral("Alpha"), QStringLiteral("Beta"), QStringLiteral("Gamma")};
-    QString current;
-    QStringList asked;
-    bool isGoingOn = true;
-
-private:
-    QCoro::Task<> note(QString what)
-    {
-        asked.append(what);
-        co_return;
+        tableSelection()->clear();
+        for (const int row : rows)
+            tableSelection()->select(tableModel()->index(row, 0),
+                                     QItemSelectionModel::Select | QItemSelectionModel::Rows);
     }
 };
 
@@ -75,24 +84,25 @@ struct Pane {
     /// Presses a button of the pane and waits for the sheet that it opens.
     QDialog *sheet(const char *button, const QString &name)
     {
-        control<QPushButton>(pane, button)->click();
+        press(pane, button);
         QDialog *found = nullptr;
         (void)QTest::qWaitFor([&] { return (found = pane.findChild<QDialog *>(name)) != nullptr; });
-        store.asked.clear();
         return found;
     }
-    static void press(QDialog *sheet, const char *button) { control<QPushButton>(*sheet, button)->click(); }
+    static void press(const QWidget &root, const char *button) { control<QPushButton>(root, button)->click(); }
     QPushButton &button(const char *name) { return *control<QPushButton>(pane, name); }
-    QTableView &table() { return *control<KeyHandlingTableView>(pane, "mapRotationPreviewTableView"); }
+    QTableView &table() { return *control<KeyHandlingTableView>(pane, "table"); }
     bool settle()
     {
         return QTest::qWaitFor([this] { return actions.isIdle(); });
     }
 
-    LetterStore store;
+    QTemporaryDir folder;
+    Preferences preferences{folder.filePath("preferences.ini")};
     RecordedAlerts alerts;
+    NoteStore store{preferences, alerts, folder.path()};
     ActionQueue actions;
-    RotationPane pane{store, mapRotationLabels(), actions, alerts};
+    RotationPane pane{store, actions, alerts};
 };
 
 class RotationDialogsTest : public QObject
@@ -104,29 +114,30 @@ private slots:
         QTest::addColumn<bool>("isNew");
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("refused");
-        QTest::addColumn<QStringList>("asked");
-        const auto row = [](const char *name, bool isNew, const char *typed, const char *refused,
-                            const QStringList &asked) {
-            QTest::newRow(name) << isNew << QString(typed) << QString(refused) << asked;
+        QTest::addColumn<QString>("added");
+        const auto row = [](const char *name, bool isNew, const QString &typed, const QString &refused,
+                            const QString &added) {
+            QTest::newRow(name) << isNew << typed << refused << added;
         };
-        row("new, trimmed", true, " Delta \n", "", {"new Delta"});
-        row("new, blanks only", true, "  ", "", {"new "});
-        row("new, taken", true, " Beta", "Beta", {});
-        row("save as, with its blanks", false, " Delta ", "", {"save  Delta "});
-        row("save as, taken without blanks", false, " Beta ", "Beta", {});
-        row("save as, markers", false, "%1 %2", "", {"save %1 %2"});
-        row("save as, nothing", false, "", "", {});
+        row("new, trimmed", true, " Delta \n", "", "Delta");
+        row("new, blanks only", true, "  ", "", "");
+        row("new, taken", true, " Beta", "Beta", QString());
+        row("save as, with its blanks", false, " Delta ", "", " Delta ");
+        row("save as, taken without blanks", false, " Beta ", "Beta", QString());
+        row("save as, markers", false, "%1 %2", "", "%1 %2");
+        row("save as, nothing", false, "", "", QString());
     }
     void names()
     {
         QFETCH(bool, isNew);
         QFETCH(QString, typed);
         QFETCH(QString, refused);
+        QFETCH(QString, added);
         Pane p;
         QDialog *sheet = isNew ? p.sheet("newButton", "NewMapRotationWindowController")
                                : p.sheet("saveButton", "SaveMapRotationAsWindowController");
         QVERIFY(sheet != nullptr && sheet->isModal());
-        p.pane.openRotationMenuItemClicked(); // nothing while a sheet is open
+        p.pane.openDocument(); // nothing while a sheet is open
         auto *field = control<QLineEdit>(*sheet, "nameField");
         field->setText(typed);
         auto *button = control<QPushButton>(*sheet, isNew ? "addButton" : "saveButton");
@@ -134,49 +145,41 @@ private slots:
         button->click();
         QTRY_COMPARE(p.alerts.shown().size(), refused.isEmpty() ? 0 : 1);
         if (!refused.isEmpty()) {
-            QCOMPARE(p.alerts.titles(), QStringList{"Unable to Add New Map Rotation"});
-            QCOMPARE(p.alerts.texts(), QStringList{"Map Rotation '" + refused + "' already exists!"});
+            QCOMPARE(p.alerts.titles(), QStringList{"Refused"});
+            QCOMPARE(p.alerts.texts(), QStringList{"'" + refused + "' is taken"});
         }
-        if (!refused.isEmpty() || typed.isEmpty()) {
+        if (added.isNull()) {
             QVERIFY(sheet->isVisible());
             QCOMPARE(field->text(), typed);
             QTest::keyClick(sheet, Qt::Key_Escape);
         }
         QVERIFY(p.settle());
-        QTEST(p.store.asked, "asked");
+        QStringList expected{"Alpha", "Beta", "Gamma"};
+        if (!added.isNull())
+            expected.append(added);
+        expected.sort();
+        QCOMPARE(p.store.names(), expected);
+        QCOMPARE(p.store.currentRotation(), added.isNull() ? QString() : added);
     }
 
-    void aCancelledPanelGivesNoName()
+    void aCancelledPanelSavesNothingAndEndsTheQuestion()
     {
         Pane p;
-        QCoro::Task<QString> name = p.store.panel();
-        auto *sheet = p.pane.findChild<QDialog *>("SaveMapRotationAsWindowController");
-        control<QLineEdit>(*sheet, "nameField")->setText("typed");
-        p.press(sheet, "cancelButton");
-        QCOMPARE(awaited(std::move(name)), QString());
-    }
-
-    void aCancelledPanelSavesNothingAgain()
-    {
-        LetterStore store;
-        RecordedAlerts alerts;
-        ActionQueue actions;
-        RotationPane pane(store, messageRotationLabels(), actions, alerts);
-        pane.show();
-        control<QPushButton>(pane, "saveAsButton")->click();
-        control<QPushButton>(*pane.findChild<QDialog *>("SaveMessageRotationAsWindowController"), "cancelButton")
-            ->click();
-        QTRY_VERIFY(actions.isIdle());
-        QCOMPARE(store.asked, QStringList());
+        p.store.write("V");
+        for (const char *button : {"saveAsButton", "newButton"}) { // the second asks, and "Yes" is pressed
+            QDialog *sheet = p.sheet(button, "SaveMapRotationAsWindowController");
+            control<QLineEdit>(*sheet, "nameField")->setText("typed");
+            p.press(*sheet, "cancelButton");
+            QVERIFY(p.settle());
+            QTRY_VERIFY(p.pane.findChild<QDialog *>() == nullptr);
+        }
+        QCOMPARE(p.alerts.texts(), QStringList{"Save?"});
+        QVERIFY(!p.store.contains("typed") && p.store.hasUnsavedWork());
     }
 
     void opensAndDeletesWhatIsSelected()
     {
         Pane p;
-        p.store.isGoingOn = false;
-        p.button("openButton").click();
-        QVERIFY(p.settle()); // the question was called off: no sheet
-        p.store.isGoingOn = true;
         QDialog *sheet = p.sheet("openButton", "OpenMapRotationWindowController");
         auto *table = control<KeyHandlingTableView>(*sheet, "tableView");
         table->clearSelection();
@@ -185,86 +188,66 @@ private slots:
         table->selectRow(1);
         QTest::keyClick(table, Qt::Key_Return);
         QVERIFY(p.settle());
-        QCOMPARE(p.store.asked, QStringList{"open Beta"});
+        QCOMPARE(p.store.currentRotation(), QString("Beta"));
         QCOMPARE(control<ElidingLabel>(p.pane, "labelCurrentRotation")->text(), QString("Rotation: Beta"));
         sheet = p.sheet("deleteButton", "DeleteMapRotationWindowController");
         QVERIFY(!control<QPushButton>(*sheet, "deleteButton")->isEnabled());
         control<KeyHandlingTableView>(*sheet, "tableView")->selectAll();
-        p.press(sheet, "deleteButton");
+        p.press(*sheet, "deleteButton");
         QVERIFY(p.settle());
-        QCOMPARE(p.store.asked, QStringList({"delete Alpha", "delete Beta", "delete Gamma"}));
+        QCOMPARE(p.store.names(), QStringList());
         QVERIFY(!p.button("openButton").isEnabled());
         QVERIFY(p.alerts.shown().isEmpty());
     }
 
-    void asksBeforeTheTableIsReplaced_data()
-    {
-        QTest::addColumn<QString>("button");
-        for (const char *button : {"newButton", "openButton", "deleteButton"})
-            QTest::newRow(button) << QString(button);
-    }
     void asksBeforeTheTableIsReplaced()
     {
-        QFETCH(QString, button);
         Pane p;
-        p.store.isGoingOn = false; // "Cancel"
-        p.button(button.toLatin1()).click();
-        QVERIFY(p.settle());
-        QCOMPARE(p.store.asked, QStringList{"ask"});
-        QVERIFY(p.pane.findChild<QDialog *>() == nullptr);
-        p.store.isGoingOn = true; // the next time
-        p.button(button.toLatin1()).click();
-        QTRY_VERIFY(p.pane.findChild<QDialog *>() != nullptr);
-        p.pane.findChild<QDialog *>()->reject();
-        QVERIFY(p.settle());
+        p.store.write("V");
+        for (const char *button : {"newButton", "openButton", "deleteButton"}) {
+            p.alerts.answerWith(2); // "Cancel"
+            p.press(p.pane, button);
+            QVERIFY(p.settle());
+            QVERIFY(p.pane.findChild<QDialog *>() == nullptr);
+            p.alerts.answerWith(1); // "No"
+            p.press(p.pane, button);
+            QTRY_VERIFY(p.pane.findChild<QDialog *>() != nullptr);
+            p.pane.findChild<QDialog *>()->reject();
+            QVERIFY(p.settle());
+            QTRY_VERIFY(p.pane.findChild<QDialog *>() == nullptr);
+        }
+        QCOMPARE(p.alerts.texts(), QStringList(6, "Save?"));
+        QCOMPARE(p.store.shown(), QString("V"));
     }
 
     void returnOpensTheCurrentRotationOrTheFirst_data()
     {
         QTest::addColumn<QString>("opened");
-        QTest::newRow("Gamma") << "open Gamma";
-        QTest::newRow("") << "open Alpha";
-        QTest::newRow("one that is gone") << "open Alpha";
+        QTest::newRow("Gamma") << "Gamma";
+        QTest::newRow("") << "Alpha";
+        QTest::newRow("one that is gone") << "Alpha";
     }
     void returnOpensTheCurrentRotationOrTheFirst()
     {
         Pane p;
-        p.store.current = QTest::currentDataTag();
+        p.preferences.setValue("current", QString(QTest::currentDataTag()));
         QDialog *sheet = p.sheet("openButton", "OpenMapRotationWindowController");
         QVERIFY(QTest::qWaitForWindowActive(sheet));
         QTest::keyClick(sheet->focusWidget(), Qt::Key_Return);
         QVERIFY(p.settle());
-        QTEST(p.store.asked.join('|'), "opened");
+        QTEST(p.store.currentRotation(), "opened");
     }
 
-    void aDoubleClickOpensTheRowUnderThePointer_data()
-    {
-        QTest::addColumn<Qt::MouseButton>("button");
-        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
-        QTest::addColumn<QString>("opened");
-        const Qt::KeyboardModifiers none;
-        QTest::newRow("left") << Qt::LeftButton << none << "open Beta";
-        QTest::newRow("left, with Ctrl, which takes it out of the selection")
-            << Qt::LeftButton << Qt::KeyboardModifiers(Qt::ControlModifier) << "open Beta";
-        QTest::newRow("right") << Qt::RightButton << none << "";
-        QTest::newRow("middle") << Qt::MiddleButton << none << "";
-    }
     void aDoubleClickOpensTheRowUnderThePointer()
     {
-        QFETCH(Qt::MouseButton, button);
-        QFETCH(Qt::KeyboardModifiers, modifiers);
         Pane p;
         QDialog *sheet = p.sheet("openButton", "OpenMapRotationWindowController");
         auto *table = control<KeyHandlingTableView>(*sheet, "tableView");
         QVERIFY(QTest::qWaitForWindowActive(sheet));
         const QPoint place = table->visualRect(table->model()->index(1, 0)).center();
-        QTest::mouseClick(table->viewport(), button, modifiers, place);
-        QTest::mouseDClick(table->viewport(), button, modifiers, place);
-        const bool isClosed = !sheet->isVisible();
-        if (!isClosed)
-            p.press(sheet, "closeButton");
+        doubleClick(*table, place, Qt::LeftButton, Qt::ControlModifier); // which takes it out of the selection
         QVERIFY(p.settle());
-        QTEST(p.store.asked.join('|'), "opened");
+        QCOMPARE(p.store.currentRotation(), QString("Beta"));
     }
 
     void theDeleteKeyAsks_data()
@@ -272,13 +255,12 @@ private slots:
         QTest::addColumn<int>("pressed");
         QTest::addColumn<int>("last"); // of the selected rows
         QTest::addColumn<QString>("text");
-        QTest::addColumn<QStringList>("asked");
-        QTest::newRow("yes") << 0 << 1 << "The rotation \"Beta\" will be deleted. This cannot be undone."
-                             << QStringList{"delete Beta"};
-        QTest::newRow("cancel") << 1 << 1 << "The rotation \"Beta\" will be deleted. This cannot be undone."
-                                << QStringList();
+        QTest::addColumn<QStringList>("left");
+        const QString one = "The rotation \"Beta\" will be deleted. This cannot be undone.";
+        QTest::newRow("yes") << 0 << 1 << one << QStringList{"Alpha", "Gamma"};
+        QTest::newRow("cancel") << 1 << 1 << one << QStringList{"Alpha", "Beta", "Gamma"};
         QTest::newRow("several") << 0 << 2 << "2 rotations will be deleted. This cannot be undone."
-                                 << QStringList{"delete Beta", "delete Gamma"};
+                                 << QStringList{"Alpha"};
     }
     void theDeleteKeyAsks()
     {
@@ -287,28 +269,26 @@ private slots:
         Pane p;
         QDialog *sheet = p.sheet("deleteButton", "DeleteMapRotationWindowController");
         auto *table = control<KeyHandlingTableView>(*sheet, "tableView");
-        table->selectRow(1);
-        if (last == 2) {
-            table->selectionModel()->select(table->model()->index(2, 0),
+        for (int row = 1; row <= last; ++row)
+            table->selectionModel()->select(table->model()->index(row, 0),
                                             QItemSelectionModel::Select | QItemSelectionModel::Rows);
-        }
         p.alerts.hold();
         QTest::keyClick(table, Qt::Key_Delete);
         QTest::keyClick(table, Qt::Key_Delete);
-        p.press(sheet, "deleteButton"); // nothing but the question
+        p.press(*sheet, "deleteButton"); // nothing but the question
         QCOMPARE(p.alerts.openCount(), 1);
         QTEST(p.alerts.texts().last(), "text");
         QCOMPARE(p.alerts.shown().last().buttons, QStringList({"Delete", "Cancel"}));
         QCOMPARE(p.alerts.manners().last().defaultButton, 1);
-        QCOMPARE(p.store.asked, QStringList());
+        QCOMPARE(p.store.names().size(), 3);
         p.alerts.dismiss(pressed);
         if (pressed == 1) {
             QTRY_VERIFY((QTest::keyClick(table, Qt::Key_Delete), p.alerts.openCount() == 1)); // once more
             p.alerts.dismiss(pressed);
-            p.press(sheet, "closeButton");
+            p.press(*sheet, "closeButton");
         }
         QVERIFY(p.settle());
-        QTEST(p.store.asked, "asked");
+        QTEST(p.store.names(), "left");
     }
 
     void theMenusActOnThePaneAsADocument_data()
@@ -324,13 +304,16 @@ private slots:
         QFETCH(DocumentAction, action);
         QFETCH(QString, sheet);
         Pane p;
+        p.store.write("VWX");
+        p.alerts.answerWith(1);
         QVERIFY(QTest::qWaitForWindowActive(&p.pane));
         PageDocument &document = p.pane;
+        QTRY_COMPARE(document.undoStack()->count(), 1);
         p.table().edit(p.table().model()->index(0, 1));
         QTest::keyClicks(QApplication::focusWidget(), "typed");
-        QCOMPARE(p.store.letters.shown(), QString("VWX"));
+        QCOMPARE(p.store.shown(), QString("VWX"));
         document.finishEditing();
-        QCOMPARE(p.store.letters.shown(), QString("typedWX"));
+        QCOMPARE(p.store.shown(), QString("typedWX"));
         QTRY_COMPARE(document.undoStack()->undoText(), QString("Edit"));
         (document.*action)();
         QTRY_VERIFY(p.pane.findChild<QDialog *>(sheet) != nullptr);
@@ -341,29 +324,29 @@ private slots:
     void whatHappensInATurnIsTakenBackAtOnce()
     {
         Pane p;
-        const auto first = p.store.letters.content().first();
         QUndoStack &stack = *p.pane.undoStack();
-        p.store.letters.choose({0, 1});
-        p.button("removeButton").setEnabled(true);
-        p.button("removeButton").click();
-        QTRY_COMPARE(stack.undoText(), QString("Remove"));
-        p.store.letters.addObjects({std::make_shared<Letter>(Letter{"a"}), std::make_shared<Letter>(Letter{"b"})});
+        p.store.write("VWX");
         QTRY_COMPARE(stack.undoText(), QString("Add"));
-        p.store.letters.acceptDrop({0}, 2, true, false);
+        const auto first = p.store.entries().first();
+        p.store.choose({0, 1});
+        QTRY_VERIFY(p.button("removeButton").isEnabled());
+        p.press(p.pane, "removeButton");
+        QTRY_COMPARE(stack.undoText(), QString("Remove"));
+        p.store.write("ab");
+        QTRY_COMPARE(stack.undoText(), QString("Add"));
+        QVERIFY(p.store.rows().moveObjectsInArrangedObjects({0}, 2));
         QTRY_COMPARE(stack.undoText(), QString("Move"));
-        QVERIFY(p.store.letters.setData(p.store.letters.index(0, 1), "A"));
+        QAbstractItemModel &model = *p.store.tableModel();
+        QVERIFY(model.setData(model.index(0, 1), "A"));
         QTest::keyClick(&p.table(), Qt::Key_Z, Qt::ControlModifier); // in the turn of the edit
-        QCOMPARE(p.store.letters.shown(), QString("aXb"));
+        QCOMPARE(p.store.shown(), QString("aXb"));
         QCOMPARE(stack.redoText(), QString("Edit"));
-        stack.undo();
-        stack.undo();
-        stack.undo();
-        QCOMPARE(p.store.letters.shown(), QString("VWX"));
-        QCOMPARE(p.store.letters.content().first(), first); // the same entry, which may be on air
+        stack.setIndex(1);
+        QCOMPARE(p.store.shown(), QString("VWX"));
+        QCOMPARE(p.store.entries().first(), first); // the same entry, which may be on air
         stack.setIndex(stack.count());
-        QCOMPARE(p.store.letters.shown(), QString("AXb"));
+        QCOMPARE(p.store.shown(), QString("AXb"));
         p.store.openRotationNamed("Alpha");
-        p.store.letters.removeAll(); // as part of it
         QTRY_VERIFY(!p.button("removeAllButton").isEnabled());
         QCOMPARE(stack.count(), 0);
     }
@@ -371,43 +354,32 @@ private slots:
     void copiesRowsAndTellsOnceOfLinesThatDoNotFit()
     {
         Pane p;
-        p.pane.setTakeRows([&](const QList<QStringList> &rows) {
-            QList<qsizetype> misfits;
-            QList<Letters<Letter>::Row> fitting;
-            for (qsizetype i = 0; i < rows.size(); ++i) {
-                if (rows.at(i).size() == 2)
-                    fitting.append(std::make_shared<Letter>(Letter{rows.at(i).last()}));
-                else
-                    misfits.append(i);
-            }
-            p.store.letters.addObjects(fitting);
-            return misfits;
-        });
-        p.store.letters.choose({2, 0});
+        p.store.write("VWX");
+        QTRY_COMPARE(p.pane.undoStack()->count(), 1);
+        p.store.choose({2, 0});
         QTest::keyClick(&p.table(), Qt::Key_C, Qt::ControlModifier);
         QCOMPARE(QGuiApplication::clipboard()->text(), QString("\tV\n\tX"));
-        QGuiApplication::clipboard()->setText(QString("\tY\r\n").repeated(2000) + QString("bad %1\n").repeated(3));
+        QGuiApplication::clipboard()->setText(QString("\tY\r\n").repeated(2000) + "bad %1\na\t\na\tb\tc\n");
         QTest::keyClick(&p.table(), Qt::Key_V, Qt::ControlModifier);
         QVERIFY(p.settle());
-        QCOMPARE(p.store.letters.content().size(), 2003);
+        QCOMPARE(p.store.rowCount(), 2003);
         QCOMPARE(p.alerts.shown().size(), 1);
         QVERIFY(p.alerts.texts().first().startsWith("3 of 2003 lines"));
-        QTRY_COMPARE(p.pane.undoStack()->count(), 1);
+        QTRY_COMPARE(p.pane.undoStack()->count(), 2);
     }
 
     void longNamesMakeNothingWide()
     {
         Pane p;
         const QString name = QStringLiteral("<b>x</b>\n") + QString(100000, 'W');
-        p.store.stored.append(name);
-        p.store.openRotationNamed(name);
+        QVERIFY(awaited(p.store.saveUIChanges(name)));
         p.pane.grab();
         QVERIFY2(p.pane.minimumSizeHint().width() <= 440,
                  qPrintable(QString::number(p.pane.minimumSizeHint().width())));
         QDialog *sheet = p.sheet("openButton", "OpenMapRotationWindowController");
         sheet->grab();
         QVERIFY(sheet->width() <= 1024 && sheet->minimumSizeHint().width() <= 1024);
-        p.press(sheet, "closeButton");
+        p.press(*sheet, "closeButton");
         QVERIFY(p.settle());
     }
 };

@@ -46,7 +46,7 @@ struct SettingsFixture : CataloguesFixture {
     /// Connects anew; what the dump lacks is then fetched. The first of it is on its way when it returns.
     void connectAndFetch()
     {
-        server.setCatalogueLoader(&loader);
+        server.setCatalogueLoader(&catalogues);
         exchange.forgetSent();
         exchange.hold();
         QCoro::Task<> connecting = server.connectToHost("192.0.2.1", "50960", "typed");
@@ -157,6 +157,5 @@ struct SettingsFixture : CataloguesFixture {
     }
 
     bool isRanked;
-    Catalogues loader{gametypes, settings, playlists};
     SettingsView view;
 };

@@ -42,14 +42,13 @@ private slots:
         });
         row("all rows are removed", "", [](auto &shown) { shown.rows.removeAll(); });
         row("others are chosen", "XYVWZ", [](auto &shown) { shown.rows.choose({4}); });
-        row("dragging is switched off", "VWXYZ", [](auto &shown) { shown.rows.setDraggingEnabled(false); });
         row("the model is taken away", "VWXYZ", [](auto &shown) { shown.table.setModel(nullptr); });
     }
     void aDropIsWhatWasMeant()
     {
         QFETCH(Disturbance, disturb);
         ShownLetters<Letter> shown(QStringLiteral("VWXYZ"));
-        shown.rows.setKeyHandlingDelegate([&] { shown.rows.removeSelected(); });
+        shown.table.setDeleteHandler([&] { shown.rows.removeSelected(); });
         shown.rows.choose({2, 3});
         const QPoint top = shown.at(0);
         QVERIFY(RealPointer().drag(shown.table, shown.at(3), top, [&] { disturb(shown); }));

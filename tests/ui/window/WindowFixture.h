@@ -30,8 +30,8 @@ struct WindowFixture : CataloguesFixture {
     }
     Workplace workplace()
     {
-        return {server,  actions,      alerts,       preferences,
-                fetcher, reconnecting, catalogues(), {mapRotations, messageRotations}};
+        return {server,  actions,      alerts,     preferences,
+                fetcher, reconnecting, catalogues, {mapRotations, messageRotations}};
     }
 
     TestPreferences preferences{folder};

@@ -1,8 +1,5 @@
-#include "AtomicFile.h"
 #include "CatalogueFixture.h"
 #include "FileSizeLimit.h"
-#include "WorkingCopy.h"
-#include "XmlDocument.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -18,7 +15,21 @@ static QByteArray catalogue(const QByteArray &version, const QByteArray &mark)
     return "<c><version>" + version + "</version><mark>" + mark + "</mark></c>";
 }
 
-class WorkingCopyTest : public QObject
+/// The reader of one catalogue in folders of the test's own.
+struct Reader : ScriptedFolders {
+    explicit Reader(CatalogueReader::Kind readKind = CatalogueReader::Kind::Gametypes) : kind(readKind) {}
+    CatalogueReader::Result read() const { return reader.refreshAndRead(kind); }
+
+    CatalogueReader::Kind kind;
+    RecordedAlerts alerts;
+    CatalogueReader reader{folders(), alerts, nullptr};
+    QString copy = reader.path(kind);
+    QString shipped = reader.shippedPath(kind);
+};
+
+using Result = CatalogueReader::Result;
+
+class CatalogueReaderTest : public QObject
 {
     Q_OBJECT
 private slots:
@@ -52,64 +63,57 @@ private slots:
         QFETCH(bool, isReadOnly);
         QFETCH(QByteArray, userContent);
         QFETCH(QString, expected);
-        const ScriptedFolders files;
-        const WorkingCopy copy(files.folders(), isMaps ? WorkingCopy::maps() : WorkingCopy::gametypes());
+        const Reader files(isMaps ? CatalogueReader::Kind::Maps : CatalogueReader::Kind::Gametypes);
         if (shippedAge != NoFile)
-            QVERIFY(files.write(copy.defaultPath(), catalogue("4.0", "shipped"), shippedAge));
+            QVERIFY(Reader::write(files.shipped, catalogue("4.0", "shipped"), shippedAge));
         if (userAge != NoFile)
-            QVERIFY(files.write(copy.path(), userContent, userAge));
+            QVERIFY(Reader::write(files.copy, userContent, userAge));
         if (shippedAge == userAge && userAge != NoFile) {
-            QFile same(copy.path());
+            QFile same(files.copy);
             QVERIFY(same.open(QIODevice::ReadWrite));
-            QVERIFY(same.setFileTime(QFileInfo(copy.defaultPath()).lastModified(), QFileDevice::FileModificationTime));
+            QVERIFY(same.setFileTime(QFileInfo(files.shipped).lastModified(), QFileDevice::FileModificationTime));
         }
         if (isReadOnly)
-            QVERIFY(QFile::setPermissions(copy.path(), QFileDevice::ReadOwner));
+            QVERIFY(QFile::setPermissions(files.copy, QFileDevice::ReadOwner));
 
-        const WorkingCopy::Result result = copy.refreshAndRead();
+        const Result result = files.read();
         if (!result.document) {
             QCOMPARE(result.state == CatalogueState::Missing ? "missing" : "damaged", expected);
-            QCOMPARE(QFileInfo::exists(copy.path()), expected == "damaged");
-            if (expected == "damaged")
-                QCOMPARE(files.read(copy.path()), userContent);
+            QCOMPARE(Reader::bytes(files.copy), expected == "damaged" ? userContent : QByteArray("<no file>"));
             return;
         }
         QCOMPARE(result.state, CatalogueState::Ready);
         QCOMPARE(result.document->lastText("//mark"), expected);
-        QCOMPARE(files.read(copy.path()), expected == "user" ? userContent : catalogue("4.0", "shipped"));
+        QCOMPARE(Reader::bytes(files.copy), expected == "user" ? userContent : catalogue("4.0", "shipped"));
 
         // The next start changes nothing: what was copied does not look old, and an edit of it stays.
-        const QByteArray edited = catalogue("4.0", "edited");
-        QVERIFY(QFile::setPermissions(copy.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner));
-        QVERIFY(files.write(copy.path(), edited));
-        QCOMPARE(copy.refreshAndRead().document->lastText("//mark"), QString("edited"));
+        QVERIFY(QFile::setPermissions(files.copy, QFileDevice::ReadOwner | QFileDevice::WriteOwner));
+        QVERIFY(Reader::write(files.copy, catalogue("4.0", "edited")));
+        QCOMPARE(files.read().document->lastText("//mark"), QString("edited"));
     }
 
     void copyIsTheUsersOwn()
     {
-        const ScriptedFolders files;
-        CatalogueFolders folders = files.folders();
-        folders.applicationSupport += "/new/one";
-        const WorkingCopy copy(folders, WorkingCopy::gametypes());
-        QVERIFY(files.write(copy.defaultPath(), catalogue("1.0", "first"), 1'000'000));
-        QVERIFY(QFile::setPermissions(copy.defaultPath(), QFileDevice::ReadOwner | QFileDevice::ReadGroup));
-        QCOMPARE(copy.refreshAndRead().state, CatalogueState::Ready);
-        const QFileInfo made(copy.path());
+        const Reader files;
+        QVERIFY(Reader::write(files.shipped, catalogue("1.0", "first"), 1'000'000));
+        QVERIFY(QFile::setPermissions(files.shipped, QFileDevice::ReadOwner | QFileDevice::ReadGroup));
+        QVERIFY(QDir(files.folders().applicationSupport).removeRecursively()); // it is made anew
+        QCOMPARE(files.read().state, CatalogueState::Ready);
+        const QFileInfo made(files.copy);
         QVERIFY(made.permissions() & QFileDevice::WriteOwner);
         // As old as what it was made from: not older, or it would be replaced again and again, and not newer, or a file
         // that a later program ships would be taken for the older one.
-        QCOMPARE(made.lastModified(), QFileInfo(copy.defaultPath()).lastModified());
+        QCOMPARE(made.lastModified(), QFileInfo(files.shipped).lastModified());
     }
 
     void diskIsFull()
     {
-        const ScriptedFolders files;
-        const WorkingCopy copy(files.folders(), WorkingCopy::gametypes());
-        QVERIFY(files.write(copy.defaultPath(), "<c>" + QByteArray(200'000, 'x') + "</c>", 50));
+        const Reader files;
+        QVERIFY(Reader::write(files.shipped, "<c>" + QByteArray(200'000, 'x') + "</c>", 50));
         std::optional<FileSizeLimit> limit(10'000);
-        const WorkingCopy::Result first = copy.refreshAndRead();
-        const bool isUsers = files.write(copy.path(), catalogue("1.0", "user"), 60);
-        const WorkingCopy::Result second = copy.refreshAndRead();
+        const Result first = files.read();
+        const bool isUsers = Reader::write(files.copy, catalogue("1.0", "user"), 60);
+        const Result second = files.read();
         limit.reset();
 
         QCOMPARE(first.state, CatalogueState::Damaged);
@@ -145,11 +149,10 @@ private slots:
     {
         QFETCH(QByteArray, content);
         QFETCH(QString, reason);
-        const ScriptedFolders files;
-        const WorkingCopy copy(files.folders(), WorkingCopy::gametypes());
-        QVERIFY(files.write(copy.path(), content));
-        const WorkingCopy::Result result = copy.refreshAndRead();
-        QCOMPARE(files.read(copy.path()), content);
+        const Reader files;
+        QVERIFY(Reader::write(files.copy, content));
+        const Result result = files.read();
+        QCOMPARE(Reader::bytes(files.copy), content);
         if (reason.isNull()) {
             QCOMPARE(result.state, CatalogueState::Ready);
             QVERIFY(result.document->lastText("//mark").size() < 10); // nothing was put in its place
@@ -157,35 +160,21 @@ private slots:
         }
         QCOMPARE(result.state, CatalogueState::Damaged);
         QVERIFY2(result.error.contains(reason), qPrintable(result.error));
-        QVERIFY(result.error.contains(copy.path()));
+        QVERIFY(result.error.contains(files.copy));
     }
 
     void thingsThatAreNoFiles()
     {
-        const ScriptedFolders files;
-        const WorkingCopy folder(files.folders(), WorkingCopy::gametypes());
-        QVERIFY(files.write(folder.defaultPath(), catalogue("1.0", "shipped"), -50));
-        QVERIFY(QDir().mkpath(folder.path() + "/inside"));
-        QCOMPARE(folder.refreshAndRead().state, CatalogueState::Damaged);
-        QVERIFY(QFileInfo::exists(folder.path() + "/inside")); // somebody's, so it is not removed
-
-        const WorkingCopy pipe(files.folders(), WorkingCopy::settings(true));
-        QCOMPARE(mkfifo(QFile::encodeName(pipe.path()).constData(), 0600), 0);
-        QCOMPARE(pipe.refreshAndRead().state, CatalogueState::Damaged); // does not wait for a writer
-    }
-
-    void keepsPermissions()
-    {
-        const ScriptedFolders files;
-        const QString path = files.user("txt");
-        QVERIFY(AtomicFile::write(path, "first"));
-        QVERIFY(QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner));
-        QVERIFY(AtomicFile::write(path, "second"));
-        QCOMPARE(files.read(path), QByteArray("second"));
-        const QFileDevice::Permissions others = QFileDevice::ReadGroup | QFileDevice::ReadOther;
-        QVERIFY((QFileInfo(path).permissions() & others) == 0);
+        const Reader folder;
+        QVERIFY(Reader::write(folder.shipped, catalogue("1.0", "shipped"), -50));
+        QVERIFY(QDir().mkpath(folder.copy + "/inside"));
+        QCOMPARE(folder.read().state, CatalogueState::Damaged);
+        QVERIFY(QFileInfo::exists(folder.copy + "/inside")); // somebody's, so it is not removed
+        const Reader pipe;
+        QCOMPARE(mkfifo(QFile::encodeName(pipe.copy).constData(), 0600), 0);
+        QCOMPARE(pipe.read().state, CatalogueState::Damaged); // does not wait for a writer
     }
 };
 
-QTEST_GUILESS_MAIN(WorkingCopyTest)
-#include "tst_workingcopy.moc"
+QTEST_GUILESS_MAIN(CatalogueReaderTest)
+#include "tst_cataloguereader.moc"
