@@ -226,8 +226,8 @@ static void measureKicks(Desk &desk, milliseconds roundTrip, qsizetype names)
 static QByteArray configurationOf(const QHash<QString, QString> &held, int *count)
 {
     // What the demo server lets nobody write it answers with a text, whose end only silence tells.
-    static const QSet<QString> unwritable{"gamename",      "mapname",   "net_ip",  "protocol",
-                                          "sv_maxclients", "sv_ranked", "version", "rcon_password"};
+    static const QSet<QString> unwritable{"game_title",  "mapname",   "line_address", "protocol",
+                                          "door_places", "sv_ranked", "version",      "rcon_password"};
     QStringList names = held.keys();
     names.sort();
     QByteArray text;
@@ -292,7 +292,7 @@ static QList<QByteArray> longDump()
     constexpr qsizetype largestPart = 1200;
     QByteArray text;
     for (int i = 0; i < 20'000; ++i)
-        text += "S  scr_variable_number_" + QByteArray::number(i) + " \"value " + QByteArray::number(i * 7) + "\"\n";
+        text += "S  rule_variable_number_" + QByteArray::number(i) + " \"value " + QByteArray::number(i * 7) + "\"\n";
     for (const char *name : {"rcon_password", "sv_hostname", "sv_ranked", "playlist_enabled", "playlist_excludeMap",
                              "playlist_excludeGametype", "playlist_excludeGametypeMap"})
         text += QByteArray(name) + " \"0\"\n";

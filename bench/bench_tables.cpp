@@ -28,7 +28,7 @@ static QString dumpOf(int lines)
 {
     QString text;
     for (int i = 0; i < lines; ++i)
-        text += QStringLiteral("S  scr_variable_number_%1 \"value %2\"\n").arg(i).arg(i * 7);
+        text += QStringLiteral("S  rule_variable_number_%1 \"value %2\"\n").arg(i).arg(i * 7);
     return text;
 }
 
@@ -36,13 +36,13 @@ static QString teamstatusOf(int players, int round)
 {
     QString text = "num score ping guid name team lastmsg address qport rate\n";
     for (int i = 0; i < players; ++i)
-        text += QStringLiteral("%1 %2 %3 90017%1 Player Number %1 allies 0 10.%4.%5.7:%6 77 25000\n")
+        text += QStringLiteral("%1 %2 %3 90017%1 Player Number %1 lamps 0 10.%4.%5.7:%6 77 25000\n")
                     .arg(i)
                     .arg((i * 37 + round * 11) % 500)
                     .arg((i + round) % 200)
                     .arg(i / 250)
                     .arg(i % 250)
-                    .arg(28000 + i);
+                    .arg(50000 + i);
     return text;
 }
 
@@ -107,7 +107,7 @@ static void appendToTranscript(benchmark::State &state)
     for (int i = 0; i < state.range(0); i += 1000)
         transcript.appendConsoleMessage(block);
     for (auto run : state) {
-        transcript.appendConsoleMessage("] status\nmap: mp_harbour\n");
+        transcript.appendConsoleMessage("] status\nmap: ward_harbour\n");
         transcript.grab();
     }
 }
@@ -121,7 +121,7 @@ static QByteArray catalogue()
     QByteArray text = "<settings><version>1</version><SettingInst><name>Everything</name>";
     for (int i = 0; i < settingCount; ++i) {
         const QByteArray number = QByteArray::number(i);
-        text += "<DvarSetting><name>Setting number " + number + "</name><dvar>scr_number_" + number + "</dvar><type>" +
+        text += "<DvarSetting><name>Setting number " + number + "</name><dvar>rule_number_" + number + "</dvar><type>" +
                 (i % 3 == 0 ? "bool" : "int") + "</type><description>What setting number " + number +
                 " does, told in a sentence of ordinary length.</description><category>Category " +
                 QByteArray::number(i % 100) + "</category></DvarSetting>";
@@ -138,7 +138,7 @@ struct Loaded {
             qFatal("the catalogue cannot be written");
         file.close();
         for (int i = 0; i < settingCount; ++i)
-            server.addDvarLine(QStringLiteral("scr_number_%1 \"%2\"").arg(i).arg(i % 2));
+            server.addDvarLine(QStringLiteral("rule_number_%1 \"%2\"").arg(i).arg(i % 2));
     }
 
     void load()

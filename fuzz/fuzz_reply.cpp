@@ -15,7 +15,7 @@ namespace
 constexpr Endpoint server{0x7f000001, 50960};
 constexpr Endpoint stranger{0xcb007101, 50960};
 
-constexpr std::array commands{"status all", "sv_x", "dvardump", "setadmindvar a \"1\""};
+constexpr std::array commands{"status all", "tw_x", "dvardump", "setadmindvar a \"1\""};
 
 /// What holds at every moment of an exchange, whatever comes.
 class Watched

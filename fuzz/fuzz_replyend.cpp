@@ -20,7 +20,7 @@ static void fuzz(const QByteArray &bytes)
     for (qsizetype cut = 0; cut <= any.size(); cut += 1 + any.size() / 16)
         static_cast<void>(growing.isWhole(any.left(cut)));
     static_cast<void>(ReplyEnd::isDumpShort(any));
-    static_cast<void>(ReplyEnd("sv_x").isWhole(any));
+    static_cast<void>(ReplyEnd("tw_x").isWhole(any));
 
     const qsizetype zero = bytes.indexOf('\0');
     const QString value = asValue(bytes.left(zero));
@@ -28,12 +28,12 @@ static void fuzz(const QByteArray &bytes)
     if (value.size() + inForce.size() > 200) // every cut is tried
         return;
     const QString reply =
-        QStringLiteral("\"sv_x\" is: \"") + value + QStringLiteral("\" in force: \"") + inForce + "\"\n";
+        QStringLiteral("\"tw_x\" is: \"") + value + QStringLiteral("\" in force: \"") + inForce + "\"\n";
     const QStringList fields = quotedStrings(reply);
     for (qsizetype cut = 0; cut <= reply.size(); ++cut) {
         const QString part = reply.left(cut);
-        if (ReplyEnd("sv_x").isWhole(part))
+        if (ReplyEnd("tw_x").isWhole(part))
             require(quotedStrings(part) == fields, "what is taken for whole tells what the whole tells");
     }
-    require(fields.size() != 3 || ReplyEnd("sv_x").isWhole(reply), "a whole reply is known as one");
+    require(fields.size() != 3 || ReplyEnd("tw_x").isWhole(reply), "a whole reply is known as one");
 }

@@ -28,7 +28,7 @@ static void checkBuilding(const QList<RotationRow> &rows)
         return isPlain(row.map) && isPlain(row.gametype) && row.map.trimmed() == row.map;
     });
     if (arePlain)
-        require(parseRotation(built.text, "tdm", itself, itself) == rows, "a rotation is read again");
+        require(parseRotation(built.text, "crews", itself, itself) == rows, "a rotation is read again");
 
     BuiltRotation none = buildRotation(rows, unknown, unknown);
     require(none.isComplete() == rows.isEmpty() && none.text.isEmpty(), "unknown names are told");
@@ -41,7 +41,7 @@ static void fuzz(const QByteArray &bytes)
 {
     const QString reply = QString::fromLatin1(bytes);
     for (const QString &text : {parseMapResponse(reply), reply}) {
-        const QList<RotationRow> rows = parseRotation(text, "tdm", itself, itself);
+        const QList<RotationRow> rows = parseRotation(text, "crews", itself, itself);
         require(rows.size() <= text.count(u' ') + 1, "a row takes a word");
         checkBuilding(rows);
     }

@@ -26,7 +26,7 @@ void Journey::saveAConfiguration()
     auto &gametypes = *control<QAbstractItemView>(builder, "configBuilderGametypeSettingsTable");
     Hands::click(groups, Hands::find(groups, "Network"));
     Hands::click(groups, Hands::find(groups, "Server"), Qt::ControlModifier);
-    Hands::click(gametypes, Hands::find(gametypes, "Domination"));
+    Hands::click(gametypes, Hands::find(gametypes, "Dock Watch"));
     takePicture("config");
     Hands::click(builder, "saveConfigButton");
     chooseFile("saveConfigPanel", configurationPath());
@@ -35,7 +35,8 @@ void Journey::saveAConfiguration()
     const QByteArray text = file.readAll();
     const qsizetype network = text.indexOf("// 'Network' Settings");
     const qsizetype server = text.indexOf("// 'Server' Settings");
-    expect(network > 0 && server > network && text.contains("sv_maxPing \"350\"") && !text.contains("rcon_password"),
+    expect(network > 0 && server > network && text.contains("line_highestPing \"350\"") &&
+               !text.contains("rcon_password"),
            "the file has the sections in the order of their selection");
 }
 
@@ -64,7 +65,7 @@ void Journey::changeSettings()
     editSetting("Play time-out", "121");
     editSetting("Connect time-out", "91");
     takePicture("settings");
-    expect(m_server.variable("sv_maxPing") == "201", "the server has the edited value");
+    expect(m_server.variable("line_highestPing") == "201", "the server has the edited value");
 }
 
 void Journey::compareAndLoad()
@@ -76,7 +77,7 @@ void Journey::compareAndLoad()
     const QDialog &comparison = waitForSheet(name);
     takePicture("compare");
     const auto &table = *control<QAbstractItemView>(comparison, "comparisonTableView");
-    const QModelIndex ping = Hands::find(table, "sv_maxPing");
+    const QModelIndex ping = Hands::find(table, "line_highestPing");
     expect(ping.siblingAtColumn(1).data() == "201" && ping.siblingAtColumn(2).data() == "350",
            "the comparison shows the value now and the file's");
     const auto writes = [this] {
@@ -87,6 +88,6 @@ void Journey::compareAndLoad()
     expect(waitUntil([&] { return writes() == before + 3; }) && sheet("ProgressWindowController") != nullptr,
            "loading shows how far it is");
     takePicture("loading");
-    expect(waitUntilIdle() && writes() == before + 3 && m_server.variable("sv_maxPing") == "350",
+    expect(waitUntilIdle() && writes() == before + 3 && m_server.variable("line_highestPing") == "350",
            "only what differs is written");
 }

@@ -29,7 +29,7 @@ void Journey::loadAMap()
     Hands::click(maps, "loadMapButton");
     expect(waitUntil([&] { return currentMap.text() == name; }) && waitUntilIdle(), "the chosen map is loaded");
     takePicture("maps");
-    expect(m_server.variable("mapname") == "mp_orchardwall", "the server plays the chosen map");
+    expect(m_server.variable("mapname") == "ward_orchardwall", "the server plays the chosen map");
 }
 
 static QAbstractItemView &builderOf(const QWidget &maps)
@@ -51,9 +51,9 @@ void Journey::buildARotation()
     QAbstractItemView &table = builderOf(maps);
     Hands::click(maps, "addMapButton");
     const QDialog &picker = waitForSheet("mapGametypePairPanel");
-    addPair(picker, "Lantern Row", "Capture the Flag");
-    addPair(picker, "Saltworks", "Domination");
-    addPair(picker, "Signal Hill", "King of the Hill");
+    addPair(picker, "Lantern Row", "Carry the Lantern");
+    addPair(picker, "Saltworks", "Dock Watch");
+    addPair(picker, "Signal Hill", "Keep the Beacon");
     const auto &removeAll = *control<QPushButton>(maps, "removeAllButton");
     expect(waitUntil([&] { return removeAll.isEnabled(); }), "what was added can be removed");
     takePicture("picker");
@@ -83,8 +83,8 @@ void Journey::setTheRotation()
     Hands::click(maps, "setBuiltRotationButton");
     expect(waitUntilIdle(), "the rotation is set");
     takePicture("rotation");
-    const QString expected = "gametype dom map mp_saltworks gametype ctf map mp_lanternrow gametype "
-                             "koth map mp_signalhill";
+    const QString expected = "gametype docks map ward_saltworks gametype carry map ward_lanternrow gametype "
+                             "beacon map ward_signalhill";
     expect(m_server.variable("sv_mapRotation").trimmed() == expected, "the server has the rotation");
     const auto &rotation = *control<QAbstractItemView>(maps, "mapServerRotationTableView");
     expect(shownTexts(rotation) == plannedMaps() &&
@@ -166,5 +166,5 @@ void Journey::excludeAMap()
     Hands::click(playlists, "applyExclusionsButton");
     expect(waitUntilIdle() && unsent.text().isEmpty(), "the exclusions are applied");
     takePicture("playlists");
-    expect(m_playlistServer.variable("playlist_excludeMap").contains("mp_papermill"), "the server excludes the map");
+    expect(m_playlistServer.variable("playlist_excludeMap").contains("ward_papermill"), "the server excludes the map");
 }

@@ -198,8 +198,8 @@ void Hand::typeInto(QLineEdit &field)
 QString Hand::textFor(const QLineEdit &field)
 {
     static const QStringList words{"Friday", "^3Harbour", "a \"b\" c", "s", "Rowan ~", QString()};
-    static const QStringList commands{"status",       "cmdlist",  "g_gravity", "nothing",
-                                      "fast_restart", "dvardump", " ",         "say from afar"};
+    static const QStringList commands{"status",   "commands", "world_gravity", "nothing", "fast_restart",
+                                      "dvardump", " ",        "say from afar"};
     const QString name = field.objectName();
     if (name.contains("assword") || field.echoMode() == QLineEdit::Password)
         return isChance(10) ? "wrong" : "demo";

@@ -11,7 +11,7 @@ DemoVariables setUp(const DemoOptions &options, int capacity)
     DemoVariables variables;
     variables.assign(QStringLiteral("rcon_password"), options.password);
     variables.assign(QStringLiteral("sv_ranked"), options.ranked ? QStringLiteral("2") : QStringLiteral("0"));
-    variables.assign(QStringLiteral("sv_maxclients"), QString::number(capacity));
+    variables.assign(QStringLiteral("door_places"), QString::number(capacity));
     if (options.playlists) {
         variables.assign(QStringLiteral("playlist_enabled"), QStringLiteral("1"));
         variables.assign(QStringLiteral("playlist"), QStringLiteral("7"));
@@ -48,9 +48,9 @@ void DemoGame::advance(std::chrono::milliseconds time)
 
 bool DemoGame::isRoundOver() const
 {
-    const QString stem = QStringLiteral("scr_%1_").arg(QLatin1StringView(m_gametype->name));
-    const int scoreLimit = m_variables.value(stem + QStringLiteral("scorelimit")).toInt();
-    const double timeLimit = m_variables.value(stem + QStringLiteral("timelimit")).toDouble() * 60'000;
+    const QString stem = QStringLiteral("rule_%1_").arg(QLatin1StringView(m_gametype->name));
+    const int scoreLimit = m_variables.value(stem + QStringLiteral("points")).toInt();
+    const double timeLimit = m_variables.value(stem + QStringLiteral("minutes")).toDouble() * 60'000;
     return (scoreLimit > 0 && m_players.leadingScore() >= scoreLimit) ||
            (timeLimit > 0 && static_cast<double>(m_now - m_roundBegan) >= timeLimit);
 }

@@ -33,7 +33,7 @@ std::span<const DemoGame::Command> DemoGame::commands()
     static constexpr auto Commands = std::to_array<Command>({
         {"banclient", &DemoGame::removeClient},
         {"clientkick", &DemoGame::removeClient},
-        {"cmdlist", &DemoGame::listCommands},
+        {"commands", &DemoGame::listCommands},
         {"dvardump", &DemoGame::dumpVariables},
         {"fast_restart", &DemoGame::fastRestart},
         {"kick", &DemoGame::kickAll},
@@ -96,15 +96,15 @@ QString DemoGame::write(const QString &name, const QString &value)
     case DemoVariables::Outcome::Written:
         return {};
     case DemoVariables::Outcome::Unknown:
-        return QStringLiteral("dvar '%1' does not exist\n").arg(name);
+        return QStringLiteral("There is no variable '%1'\n").arg(name);
     case DemoVariables::Outcome::ReadOnly:
-        return QStringLiteral("dvar '%1' is read only\n").arg(name);
+        return QStringLiteral("The variable '%1' cannot be written\n").arg(name);
     case DemoVariables::Outcome::TooLong:
-        return QStringLiteral("the value for dvar '%1' is too long\n").arg(name);
+        return QStringLiteral("The value is too long for '%1'\n").arg(name);
     case DemoVariables::Outcome::NotValid:
         break;
     }
-    return QStringLiteral("\"%1\" is not a valid value for dvar '%2'\n").arg(value, name) + m_variables.domain(name);
+    return QStringLiteral("\"%1\" is not a valid value for '%2'\n").arg(value, name) + m_variables.domain(name);
 }
 
 QString DemoGame::showTeamStatus(const QStringList &)
@@ -114,7 +114,7 @@ QString DemoGame::showTeamStatus(const QStringList &)
 
 QString DemoGame::showStatus(const QStringList &)
 {
-    return QStringLiteral("hostname: %1\nmap: %2\ngametype: %3\nplayers: %4 of %5\n\n")
+    return QStringLiteral("server: %1\nmap: %2\ngametype: %3\nplayers: %4 of %5\n\n")
                .arg(variable(QStringLiteral("sv_hostname")), variable(QStringLiteral("mapname")),
                     QLatin1StringView(m_gametype->name), QString::number(m_players.count()),
                     QString::number(m_players.capacity())) +
@@ -137,7 +137,7 @@ QString DemoGame::removeClient(const QStringList &words)
         mayReturnAt = DemoPlayers::Never;
     } else if (command == u"tempbanclient") {
         outcome = QStringLiteral("%1^7 was banned for a while\n");
-        mayReturnAt = m_now + variable(QStringLiteral("sv_tempBanTime")).toLongLong() * 1000;
+        mayReturnAt = m_now + variable(QStringLiteral("guard_awayTime")).toLongLong() * 1000;
     }
     outcome = outcome.arg(m_players.nameOf(number));
     m_players.remove(number, mayReturnAt);
@@ -160,12 +160,12 @@ QString DemoGame::tell(const QStringList &words)
     const int number = clientNumber(words.at(1));
     if (!m_players.isActive(number))
         return notActive(words.at(1));
-    return QStringLiteral("console to %1^7: %2\n").arg(m_players.nameOf(number), words.mid(2).join(u' '));
+    return QStringLiteral("tower to %1^7: %2\n").arg(m_players.nameOf(number), words.mid(2).join(u' '));
 }
 
 QString DemoGame::say(const QStringList &words)
 {
-    return QStringLiteral("console: %1\n").arg(words.mid(1).join(u' '));
+    return QStringLiteral("tower: %1\n").arg(words.mid(1).join(u' '));
 }
 
 QString DemoGame::loadMap(const QStringList &words)
@@ -173,7 +173,7 @@ QString DemoGame::loadMap(const QStringList &words)
     if (words.size() < 2)
         return usage(QStringLiteral("map <map name>"));
     if (!isDemoMap(words.at(1)))
-        return QStringLiteral("Can't find map %1\n").arg(words.at(1));
+        return QStringLiteral("There is no map %1\n").arg(words.at(1));
     return startMatch({{}, words.at(1)});
 }
 

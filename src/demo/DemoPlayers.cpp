@@ -55,16 +55,16 @@ DemoPlayers::Person DemoPlayers::inventPerson(std::size_t index, DemoRandom &ran
 QString DemoPlayers::teamName(Team team)
 {
     switch (team) {
-    case Team::Free:
-        return QStringLiteral("free");
-    case Team::Allies:
-        return QStringLiteral("allies");
-    case Team::Axis:
-        return QStringLiteral("axis");
-    case Team::Spectator:
+    case Team::Alone:
+        return QStringLiteral("alone");
+    case Team::Lamps:
+        return QStringLiteral("lamps");
+    case Team::Wardens:
+        return QStringLiteral("wardens");
+    case Team::Watcher:
         break;
     }
-    return QStringLiteral("spectator");
+    return QStringLiteral("watcher");
 }
 
 const DemoPlayers::Player *DemoPlayers::find(int number) const
@@ -86,7 +86,7 @@ DemoPlayers::Team DemoPlayers::smallerTeam() const
         return std::count_if(m_players.begin(), m_players.end(),
                              [team](const Player &player) { return player.team == team; });
     };
-    return size(Team::Axis) < size(Team::Allies) ? Team::Axis : Team::Allies;
+    return size(Team::Wardens) < size(Team::Lamps) ? Team::Wardens : Team::Lamps;
 }
 
 void DemoPlayers::letSomebodyIn(qint64 now, DemoRandom &random)
@@ -111,9 +111,9 @@ void DemoPlayers::letSomebodyIn(qint64 now, DemoRandom &random)
     player.person = chosen;
     player.ping = random.oneIn(6) ? random.between(120, 220) : random.between(18, 90);
     if (random.oneIn(14))
-        player.team = Team::Spectator;
+        player.team = Team::Watcher;
     else
-        player.team = m_isTeamGame ? smallerTeam() : Team::Free;
+        player.team = m_isTeamGame ? smallerTeam() : Team::Alone;
     m_persons[chosen].isPlaying = true;
     m_players.insert(place, player);
 }
@@ -134,11 +134,11 @@ void DemoPlayers::startRound(bool isTeamGame)
     const bool isOtherKind = std::exchange(m_isTeamGame, isTeamGame) != isTeamGame;
     for (Player &player : m_players) {
         player.score = 0;
-        if (isOtherKind && player.team != Team::Spectator)
-            player.team = Team::Free;
+        if (isOtherKind && player.team != Team::Watcher)
+            player.team = Team::Alone;
     }
     for (Player &player : m_players) {
-        if (isTeamGame && player.team == Team::Free)
+        if (isTeamGame && player.team == Team::Alone)
             player.team = smallerTeam();
     }
 }
@@ -146,7 +146,7 @@ void DemoPlayers::startRound(bool isTeamGame)
 void DemoPlayers::catchUp(const DemoGametype &gametype, DemoRandom &random)
 {
     for (Player &player : m_players) {
-        if (player.team != Team::Spectator)
+        if (player.team != Team::Watcher)
             player.score = gametype.points * random.between(0, 12);
     }
 }
@@ -154,7 +154,7 @@ void DemoPlayers::catchUp(const DemoGametype &gametype, DemoRandom &random)
 void DemoPlayers::step(qint64 now, const DemoGametype &gametype, DemoRandom &random)
 {
     for (Player &player : m_players) {
-        if (player.team != Team::Spectator && random.oneIn(10 * StepsInASecond))
+        if (player.team != Team::Watcher && random.oneIn(10 * StepsInASecond))
             player.score += gametype.points;
         if (random.oneIn(StepsInASecond))
             player.ping = std::clamp(player.ping + random.between(-4, 4), 5, 250);
@@ -179,14 +179,14 @@ void DemoPlayers::comeAndGo(qint64 now, DemoRandom &random)
 int DemoPlayers::leadingScore() const
 {
     int best = 0;
-    int allies = 0;
-    int axis = 0;
+    int lamps = 0;
+    int wardens = 0;
     for (const Player &player : m_players) {
         best = std::max(best, player.score);
-        allies += player.team == Team::Allies ? player.score : 0;
-        axis += player.team == Team::Axis ? player.score : 0;
+        lamps += player.team == Team::Lamps ? player.score : 0;
+        wardens += player.team == Team::Wardens ? player.score : 0;
     }
-    return m_isTeamGame ? std::max(allies, axis) : best;
+    return m_isTeamGame ? std::max(lamps, wardens) : best;
 }
 
 QString DemoPlayers::teamStatus() const
@@ -200,7 +200,7 @@ QString DemoPlayers::teamStatus() const
                            person.address);
     }
     // The server records every match; its recorder counts as a client of its own.
-    text += statusLine(m_capacity, 0, 0, QStringLiteral("0"), QStringLiteral("democlient"), teamName(Team::Spectator),
+    text += statusLine(m_capacity, 0, 0, QStringLiteral("0"), QStringLiteral("democlient"), teamName(Team::Watcher),
                        QStringLiteral("127.0.0.1:0"));
     return text;
 }

@@ -50,11 +50,11 @@ private:
         qint64 mayReturnAt = 0;
         bool isPlaying = false;
     };
-    enum class Team { Free, Allies, Axis, Spectator };
+    enum class Team { Alone, Lamps, Wardens, Watcher };
     struct Player {
         int number = 0;
         std::size_t person = 0;
-        Team team = Team::Free;
+        Team team = Team::Alone;
         int score = 0;
         int ping = 0;
     };

@@ -13,8 +13,8 @@ struct DemoMatch {
     QString map;
 };
 
-/// Takes the first match off a rotation of the form "gametype tdm map mp_a map mp_b gametype dom map mp_c"; a map
-/// name may stand without "map". Nothing is left in `rotation`, and nothing returned, when it names no map.
+/// Takes the first match off a rotation of the form "gametype crews map ward_a map ward_b gametype docks map ward_c"; a
+/// map name may stand without "map". Nothing is left in `rotation`, and nothing returned, when it names no map.
 std::optional<DemoMatch> takeNextMatch(QString &rotation);
 
 /// Chooses a match of the running playlist, excluded maps, gametypes and pairs left out, another map than

@@ -24,14 +24,14 @@ DemoVariables::DemoVariables()
     for (const DemoMap &map : demoMaps())
         add(QString::fromLatin1(map.excludeVariable), QStringLiteral("0"), Row{"", "", Row::Switch});
     for (const DemoGametype &gametype : demoGametypes()) {
-        const QString stem = QStringLiteral("scr_%1_").arg(QLatin1StringView(gametype.name));
-        add(stem + QStringLiteral("extratime"), QStringLiteral("0"), Row{"", "", Row::Switch});
-        add(stem + QStringLiteral("numlives"), QStringLiteral("0"), Row{"", "", Row::Integer, 0, 25});
-        add(stem + QStringLiteral("respawndelay"), QStringLiteral("0"), Row{"", "", Row::Decimal, 0, 60});
-        add(stem + QStringLiteral("roundlimit"), QStringLiteral("1"), Row{"", "", Row::Integer, 0, 12});
-        add(stem + QStringLiteral("scorelimit"), QString::fromLatin1(gametype.scoreLimit),
+        const QString stem = QStringLiteral("rule_%1_").arg(QLatin1StringView(gametype.name));
+        add(stem + QStringLiteral("overtime"), QStringLiteral("0"), Row{"", "", Row::Switch});
+        add(stem + QStringLiteral("turns"), QStringLiteral("0"), Row{"", "", Row::Integer, 0, 25});
+        add(stem + QStringLiteral("wait"), QStringLiteral("0"), Row{"", "", Row::Decimal, 0, 60});
+        add(stem + QStringLiteral("rounds"), QStringLiteral("1"), Row{"", "", Row::Integer, 0, 12});
+        add(stem + QStringLiteral("points"), QString::fromLatin1(gametype.scoreLimit),
             Row{"", "", Row::Integer, 0, 50000});
-        add(stem + QStringLiteral("timelimit"), QString::fromLatin1(gametype.timeLimit),
+        add(stem + QStringLiteral("minutes"), QString::fromLatin1(gametype.timeLimit),
             Row{"", "", Row::Decimal, 0, 1440});
     }
 }
@@ -130,18 +130,18 @@ QString DemoVariables::domain(const QString &name) const
     case DemoVariableRow::Text:
         return {};
     case DemoVariableRow::Switch:
-        return QStringLiteral("  Domain is 0 or 1\n");
+        return QStringLiteral("  Takes 0 or 1\n");
     case DemoVariableRow::Integer:
-        return QStringLiteral("  Domain is any integer from %1 to %2\n").arg(variable.lowest).arg(variable.highest);
+        return QStringLiteral("  Takes any whole number from %1 to %2\n").arg(variable.lowest).arg(variable.highest);
     case DemoVariableRow::Decimal:
-        return QStringLiteral("  Domain is any number from %1 to %2\n").arg(variable.lowest).arg(variable.highest);
+        return QStringLiteral("  Takes any number from %1 to %2\n").arg(variable.lowest).arg(variable.highest);
     case DemoVariableRow::Gametype:
         break;
     }
     QString names;
     for (const DemoGametype &gametype : demoGametypes())
         names += u' ' + QString::fromLatin1(gametype.name);
-    return QStringLiteral("  Domain is one of:") + names + u'\n';
+    return QStringLiteral("  Takes one of:") + names + u'\n';
 }
 
 QString DemoVariables::dump(bool withCount) const

@@ -23,7 +23,7 @@ using NameLookup = std::function<QString(const QString &)>;
 /// @return the value in the reply to a variable's name; empty when the reply holds none. Any thread.
 QString parseMapResponse(const QString &reply);
 
-/// Reads a rotation such as "gametype tdm map mp_a map mp_b". A map may stand without "map" before it.
+/// Reads a rotation such as "gametype crews map ward_a map ward_b". A map may stand without "map" before it.
 /// Of more than mostRotationRows steps the rest is left out.
 /// @param gametype  display name of what is played until the rotation names another gametype.
 QList<RotationRow> parseRotation(const QString &rotation, const QString &gametype, const NameLookup &findMap,
@@ -39,7 +39,7 @@ struct BuiltRotation {
     bool isComplete() const { return unknownMaps.isEmpty() && unknownGametypes.isEmpty(); }
 };
 
-/// Turns the names that users know into the server's: "gametype tdm map mp_a gametype tdm map mp_b".
+/// Turns the names that users know into the server's: "gametype crews map ward_a gametype crews map ward_b".
 /// @param findMapDvar, findGametypeDvar  the server's name for what users know by a name; empty when it is unknown.
 BuiltRotation buildRotation(const QList<RotationRow> &rows, const NameLookup &findMapDvar,
                             const NameLookup &findGametypeDvar);

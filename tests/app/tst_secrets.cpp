@@ -80,8 +80,8 @@ private slots:
             return application.server().isConnected() && application.actions().isIdle();
         };
         QVERIFY(QTest::qWaitFor(isSettled, 30000));
-        QTest::keyClicks(control<QLineEdit>(window, "consoleInput"), "say 1; set g_password game-q38-vk6\r");
-        awaited(application.server().setDvar("g_password", "game-q38-vk7"));
+        QTest::keyClicks(control<QLineEdit>(window, "consoleInput"), "say 1; set door_password game-q38-vk6\r");
+        awaited(application.server().setDvar("door_password", "game-q38-vk7"));
         QVERIFY(QTest::qWaitFor(isSettled, 30000));
         const QWidget &settings = *control<QWidget>(window, "unrankedSettingsView");
         auto *groups = control<QListWidget>(settings, "settingsGroupList");

@@ -46,24 +46,24 @@ private slots:
     {
         LoadedCatalogues loaded;
         QVERIFY(loaded.loadGametypes("<any><version>1</version>" + gametype("Twice", "first") + "<deeper>" +
-                                     gametype("Team", "tdm") + gametype("Also Team", "tdm") + "</deeper>" +
+                                     gametype("Team", "crews") + gametype("Also Team", "crews") + "</deeper>" +
                                      gametype("Twice", "second") + "<Gametype><name>Short</name></Gametype>" +
                                      "<deeper><version>2</version></deeper></any>"));
         const KelGametype &gametypes = loaded.gametypes;
         QCOMPARE(namesOf(gametypes.arrangedGametypes()), QStringList({"Twice", "Team", "Also Team", "Twice", "Short"}));
         QCOMPARE(gametypes.gametypeList().size(), 4);
-        QCOMPARE(gametypes.findGametypeByDvar("tdm"), QString("Team"));
-        QCOMPARE(gametypes.findGametypeByDvar("TDM"), QString("TDM"));
+        QCOMPARE(gametypes.findGametypeByDvar("crews"), QString("Team"));
+        QCOMPARE(gametypes.findGametypeByDvar("CREWS"), QString("CREWS"));
         QCOMPARE(gametypes.findGametypeByDvar("first"), QString("first")); // the later of the two took its place
         QCOMPARE(gametypes.findGametypeByName("Twice")->dvarName(), QString("second"));
-        QVERIFY(!gametypes.findGametypeByName("tdm"));
+        QVERIFY(!gametypes.findGametypeByName("crews"));
     }
 
     void findsGametypesByFormerNames()
     {
         LoadedCatalogues loaded;
         QVERIFY(loaded.files.write(loaded.files.folders().resources + "/former.names", "Old\tNew\nKept\tNew\n"));
-        KelGametype gametypes(loaded.server, loaded.reader);
+        KelGametype gametypes(loaded.session.server, loaded.reader);
         gametypes.takeDocument(*XmlDocument::parse("<g>" + gametype("New", "n") + gametype("Kept", "k") + "</g>"));
         QCOMPARE(gametypes.findGametypeByName("Old")->dvarName(), QString("n"));
         QCOMPARE(gametypes.findGametypeByName("Kept")->dvarName(), QString("k")); // a catalogue of the user's own
@@ -115,19 +115,19 @@ private slots:
     void loadsMaps()
     {
         LoadedCatalogues loaded;
-        QVERIFY(loaded.loadMaps(maps(map("Twice", "mp_first") + map("Quay", "mp_quay", "<name>Old Quay</name>") +
-                                     "<more>" + map("Mill", "mp_mill", "<excludeDvar>ex_mill</excludeDvar>") +
-                                     "</more>" + map("Twice", "mp_second"))));
+        QVERIFY(loaded.loadMaps(maps(map("Twice", "ward_first") + map("Quay", "ward_quay", "<name>Old Quay</name>") +
+                                     "<more>" + map("Mill", "ward_mill", "<excludeDvar>ex_mill</excludeDvar>") +
+                                     "</more>" + map("Twice", "ward_second"))));
         const QList<MapInst> all = loaded.maps.arrangedMaps();
         QCOMPARE(all.size(), 4);
         QCOMPARE(all.at(1).name, QString("Old Quay")); // the last name counts
         QVERIFY(all.at(1).excludeDvar.isNull());
-        QCOMPARE(all.at(2).description(), QString("name=Mill dvarName=mp_mill excludeDvar=ex_mill"));
+        QCOMPARE(all.at(2).description(), QString("name=Mill dvarName=ward_mill excludeDvar=ex_mill"));
         QCOMPARE(loaded.maps.list().size(), 3);
-        QCOMPARE(loaded.maps.list().value("Twice").dvarName, QString("mp_second"));
-        QCOMPARE(loaded.maps.findMapByDvar("mp_mill"), QString("Mill"));
-        QCOMPARE(loaded.maps.findMapByDvar("MP_MILL"), QString("MP_MILL"));
-        QCOMPARE(loaded.maps.findMapByDvar("mp_first"), QString("mp_first"));
+        QCOMPARE(loaded.maps.list().value("Twice").dvarName, QString("ward_second"));
+        QCOMPARE(loaded.maps.findMapByDvar("ward_mill"), QString("Mill"));
+        QCOMPARE(loaded.maps.findMapByDvar("WARD_MILL"), QString("WARD_MILL"));
+        QCOMPARE(loaded.maps.findMapByDvar("ward_first"), QString("ward_first"));
     }
 
     void filtersMaps()
@@ -170,9 +170,10 @@ private slots:
     void damagedKeepsWhatWasLoaded()
     {
         LoadedCatalogues loaded;
-        QVERIFY(loaded.loadGametypes("<g><version>1</version>" + gametype("Team", "tdm", setting("a", "b")) + "</g>"));
+        QVERIFY(
+            loaded.loadGametypes("<g><version>1</version>" + gametype("Team", "crews", setting("a", "b")) + "</g>"));
         QVERIFY(loaded.loadSettings("<s>" + group("G") + "</s>"));
-        QVERIFY(loaded.loadMaps(maps(map("Quay", "mp_quay"))));
+        QVERIFY(loaded.loadMaps(maps(map("Quay", "ward_quay"))));
         const auto selected = loaded.gametypes.selectedSettingList();
         QCOMPARE(loaded.session.alerts.shown().size(), 0);
 
@@ -185,7 +186,7 @@ private slots:
             QVERIFY2(text.contains("FerrowRcon.exe.") && text.contains("Line 2"), qPrintable(text));
         QCOMPARE(loaded.gametypes.selectedSettingList(), selected);
         QCOMPARE(loaded.settings.arrangedGroups(), QStringList{"G"});
-        QCOMPARE(loaded.maps.findMapByDvar("mp_quay"), QString("Quay"));
+        QCOMPARE(loaded.maps.findMapByDvar("ward_quay"), QString("Quay"));
         QCOMPARE(loaded.terminations, 0);
     }
 

@@ -127,7 +127,7 @@ private:
     static std::shared_ptr<DvarSetting> setting(ScriptedSession &session, const QString &type = "string")
     {
         auto made = std::make_shared<DvarSetting>(session.server);
-        made->setDvar("g_gravity");
+        made->setDvar("world_gravity");
         made->setType(type);
         return made;
     }

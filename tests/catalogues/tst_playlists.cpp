@@ -41,13 +41,13 @@ private slots:
         const auto row = [](const char *name, const QString &parsed, const QString &text) {
             QTest::newRow(name) << parsed << text;
         };
-        row("both kinds", "All (dm)\nMix (id=7)|",
-            "gametype  dm x\n\tname english \"All\"\n\nplaylist 7\r\n name english \"Mix\"\r\n\r\n");
+        row("both kinds", "All (alone)\nMix (id=7)|",
+            "gametype  alone x\n\tname english \"All\"\n\nplaylist 7\r\n name english \"Mix\"\r\n\r\n");
         row("no blank line at the end", "A (id=1)|",
             "playlist 1\nname english \"A\"\n\nplaylist 2\nname english \"B\"");
         row("line break at the end", "A (id=1)|", "playlist 1\nname english \"A\"\n");
-        row("abandoned", "B (dm)", "playlist 1\nname english \"A\"\ngametype dm\nname english \"B\"\n\n");
-        row("nameless", "", "playlist 1\ndescription english \"A\"\n\ngametype dm\n\n");
+        row("abandoned", "B (alone)", "playlist 1\nname english \"A\"\ngametype alone\nname english \"B\"\n\n");
+        row("nameless", "", "playlist 1\ndescription english \"A\"\n\ngametype alone\n\n");
         row("stakes", "", "playlist 1\nname english \"A\"\nwagerentry 1\nname english \"B\"\n\n");
         row("no number", "A (id=0)|", "playlist one\nname english \"A\"\n\n");
         row("description", "A (id=1)|Fast fun games",
@@ -85,14 +85,16 @@ private slots:
         QTest::addColumn<QStringList>("values"); // playlist, maps, gametypes, pairs
         QTest::addColumn<QString>("exclusions");
         QTest::addColumn<QString>("current");
-        QTest::newRow("names") << QStringList{"3", "mp_ropeway  mp_new", "dm new", "dm mp_ropeway new mp_new"}
-                               << "Ropeway/<any gametype>\nmp_new/<any gametype>\n<any map>/Free for All\n"
-                                  "<any map>/new\nRopeway/Free for All\nmp_new/new"
-                               << "Hold Your Ground";
-        QTest::newRow("quotes around") << QStringList{"3.7", "\"\"mp_ropeway\"", "\"\"", "\"dm mp_millrace tdm\""}
-                                       << "Ropeway/<any gametype>\nMillrace/Free for All"
-                                       << "Hold Your Ground";
-        QTest::newRow("unknown number") << QStringList{"21", " ", "\"", "dm"} << ""
+        QTest::newRow("names") << QStringList{"3", "ward_ropeway  ward_new", "alone new",
+                                              "alone ward_ropeway new ward_new"}
+                               << "Ropeway/<any gametype>\nward_new/<any gametype>\n<any map>/Every Lamp Alone\n"
+                                  "<any map>/new\nRopeway/Every Lamp Alone\nward_new/new"
+                               << "Docks and Beacons";
+        QTest::newRow("quotes around") << QStringList{"3.7", "\"\"ward_ropeway\"", "\"\"",
+                                                      "\"alone ward_millrace crews\""}
+                                       << "Ropeway/<any gametype>\nMillrace/Every Lamp Alone"
+                                       << "Docks and Beacons";
+        QTest::newRow("unknown number") << QStringList{"21", " ", "\"", "alone"} << ""
                                         << "-"; // for stakes
     }
     void followsTheServer()

@@ -12,14 +12,14 @@ using End = PendingDvars::End;
 namespace
 {
 
-/// A server that tells g_a, g_b and scr_a when it is asked, and does not know g_c.
+/// A server that tells h_a, h_b and rule_a when it is asked, and does not know h_c.
 struct Session : FetchingSession {
     Session()
     {
         exchange.answer("dvardump", ScriptedExchange::dump());
-        for (const char *name : {"g_a", "g_b", "scr_a"})
+        for (const char *name : {"h_a", "h_b", "rule_a"})
             exchange.answer(name, ScriptedExchange::ok(QString("\"%1\" is: \"1\" in force: \"1\"\n").arg(name)));
-        exchange.answer("g_c", ScriptedExchange::ok("Unknown command \"g_c\"\n"));
+        exchange.answer("h_c", ScriptedExchange::ok("Unknown command \"h_c\"\n"));
         server.setCatalogueLoader(&catalogues);
     }
     ~Session()
@@ -49,7 +49,7 @@ struct Session : FetchingSession {
         actions.start(connectWithTurn(this, "192.0.2.1"));
         exchange.release();
         QTRY_COMPARE(exchange.keptCount(), 1);
-        QTRY_COMPARE(exchange.sent(), QStringList({"dvardump", "g_a"}));
+        QTRY_COMPARE(exchange.sent(), QStringList({"dvardump", "h_a"}));
         exchange.forgetSent();
     }
     /// Gives every reply until the waiting has ended.
@@ -80,7 +80,7 @@ private slots:
         Session session;
         session.exchange.answer("clientkick 3", ScriptedExchange::ok());
         session.connectAndHold();
-        session.actions.start(Session::finish(&session, {"scr_a", "g_b", "g_b", "of no catalogue"}));
+        session.actions.start(Session::finish(&session, {"rule_a", "h_b", "h_b", "of no catalogue"}));
         QVERIFY(session.progress.isShown() && session.pending.isUnderWay());
         QCOMPARE(session.progress.title(), QString("Asking for settings…"));
         QCOMPARE(session.progress.steps(), (Steps{{0, 2}}));
@@ -88,9 +88,9 @@ private slots:
         session.releaseUntilItEnds();
         QCOMPARE(session.end, End::Settled);
         QVERIFY(!session.progress.isShown() && !session.pending.isUnderWay());
-        QCOMPARE(session.progress.steps(), (Steps{{0, 2}, {0, 2}, {1, 2}})); // g_a was on its way before
-        QCOMPARE(session.exchange.sent().mid(0, 3), QStringList({"clientkick 3", "scr_a", "g_b"}));
-        QVERIFY(!session.server.dvarList().contains("g_c") && session.fetcher.isAwaited("g_c"));
+        QCOMPARE(session.progress.steps(), (Steps{{0, 2}, {0, 2}, {1, 2}})); // h_a was on its way before
+        QCOMPARE(session.exchange.sent().mid(0, 3), QStringList({"clientkick 3", "rule_a", "h_b"}));
+        QVERIFY(!session.server.dvarList().contains("h_c") && session.fetcher.isAwaited("h_c"));
     }
 
     void asksNothingOfTheUserWhereNothingIsToCome_data()
@@ -107,10 +107,10 @@ private slots:
             awaited(Session::connectWithTurn(&session, "192.0.2.1"));
             QTRY_VERIFY(!session.fetcher.isAsking() && session.actions.isIdle());
         }
-        awaited(Session::finish(&session, {"g_a", "g_c"}));
+        awaited(Session::finish(&session, {"h_a", "h_c"}));
         QCOMPARE(session.end, End::Settled);
         QVERIFY(session.progress.title().isNull());
-        QCOMPARE(session.pending.unanswered({"g_a", "g_c"}), QStringList()); // the server has said so of g_c
+        QCOMPARE(session.pending.unanswered({"h_a", "h_c"}), QStringList()); // the server has said so of h_c
     }
 
     void ends_data()
@@ -129,9 +129,9 @@ private slots:
         const QByteArray how = QTest::currentDataTag();
         Session session;
         if (how == "password refused")
-            session.exchange.answer("g_a", ScriptedExchange::failure("Invalid Password.", RConResultInvalidPassword));
+            session.exchange.answer("h_a", ScriptedExchange::failure("Invalid Password.", RConResultInvalidPassword));
         session.connectAndHold();
-        session.actions.start(Session::finish(&session, {"g_b"}));
+        session.actions.start(Session::finish(&session, {"h_b"}));
         if (how.endsWith("silent")) {
             session.actions.start(Session::kick(&session)); // gets no answer
             session.exchange.release();
@@ -155,25 +155,25 @@ private slots:
             QTRY_COMPARE(session.exchange.sent(), QStringList{"dvardump"});
             session.exchange.release();
         }
-        QTRY_COMPARE(session.end, std::optional(end)); // though the reply to g_a, or g_b, is still kept
+        QTRY_COMPARE(session.end, std::optional(end)); // though the reply to h_a, or h_b, is still kept
         QVERIFY(!session.progress.isShown() && !session.pending.isUnderWay());
         QVERIFY(session.alerts.shown().isEmpty());
         if (how == "password refused")
-            QCOMPARE(session.pending.unanswered({"g_b"}), QStringList{"g_b"});
+            QCOMPARE(session.pending.unanswered({"h_b"}), QStringList{"h_b"});
     }
 
     void tellsWhatGotNoAnswer()
     {
         Session session;
-        session.exchange.answer("g_a", ScriptedExchange::failure());
+        session.exchange.answer("h_a", ScriptedExchange::failure());
         session.connectAndHold();
-        session.actions.start(Session::finish(&session, {"g_a", "g_b", "g_c"}));
+        session.actions.start(Session::finish(&session, {"h_a", "h_b", "h_c"}));
         session.releaseUntilItEnds();
         QCOMPARE(session.end, End::Settled);
-        QCOMPARE(session.exchange.sent().count("g_a"), 3); // and the one before
-        QCOMPARE(session.pending.unanswered({"g_a", "g_b", "g_c"}), QStringList{"g_a"});
-        session.server.addDvarLine(u"g_a \"1\"");
-        QCOMPARE(session.pending.unanswered({"g_a"}), QStringList());
+        QCOMPARE(session.exchange.sent().count("h_a"), 3); // and the one before
+        QCOMPARE(session.pending.unanswered({"h_a", "h_b", "h_c"}), QStringList{"h_a"});
+        session.server.addDvarLine(u"h_a \"1\"");
+        QCOMPARE(session.pending.unanswered({"h_a"}), QStringList());
     }
 
     void waitsForTheEndOfAConnect()
@@ -188,12 +188,12 @@ private slots:
         session.exchange.release();
         QTRY_COMPARE(session.exchange.sent(), QStringList({"dvardump", "sv_hostname"}));
         QVERIFY(session.server.isConnected() && !session.fetcher.isAsking());
-        session.actions.start(Session::finish(&session, {"g_b"}));
+        session.actions.start(Session::finish(&session, {"h_b"}));
         session.exchange.release();
         QTRY_COMPARE(session.progress.steps(), (Steps{{0, 1}}));
         session.releaseUntilItEnds();
         QCOMPARE(session.end, End::Settled);
-        QVERIFY(session.server.dvarList().contains("g_b"));
+        QVERIFY(session.server.dvarList().contains("h_b"));
     }
 };
 

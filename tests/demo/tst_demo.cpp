@@ -57,26 +57,28 @@ private slots:
         QTest::addColumn<QString>("pattern"); // of the whole reply
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("value"); // of the variable afterwards
-        const auto reply = [](const QString &command, const char *pattern, const char *name = "g_gravity",
+        const auto reply = [](const QString &command, const char *pattern, const char *name = "world_gravity",
                               const char *value = "800") {
             QTest::newRow(qPrintable(command.left(50))) << command << pattern << name << value;
         };
         reply("frobnicate %1", "Unknown command \"frobnicate\"\n");
         reply(QString(DemoGame::MaximumCommandLength + 1, u'a'), "The command is too long.\n");
         reply("dvardump", "(S[R ][L ] +\\w+ \"[^\"]*\"\n){60,}\n\\d+ total dvars\n");
-        reply("G_GRAVITY", "\"g_gravity\" is: \"800\"\\^7 .*: \"800\"\\^7\n.*Domain is any integer from 1 to 2000\n");
+        reply("WORLD_GRAVITY",
+              "\"world_gravity\" is: \"800\"\\^7 .*: \"800\"\\^7\n.*Takes any whole number from 1 to 2000\n");
         reply("clientkick 3", ".+ was kicked\n");
         reply("tempbanclient 3", ".+ was banned for a while\n");
         reply("clientkick 18", "Client 18 is not active\n"); // the recorder
         reply("kick all", "12 players were kicked\n");
-        reply("say \"hello \\\"you\\\"\"", "console: hello \"you\"\n");
-        reply(R"(say "C:\")", "console: C:\\\\\n");
-        reply("map mp_nowhere", "Can't find map mp_nowhere\n");
-        reply("setadmindvar g_motd \"a \\\"b\\\"\n%1\"", "", "g_motd", "a 'b' %1");
-        reply("setadmindvar g_gravity \"2001\"", ".*is not a valid value.*");
-        reply("setadmindvar scr_dm_timelimit \"nan\"", ".*is not a valid value.*", "scr_dm_timelimit", "10");
-        reply("setadmindvar mapname \"mp_x\"", "dvar 'mapname' is read only\n", "mapname", "mp_harbourlights");
-        reply("setadmindvar g_unheardOf \"1\"", "dvar 'g_unheardOf' does not exist\n", "g_unheardOf", "");
+        reply("say \"hello \\\"you\\\"\"", "tower: hello \"you\"\n");
+        reply(R"(say "C:\")", "tower: C:\\\\\n");
+        reply("map ward_nowhere", "There is no map ward_nowhere\n");
+        reply("setadmindvar house_greeting \"a \\\"b\\\"\n%1\"", "", "house_greeting", "a 'b' %1");
+        reply("setadmindvar world_gravity \"2001\"", ".*is not a valid value.*");
+        reply("setadmindvar rule_alone_minutes \"nan\"", ".*is not a valid value.*", "rule_alone_minutes", "10");
+        reply("setadmindvar mapname \"ward_x\"", "The variable 'mapname' cannot be written\n", "mapname",
+              "ward_harbourlights");
+        reply("setadmindvar h_unheardOf \"1\"", "There is no variable 'h_unheardOf'\n", "h_unheardOf", "");
     }
     void commands()
     {
@@ -99,7 +101,7 @@ private slots:
         QVERIFY(rows.takeFirst().startsWith("--- "));
         QVERIFY(rows.takeLast().contains(" democlient^7 "));
         QCOMPARE(rows.size(), 300);
-        static const QRegularExpression form("^ *\\d+ +\\d+ +\\d+ +\\d{9} .{3,22}\\^7 +(allies|axis|spectator) +\\d+ "
+        static const QRegularExpression form("^ *\\d+ +\\d+ +\\d+ +\\d{9} .{3,22}\\^7 +(lamps|wardens|watcher) +\\d+ "
                                              "\\d+\\.\\d+\\.\\d+\\.\\d+:\\d+ +\\d+ +\\d+$");
         QSet<QString> guids;
         for (const QString &row : rows) {
@@ -121,12 +123,13 @@ private slots:
         const auto rotation = [&](const char *title, const QString &maps, const char *pattern) {
             row(title, {}, {"sv_mapRotation " + maps, "sv_mapRotationCurrent " + maps}, pattern);
         };
-        rotation("gametype stays", "gametype dm map mp_tramyard mp_ropeway", "(dm mp_tramyard\ndm mp_ropeway\n)+");
-        rotation("nothing to play", "map gametype map", "(tdm mp_harbourlights\n)+");
-        row("playlist", {.playlists = true}, {"playlist 3", "playlist_excludeGametypeMap koth mp_ropeway"},
-            "(dom mp_\\w+\n|koth mp_(?!ropeway)\\w+\n)+");
-        row("switched off", {.ranked = true, .playlists = true}, {"playlist 1", "mapexclude_ropeway 1"},
-            "(tdm mp_(?!ropeway)\\w+\n)+");
+        rotation("gametype stays", "gametype alone map ward_tramyard ward_ropeway",
+                 "(alone ward_tramyard\nalone ward_ropeway\n)+");
+        rotation("nothing to play", "map gametype map", "(crews ward_harbourlights\n)+");
+        row("playlist", {.playlists = true}, {"playlist 3", "playlist_excludeGametypeMap beacon ward_ropeway"},
+            "(docks ward_\\w+\n|beacon ward_(?!ropeway)\\w+\n)+");
+        row("switched off", {.ranked = true, .playlists = true}, {"playlist 1", "closed_ropeway 1"},
+            "(crews ward_(?!ropeway)\\w+\n)+");
     }
     void rotation()
     {
@@ -254,7 +257,7 @@ private slots:
         QCOMPARE(line.ask("new one kick all"), reply("12 players were kicked\n"));
         QCOMPARE(line.server.commandsSeen().size(), 3); // what is refused is not carried out
         QCOMPARE(Line({.refusalText = true}).ask("Demo say hi"), reply("Invalid password.\n"));
-        QCOMPARE(Line({.password = "caf\u00e9 b"}).ask("caf\xe9 b say \xfc"), reply("console: \xfc\n"));
+        QCOMPARE(Line({.password = "caf\u00e9 b"}).ask("caf\xe9 b say \xfc"), reply("tower: \xfc\n"));
         QCOMPARE(Line({.password = ""}).ask(" say hi"),
                  reply("The server must set 'rcon_password' for clients to use 'rcon'.\n"));
     }
@@ -281,9 +284,9 @@ private slots:
     {
         Line line({.faults = {.stranger = true}});
         sockaddr_in from{};
-        QVERIFY(!line.ask("demo say hi", &from).contains("console: hi"));
+        QVERIFY(!line.ask("demo say hi", &from).contains("tower: hi"));
         QCOMPARE(ntohl(from.sin_addr.s_addr), DemoSockets::StrangerAddress);
-        QCOMPARE(line.client.receive(&from), reply("console: hi\n"));
+        QCOMPARE(line.client.receive(&from), reply("tower: hi\n"));
         QCOMPARE(ntohl(from.sin_addr.s_addr), in_addr_t(INADDR_LOOPBACK));
     }
 
@@ -293,12 +296,12 @@ private slots:
         const quint16 port = line.server.port();
         QTRY_COMPARE(line.server.variable("sv_ranked"), "0");
         QCOMPARE(line.server.variable("playlist_enabled"), "1");
-        QCOMPARE(line.ask("demo setadmindvar g_motd old"), reply(""));
+        QCOMPARE(line.ask("demo setadmindvar house_greeting old"), reply(""));
         line.server.stop();
         QVERIFY(line.server.start());
         QCOMPARE(line.server.port(), port);
-        QCOMPARE(line.ask("demo say hi"), reply("console: hi\n"));
-        QCOMPARE(line.server.variable("g_motd"), "old"); // stopped and started, the game goes on
+        QCOMPARE(line.ask("demo say hi"), reply("tower: hi\n"));
+        QCOMPARE(line.server.variable("house_greeting"), "old"); // stopped and started, the game goes on
     }
 
     void startReportsWhy()

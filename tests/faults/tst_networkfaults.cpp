@@ -130,7 +130,7 @@ private slots:
         if (said.startsWith('\n')) // what came of the list before broke off in a line
             said.remove(0, 1);
         QVERIFY(said.startsWith("] say \"two\"\n"));
-        said.remove(0, 12).remove("console: two\n");
+        said.remove(0, 12).remove("tower: two\n");
         if (said.endsWith('\n')) // a failure is a line of its own
             said.chop(1);
         QCOMPARE(said, error == "*" ? said : error);
@@ -139,7 +139,7 @@ private slots:
         QVERIFY(sends == 0 || c.demo->commandsSeen().count("say \"two\"") == sends);
         QVERIFY2(c.milliseconds < (said.isEmpty() ? 5500 : 4750), QByteArray::number(c.milliseconds));
         // What comes late belongs to no later exchange.
-        QCOMPARE(c.next.text, "console: three\n");
+        QCOMPARE(c.next.text, "tower: three\n");
         QCOMPARE(c.playersTable.model()->rowCount(), c.demo->playerCount());
     }
 

@@ -102,7 +102,7 @@ private slots:
         c.messages.stopRotation();
         refreshing->setChecked(false);
         QVERIFY(QTest::qWaitFor([&c] { return c.actions.isIdle(); }));
-        QCOMPARE(c.alerts.titles() + QStringList(transcript.count(Say + "console: a\n"), {}),
+        QCOMPARE(c.alerts.titles() + QStringList(transcript.count(Say + "tower: a\n"), {}),
                  QStringList(sent[Say].size(), {})); // each has its own reply
         qsizetype row = 0;
         for (const TimeOut &timeOut : timeOuts) {

@@ -48,7 +48,7 @@ private slots:
         };
         const QString title = QStringLiteral("num score ping guid name team lastmsg address qport rate\n");
         const QString dashes = QStringLiteral("--- ----- ---- ---- ---- ---- ------- ------- ----- ----\n");
-        const QString recorder = QStringLiteral("0 0 0 0 democlient free 0 bot 0 0\n");
+        const QString recorder = QStringLiteral("0 0 0 0 democlient alone 0 bot 0 0\n");
         const QString tom = QStringLiteral("3 10 45 900 Tom red 0 192.0.2.7:50074 77 25000\n");
         const char *onlyTom = "3|Tom|900|192.0.2.7:50074|red|10|45";
         row("ten tokens", tom, onlyTom);
@@ -60,9 +60,9 @@ private slots:
         row("title and dashes", title + dashes + tom, onlyTom);
         row("nobody", title + dashes, "");
         row("recording client", title + recorder + tom, onlyTom);
-        row("named almost like it", "0 0 0 0 democlient 2 free 0 bot 0 0", "0|democlient 2|0|bot|free|0|0");
+        row("named almost like it", "0 0 0 0 democlient 2 alone 0 bot 0 0", "0|democlient 2|0|bot|alone|0|0");
         row("number in another form", "00" + tom, onlyTom);
-        row("the map before the title", "map: mp_saltworks\n" + title + tom, onlyTom);
+        row("the map before the title", "map: ward_saltworks\n" + title + tom, onlyTom);
         row("a player without a name", title + "4 0 48 abc red 0 192.0.2.8:50074 77 25000\n" + tom, onlyTom);
         row("twice", title + tom + title + tom, onlyTom);
         row("twice, and he has scored meanwhile", "3 5 50 900 Tom red 0 192.0.2.7:50074 77 25000\n" + tom, onlyTom);

@@ -10,7 +10,7 @@
 // Made by another property-list library: "Ödland" with the password "secret" of the account "alice", and "beta".
 static const QByteArray binaryFile = QByteArray::fromBase64(
     "YnBsaXN0MDDSAQIDCFRiZXRhZgDWAGQAbABhAG4AZNIEBQYHVGhvc3RUcG9ydFFiUTHTBAkFCgsMWHBhc3N3b3JkWDEwLjAuMC43TxAQJw4aQn5y"
-    "TOpaPjBTWoMQCFUyODk2MAgNEh8kKS4wMjlCS14AAAAAAAABAQAAAAAAAAANAAAAAAAAAAAAAAAAAAAAZA==");
+    "TOpaPjBTWoMQCFU1MDk2MAgNEh8kKS4wMjlCS14AAAAAAAABAQAAAAAAAAANAAAAAAAAAAAAAAAAAAAAZA==");
 // "secret" of "alice", as the openssl command encrypts it.
 static const QByteArray aliceSecret = QByteArray::fromHex("270e1a427e724cea5a3e30535a831008");
 
@@ -100,7 +100,7 @@ private slots:
         QTest::addColumn<QByteArray>("file");
         QTest::addColumn<QString>("login");
         QTest::addColumn<QStringList>("rows");
-        const QString odland = QString::fromUtf8("Ödland|10.0.0.7|28960|");
+        const QString odland = QString::fromUtf8("Ödland|10.0.0.7|50960|");
         QTest::newRow("binary") << binaryFile << "alice" << QStringList{"beta|b|1|(none)", odland + "secret"};
         QTest::newRow("other account") << binaryFile << "bob" << QStringList{"beta|b|1|(none)", odland + "(none)"};
         QTest::newRow("a port written by hand as a number")

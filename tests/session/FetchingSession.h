@@ -27,8 +27,8 @@ public:
         co_return;
     }
 
-    QStringList settings{"g_a", "g_b", "g_c"};
-    QStringList gametypes{"scr_a", "g_a"};
+    QStringList settings{"h_a", "h_b", "h_c"};
+    QStringList gametypes{"rule_a", "h_a"};
     QStringList calls;
 };
 

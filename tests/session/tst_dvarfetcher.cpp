@@ -21,7 +21,7 @@ struct Session : FetchingSession {
     explicit Session(const QStringList &unknownNames = {})
     {
         exchange.answer("dvardump", ScriptedExchange::dump());
-        for (const QString &name : QStringList{"g_a", "g_b", "g_c", "scr_a"})
+        for (const QString &name : QStringList{"h_a", "h_b", "h_c", "rule_a"})
             exchange.answer(name, unknownNames.contains(name) ? unknown(name) : told(name, "1"));
         server.setCatalogueLoader(&catalogues);
     }
@@ -55,94 +55,94 @@ class DvarFetcherTest : public QObject
 private slots:
     void asksForEachOnceAndInTheBackground()
     {
-        Session session({"g_b"});
+        Session session({"h_b"});
         QSignalSpy finished(&session.fetcher, &DvarFetcher::finished);
         QSignalSpy changed(&session.server, &KelServer::dvarChanged);
         QSignalSpy settled(&session.fetcher, &DvarFetcher::settled);
         QStringList missing;
         QObject::connect(&session.fetcher, &DvarFetcher::began, &session.fetcher, [&] {
-            missing = session.fetcher.missing({"g_c", "other", "g_b"});
+            missing = session.fetcher.missing({"h_c", "other", "h_b"});
         });
         session.connect();
-        QCOMPARE(missing, QStringList({"g_c", "g_b"}));
-        QVERIFY(session.fetcher.isAwaited("g_b") && session.fetcher.isAwaited("scr_a"));
+        QCOMPARE(missing, QStringList({"h_c", "h_b"}));
+        QVERIFY(session.fetcher.isAwaited("h_b") && session.fetcher.isAwaited("rule_a"));
         QVERIFY(session.isDone());
-        QCOMPARE(session.exchange.sent(), QStringList({"g_a", "g_b", "g_c", "scr_a"}));
+        QCOMPARE(session.exchange.sent(), QStringList({"h_a", "h_b", "h_c", "rule_a"}));
         for (const Request &request : session.exchange.requests())
             QVERIFY(request.isBackground && request.password == "secret"); // the server's, not the one typed
-        QCOMPARE(session.server.dvarList().value("scr_a"), "1");
-        QVERIFY(!session.server.dvarList().contains("g_b") && !session.fetcher.isAwaited("g_b"));
+        QCOMPARE(session.server.dvarList().value("rule_a"), "1");
+        QVERIFY(!session.server.dvarList().contains("h_b") && !session.fetcher.isAwaited("h_b"));
         QVERIFY(session.alerts.shown().isEmpty() && session.server.console().commandHistory().isEmpty());
         QCOMPARE(finished, (QList<QVariantList>{{1, 4}}));
-        QCOMPARE(changed, QList<QVariantList>({{"g_a"}, {"g_c"}, {"scr_a"}}));
+        QCOMPARE(changed, QList<QVariantList>({{"h_a"}, {"h_c"}, {"rule_a"}}));
         QCOMPARE(settled.size(), 4);
         session.exchange.forgetSent(); // who was unknown comes last now
         session.connect();
         QVERIFY(session.isDone());
-        QCOMPARE(session.exchange.sent(), QStringList({"g_a", "g_c", "scr_a", "g_b"}));
+        QCOMPARE(session.exchange.sent(), QStringList({"h_a", "h_c", "rule_a", "h_b"}));
         session.fetcher.askAgain();
         QVERIFY(session.isDone());
-        QCOMPARE(session.exchange.sent().last(), "g_b");
-        QCOMPARE(session.unknownDvars.of("192.0.2.1:50960", QDateTime::currentDateTime()), QStringList{"g_b"});
+        QCOMPARE(session.exchange.sent().last(), "h_b");
+        QCOMPARE(session.unknownDvars.of("192.0.2.1:50960", QDateTime::currentDateTime()), QStringList{"h_b"});
     }
 
     void whatIsLookedAtComesNext()
     {
         Session session;
         session.connectAndHold();
-        session.fetcher.prefer({"scr_a", "g_a"});
+        session.fetcher.prefer({"rule_a", "h_a"});
         while (session.fetcher.isAsking()) {
             QTRY_COMPARE(session.exchange.keptCount(), 1);
             session.exchange.release();
             QTRY_VERIFY(session.exchange.keptCount() == 1 || !session.fetcher.isAsking());
         }
-        QCOMPARE(session.exchange.sent(), QStringList({"g_a", "scr_a", "g_b", "g_c"}));
+        QCOMPARE(session.exchange.sent(), QStringList({"h_a", "rule_a", "h_b", "h_c"}));
     }
 
     void asksFourTimesForWhatGetsNoAnswer()
     {
         Session session;
-        session.exchange.answer("g_a", ScriptedExchange::failure());
+        session.exchange.answer("h_a", ScriptedExchange::failure());
         session.connect();
         QVERIFY(session.isDone());
-        QCOMPARE(session.exchange.sent().count("g_a"), 4);
+        QCOMPARE(session.exchange.sent().count("h_a"), 4);
         QCOMPARE(session.exchange.sent().size(), 7);
-        QVERIFY(!session.fetcher.isAwaited("g_a"));
+        QVERIFY(!session.fetcher.isAwaited("h_a"));
         QVERIFY(session.unknownDvars.of("192.0.2.1:50960", QDateTime::currentDateTime()).isEmpty()); // it may know it
-        QVERIFY(session.fetcher.isUnanswered("g_a") && !session.fetcher.isUnanswered("g_b"));
-        session.exchange.answer("g_a", told("g_a", "1"));
+        QVERIFY(session.fetcher.isUnanswered("h_a") && !session.fetcher.isUnanswered("h_b"));
+        session.exchange.answer("h_a", told("h_a", "1"));
         session.exchange.forgetSent();
         session.fetcher.askAgain();
-        QVERIFY(session.fetcher.isAwaited("g_a") && !session.fetcher.isUnanswered("g_a"));
+        QVERIFY(session.fetcher.isAwaited("h_a") && !session.fetcher.isUnanswered("h_a"));
         QVERIFY(session.isDone());
-        QCOMPARE(session.exchange.sent(), QStringList{"g_a"});
-        QCOMPARE(session.server.dvarList().value("g_a"), "1");
+        QCOMPARE(session.exchange.sent(), QStringList{"h_a"});
+        QCOMPARE(session.server.dvarList().value("h_a"), "1");
     }
 
     void whatDidNotComeBeforeTheEndIsUnanswered()
     {
-        Session session({"g_b"});
+        Session session({"h_b"});
         session.connect();
-        while (session.fetcher.isAsking() && session.fetcher.missing({"g_b"}) == QStringList{"g_b"})
+        while (session.fetcher.isAsking() && session.fetcher.missing({"h_b"}) == QStringList{"h_b"})
             awaited(session.fetcher.nextSettled());
         session.server.cancelExchange();
         session.server.disconnect();
         QTRY_VERIFY(session.actions.isIdle());
-        QVERIFY(session.fetcher.isUnanswered("scr_a"));
-        QVERIFY(!session.fetcher.isUnanswered("g_a") && !session.fetcher.isUnanswered("g_b"));
+        QVERIFY(session.fetcher.isUnanswered("rule_a"));
+        QVERIFY(!session.fetcher.isUnanswered("h_a") && !session.fetcher.isUnanswered("h_b"));
         session.connect();
-        QVERIFY(!session.fetcher.isUnanswered("scr_a") && session.fetcher.isAwaited("scr_a"));
+        QVERIFY(!session.fetcher.isUnanswered("rule_a") && session.fetcher.isAwaited("rule_a"));
         QVERIFY(session.isDone());
     }
 
     void aServerThatDiesMeanwhileIsCalledSilent()
     {
         Session session;
-        session.catalogues.settings = QStringList{"g_1", "g_2", "g_3", "g_4", "g_5", "g_6", "g_7"};
+        session.catalogues.settings = QStringList{"h_1", "h_2", "h_3", "h_4", "h_5", "h_6", "h_7"};
         session.connect(); // and nothing is answered any more
         QTRY_COMPARE(session.server.link().kind(), Link::Kind::Silent);
         QTRY_VERIFY(session.actions.isIdle());
-        QCOMPARE(session.exchange.sent(), QStringList({"g_1", "g_2", "g_3", "g_4", "g_5", "sv_hostname"}));
+        QCOMPARE(session.exchange.sent(), QStringList({"h_1", "h_2", "h_3", "h_4", "h_5", "sv_hostname"}));
         QVERIFY(!session.exchange.requests().last().isBackground);
     }
 
@@ -152,7 +152,7 @@ private slots:
         QTest::addColumn<Reply>("reply");     // to the variable that is on its way
         QTest::addColumn<bool>("isClosed");
         QTest::addColumn<bool>("mayAsk");
-        const Reply one = told("g_a", "1");
+        const Reply one = told("h_a", "1");
         const Reply refused = ScriptedExchange::failure("Invalid Password.", RConResultInvalidPassword);
         QTest::newRow("the password is refused") << "" << refused << false << true;
         QTest::newRow("no turn is given any more") << "" << one << true << true;
@@ -166,7 +166,7 @@ private slots:
         QFETCH(bool, isClosed);
         QFETCH(bool, mayAsk);
         Session session;
-        session.exchange.answer("g_a", reply);
+        session.exchange.answer("h_a", reply);
         session.connectAndHold();
         if (isClosed)
             session.actions.close();
@@ -180,7 +180,7 @@ private slots:
             session.exchange.release();
         QTRY_VERIFY(session.actions.isIdle());
         QVERIFY(!QTest::qWaitFor([&] { return session.exchange.keptCount() > 0; }, 150));
-        QCOMPARE(session.exchange.sent().filter("g_"), QStringList{"g_a"}); // the one that was on its way
+        QCOMPARE(session.exchange.sent().filter("h_"), QStringList{"h_a"}); // the one that was on its way
         QVERIFY(session.fetcher.isAsking());
     }
 
@@ -188,10 +188,10 @@ private slots:
     {
         Session session;
         session.connect();
-        QCOMPARE(session.fetcher.missing({"g_b", "nothing"}), QStringList{"g_b"});
-        while (!session.fetcher.missing({"g_b"}).isEmpty())
+        QCOMPARE(session.fetcher.missing({"h_b", "nothing"}), QStringList{"h_b"});
+        while (!session.fetcher.missing({"h_b"}).isEmpty())
             awaited(session.fetcher.nextSettled());
-        QVERIFY(session.server.dvarList().contains("g_b"));
+        QVERIFY(session.server.dvarList().contains("h_b"));
         session.exchange.hold();
         QCoro::Task<> woken = session.fetcher.nextSettled();
         session.fetcher.wakeWaiting();

@@ -78,10 +78,10 @@ private slots:
         row("chat about a password", u"say the password \u0436"_qs, {}, named);
         row("message about a password", u"tell 3 password\u2026"_qs, "tell 3 password...");
         row("a password by its name", u"rcon_password a\u2019"_qs, {}, unnamed);
-        row("a password by a word that sets it", u"set g_Password \u201cb\u201d"_qs, {}, unnamed);
-        row("a password behind something else", u"say hi; set g_password \u2019"_qs, {}, unnamed);
-        row("a variable whose value speaks of a password", u"set g_motd \"password: \u2026\""_qs,
-            "set g_motd \"password: ...\"");
+        row("a password by a word that sets it", u"set h_Password \u201cb\u201d"_qs, {}, unnamed);
+        row("a password behind something else", u"say hi; set door_password \u2019"_qs, {}, unnamed);
+        row("a variable whose value speaks of a password", u"set house_greeting \"password: \u2026\""_qs,
+            "set house_greeting \"password: ...\"");
     }
     void sendsWhatTheGameCanHold()
     {
@@ -107,14 +107,14 @@ private slots:
         const auto row = [](const char *title, const char *name, const QString &value, const QString &written) {
             QTest::newRow(title) << QString(name) << value << written;
         };
-        row("quotes at the ends go, blanks stay", "g_motd", "\"\" a \"", " a ");
-        row("quotes inside stay", "g_motd", "a\"b", "a\"b");
-        row("only quotes", "g_motd", "\"\"\"", "");
-        row("markers in the text", "g_motd", "%1 %2", "%1 %2");
-        row("replaced within the quotes", "g_motd", u"\u201cDon\u2019t\u201d"_qs, "'Don't'");
-        row("refused", "g_motd", u"\u0436"_qs, {});
+        row("quotes at the ends go, blanks stay", "house_greeting", "\"\" a \"", " a ");
+        row("quotes inside stay", "house_greeting", "a\"b", "a\"b");
+        row("only quotes", "house_greeting", "\"\"\"", "");
+        row("markers in the text", "house_greeting", "%1 %2", "%1 %2");
+        row("replaced within the quotes", "house_greeting", u"\u201cDon\u2019t\u201d"_qs, "'Don't'");
+        row("refused", "house_greeting", u"\u0436"_qs, {});
         row("a password is never changed", "rcon_password", u"a\u2019"_qs, {});
-        row("nor is another one", "g_Password", u"a\u2019"_qs, {});
+        row("nor is another one", "h_Password", u"a\u2019"_qs, {});
         row("a password of Latin-1", "rcon_password", u"\u00e9"_qs, u"\u00e9"_qs);
         row("unknown name", "other", "1", "1");
     }
@@ -124,7 +124,7 @@ private slots:
         QFETCH(QString, value);
         QFETCH(QString, written);
         for (const bool isQuick : {false, true}) {
-            Session session("g_motd \"old\"\ng_Password \"old\"\n");
+            Session session("house_greeting \"old\"\nh_Password \"old\"\n");
             const QString before = session.server.dvarList().value(name);
             const QString command = QString("setadmindvar %1 \"%2\"").arg(name, written);
             session.exchange.answer(command, ScriptedExchange::ok("an error text"));
@@ -155,7 +155,7 @@ private slots:
         Session session;
         awaited(session.server.consoleInputDidChange(u"set a \u201cb \u2018c\u2019\u201d"_qs));
         awaited(session.server.consoleInputDidChange(u"say \"b \u201cc\u201d\""_qs));
-        awaited(session.server.consoleInputDidChange(u"set g_password \u201cb\u201d"_qs));
+        awaited(session.server.consoleInputDidChange(u"set door_password \u201cb\u201d"_qs));
         QCOMPARE(session.exchange.sent(), QStringList({"set a \"b 'c'\"", "say \"b 'c'\""}));
     }
 
@@ -176,13 +176,13 @@ private slots:
 
     void rereadsAVariable()
     {
-        Session session("g_gravity \"800\"\n");
+        Session session("world_gravity \"800\"\n");
         QSignalSpy changes(&session.server, &KelServer::dvarChanged);
-        session.exchange.answer("g_gravity", ScriptedExchange::ok("\"g_gravity\" is: \"1\" now: \"600\""));
-        awaited(session.server.updateDvarFromServer("g_gravity"));
-        QCOMPARE(session.server.dvarList().value("g_gravity"), "600");
+        session.exchange.answer("world_gravity", ScriptedExchange::ok("\"world_gravity\" is: \"1\" now: \"600\""));
+        awaited(session.server.updateDvarFromServer("world_gravity"));
+        QCOMPARE(session.server.dvarList().value("world_gravity"), "600");
         QCOMPARE(session.exchange.requests().last().password, "secret");
-        QCOMPARE(changes, QList<QVariantList>{{"g_gravity"}});
+        QCOMPARE(changes, QList<QVariantList>{{"world_gravity"}});
         awaited(session.server.updateDvarFromServer("rcon_password"));
         QCOMPARE(session.exchange.requests().last().password, QString());
         QVERIFY(session.server.console().commandHistory().isEmpty()); // a query is no command

@@ -26,7 +26,7 @@ struct Session : FetchingSession {
     Session()
     {
         exchange.answer("dvardump", ScriptedExchange::dump("sv_ranked \"0\"\nplaylist_enabled \"0\"\n"
-                                                           "g_a \"1\"\ng_b \"1\"\ng_c \"1\"\nscr_a \"1\"\n"));
+                                                           "h_a \"1\"\nh_b \"1\"\nh_c \"1\"\nrule_a \"1\"\n"));
         server.setCatalogueLoader(&catalogues);
         awaited(server.connectToHost("192.0.2.1", "50960", "typed"));
         server.console().addToCommandHistory("before");
@@ -90,16 +90,17 @@ private slots:
         QVERIFY(session.exchange.requests().first().isBackground);
         QVERIFY(session.isIdle());
         session.exchange.answer("sv_hostname", ScriptedExchange::ok("\"sv_hostname\" is: \"h\" in force: \"h\"\n"));
-        session.exchange.answer("dvardump", ScriptedExchange::dump("sv_ranked \"0\"\nplaylist_enabled \"1\"\n"
-                                                                   "g_a \"2\"\ng_b \"1\"\nscr_a \"3\"\nother \"9\"\n"));
-        session.exchange.answer("g_c", ScriptedExchange::ok("\"g_c\" is: \"1\" in force: \"1\"\n"));
+        session.exchange.answer("dvardump",
+                                ScriptedExchange::dump("sv_ranked \"0\"\nplaylist_enabled \"1\"\n"
+                                                       "h_a \"2\"\nh_b \"1\"\nrule_a \"3\"\nother \"9\"\n"));
+        session.exchange.answer("h_c", ScriptedExchange::ok("\"h_c\" is: \"1\" in force: \"1\"\n"));
         session.exchange.forgetSent();
         session.reconnecting.tryNow();
         QVERIFY(back.wait());
         QCOMPARE(back.first().at(1).toInt(), 2);
         QTRY_VERIFY(!session.fetcher.isAsking() && session.actions.isIdle());
-        QCOMPARE(session.exchange.sent(), QStringList({"sv_hostname", "dvardump", "g_c"})); // what the dump lacks now
-        QCOMPARE(session.server.dvarList().value("g_a"), "2");
+        QCOMPARE(session.exchange.sent(), QStringList({"sv_hostname", "dvardump", "h_c"})); // what the dump lacks now
+        QCOMPARE(session.server.dvarList().value("h_a"), "2");
         QCOMPARE(session.server.tabSet(), TabSet::UnrankedPlaylists);
         QCOMPARE(tabs.size(), 1);
         QCOMPARE(session.catalogues.calls.count("load"), 2);
@@ -119,7 +120,7 @@ private slots:
         session.reconnecting.tryNow();
         QVERIFY(back.wait());
         QTRY_VERIFY(!session.fetcher.isAsking() && session.actions.isIdle());
-        QVERIFY(!session.server.dvarList().contains("g_a"));
+        QVERIFY(!session.server.dvarList().contains("h_a"));
         QCOMPARE(session.server.dvarList().value("sv_ranked"), "0"); // the mode would be another one without it
         QVERIFY(session.server.dvarList().contains("rcon_password"));
     }

@@ -58,14 +58,14 @@ private slots:
         row("nothing is said", {"clientkick 3"}, {ok({})}, "Kick (Ann, Bob): done");
         row("each says something", {"a", "b", "c"}, {ok("x"), ok("y"), ok("x")}, "x; y");
         row("a flood", {"a"}, {ok(QString(100'000, 'x'))}, QString(200, 'x'));
-        row("failure", {"map mp_x"}, {lost}, "Kick (Ann, Bob) failed: no answer",
+        row("failure", {"map ward_x"}, {lost}, "Kick (Ann, Bob) failed: no answer",
             {"'map' returned an error: no answer"});
         row("a part fails", {"v=1", "b"}, {lost, ok("x")}, "Kick (Ann, Bob) failed: no answer",
             {"'v' returned an error: no answer"});
         row("a value is turned down", {"v=1"}, {ok("1 is not a valid value\n")},
             "Kick (Ann, Bob) failed: 1 is not a valid value");
-        row("a password", {"g_password=zyx"}, {ok("g_password set to zyx")}, "Kick (Ann, Bob): done");
-        row("a password that is turned down", {"g_password=zyx"}, {ok("zyx is not a valid value")},
+        row("a password", {"door_password=zyx"}, {ok("door_password set to zyx")}, "Kick (Ann, Bob): done");
+        row("a password that is turned down", {"door_password=zyx"}, {ok("zyx is not a valid value")},
             "Kick (Ann, Bob) failed: The server has refused it.");
         row("a password by a command", {"set rcon_password zyx"}, {ok("rcon_password is zyx")},
             "Kick (Ann, Bob): done");

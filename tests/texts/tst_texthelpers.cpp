@@ -24,7 +24,7 @@ private slots:
             QTest::newRow(name) << QString(text) << QString(fields);
         };
         row("one quote only", "name is: \"abc", "");
-        row("reply to a name", "\"g_name\" is: \"abc^7\" default: \"x\"\n", "\"g_name\"|\"abc^7\"|\"x\"");
+        row("reply to a name", "\"h_name\" is: \"abc^7\" default: \"x\"\n", "\"h_name\"|\"abc^7\"|\"x\"");
         row("last field unclosed", "\"a\" \"b", "\"a\"");
         row("blanks alone are an empty field", "\" \n\t\"", "\"\"");
         row("leading white space lost, trailing kept", "\" \r\n abc \"", "\"abc \"");

@@ -142,7 +142,7 @@ private slots:
         sparing.firstWait = 100ms;
         const QByteArray a = framed("a");
         const QByteArray b = framed("b");
-        const QString told = QStringLiteral("\"sv_x\" is: \"1\" in force: \"1\"\n");
+        const QString told = QStringLiteral("\"tw_x\" is: \"1\" in force: \"1\"\n");
 
         failure("silence", task(), {}, {0, 500, 1750}, 3250, RConResultTimeout);
         failure("silence in the background", background, {}, {0}, 500, RConResultTimeout);
@@ -167,9 +167,9 @@ private slots:
         failure("rubbish", task(), {{2, "rubbish"}}, {0}, 2, RConResultInvalidPacket);
         failure("empty", task(), {{2, ""}}, {0}, 2, RConResultNullReply);
         row("empty as an end", task(), {{2, a}, {3, ""}}, {0}, 3, "a");
-        row("variable", task("sv_x"), {{2, framed(told.toLatin1())}}, {0}, 2, told);
-        row("variable in two parts", task("sv_x"),
-            {{2, framed("\"sv_x\" is: \"1\" in fo")}, {40, framed("rce: \"1\"\n")}}, {0}, 40, told);
+        row("variable", task("tw_x"), {{2, framed(told.toLatin1())}}, {0}, 2, told);
+        row("variable in two parts", task("tw_x"),
+            {{2, framed("\"tw_x\" is: \"1\" in fo")}, {40, framed("rce: \"1\"\n")}}, {0}, 40, told);
         row("players", task("teamstatus"), {{2, framed(told.toLatin1())}}, {0}, 502, told);
         row("dump that names its number", task("dvardump"),
             {{2, framed("a \"1\"\n")}, {9, framed("b \"\"\n2 total dvars\n")}}, {0}, 9,
@@ -265,8 +265,8 @@ private slots:
     {
         startLog();
         TrafficLog log("127.0.0.1", server.port, TrafficLog::Kind::Send);
-        RCon machine(task("sv_x"), log);
-        const QByteArray told = framed("\"sv_x\" is: \"1\" in force: \"1\"\n");
+        RCon machine(task("tw_x"), log);
+        const QByteArray told = framed("\"tw_x\" is: \"1\" in force: \"1\"\n");
         QVERIFY(play(machine, {{2, told}}).outcome.isEndKnown);
         QCOMPARE(machine.received(framed("x"), server, at(9)).kind, Kind::Finished); // adds nothing any more
         QCOMPARE(machine.outcome().datagrams, 1u);
@@ -276,7 +276,7 @@ private slots:
         QCOMPARE(machine.takeLate(framed("more\n"), server), "more\n");
         QCOMPARE(machine.outcome().doubled, 1u);
         QCOMPARE(logLines(),
-                 QStringList({" Send(1): sv_x", "  Res(1): RConResultSuccess numPackets=1", "  End(1): known",
+                 QStringList({" Send(1): tw_x", "  Res(1): RConResultSuccess numPackets=1", "  End(1): known",
                               "  Late(1): 40 bytes, seen before", "  Late(1): 16 bytes, new"}));
     }
 

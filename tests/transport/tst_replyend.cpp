@@ -15,30 +15,30 @@ private slots:
         const auto row = [](const char *name, const QString &command, const QString &reply, bool isWhole) {
             QTest::newRow(name) << command << reply << isWhole;
         };
-        const QString told = "\"sv_x\" is: \"1\" in force: \"1\"\n";
-        row("variable", "sv_x", told, true);
-        row("in other letters", "SV_X", told, true);
-        row("and its domain", "sv_x", told + "  Domain is 0 or 1\n", true);
-        row("empty value", "sv_x", "\"sv_x\" is: \"\" in force: \"\"\n", true);
-        row("quotes in the value", "sv_x", "\"sv_x\" is: \"a \\\"b\\\" c\" in force: \"a \\\"b\\\" c\"\n", true);
-        row("line feed in the value", "sv_x", "\"sv_x\" is: \"a\nb\" in force: \"a\nb\"\n", true);
-        row("no line feed", "sv_x", told.chopped(1), false);
-        row("line feed before the third quote", "sv_x", "\"sv_x\" is: \"1\"\n in force: \"1\"", false);
-        row("another name", "sv_y", told, false);
-        row("two fields", "sv_x", "\"sv_x\" is: \"1\"\n", false);
-        row("four fields", "sv_x", "\"sv_x\" is: \"1\" in force: \"1\" was: \"2\"\n", false);
-        row("a quote behind the third field", "sv_x", told + "\"", false);
-        row("a quote and a line feed in the value, cut behind it", "sv_x", "\"sv_x\" is: \"a\n\"b\" in force: \"a\n",
+        const QString told = "\"tw_x\" is: \"1\" in force: \"1\"\n";
+        row("variable", "tw_x", told, true);
+        row("in other letters", "TW_X", told, true);
+        row("and its domain", "tw_x", told + "  Takes 0 or 1\n", true);
+        row("empty value", "tw_x", "\"tw_x\" is: \"\" in force: \"\"\n", true);
+        row("quotes in the value", "tw_x", "\"tw_x\" is: \"a \\\"b\\\" c\" in force: \"a \\\"b\\\" c\"\n", true);
+        row("line feed in the value", "tw_x", "\"tw_x\" is: \"a\nb\" in force: \"a\nb\"\n", true);
+        row("no line feed", "tw_x", told.chopped(1), false);
+        row("line feed before the third quote", "tw_x", "\"tw_x\" is: \"1\"\n in force: \"1\"", false);
+        row("another name", "tw_y", told, false);
+        row("two fields", "tw_x", "\"tw_x\" is: \"1\"\n", false);
+        row("four fields", "tw_x", "\"tw_x\" is: \"1\" in force: \"1\" was: \"2\"\n", false);
+        row("a quote behind the third field", "tw_x", told + "\"", false);
+        row("a quote and a line feed in the value, cut behind it", "tw_x", "\"tw_x\" is: \"a\n\"b\" in force: \"a\n",
             false);
-        row("something behind the third field", "sv_x", "\"sv_x\" is: \"1\" in force: \"1\" now\n", false);
-        row("two words", "sv_x 1", told, false);
-        row("two commands", "sv_x;sv_y", told, false);
-        row("a value of 64 Ki", "sv_x", "\"sv_x\" is: \"" + QString(64 * 1024, u'a') + "\" in force: \"1\"\n", false);
-        row("unknown", "sv_x", "Unknown command \"sv_x\"\n", true);
-        row("unknown, cut", "sv_x", "Unknown command \"sv_", false);
-        row("unknown, but more was asked", "sv_x 1", "Unknown command \"sv_x\"\n", false);
+        row("something behind the third field", "tw_x", "\"tw_x\" is: \"1\" in force: \"1\" now\n", false);
+        row("two words", "tw_x 1", told, false);
+        row("two commands", "tw_x;tw_y", told, false);
+        row("a value of 64 Ki", "tw_x", "\"tw_x\" is: \"" + QString(64 * 1024, u'a') + "\" in force: \"1\"\n", false);
+        row("unknown", "tw_x", "Unknown command \"tw_x\"\n", true);
+        row("unknown, cut", "tw_x", "Unknown command \"tw_", false);
+        row("unknown, but more was asked", "tw_x 1", "Unknown command \"tw_x\"\n", false);
         row("players", "teamstatus", "Unknown command \"teamstatus\"\n", false);
-        row("chat", "say \"sv_x\"", told, false);
+        row("chat", "say \"tw_x\"", told, false);
         row("dump", "dvardump", "a \"1\"\nb \"\"\n\n2 total dvars\n", true);
         row("dump without its last line", "dvardump", "a \"1\"\nb \"\"\n", false);
         row("dump, cut in its last line", "dvardump", "a \"1\"\nb \"\"\n\n2 total dvars", false);
@@ -60,7 +60,7 @@ private slots:
     {
         QTest::addColumn<QString>("form");
         QTest::newRow("with colours taken out") << "\"%1\" is: \"%2\" in force: \"%3\"\n";
-        QTest::newRow("with a domain") << "\"%1\" is: \"%2\" default: \"%3\"\n  Domain is any text\n";
+        QTest::newRow("with a domain") << "\"%1\" is: \"%2\" default: \"%3\"\n  Takes any text\n";
         QTest::newRow("terse") << "\"%1\" \"%2\" \"%3\"\n";
     }
     void noPartTellsSomethingElse()
@@ -72,11 +72,11 @@ private slots:
         int wholeParts = 0;
         for (const QString &value : values) {
             for (const QString &inForce : values) {
-                const QString reply = form.arg("sv_x", value, inForce);
+                const QString reply = form.arg("tw_x", value, inForce);
                 const QStringList fields = quotedStrings(reply);
                 for (qsizetype cut = 0; cut <= reply.size(); ++cut) {
                     const QString part = reply.left(cut);
-                    if (!ReplyEnd("sv_x").isWhole(part))
+                    if (!ReplyEnd("tw_x").isWhole(part))
                         continue;
                     ++wholeParts;
                     QCOMPARE(quotedStrings(part), fields);
@@ -90,7 +90,7 @@ private slots:
     {
         QString dump;
         for (int i = 0; i < 300; ++i)
-            dump += QStringLiteral("S  sv_%1 \"%2\"\n").arg(i).arg(i % 7 == 0 ? QString() : QString(i % 90, u'x'));
+            dump += QStringLiteral("S  tw_%1 \"%2\"\n").arg(i).arg(i % 7 == 0 ? QString() : QString(i % 90, u'x'));
         dump += "\n300 total dvars\n";
         for (const qsizetype step : {1, 7, 1389}) {
             ReplyEnd end("dvardump");

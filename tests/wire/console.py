@@ -2,7 +2,7 @@
 
     with Console() as console:
         console.connect(server)
-        console.tell('send g_motd')
+        console.tell('send house_greeting')
         event = console.wait_for('done', 2)
 
 Commands and events are those of wire_driver.cpp. Times are in seconds, on the clock of time.monotonic().

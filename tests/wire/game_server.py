@@ -2,7 +2,7 @@
 
 It shares nothing with the simulated server that the console brings along, so that a fault of both does not go unseen.
 
-    with GameServer(password='secret', variables={'g_motd': 'hello'}, players=['Ann', 'Old Tom']) as server:
+    with GameServer(password='secret', variables={'house_greeting': 'hello'}, players=['Ann', 'Old Tom']) as server:
         ...start the program, and let it connect to server.port...
         assert server.wait_for(lambda requests: any(r.command == 'teamstatus' for r in requests), 5)
 
@@ -58,7 +58,7 @@ class Player(typing.NamedTuple):
     name: str
 
     def line(self) -> bytes:
-        return (f'{self.number:3}     0   48 {200_000_000 + self.number:10} {self.name + "^7":22} allies          0 '
+        return (f'{self.number:3}     0   48 {200_000_000 + self.number:10} {self.name + "^7":22} lamps          0 '
                 f'198.51.100.{1 + self.number}:50000       4000 25000\n').encode('latin-1')
 
 
@@ -194,8 +194,8 @@ class GameServer:
         self.variables = {
             'rcon_password': self._start['password'], 'sv_hostname': 'Scripted Server', 'sv_ranked': ranked,
             'playlist_enabled': playlists, 'playlist_excludeMap': '', 'playlist_excludeGametype': '',
-            'playlist_excludeGametypeMap': '', 'g_gametype': 'tdm', 'mapname': 'mp_saltworks',
-            'sv_mapRotation': 'gametype tdm map mp_saltworks map mp_tramyard', 'sv_mapRotationCurrent': '',
+            'playlist_excludeGametypeMap': '', 'g_gametype': 'crews', 'mapname': 'ward_saltworks',
+            'sv_mapRotation': 'gametype crews map ward_saltworks map ward_tramyard', 'sv_mapRotationCurrent': '',
             **self._start['variables']}
         self.players = [Player(number, name) for number, name in enumerate(self._start['players'])]
 
@@ -229,7 +229,7 @@ class GameServer:
             return b'Usage: setadmindvar <name> "<value>"\n'
         name = self._known(parts[1])
         if name is None:
-            return latin1(f"dvar '{words[1]}' does not exist\n")
+            return latin1(f"There is no variable '{words[1]}'\n")
         self.variables[name] = parts[2] if parts[2] is not None else parts[3]
         return b''
 
@@ -237,7 +237,7 @@ class GameServer:
         return TITLE + b''.join(player.line() for player in list(self.players))
 
     def _say(self, command, _words) -> bytes:
-        return latin1('console: ' + command[len('say'):].strip().strip('"') + '\n')
+        return latin1('tower: ' + command[len('say'):].strip().strip('"') + '\n')
 
     def _kick(self, _command, words) -> bytes:
         number = words[1] if len(words) > 1 else ''

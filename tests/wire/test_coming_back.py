@@ -16,7 +16,7 @@ class ComingBackTest(WireTest):
                 console = self.start()
                 console.connect(server)
                 server.restart(away=3, mode=mode, players=['Old Tom', 'Kim'],
-                               variables={**every_variable(), 'g_log': 'other.log'})
+                               variables={**every_variable(), 'ledger_file': 'other.log'})
                 self.assertTrue(server.wait_until_away(2))
                 asked = console.tell('send v_asked')
                 silent = console.wait_for('link', 5, asked, kind='Silent')

@@ -54,31 +54,31 @@ class GameServerTest(unittest.TestCase):
 
     def test_answers(self):
         rows = [
-            ('g_motd', '"g_motd" is: "hi"^7 in force: "hi"^7\n'),
-            ('G_MOTD', '"g_motd" is: "hi"^7 in force: "hi"^7\n'),
+            ('house_greeting', '"house_greeting" is: "hi"^7 in force: "hi"^7\n'),
+            ('HOUSE_GREETING', '"house_greeting" is: "hi"^7 in force: "hi"^7\n'),
             ('sv_ranked', '"sv_ranked" is: "2"^7 in force: "2"^7\n'),
-            ('g_unheardOf', 'Unknown command "g_unheardOf"\n'),
-            ('setadmindvar g_motd "a "b" c"', ''),
-            ('setadmindvar g_motd ""', ''),
-            ('setadmindvar g_unheardOf "1"', "dvar 'g_unheardOf' does not exist\n"),
-            ('say "hello \xfc"', 'console: hello \xfc\n'),
+            ('h_unheardOf', 'Unknown command "h_unheardOf"\n'),
+            ('setadmindvar house_greeting "a "b" c"', ''),
+            ('setadmindvar house_greeting ""', ''),
+            ('setadmindvar h_unheardOf "1"', "There is no variable 'h_unheardOf'\n"),
+            ('say "hello \xfc"', 'tower: hello \xfc\n'),
             ('clientkick 0', 'Old Tom^7 was kicked\n'),
             ('clientkick 8', 'Client 8 is not active\n'),
             ('', ''),
         ]
         for command, expected in rows:
             with self.subTest(command), \
-                    GameServer(variables={'g_motd': 'hi'}, players=['Old Tom'], mode='ranked') as server, \
+                    GameServer(variables={'house_greeting': 'hi'}, players=['Old Tom'], mode='ranked') as server, \
                     Client(server) as client:
                 self.assertEqual(client.ask(f'secret {command}'.rstrip()), expected)
 
     def test_what_is_written_is_kept(self):
-        server = self.serve(variables={'g_motd': 'hi'})
+        server = self.serve(variables={'house_greeting': 'hi'})
         client = self.meet(server)
-        client.ask('secret setadmindvar g_motd "a "b" c"')
-        self.assertEqual(client.ask('secret g_motd').split('^7')[0], '"g_motd" is: "a "b" c"')
+        client.ask('secret setadmindvar house_greeting "a "b" c"')
+        self.assertEqual(client.ask('secret house_greeting').split('^7')[0], '"house_greeting" is: "a "b" c"')
         client.ask('secret setadmindvar rcon_password "new one"')
-        self.assertEqual(client.ask('new one say hi'), 'console: hi\n')
+        self.assertEqual(client.ask('new one say hi'), 'tower: hi\n')
         self.assertEqual(server.requests[-1][3:], ('new one', 'say hi', 'answered'))
 
     def test_dump_comes_in_parts(self):
@@ -123,7 +123,7 @@ class GameServerTest(unittest.TestCase):
         self.assertEqual(two[1:], ('127.0.0.3', second.port, 'secret', 'say two', 'answered'))
         self.assertTrue(before <= stray.time <= one.time <= two.time <= time.monotonic())
         self.assertEqual(server.commands(), ['say one', 'say two'])
-        self.assertEqual(server.sent[1][1:], (second.port, REPLY_HEAD + b'console: two\n', None))
+        self.assertEqual(server.sent[1][1:], (second.port, REPLY_HEAD + b'tower: two\n', None))
 
     def test_a_script_decides(self):
         def answer(command, count):
@@ -147,7 +147,7 @@ class GameServerTest(unittest.TestCase):
         self.assertEqual(came[1][1][0], '127.0.0.1')
         self.assertNotEqual(came[1][1][1], server.port)
         client.send('secret status')
-        self.assertEqual(client.ask('secret say hi'), 'console: hi\n')  # as by default, and nothing before it
+        self.assertEqual(client.ask('secret say hi'), 'tower: hi\n')  # as by default, and nothing before it
         self.assertEqual([request.outcome for request in server.requests], ['answered', 'unanswered', 'answered'])
 
     def test_throttle(self):
@@ -156,9 +156,9 @@ class GameServerTest(unittest.TestCase):
         client = self.meet(server)
         client.ask('secret say one')
         client.send('secret say two')
-        self.assertEqual(self.meet(server, '127.0.0.3').ask('secret say three'), 'console: three\n')
+        self.assertEqual(self.meet(server, '127.0.0.3').ask('secret say three'), 'tower: three\n')
         server.throttle_ms = 0
-        self.assertEqual(client.ask('secret say four'), 'console: four\n')
+        self.assertEqual(client.ask('secret say four'), 'tower: four\n')
         self.assertEqual([request.outcome for request in server.requests],
                          ['answered', 'throttled', 'answered', 'answered'])
 
@@ -169,15 +169,15 @@ class GameServerTest(unittest.TestCase):
         client.send('secret clientkick 0')
         self.assertTrue(server.wait_for(lambda requests: [r.outcome for r in requests] == ['silent'], 2))
         server.silent = False
-        self.assertEqual(client.ask('secret say hi'), 'console: hi\n')
+        self.assertEqual(client.ask('secret say hi'), 'tower: hi\n')
 
     def test_restart(self):
-        server = self.serve(variables={'g_motd': 'hi'}, players=['Ann'])
+        server = self.serve(variables={'house_greeting': 'hi'}, players=['Ann'])
         client = self.meet(server)
         port = server.port
-        client.ask('secret setadmindvar g_motd "old"')
+        client.ask('secret setadmindvar house_greeting "old"')
         client.ask('secret clientkick 0')
-        server.restart(away=0.2, password='new', mode='playlists', variables={'g_speed': '190'})
+        server.restart(away=0.2, password='new', mode='playlists', variables={'body_pace': '190'})
         self.assertTrue(server.wait_until_away(2))
         with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as taken:
             taken.bind(('127.0.0.1', port))
@@ -185,12 +185,12 @@ class GameServerTest(unittest.TestCase):
         answer = None
         for _ in range(50):
             try:
-                answer = client.ask('new g_motd')
+                answer = client.ask('new house_greeting')
                 break
             except OSError:
                 continue
-        self.assertEqual(answer, 'Unknown command "g_motd"\n')
-        self.assertIn('"190"', client.ask('new g_speed'))
+        self.assertEqual(answer, 'Unknown command "house_greeting"\n')
+        self.assertIn('"190"', client.ask('new body_pace'))
         self.assertIn('"1"', client.ask('new playlist_enabled'))
         self.assertEqual([player.name for player in server.players], ['Ann'])
 

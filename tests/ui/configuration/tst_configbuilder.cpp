@@ -329,7 +329,7 @@ private slots:
     {
         Builder builder;
         CompareWindow *window = builder.compare("playlist_enabled \"0\"\nsv_hostname \"<b>\"\nrcon_password \"new\"\n"
-                                                "g_new \"a\tb\"\n");
+                                                "h_new \"a\tb\"\n");
         QVERIFY(window != nullptr && builder.exchange.sent().isEmpty());
         QCOMPARE(control<QLabel>(*window, "countsLabel")->text(),
                  QString("2 differ, 1 only in file, 3 only on server, 1 same"));
@@ -348,9 +348,9 @@ private slots:
         QCOMPARE(QGuiApplication::clipboard()->text(),
                  QString("Variable\tValue Now\tValue in File\tState\nsv_hostname\th\t<b>\tDiffers\n"
                          "rcon_password\t(hidden)\t(hidden)\tDiffers\n"));
-        control<QLineEdit>(*window, "comparisonFilterField")->setText("g_new");
+        control<QLineEdit>(*window, "comparisonFilterField")->setText("h_new");
         control<QPushButton>(*window, "copyButton")->click();
-        QCOMPARE(QGuiApplication::clipboard()->text().section('\n', 1, 1), QString("g_new\t\ta b\tOnly in file"));
+        QCOMPARE(QGuiApplication::clipboard()->text().section('\n', 1, 1), QString("h_new\t\ta b\tOnly in file"));
         const auto *table = control<PlaceholderTable>(*window, "comparisonTableView");
         QVERIFY(control<QPushButton>(*window, "copyButton")->isEnabled());
         control<QLineEdit>(*window, "comparisonFilterField")->setText("nowhere");
@@ -361,7 +361,7 @@ private slots:
         QVERIFY(builder.settle());
         QCOMPARE(builder.exchange.sent(),
                  QStringList({"setadmindvar sv_hostname \"<b>\"", "setadmindvar rcon_password \"new\"",
-                              "setadmindvar g_new \"a\tb\""}));
+                              "setadmindvar h_new \"a\tb\""}));
         QTRY_VERIFY(builder.window.findChild<CompareWindow *>() == nullptr);
         window = builder.compare("sv_hostname \"<b>\"\n");
         QVERIFY(window != nullptr);
@@ -382,7 +382,7 @@ private slots:
     {
         QFETCH(bool, isAnother);
         Builder builder;
-        const CompareWindow *window = builder.compare("g_new \"1\"\n");
+        const CompareWindow *window = builder.compare("h_new \"1\"\n");
         QVERIFY(window != nullptr && window->isVisible());
         if (isAnother)
             emit builder.server.connectionBegan();

@@ -12,15 +12,16 @@
 #include <QListView>
 #include <QPushButton>
 
-/// A connected session on a server that plays tdm on mp_saltworks, with the catalogues loaded.
+/// A connected session on a server that plays crews on ward_saltworks, with the catalogues loaded.
 struct Maps : CataloguesFixture {
     Maps()
     {
         loadCatalogues();
         connectToServer();
-        tell(QStringLiteral("g_gametype"), QStringLiteral("tdm"));
-        tell(QStringLiteral("mapname"), QStringLiteral("mp_saltworks"));
-        tell(QStringLiteral("sv_mapRotation"), QStringLiteral("map mp_ropeway gametype dom map mp_millrace mp_new"));
+        tell(QStringLiteral("g_gametype"), QStringLiteral("crews"));
+        tell(QStringLiteral("mapname"), QStringLiteral("ward_saltworks"));
+        tell(QStringLiteral("sv_mapRotation"),
+             QStringLiteral("map ward_ropeway gametype docks map ward_millrace ward_new"));
     }
 
     void loadCatalogues()

@@ -22,10 +22,10 @@ private slots:
         QFETCH(int, failing);
         QFETCH(int, sent);
         Maps maps;
-        awaited(maps.mapRotations.addEntries({{"Saltworks", "Domination"}, {"Ropeway", "Domination"}}));
+        awaited(maps.mapRotations.addEntries({{"Saltworks", "Dock Watch"}, {"Ropeway", "Dock Watch"}}));
         awaited(maps.view.updateMapList(255));
         maps.exchange.forgetSent();
-        const QString text = "gametype dom map mp_saltworks gametype dom map mp_ropeway";
+        const QString text = "gametype docks map ward_saltworks gametype docks map ward_ropeway";
         const QStringList commands{QString("setadmindvar sv_mapRotation \"%1\"").arg(text),
                                    QString("setadmindvar sv_mapRotationCurrent \"%1\"").arg(text), "map_rotate"};
         for (int i = 0; i < commands.size(); ++i)
@@ -43,10 +43,10 @@ private slots:
     {
         Maps maps;
         maps.write(QStringLiteral("maps"),
-                   QString("<Maps><version>4.0</version><Map><name>New</name><dvarName>mp_ж</dvarName></Map></Maps>")
+                   QString("<Maps><version>4.0</version><Map><name>New</name><dvarName>ward_ж</dvarName></Map></Maps>")
                        .toUtf8());
         awaited(maps.maps.loadMapList());
-        awaited(maps.mapRotations.addEntries({{"New", "Domination"}}));
+        awaited(maps.mapRotations.addEntries({{"New", "Dock Watch"}}));
         maps.press("setBuiltRotationButton");
         QVERIFY(maps.settle());
         QCOMPARE(maps.exchange.sent(), QStringList());
@@ -103,11 +103,11 @@ private slots:
         QWidget *table = control<QWidget>(maps.view, "mapRotationPreviewTableView");
         maps.view.show();
         QVERIFY(QTest::qWaitForWindowActive(&maps.view));
-        awaited(maps.mapRotations.addEntries({{"Saltworks", "Domination"}}));
+        awaited(maps.mapRotations.addEntries({{"Saltworks", "Dock Watch"}}));
         QTRY_VERIFY(!mark->isHidden());
         QVERIFY(awaited(maps.mapRotations.saveUIChanges("mine")));
         QTRY_VERIFY(mark->isHidden());
-        awaited(maps.mapRotations.addEntries({{"Ropeway", "Domination"}}));
+        awaited(maps.mapRotations.addEntries({{"Ropeway", "Dock Watch"}}));
         QTRY_VERIFY(!mark->isHidden());
         QTest::keyClick(table, Qt::Key_Z, Qt::ControlModifier);
         QTRY_VERIFY(mark->isHidden());
@@ -118,8 +118,8 @@ private slots:
     void refusesUnknownNames()
     {
         Maps maps;
-        maps.choose("Domination", "Saltworks");
-        awaited(maps.mapRotations.addEntries({{"Saltworks", "Domination"}, {"Nowhere", "Domination"}}));
+        maps.choose("Dock Watch", "Saltworks");
+        awaited(maps.mapRotations.addEntries({{"Saltworks", "Dock Watch"}, {"Nowhere", "Dock Watch"}}));
         maps.press("setBuiltRotationButton");
         QVERIFY(maps.settle());
         QCOMPARE(maps.exchange.sent(), QStringList());
@@ -131,7 +131,7 @@ private slots:
     {
         Maps maps;
         awaited(maps.view.updateMapList(255));
-        awaited(maps.mapRotations.addToRotation("Saltworks", "Domination"));
+        awaited(maps.mapRotations.addToRotation("Saltworks", "Dock Watch"));
         maps.alerts.answerWith(2); // "Cancel"
         maps.press("copyToBuilderButton");
         QVERIFY(maps.settle());
@@ -143,7 +143,7 @@ private slots:
         QStringList copied;
         for (const auto &entry : maps.mapRotations.entries())
             copied.append(entry->map + "/" + entry->gametype);
-        QCOMPARE(copied, QStringList({"Ropeway/Team Match", "Millrace/Domination", "mp_new/Domination"}));
+        QCOMPARE(copied, QStringList({"Ropeway/Two Crews", "Millrace/Dock Watch", "ward_new/Dock Watch"}));
         QCOMPARE(control<ElidingLabel>(maps.view, "labelCurrentRotation")->text(), QString("Rotation: mine"));
         QVERIFY(maps.mapRotations.hasUnsavedWork());
     }

@@ -10,7 +10,7 @@
 #include <QTimer>
 
 static const QList<RotationRow> tdmRotation{
-    {"Ropeway", "Team Match"}, {"Millrace", "Domination"}, {"mp_new", "Domination"}};
+    {"Ropeway", "Two Crews"}, {"Millrace", "Dock Watch"}, {"ward_new", "Dock Watch"}};
 
 /// The rows behind what a table shows in an order of its own.
 static QAbstractItemModel *sourceOf(const QAbstractItemModel &arranged)
@@ -28,7 +28,7 @@ private slots:
         maps.field("currentMapField").showText("old");
         awaited(maps.view.updateMapList(MapsView::RotationFlag));
         QCOMPARE(maps.exchange.sent(), QStringList({"g_gametype", "sv_mapRotation"}));
-        QCOMPARE(maps.current(), QStringList({"Team Match", "old"}));
+        QCOMPARE(maps.current(), QStringList({"Two Crews", "old"}));
         QCOMPARE(maps.rotation(), tdmRotation);
     }
 
@@ -40,12 +40,12 @@ private slots:
         awaited(maps.view.updateMapList(7));
         QCOMPARE(maps.rotation(), tdmRotation);
         maps.tell("g_gametype", "ladder7");
-        maps.tell("mapname", "mp_unheard");
-        maps.tell("sv_mapRotation", "map mp_saltworks");
+        maps.tell("mapname", "ward_unheard");
+        maps.tell("sv_mapRotation", "map ward_saltworks");
         maps.exchange.forgetSent();
         maps.press("refreshCurrentMapButton");
         QCOMPARE(maps.sent(), QStringList({"g_gametype", "mapname"}));
-        QCOMPARE(maps.current(), QStringList({"ladder7", "mp_unheard"})); // unknown: as the server calls them
+        QCOMPARE(maps.current(), QStringList({"ladder7", "ward_unheard"})); // unknown: as the server calls them
         QCOMPARE(maps.rotation(), tdmRotation);
     }
 
@@ -179,7 +179,7 @@ private slots:
         Maps maps;
         QMenu menu;
         maps.view.fillMenu(menu);
-        maps.choose("Domination", "Ropeway");
+        maps.choose("Dock Watch", "Ropeway");
         const auto enabled = [&maps, &menu] {
             QStringList names;
             for (const char *name : {"refreshCurrentMapButton", "restartMapButton", "fastRestartMapButton",
@@ -195,7 +195,7 @@ private slots:
         };
         awaited(maps.view.updateMapList(MapsView::AllFlags));
         QCOMPARE(enabled().size(), 10);
-        QCOMPARE(maps.current(), QStringList({"Team Match", "Saltworks"}));
+        QCOMPARE(maps.current(), QStringList({"Two Crews", "Saltworks"}));
         maps.server.disconnect();
         QCOMPARE(enabled(), QStringList());
         QCOMPARE(maps.current(), QStringList({"", ""}));
@@ -206,7 +206,7 @@ private slots:
     void aCommandCalledOffRaisesNoAlert()
     {
         Maps maps;
-        maps.choose("Domination", "Ropeway");
+        maps.choose("Dock Watch", "Ropeway");
         maps.exchange.hold();
         maps.press("loadMapButton");
         maps.press("restartMapButton"); // waits
@@ -305,7 +305,7 @@ private slots:
         maps.view.resize(740, 560);
         const QString name = QStringLiteral("<b>x</b>\n") + QString(100000, 'W');
         maps.tell("mapname", name);
-        maps.tell("sv_mapRotation", "map " + name + " map mp_ropeway");
+        maps.tell("sv_mapRotation", "map " + name + " map ward_ropeway");
         awaited(maps.view.updateMapList(7));
         maps.view.grab();
         QVERIFY(maps.field("currentMapField").toolTip().size() < 2000);
@@ -318,10 +318,10 @@ private slots:
         QTest::addColumn<QStringList>("sent"); // the last one fails
         QTest::addColumn<QStringList>("current");
         QTest::addColumn<QString>("text");
-        const QString set = "setadmindvar g_gametype \"dom\"";
+        const QString set = "setadmindvar g_gametype \"docks\"";
         QTest::newRow("gametype") << QStringList{set} << QStringList{"old", "old"}
                                   << "'g_gametype' returned an error: lost";
-        QTest::newRow("map") << QStringList{set, "map mp_ropeway"} << QStringList{"Domination", "old"}
+        QTest::newRow("map") << QStringList{set, "map ward_ropeway"} << QStringList{"Dock Watch", "old"}
                              << "'map' returned an error: lost";
     }
     void aFailureEndsTheLoad()
@@ -333,7 +333,7 @@ private slots:
         maps.exchange.answer(sent.last(), ScriptedExchange::failure("lost"));
         maps.field("currentGameTypeField").showText("old");
         maps.field("currentMapField").showText("old");
-        maps.choose("Domination", "Ropeway");
+        maps.choose("Dock Watch", "Ropeway");
         maps.press("loadMapButton");
         QCOMPARE(maps.sent(), sent);
         QTEST(maps.current(), "current");
@@ -347,19 +347,19 @@ private slots:
         maps.exchange.answerEverything(ScriptedExchange::ok());
         maps.exchange.hold();
         maps.press("startNextMapButton");
-        maps.choose("Domination", "Ropeway");
+        maps.choose("Dock Watch", "Ropeway");
         maps.press("loadMapButton"); // waits behind the other
-        maps.choose("Free for All", "Millrace");
-        QVERIFY(maps.answerInOrder({"map_rotate", "setadmindvar g_gametype \"dom\"", "map mp_ropeway"}));
-        QCOMPARE(maps.current(), QStringList({"Domination", "Ropeway"}));
+        maps.choose("Every Lamp Alone", "Millrace");
+        QVERIFY(maps.answerInOrder({"map_rotate", "setadmindvar g_gametype \"docks\"", "map ward_ropeway"}));
+        QCOMPARE(maps.current(), QStringList({"Dock Watch", "Ropeway"}));
     }
 
     void nothingIsLoadedWithoutAChoice_data()
     {
         QTest::addColumn<QByteArray>("gametypes");
         QTest::addColumn<bool>("isMapSelected");
-        const QByteArray tdm = "<a><Gametype><name>TDM</name><dvarName>tdm</dvarName></Gametype></a>";
-        QTest::newRow("no map") << tdm << false;
+        const QByteArray crews = "<a><Gametype><name>CREWS</name><dvarName>crews</dvarName></Gametype></a>";
+        QTest::newRow("no map") << crews << false;
         QTest::newRow("no gametype") << QByteArray("<a/>") << true;
         QTest::newRow("gametype without a short name")
             << QByteArray("<a><Gametype><name>X</name></Gametype></a>") << true;
@@ -369,7 +369,7 @@ private slots:
         QFETCH(QByteArray, gametypes);
         QFETCH(bool, isMapSelected);
         Maps maps;
-        maps.choose("Domination", "Ropeway");
+        maps.choose("Dock Watch", "Ropeway");
         QVERIFY(maps.button("loadMapButton").isEnabled());
         maps.write("gametypes", gametypes);
         maps.loadCatalogues();
@@ -387,22 +387,22 @@ private slots:
         QAbstractItemModel *list = control<QListView>(maps.view, "mapListView")->model();
         const QAbstractItemModelTester tester(list);
         const QAbstractItemModelTester sourceTester(sourceOf(*list));
-        maps.choose("Domination", "Ropeway");
-        maps.write("gametypes", "<a><Gametype><name>Domination</name><dvarName>old</dvarName></Gametype>"
+        maps.choose("Dock Watch", "Ropeway");
+        maps.write("gametypes", "<a><Gametype><name>Dock Watch</name><dvarName>old</dvarName></Gametype>"
                                 "<Gametype><name>New</name><dvarName>n</dvarName></Gametype>"
-                                "<Gametype><name>Domination</name><dvarName>dom2</dvarName></Gametype></a>");
-        maps.write("maps", "<a><version>4.0</version><Map><name>Zoo</name><dvarName>mp_zoo</dvarName></Map>"
-                           "<Map><name>Ropeway</name><dvarName>mp_r1</dvarName></Map>"
-                           "<Map><name>Attic</name><dvarName>mp_attic</dvarName></Map>"
-                           "<Map><name>Ropeway</name><dvarName>mp_r2</dvarName></Map></a>");
+                                "<Gametype><name>Dock Watch</name><dvarName>dom2</dvarName></Gametype></a>");
+        maps.write("maps", "<a><version>4.0</version><Map><name>Zoo</name><dvarName>ward_zoo</dvarName></Map>"
+                           "<Map><name>Ropeway</name><dvarName>ward_r1</dvarName></Map>"
+                           "<Map><name>Attic</name><dvarName>ward_attic</dvarName></Map>"
+                           "<Map><name>Ropeway</name><dvarName>ward_r2</dvarName></Map></a>");
         maps.loadCatalogues();
         QCOMPARE(maps.listedMaps(), QStringList({"Zoo", "Attic", "Ropeway"})); // the file's order, the later of two
         const auto *popUp = control<QComboBox>(maps.view, "gametypePopUpButton");
-        QCOMPARE(popUp->currentText(), QString("Domination"));
+        QCOMPARE(popUp->currentText(), QString("Dock Watch"));
         QCOMPARE(popUp->count(), 2);
         maps.exchange.answerEverything(ScriptedExchange::ok());
         maps.press("loadMapButton");
-        QCOMPARE(maps.sent(), QStringList({"setadmindvar g_gametype \"dom2\"", "map mp_r2"}));
+        QCOMPARE(maps.sent(), QStringList({"setadmindvar g_gametype \"dom2\"", "map ward_r2"}));
     }
 
     void mapsAreLeftOutByTheModeOfThisServer()
@@ -411,9 +411,9 @@ private slots:
         maps.exchange.answer("dvardump",
                              ScriptedExchange::dump("sv_ranked \"2\"\nno_zoo \"1\"\nplaylist_enabled \"0\"\n"));
         maps.connectToServer();
-        maps.write("maps", "<a><version>4.0</version><Map><name>Zoo</name><dvarName>mp_zoo</dvarName>"
+        maps.write("maps", "<a><version>4.0</version><Map><name>Zoo</name><dvarName>ward_zoo</dvarName>"
                            "<excludeDvar>no_zoo</excludeDvar></Map>"
-                           "<Map><name>Attic</name><dvarName>mp_attic</dvarName></Map></a>");
+                           "<Map><name>Attic</name><dvarName>ward_attic</dvarName></Map></a>");
         maps.loadCatalogues();
         QCOMPARE(maps.listedMaps(), QStringList{"Attic"});
         maps.exchange.answer("dvardump", ScriptedExchange::dump()); // unranked
@@ -430,17 +430,17 @@ private slots:
         const QStringList texts = entriesOf(menu);
         QCOMPARE(texts, QStringList({"&Refresh", "Restart &Map", "&Fast Restart", "Ne&xt Map", "&Load Map", "-",
                                      "&Copy Server's Rotation to Builder", "&Add Map…", "Set Rotation &on Server"}));
-        maps.choose("Domination", "Ropeway");
+        maps.choose("Dock Watch", "Ropeway");
         for (const char *text : {"Restart &Map", "&Fast Restart", "Ne&xt Map", "&Load Map"})
             menu.actions().at(texts.indexOf(QString(text)))->trigger();
         QCOMPARE(maps.sent(), QStringList({"map_restart", "fast_restart", "map_rotate",
-                                           "setadmindvar g_gametype \"dom\"", "map mp_ropeway"}));
+                                           "setadmindvar g_gametype \"docks\"", "map ward_ropeway"}));
     }
     void theFocusGoesToTheMapsAndTabFromTopToBottom()
     {
         Maps maps;
         awaited(maps.view.updateMapList(7));
-        maps.choose("Domination", "Ropeway");
+        maps.choose("Dock Watch", "Ropeway");
         maps.view.show();
         QVERIFY(QTest::qWaitForWindowActive(&maps.view));
         maps.view.setFocus();

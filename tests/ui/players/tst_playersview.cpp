@@ -24,7 +24,7 @@ using namespace std::chrono_literals;
 /// A player whose address ends in `host`.
 static QString lineOf(int number, const QString &name, int host, int score = 0)
 {
-    return QStringLiteral("%1 %4 48 g%3 %2 allies 0 192.0.2.%3:50074 77 25000\n")
+    return QStringLiteral("%1 %4 48 g%3 %2 lamps 0 192.0.2.%3:50074 77 25000\n")
         .arg(number)
         .arg(name)
         .arg(host)
@@ -718,7 +718,7 @@ private slots:
         players.select({"Ann", "Cy"});
         players.press("messagePlayerButton");
         // Ann leaves, a newcomer gets her number, and Cy comes back under another one.
-        players.list(line(1, "New") + "7 0 48 g3 Cy allies 0 192.0.2.3:50074 77 25000\n");
+        players.list(line(1, "New") + "7 0 48 g3 Cy lamps 0 192.0.2.3:50074 77 25000\n");
         players.view.refreshPlayersButtonPressed();
         QVERIFY(players.settle());
         players.exchange.forgetSent();
@@ -775,9 +775,9 @@ private slots:
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray text = file.readAll();
-        QVERIFY(text.endsWith("2,Bob,g2,192.0.2.2:50074,allies,10,48\n"
-                              "1,Ann,g1,192.0.2.1:50074,allies,9,48\n"
-                              "3,Cy,g3,192.0.2.3:50074,allies,8,48\n"));
+        QVERIFY(text.endsWith("2,Bob,g2,192.0.2.2:50074,lamps,10,48\n"
+                              "1,Ann,g1,192.0.2.1:50074,lamps,9,48\n"
+                              "3,Cy,g3,192.0.2.3:50074,lamps,8,48\n"));
     }
 
     void savingAsksBeforeItReplacesAndTellsOfFailures()

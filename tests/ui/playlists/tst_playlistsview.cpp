@@ -15,13 +15,13 @@
 /// A session on a server that plays list 3, with the catalogues loaded.
 struct Playlists : CataloguesFixture {
     /// @param excluded  the server's maps, gametypes and pairs: Ropeway alone, unless told.
-    explicit Playlists(bool isRanked = false, const QStringList &excluded = {"mp_ropeway", "", ""})
+    explicit Playlists(bool isRanked = false, const QStringList &excluded = {"ward_ropeway", "", ""})
     {
         awaited(maps.loadMapList());
         awaited(gametypes.loadGametypeList());
         awaited(playlists.loadPlaylists());
         const QString dump = "rcon_password \"s\"\nsv_hostname \"h\"\nsv_ranked \"%1\"\nplaylist_enabled \"1\"\n"
-                             "playlist \"3\"\nmapexclude_millrace \"1\"\n";
+                             "playlist \"3\"\nclosed_millrace \"1\"\n";
         exchange.answer("dvardump", ScriptedExchange::ok(dump.arg(isRanked ? 2 : 1)));
         const QStringList names{"playlist_excludeMap", "playlist_excludeGametype", "playlist_excludeGametypeMap"};
         for (qsizetype i = 0; i < names.size(); ++i)
@@ -55,7 +55,7 @@ private slots:
         QTest::addColumn<bool>("isRanked");
         QTest::addColumn<bool>("isFailing");
         QTest::addColumn<QStringList>("alerts");
-        const QString queued = "The \"Mixed Teams\" playlist will begin as soon as the current map completes.";
+        const QString queued = "The \"Crew Medley\" playlist will begin as soon as the current map completes.";
         const QString failed = "'%1' returned an error: lost";
         QTest::newRow("unranked") << 7 << false << false << QStringList();
         QTest::newRow("unranked, fails") << 7 << false << true
@@ -84,7 +84,7 @@ private slots:
         QVERIFY(!isRanked || playlists.alerts.titles().last() == "Playlist Has Been Queued");
         QVERIFY(!isRanked || playlists.alerts.manners().last().isGoodNews);
         QCOMPARE(control<QLineEdit>(playlists.view, "currentPlaylistField")->text(),
-                 isFailing ? "Hold Your Ground" : "Mixed Teams");
+                 isFailing ? "Docks and Beacons" : "Crew Medley");
         QCOMPARE(playlists.playlists.exclusions().size(), 1); // what the server has
     }
 
@@ -181,13 +181,14 @@ private slots:
         QTest::addColumn<QStringList>("values");
         const QStringList empty{"", "", ""};
         QTest::newRow("none") << false << "" << empty;
-        QTest::newRow("each kind") << false
-                                   << "Millrace/Duel,Millrace/<any gametype>,<any map>/Domination,<any map>/Duel,"
-                                      "<any map>/<any gametype>,Ropeway/Free for All"
-                                   << QStringList{"mp_millrace", "dom duel", "duel mp_millrace dm mp_ropeway"};
-        QTest::newRow("unknown") << true
-                                 << "Millrace/<any gametype>,Millrace/Duel,mp_new/Duel,<any map>/new,Ropeway/new"
-                                 << empty;
+        QTest::newRow("each kind")
+            << false
+            << "Millrace/Duckboard,Millrace/<any gametype>,<any map>/Dock Watch,<any map>/Duckboard,"
+               "<any map>/<any gametype>,Ropeway/Every Lamp Alone"
+            << QStringList{"ward_millrace", "docks board", "board ward_millrace alone ward_ropeway"};
+        QTest::newRow("unknown")
+            << true << "Millrace/<any gametype>,Millrace/Duckboard,ward_new/Duckboard,<any map>/new,Ropeway/new"
+            << empty;
     }
     void appliesExclusions()
     {
@@ -209,7 +210,7 @@ private slots:
         playlists.exchange.answer("setadmindvar playlist_excludeGametype \"\"",
                                   ScriptedExchange::failure("lost", RConResultInvalidPacket));
         control<QPushButton>(playlists.view, "applyExclusionsButton")->click();
-        playlists.playlists.addExclusion("Ropeway", "Duel"); // too late for what was pressed
+        playlists.playlists.addExclusion("Ropeway", "Duckboard"); // too late for what was pressed
         QVERIFY(playlists.answerAll());
         QCOMPARE(playlists.exchange.sent(),
                  QStringList({QString("setadmindvar playlist_excludeMap \"%1\"").arg(values.at(0)),
@@ -224,7 +225,7 @@ private slots:
     {
         Playlists playlists;
         playlists.write(QStringLiteral("maps"), QString("<Maps><version>4.0</version><Map><name>New</name>"
-                                                        "<dvarName>mp_ж</dvarName></Map></Maps>")
+                                                        "<dvarName>ward_ж</dvarName></Map></Maps>")
                                                     .toUtf8());
         awaited(playlists.maps.loadMapList());
         playlists.playlists.addExclusion("New", "<any gametype>");
@@ -242,22 +243,24 @@ private slots:
         QTest::addColumn<QString>("added");
         QTest::addColumn<QStringList>("written");
         using Rows = QList<int>;
-        const QStringList mixed{"mp_new mp_ropeway mp_newer", "new dm newer", "new mp_new dm mp_ropeway dm mp_new"};
+        const QStringList mixed{"ward_new ward_ropeway ward_newer", "new alone newer",
+                                "new ward_new alone ward_ropeway alone ward_new"};
         QTest::newRow("as it came") << mixed << Rows() << "" << mixed;
-        QTest::newRow("one added") << mixed << Rows() << "Ropeway/Duel,Brickfield/<any gametype>"
-                                   << QStringList{"mp_new mp_ropeway mp_newer mp_brickfield", "new dm newer",
-                                                  "new mp_new dm mp_ropeway dm mp_new duel mp_ropeway"};
+        QTest::newRow("one added") << mixed << Rows() << "Ropeway/Duckboard,Brickfield/<any gametype>"
+                                   << QStringList{"ward_new ward_ropeway ward_newer ward_brickfield", "new alone newer",
+                                                  "new ward_new alone ward_ropeway alone ward_new board ward_ropeway"};
         QTest::newRow("some removed") << mixed << Rows{0, 4, 7} << ""
-                                      << QStringList{"mp_ropeway mp_newer", "new newer", "new mp_new dm mp_new"};
+                                      << QStringList{"ward_ropeway ward_newer", "new newer",
+                                                     "new ward_new alone ward_new"};
         QTest::newRow("an unknown one twice")
-            << QStringList{"mp_new mp_new", "", ""} << Rows{0} << "" << QStringList{"mp_new", "", ""};
-        QTest::newRow("out of play") << QStringList{"mp_millrace", "", "dm mp_millrace"} << Rows() << ""
-                                     << QStringList{"mp_millrace", "", "dm mp_millrace"};
-        const QString odd = QString::fromUtf8("mp_\u00e9<b>&; %1,/'\\x");
-        QTest::newRow("odd letters") << QStringList{odd, odd, "DM MP_ROPEWAY"} << Rows() << ""
-                                     << QStringList{odd, odd, "DM MP_ROPEWAY"};
+            << QStringList{"ward_new ward_new", "", ""} << Rows{0} << "" << QStringList{"ward_new", "", ""};
+        QTest::newRow("out of play") << QStringList{"ward_millrace", "", "alone ward_millrace"} << Rows() << ""
+                                     << QStringList{"ward_millrace", "", "alone ward_millrace"};
+        const QString odd = QString::fromUtf8("ward_\u00e9<b>&; %1,/'\\x");
+        QTest::newRow("odd letters") << QStringList{odd, odd, "DM WARD_ROPEWAY"} << Rows() << ""
+                                     << QStringList{odd, odd, "DM WARD_ROPEWAY"};
         QTest::newRow("a pair that breaks off")
-            << QStringList{"", "", "new mp_new dm"} << Rows() << "" << QStringList{"", "", "new mp_new"};
+            << QStringList{"", "", "new ward_new alone"} << Rows() << "" << QStringList{"", "", "new ward_new"};
     }
     void whatCameFromTheServerGoesBackByItsOwnName()
     {
@@ -287,7 +290,7 @@ private slots:
 
     void whatIsAddedAgainIsNoEdit()
     {
-        Playlists playlists(false, {"mp_ropeway mp_millrace", "", ""});
+        Playlists playlists(false, {"ward_ropeway ward_millrace", "", ""});
         auto *table = control<QTableView>(playlists.view, "exclusionsTableView");
         auto *removeButton = control<QPushButton>(playlists.view, "removeExclusionButton");
         playlists.view.show();
@@ -304,7 +307,7 @@ private slots:
 
     void aThirdClickOnATitleReturnsToTheServersOrder()
     {
-        Playlists playlists(false, {"mp_ropeway mp_millrace", "", ""});
+        Playlists playlists(false, {"ward_ropeway ward_millrace", "", ""});
         auto *table = control<QTableView>(playlists.view, "exclusionsTableView");
         playlists.view.show();
         const QHeaderView *titles = table->horizontalHeader();
@@ -322,7 +325,7 @@ private slots:
             for (const int openAlerts : {0, 1}) {
                 Playlists playlists(true);
                 playlists.exchange.answerEverything(ScriptedExchange::failure("lost"));
-                playlists.playlists.addExclusion("Millrace", "Duel");
+                playlists.playlists.addExclusion("Millrace", "Duckboard");
                 playlists.alerts.hold();
                 control<QTableView>(playlists.view, "playlistsTableView")->selectRow(0);
                 control<QPushButton>(playlists.view, buttonName)->click();
@@ -359,12 +362,12 @@ private slots:
         QVERIFY(!addButton->isEnabled());
         maps.setCurrentText("Ropeway");
         addButton->click();
-        gametypes.setCurrentText("Duel");
+        gametypes.setCurrentText("Duckboard");
         addButton->click();
         QVERIFY(picker.isVisible());
-        QCOMPARE(control<QLineEdit>(picker, "addedField")->text(), QString("Added: Ropeway, Duel (2 so far)"));
+        QCOMPARE(control<QLineEdit>(picker, "addedField")->text(), QString("Added: Ropeway, Duckboard (2 so far)"));
         const QList<Exclusion> added = playlists.playlists.exclusions().sliced(1);
-        QCOMPARE(added, QList<Exclusion>({{"Ropeway", "<any gametype>", 2}, {"Ropeway", "Duel", 3}}));
+        QCOMPARE(added, QList<Exclusion>({{"Ropeway", "<any gametype>", 2}, {"Ropeway", "Duckboard", 3}}));
         control<QPushButton>(picker, "closeButton")->click();
         QVERIFY(!picker.isVisible());
     }

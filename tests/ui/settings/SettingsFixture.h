@@ -23,7 +23,7 @@ inline QByteArray settingXml(const QByteArray &name, const QByteArray &dvar, con
            category + "</category><description>" + description + "</description></DvarSetting>";
 }
 
-/// A view with catalogues of the test's own, on a session that has just connected. The server does not know g_lost.
+/// A view with catalogues of the test's own, on a session that has just connected. The server does not know h_lost.
 struct SettingsFixture : CataloguesFixture {
     explicit SettingsFixture(SettingsView::Mode mode = SettingsView::Mode::Unranked)
         : isRanked(mode == SettingsView::Mode::Ranked), view(mode, server, actions, fetcher, settings, gametypes)
@@ -38,8 +38,8 @@ struct SettingsFixture : CataloguesFixture {
 
     void dump(const QString &timeLimit)
     {
-        const QString text = "sv_ranked \"%1\"\nplaylist_enabled \"0\"\ng_time \"%2\"\ng_gravity \"-.5\"\n"
-                             "g_fire \"1\"\ng_cam \"0\"\ng_motd \"hello\"\nscr_score \"100\"\n";
+        const QString text = "sv_ranked \"%1\"\nplaylist_enabled \"0\"\nh_time \"%2\"\nworld_gravity \"-.5\"\n"
+                             "h_fire \"1\"\nh_cam \"0\"\nhouse_greeting \"hello\"\nrule_score \"100\"\n";
         exchange.answer("dvardump", ScriptedExchange::dump(text.arg(isRanked ? "2" : "1", timeLimit)));
     }
 
@@ -76,16 +76,16 @@ struct SettingsFixture : CataloguesFixture {
     {
         write(isRanked ? QStringLiteral("gameSettingsRanked") : QStringLiteral("gameSettingsUnranked"),
               "<s><SettingInst><name>Match</name>" +
-                  settingXml("Time limit", "g_time", "int", "Limits", "Minutes that a round lasts.") +
-                  settingXml("Gravity", "g_gravity", "float", "Limits", "How fast things fall.") +
-                  settingXml("Friendly fire", "g_fire", "bool", "rules", "Hurts the team as well.") +
-                  settingXml("Replay", "g_cam", "Bool", "rules", "Shows the last moments.") +
-                  settingXml("Lost switch", "g_lost", "BOOL", "rules") +
-                  "</SettingInst><SettingInst><name>About</name>" + settingXml("Message", "g_motd", "string", "Texts") +
-                  "</SettingInst></s>");
-        write(QStringLiteral("gametypes"), "<g><Gametype><name>Team</name><dvarName>tdm</dvarName>" +
-                                               settingXml("Score limit", "scr_score", "int", "Limits") +
-                                               "</Gametype><Gametype><name>Duel</name></Gametype></g>");
+                  settingXml("Time limit", "h_time", "int", "Limits", "Minutes that a round lasts.") +
+                  settingXml("Gravity", "world_gravity", "float", "Limits", "How fast things fall.") +
+                  settingXml("Hits among mates", "h_fire", "bool", "rules", "Hurts the team as well.") +
+                  settingXml("Replay", "h_cam", "Bool", "rules", "Shows the last moments.") +
+                  settingXml("Lost switch", "h_lost", "BOOL", "rules") +
+                  "</SettingInst><SettingInst><name>About</name>" +
+                  settingXml("Message", "house_greeting", "string", "Texts") + "</SettingInst></s>");
+        write(QStringLiteral("gametypes"), "<g><Gametype><name>Team</name><dvarName>crews</dvarName>" +
+                                               settingXml("Score limit", "rule_score", "int", "Limits") +
+                                               "</Gametype><Gametype><name>Duckboard</name></Gametype></g>");
         awaited(gametypes.loadGametypeList());
         awaited(settings.loadSettings());
     }

@@ -9,12 +9,12 @@ private slots:
     void theSpaceBarTogglesBoxesFromEveryColumn()
     {
         SettingsFixture shown;
-        for (const char *dvar : {"g_fire", "g_cam", "g_lost", "g_time"}) { // on, off, not known to the server, no box
+        for (const char *dvar : {"h_fire", "h_cam", "h_lost", "h_time"}) { // on, off, not known to the server, no box
             shown.tree().setCurrentIndex(shown.valueOf(dvar).siblingAtColumn(0));
             QTest::keyClick(&shown.tree(), Qt::Key_Space);
         }
         QCOMPARE(shown.sent(),
-                 QStringList({"setadmindvar g_fire \"0\"", "setadmindvar g_cam \"1\"", "setadmindvar g_lost \"1\""}));
+                 QStringList({"setadmindvar h_fire \"0\"", "setadmindvar h_cam \"1\"", "setadmindvar h_lost \"1\""}));
         QVERIFY(shown.alerts.shown().isEmpty());
     }
 
@@ -22,35 +22,35 @@ private slots:
     {
         SettingsFixture shown;
         shown.exchange.hold();
-        shown.press("g_fire", Qt::Key_Space);
-        shown.press("g_fire", Qt::Key_Space);
-        QCOMPARE(shown.valueOf("g_fire").data(Qt::CheckStateRole), QVariant(Qt::Checked)); // as the session still says
+        shown.press("h_fire", Qt::Key_Space);
+        shown.press("h_fire", Qt::Key_Space);
+        QCOMPARE(shown.valueOf("h_fire").data(Qt::CheckStateRole), QVariant(Qt::Checked)); // as the session still says
         shown.exchange.release();
         QTRY_COMPARE(shown.exchange.keptCount(), 1);
-        QCOMPARE(shown.valueOf("g_fire").data(Qt::CheckStateRole), QVariant(Qt::Unchecked));
+        QCOMPARE(shown.valueOf("h_fire").data(Qt::CheckStateRole), QVariant(Qt::Unchecked));
         shown.exchange.release();
-        QCOMPARE(shown.sent(), QStringList({"setadmindvar g_fire \"0\"", "setadmindvar g_fire \"1\""}));
+        QCOMPARE(shown.sent(), QStringList({"setadmindvar h_fire \"0\"", "setadmindvar h_fire \"1\""}));
     }
 
     void aClickOnTheBoxSendsTheOpposite()
     {
         SettingsFixture shown;
-        const QRect cell = shown.tree().visualRect(shown.valueOf("g_fire"));
+        const QRect cell = shown.tree().visualRect(shown.valueOf("h_fire"));
         QTest::mouseClick(shown.tree().viewport(), Qt::LeftButton, {}, QPoint(cell.right() - 5, cell.center().y()));
         QTest::mouseClick(shown.tree().viewport(), Qt::LeftButton, {}, QPoint(cell.left() + 10, cell.center().y()));
-        QCOMPARE(shown.sent(), QStringList{"setadmindvar g_fire \"0\""});
+        QCOMPARE(shown.sent(), QStringList{"setadmindvar h_fire \"0\""});
     }
 
     void sendsWhatIsTypedAlsoWhenTheSessionHoldsIt()
     {
         SettingsFixture shown;
         for (const char *text : {"20", "30"}) {
-            shown.type("g_time", text);
+            shown.type("h_time", text);
             QTest::keyClick(shown.editor(), Qt::Key_Return);
             QTRY_VERIFY(shown.editor() == nullptr);
         }
-        QCOMPARE(shown.sent(), QStringList({"setadmindvar g_time \"20\"", "setadmindvar g_time \"30\""}));
-        QCOMPARE(shown.shownValue("g_time"), QString("30"));
+        QCOMPARE(shown.sent(), QStringList({"setadmindvar h_time \"20\"", "setadmindvar h_time \"30\""}));
+        QCOMPARE(shown.shownValue("h_time"), QString("30"));
     }
 
     void tellsWhatBecameOfAWrite_data()
@@ -61,10 +61,10 @@ private slots:
         QTest::addColumn<QString>("value");
         QTest::newRow("accepted") << int(RConResultSuccess) << "will take effect later" << QString() << "900";
         QTest::newRow("a failure is never read as a refusal") << int(RConResultTimeout) << "not a valid value %1"
-                                                              << "Error setting dvar 'g_time': not a valid value %1"
+                                                              << "Error setting dvar 'h_time': not a valid value %1"
                                                               << "20";
-        QTest::newRow("turned down") << int(RConResultSuccess) << "'900' is not a valid value for g_time"
-                                     << "'900' is not a valid value for g_time"
+        QTest::newRow("turned down") << int(RConResultSuccess) << "'900' is not a valid value for h_time"
+                                     << "'900' is not a valid value for h_time"
                                      << "850";
     }
     void tellsWhatBecameOfAWrite()
@@ -73,10 +73,10 @@ private slots:
         QFETCH(QString, reply);
         QFETCH(QString, alert);
         SettingsFixture shown;
-        shown.exchange.answer("setadmindvar g_time \"900\"", Reply{RConResult(result), reply, false});
-        shown.exchange.answer("g_time", ScriptedExchange::ok("\"g_time\" is: \"850\" in force: \"850\""));
+        shown.exchange.answer("setadmindvar h_time \"900\"", Reply{RConResult(result), reply, false});
+        shown.exchange.answer("h_time", ScriptedExchange::ok("\"h_time\" is: \"850\" in force: \"850\""));
         shown.exchange.hold();
-        shown.type("g_time", "900");
+        shown.type("h_time", "900");
         QTest::keyClick(shown.editor(), Qt::Key_Return);
         QTRY_COMPARE(shown.exchange.keptCount(), 1);
         shown.loadCatalogues(); // another setting takes the place of the one that was edited
@@ -87,50 +87,50 @@ private slots:
         }
         QCOMPARE(shown.alerts.texts(), alert.isNull() ? QStringList() : QStringList{alert});
         QCOMPARE(shown.alerts.titles(), alert.isNull() ? QStringList() : QStringList{"Remote Command Failure"});
-        QTEST(shown.shownValue("g_time"), "value");
+        QTEST(shown.shownValue("h_time"), "value");
     }
 
     void quotesTypedAroundAValueAreNoPartOfIt()
     {
         SettingsFixture shown;
-        shown.type("g_time", "\"25\"");
+        shown.type("h_time", "\"25\"");
         QVERIFY(!shown.isHintShown());
         QTest::keyClick(shown.editor(), Qt::Key_Return);
         QTRY_VERIFY(shown.editor() == nullptr);
-        QCOMPARE(shown.sent(), QStringList{"setadmindvar g_time \"25\""});
-        QCOMPARE(shown.server.dvarList().value("g_time"), QString("25"));
+        QCOMPARE(shown.sent(), QStringList{"setadmindvar h_time \"25\""});
+        QCOMPARE(shown.server.dvarList().value("h_time"), QString("25"));
     }
 
     void aRejectedValueStaysInTheField()
     {
         SettingsFixture shown;
-        shown.type("g_gravity", "1.");
+        shown.type("world_gravity", "1.");
         QTest::keyClick(shown.editor(), Qt::Key_Return);
         QCoreApplication::processEvents();
         QVERIFY(shown.editor() != nullptr && shown.editor()->isVisible());
         QVERIFY(shown.isHintShown());
         const auto *hint = control<QLabel>(shown.tree(), "dvarValueHint");
-        QCOMPARE(hint->text(), shown.outline().settingAt(shown.valueOf("g_gravity"))->acceptedValues());
+        QCOMPARE(hint->text(), shown.outline().settingAt(shown.valueOf("world_gravity"))->acceptedValues());
         QVERIFY(!hint->geometry().intersects(shown.editor()->geometry()));
         QTest::keyClick(shown.editor(), Qt::Key_Escape);
         QTRY_VERIFY(shown.editor() == nullptr);
         QVERIFY(!shown.isHintShown());
-        QCOMPARE(shown.shownValue("g_gravity"), QString("-.5"));
+        QCOMPARE(shown.shownValue("world_gravity"), QString("-.5"));
         QVERIFY(shown.exchange.sent().isEmpty());
     }
 
     void writesOnlyWhatTheGameCanHold()
     {
         SettingsFixture shown;
-        shown.type("g_gravity", "5");
+        shown.type("world_gravity", "5");
         shown.editor()->home(false);
         shown.editor()->insert(u"\u2212"_qs); // a minus, which no number has
         QTest::keyClick(shown.editor(), Qt::Key_Return);
         QTRY_VERIFY(shown.editor() == nullptr);
-        QCOMPARE(shown.sent(), QStringList{"setadmindvar g_gravity \"-5\""});
+        QCOMPARE(shown.sent(), QStringList{"setadmindvar world_gravity \"-5\""});
         shown.exchange.forgetSent();
         shown.settings.setSelectedSettingList("About");
-        shown.type("g_motd", {});
+        shown.type("house_greeting", {});
         shown.editor()->setText({});
         shown.editor()->insert(u"\u0436"_qs);
         QTest::keyClicks(shown.editor(), "a");
@@ -146,15 +146,15 @@ private slots:
         QVERIFY(!shown.isHintShown());
         QTest::keyClick(shown.editor(), Qt::Key_Return);
         QTRY_VERIFY(shown.editor() == nullptr);
-        QCOMPARE(shown.sent(), QStringList{"setadmindvar g_motd \"'b'!\""});
-        QCOMPARE(shown.shownValue("g_motd"), QString("'b'!"));
+        QCOMPARE(shown.sent(), QStringList{"setadmindvar house_greeting \"'b'!\""});
+        QCOMPARE(shown.shownValue("house_greeting"), QString("'b'!"));
     }
 
     void aRefusedValueOfTheServersIsHintedAtOnLeaving()
     {
         SettingsFixture shown;
-        shown.server.addDvarLine(u"g_time \"soon\"");
-        shown.press("g_time", Qt::Key_Enter);
+        shown.server.addDvarLine(u"h_time \"soon\"");
+        shown.press("h_time", Qt::Key_Enter);
         QVERIFY(!shown.isHintShown());
         QTest::keyClick(shown.editor(), Qt::Key_Tab);
         QVERIFY(shown.isHintShown());
@@ -164,7 +164,7 @@ private slots:
     {
         SettingsFixture shown;
         QVERIFY(QTest::qWaitForWindowActive(&shown.view));
-        shown.type("g_time", "4");
+        shown.type("h_time", "4");
         QWidget another;
         another.show();
         another.activateWindow();
@@ -177,13 +177,13 @@ private slots:
     {
         SettingsFixture shown;
         shown.write("gameSettingsUnranked", "<s><SettingInst><name>Access</name>" +
-                                                settingXml("Join", "g_password", "string", "Access") +
+                                                settingXml("Join", "door_password", "string", "Access") +
                                                 "</SettingInst></s>");
         awaited(shown.settings.loadSettings());
-        shown.server.addDvarLine(u"g_password \"zyx\"");
-        QCOMPARE(shown.shownValue("g_password"), QString("********"));
-        QVERIFY(!shown.valueOf("g_password").data(Qt::ToolTipRole).toString().contains("zyx"));
-        shown.press("g_password", Qt::Key_F2);
+        shown.server.addDvarLine(u"door_password \"zyx\"");
+        QCOMPARE(shown.shownValue("door_password"), QString("********"));
+        QVERIFY(!shown.valueOf("door_password").data(Qt::ToolTipRole).toString().contains("zyx"));
+        shown.press("door_password", Qt::Key_F2);
         QCOMPARE(shown.editor()->text(), QString("zyx"));
         QVERIFY(!shown.editor()->displayText().contains('z'));
     }
@@ -192,7 +192,7 @@ private slots:
     {
         SettingsFixture shown;
         for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_F2}) {
-            shown.press("g_time", key);
+            shown.press("h_time", key);
             QVERIFY(shown.editor() != nullptr);
             QTest::keyClick(shown.editor(), Qt::Key_Escape);
             QTRY_VERIFY(shown.editor() == nullptr);
@@ -203,28 +203,28 @@ private slots:
     {
         SettingsFixture shown;
         QVERIFY(QTest::qWaitForWindowActive(&shown.view));
-        shown.type("g_time", "soon");
+        shown.type("h_time", "soon");
         shown.filterField()->setFocus();
         QTRY_VERIFY(shown.editor() == nullptr);
         QVERIFY(!shown.isHintShown());
-        QCOMPARE(shown.shownValue("g_time"), QString("20"));
-        shown.type("g_time", "25");
+        QCOMPARE(shown.shownValue("h_time"), QString("20"));
+        shown.type("h_time", "25");
         shown.filterField()->setFocus();
-        QTRY_COMPARE(shown.exchange.sent(), QStringList{"setadmindvar g_time \"25\""});
+        QTRY_COMPARE(shown.exchange.sent(), QStringList{"setadmindvar h_time \"25\""});
         QVERIFY(shown.settle());
     }
 
     void theSessionDoesNotOverwriteTheTyping()
     {
         SettingsFixture shown;
-        shown.type("g_time", "4");
-        awaited(shown.server.setDvar("g_time", "15"));
+        shown.type("h_time", "4");
+        awaited(shown.server.setDvar("h_time", "15"));
         QCOMPARE(shown.editor()->text(), QString("4"));
         QTest::keyClick(shown.editor(), Qt::Key_Escape);
         QTRY_VERIFY(shown.editor() == nullptr);
         // A field that nobody has typed into follows, and writes nothing back.
-        shown.press("g_time", Qt::Key_Return);
-        awaited(shown.server.setDvar("g_time", "16"));
+        shown.press("h_time", Qt::Key_Return);
+        awaited(shown.server.setDvar("h_time", "16"));
         QCOMPARE(shown.editor()->text(), QString("16"));
         shown.exchange.forgetSent();
         QTest::keyClick(shown.editor(), Qt::Key_Return);
@@ -235,44 +235,44 @@ private slots:
     {
         SettingsFixture shown;
         shown.exchange.hold();
-        QVERIFY(shown.outline().setData(shown.valueOf("g_time"), "30"));
-        QVERIFY(shown.valueOf("g_time").data(Model::IsPendingRole).toBool());
-        QVERIFY(!shown.valueOf("g_gravity").data(Model::IsPendingRole).toBool());
+        QVERIFY(shown.outline().setData(shown.valueOf("h_time"), "30"));
+        QVERIFY(shown.valueOf("h_time").data(Model::IsPendingRole).toBool());
+        QVERIFY(!shown.valueOf("world_gravity").data(Model::IsPendingRole).toBool());
         // What the row still shows is no longer what the server has when this one's turn comes.
-        QVERIFY(shown.outline().setData(shown.valueOf("g_time"), "20"));
+        QVERIFY(shown.outline().setData(shown.valueOf("h_time"), "20"));
         shown.exchange.release();
         QTRY_COMPARE(shown.exchange.keptCount(), 1);
         shown.exchange.release();
-        QCOMPARE(shown.sent(), QStringList({"setadmindvar g_time \"30\"", "setadmindvar g_time \"20\""}));
-        QCOMPARE(shown.shownValue("g_time"), QString("20"));
-        QVERIFY(!shown.valueOf("g_time").data(Model::IsPendingRole).toBool());
+        QCOMPARE(shown.sent(), QStringList({"setadmindvar h_time \"30\"", "setadmindvar h_time \"20\""}));
+        QCOMPARE(shown.shownValue("h_time"), QString("20"));
+        QVERIFY(!shown.valueOf("h_time").data(Model::IsPendingRole).toBool());
     }
 
     void outlivesAReload()
     {
         SettingsFixture shown;
         shown.exchange.hold();
-        shown.press("g_fire", Qt::Key_Space);
-        shown.press("g_cam", Qt::Key_Space);
-        QVERIFY(shown.outline().setData(shown.valueOf("g_time"), "30"));
+        shown.press("h_fire", Qt::Key_Space);
+        shown.press("h_cam", Qt::Key_Space);
+        QVERIFY(shown.outline().setData(shown.valueOf("h_time"), "30"));
         shown.write("gameSettingsUnranked", "<s/>");
         awaited(shown.settings.loadSettings());
         QVERIFY(shown.shownNames(shown.tree()).isEmpty());
         QVERIFY(shown.answerInOrder(
-            {"setadmindvar g_fire \"0\"", "setadmindvar g_cam \"1\"", "setadmindvar g_time \"30\""}));
+            {"setadmindvar h_fire \"0\"", "setadmindvar h_cam \"1\"", "setadmindvar h_time \"30\""}));
     }
 
     void droppedActionsSendNothing()
     {
         SettingsFixture shown;
         shown.exchange.hold();
-        shown.press("g_fire", Qt::Key_Space);
-        QVERIFY(shown.outline().setData(shown.valueOf("g_time"), "30"));
+        shown.press("h_fire", Qt::Key_Space);
+        QVERIFY(shown.outline().setData(shown.valueOf("h_time"), "30"));
         shown.actions.dropWaiting();
         shown.server.cancelExchange();
-        QCOMPARE(shown.sent(), QStringList{"setadmindvar g_fire \"0\""});
+        QCOMPARE(shown.sent(), QStringList{"setadmindvar h_fire \"0\""});
         QVERIFY(shown.alerts.shown().isEmpty());
-        QVERIFY(!shown.valueOf("g_time").data(Model::IsPendingRole).toBool());
+        QVERIFY(!shown.valueOf("h_time").data(Model::IsPendingRole).toBool());
     }
 };
 

@@ -56,8 +56,8 @@ struct Window : WindowFixture {
 struct BusyWindow : Window {
     BusyWindow()
     {
-        exchange.answer("g_gametype", ScriptedExchange::ok("\"g_gametype\" is: \"ctf\" default: \"dm\""));
-        exchange.answer("mapname", ScriptedExchange::ok("\"mapname\" is: \"mp_brickfield\" default: \"\""));
+        exchange.answer("g_gametype", ScriptedExchange::ok("\"g_gametype\" is: \"carry\" default: \"alone\""));
+        exchange.answer("mapname", ScriptedExchange::ok("\"mapname\" is: \"ward_brickfield\" default: \"\""));
         awaited(messageRotations.addMessageToCurrentRotation("Hello", "60"));
         if (!awaited(messageRotations.saveUIChanges("n")))
             qFatal("the messages could not be saved");

@@ -14,7 +14,7 @@ struct ShortcutWindow : WindowFixture {
     ShortcutWindow()
     {
         exchange.answerEverything(ScriptedExchange::ok());
-        exchange.answer("teamstatus", ScriptedExchange::ok("1 0 48 g Ann allies 0 192.0.2.1:50307 77 25000\n"));
+        exchange.answer("teamstatus", ScriptedExchange::ok("1 0 48 g Ann lamps 0 192.0.2.1:50307 77 25000\n"));
         view.show();
         view.connectTo({"Here", "192.0.2.9", "50960", "pw", nullptr});
         QVERIFY(settle());

@@ -174,7 +174,7 @@ private slots:
         QFETCH(bool, isClosing);
         UnsavedWindow window;
         window.view.show();
-        awaited(window.mapRotations.addToRotation("Ropeway", "Domination"));
+        awaited(window.mapRotations.addToRotation("Ropeway", "Dock Watch"));
         if (isClosing) {
             window.edit();
             window.view.close();
