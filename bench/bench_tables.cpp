@@ -157,7 +157,7 @@ struct Loaded {
     DvarFetcher fetcher{server, actions, unknownDvars};
     CatalogueReader reader{{folder.path(), folder.path()}, alerts, [] {
                            }};
-    KelSettings settings{{server, alerts}, reader};
+    KelSettings settings{server, reader};
 };
 
 static void loadCatalogue(benchmark::State &state)
