@@ -6,12 +6,15 @@
 #include <QHash>
 
 #include <algorithm>
-#include <memory>
 #include <utility>
 
 PlayerRoster::PlayerRoster(KelServer &server, Clock clock, QObject *parent)
     : QObject(parent), m_server(server), m_clock(std::move(clock)), m_rows(playerTableColumns(), playerKey)
 {
+    // Merging a long list at every datagram would hold up the window; nobody sees more than a frame shows.
+    m_showingPart.setSingleShot(true);
+    m_showingPart.setInterval(std::chrono::milliseconds(16));
+    connect(&m_showingPart, &QTimer::timeout, this, &PlayerRoster::takePart);
 }
 
 static QList<PlayerRow> withKeyOf(const PlayerRow &player, const QList<PlayerRow> &players)
@@ -36,12 +39,14 @@ QCoro::Task<PlayerRoster::Fetch> PlayerRoster::fetch()
 {
     const auto askedAt = m_clock();
     const QString line = QStringLiteral("teamstatus");
-    const auto gathered = std::make_shared<QString>();
-    const Arrived show = [this, gathered](const QString &text) {
-        *gathered += text;
-        takePart(*gathered);
+    m_part.clear();
+    const Arrived show = [this](const QString &text) {
+        m_part += text;
+        if (!m_showingPart.isActive())
+            m_showingPart.start();
     };
     const Reply reply = co_await m_server.sendCommand(line, show);
+    m_showingPart.stop();
     if (reply.isCancelled)
         co_return Fetch{Fetch::CalledOff, {}};
     if (!reply.isSuccess())
@@ -67,9 +72,9 @@ void PlayerRoster::take(const PlayerList &list)
 }
 
 /// Rows come with their datagrams. Nobody goes before the end: he may be in the part that is still to come.
-void PlayerRoster::takePart(const QString &reply)
+void PlayerRoster::takePart()
 {
-    const PlayerList list = parsePlayerList(reply.left(reply.lastIndexOf(QLatin1Char('\n')) + 1));
+    const PlayerList list = parsePlayerList(m_part.left(m_part.lastIndexOf(QLatin1Char('\n')) + 1));
     if (list.isDamaged || (m_isTitleDue && !list.isTitled) || !m_server.isConnected())
         return;
     m_rows.mergeContent(withUnlisted(list));

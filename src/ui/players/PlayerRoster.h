@@ -6,6 +6,7 @@
 #include <QCoroTask>
 
 #include <QObject>
+#include <QTimer>
 
 #include <chrono>
 #include <functional>
@@ -73,12 +74,14 @@ signals:
 
 private:
     void take(const PlayerList &list);
-    void takePart(const QString &reply);
+    void takePart();
     QList<PlayerRow> withUnlisted(const PlayerList &list) const;
 
     KelServer &m_server;
     Clock m_clock;
     ArrayController<PlayerRow> m_rows;
+    QString m_part; ///< of the list that is coming
+    QTimer m_showingPart;
     std::optional<std::chrono::steady_clock::time_point> m_askedAt; ///< for the newest complete list
     bool m_isFetched = false;
     bool m_isTitleDue = false; ///< this server has sent one before
