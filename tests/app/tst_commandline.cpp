@@ -23,9 +23,7 @@ private slots:
         row("demo", {"--demo"}, "demo");
         row("no port", {"--connect", "192.0.2.1:"}, "", false);
         row("nothing to connect to", {"--connect", " "}, "", false);
-        row("no host", {"--connect", ":50960"}, "", false);
         row("no password on the line", {"--password", "secret"}, "", false);
-        row("a word of its own", {"192.0.2.1:50960"}, "", false);
         row("both", {"--demo", "--connect", "192.0.2.1:1"}, "", false);
     }
     void parses()
@@ -36,17 +34,6 @@ private slots:
         QCOMPARE(line.error.isEmpty(), isGood);
         if (isGood)
             QTEST(line.isDemo ? QStringLiteral("demo") : line.target, "target");
-    }
-
-    void answersOnlyWhatIsAsked()
-    {
-        const auto answer = [](const char *argument) {
-            return CommandLine::answerWithoutDisplay({QStringLiteral("ferrow-rcon"), QLatin1String(argument)});
-        };
-        QVERIFY(answer("-h").contains(QStringLiteral("--demo")));
-        QVERIFY(answer("-v").contains(CommandLine::version()));
-        QCOMPARE(answer("-reverse"), QString());
-        QCOMPARE(answer("-qwindowgeometry"), QString());
     }
 
     void theSupportFolderIsTheOwnersOnly()

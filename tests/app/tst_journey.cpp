@@ -1,6 +1,4 @@
 #include "AppDelegate.h"
-#include "FormMainView.h"
-#include "Hands.h"
 #include "Journey.h"
 
 #include <QTemporaryDir>
@@ -16,18 +14,6 @@ private slots:
         AppDelegate application({folder.filePath(QStringLiteral("preferences.ini")), {}, folder.path()});
         Journey journey(application, {});
         QVERIFY2(journey.perform(), qPrintable(journey.failure()));
-    }
-
-    void closesInTheMiddleOfAConnect()
-    {
-        const QTemporaryDir folder;
-        AppDelegate application({folder.filePath(QStringLiteral("preferences.ini")), {}, folder.path()});
-        application.window().show();
-        Hands::click(application.window(), "tryDemoServerButton");
-        QVERIFY(!application.actions().isIdle());
-        application.window().close();
-        QTRY_VERIFY_WITH_TIMEOUT(!application.window().isVisible(), 10000);
-        QVERIFY(application.actions().isIdle());
     }
 };
 

@@ -4,6 +4,7 @@
 #include "KelServer.h"
 #include "RecordedAlerts.h"
 #include "ScriptedExchange.h"
+#include "Wait.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -13,13 +14,6 @@
 
 #include <initializer_list>
 #include <utility>
-
-/// Waits until `task` has ended; false when it has not after a while.
-template <typename T>
-bool hasEnded(const QCoro::Task<T> &task)
-{
-    return QTest::qWaitFor([&task] { return task.isReady(); }, 5000);
-}
 
 /// A session that is connected to a scripted server.
 struct ScriptedSession {

@@ -21,17 +21,20 @@ struct LoadedCatalogues {
     }
 
     /// Puts a catalogue into the user's folder and loads it.
-    bool loadGametypes(const QByteArray &xml)
+    void loadGametypes(const QByteArray &xml)
     {
-        return files.write(files.user("gametypes"), xml) && hasEnded(gametypes.loadGametypeList());
+        QVERIFY(files.write(files.user("gametypes"), xml));
+        awaited(gametypes.loadGametypeList());
     }
-    bool loadSettings(const QByteArray &xml)
+    void loadSettings(const QByteArray &xml)
     {
-        return files.write(files.user("gameSettingsUnranked"), xml) && hasEnded(settings.loadSettings());
+        QVERIFY(files.write(files.user("gameSettingsUnranked"), xml));
+        awaited(settings.loadSettings());
     }
-    bool loadMaps(const QByteArray &xml)
+    void loadMaps(const QByteArray &xml)
     {
-        return files.write(files.user("maps"), xml) && hasEnded(maps.loadMapList());
+        QVERIFY(files.write(files.user("maps"), xml));
+        awaited(maps.loadMapList());
     }
 
     ScriptedFolders files;

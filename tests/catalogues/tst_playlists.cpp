@@ -1,3 +1,4 @@
+#include "DataColumns.h"
 #include "LoadedCatalogues.h"
 #include "PlaylistFile.h"
 
@@ -24,8 +25,9 @@ static QString shown(const KelPlaylists &playlists)
 struct Shipped : LoadedCatalogues {
     Shipped() : LoadedCatalogues(FERROW_RESOURCES)
     {
-        QVERIFY(hasEnded(maps.loadMapList()) && hasEnded(gametypes.loadGametypeList()));
-        QVERIFY(hasEnded(playlists.loadPlaylists()));
+        awaited(maps.loadMapList());
+        awaited(gametypes.loadGametypeList());
+        awaited(playlists.loadPlaylists());
     }
 };
 
@@ -36,23 +38,14 @@ class PlaylistsTest : public QObject
 private slots:
     void parses_data()
     {
-        QTest::addColumn<QString>("parsed");
-        QTest::addColumn<QString>("text");
-        const auto row = [](const char *name, const QString &parsed, const QString &text) {
-            QTest::newRow(name) << parsed << text;
-        };
+        const auto row = dataColumns<QString, QString>("parsed", "text");
         row("both kinds", "All (alone)\nMix (id=7)|",
             "gametype  alone x\n\tname english \"All\"\n\nplaylist 7\r\n name english \"Mix\"\r\n\r\n");
-        row("no blank line at the end", "A (id=1)|",
-            "playlist 1\nname english \"A\"\n\nplaylist 2\nname english \"B\"");
-        row("line break at the end", "A (id=1)|", "playlist 1\nname english \"A\"\n");
         row("abandoned", "B (alone)", "playlist 1\nname english \"A\"\ngametype alone\nname english \"B\"\n\n");
-        row("nameless", "", "playlist 1\ndescription english \"A\"\n\ngametype alone\n\n");
         row("stakes", "", "playlist 1\nname english \"A\"\nwagerentry 1\nname english \"B\"\n\n");
         row("no number", "A (id=0)|", "playlist one\nname english \"A\"\n\n");
         row("description", "A (id=1)|Fast fun games",
             "playlist 1\nname english \"A\"\ndescription english \"Fast\\nfun  games\\n\"\n\n");
-        row("last character goes", "A\"  (id=1)|", "playlist 1\nname english \"A\" x\n\n");
         row("no quote", "A (id=1)|", "playlist 1\nname english \"A\"\nname english B\ndescription english b\n\n");
         row("quote ends the line", "", "playlist 1\nname english \"\ndescription english \"\n\n");
     }
@@ -62,65 +55,52 @@ private slots:
         QTEST(told(PlaylistFile::parse(text)), "parsed");
     }
 
-    void refuses_data()
+    void refusesAFileThatIsTooLarge()
     {
-        QTest::addColumn<QByteArray>("content");
-        QTest::newRow("no file") << QByteArray();
-        QTest::newRow("too large") << QByteArray(8 * 1024 * 1024 + 1, ' ');
-    }
-    void refuses()
-    {
-        QFETCH(QByteArray, content);
         LoadedCatalogues loaded;
         const QString path = loaded.files.folders().resources + "/playlists_mp.info";
         loaded.playlists.playlistList.addObject({4, "A", ""});
-        QVERIFY(content.isEmpty() || ScriptedFolders::write(path, content));
-        QVERIFY(hasEnded(loaded.playlists.loadPlaylists()));
+        QVERIFY(ScriptedFolders::write(path, QByteArray(8 * 1024 * 1024 + 1, ' ')));
+        awaited(loaded.playlists.loadPlaylists());
         QCOMPARE(loaded.session.alerts.titles(), QStringList("Playlists Not Loaded"));
         QVERIFY(loaded.playlists.playlistList.content().isEmpty());
     }
 
     void followsTheServer_data()
     {
-        QTest::addColumn<QStringList>("values"); // playlist, maps, gametypes, pairs
-        QTest::addColumn<QString>("exclusions");
-        QTest::addColumn<QString>("current");
-        QTest::newRow("names") << QStringList{"3", "ward_ropeway  ward_new", "alone new",
-                                              "alone ward_ropeway new ward_new"}
-                               << "Ropeway/<any gametype>\nward_new/<any gametype>\n<any map>/Every Lamp Alone\n"
-                                  "<any map>/new\nRopeway/Every Lamp Alone\nward_new/new"
-                               << "Docks and Beacons";
-        QTest::newRow("quotes around") << QStringList{"3.7", "\"\"ward_ropeway\"", "\"\"",
-                                                      "\"alone ward_millrace crews\""}
-                                       << "Ropeway/<any gametype>\nMillrace/Every Lamp Alone"
-                                       << "Docks and Beacons";
-        QTest::newRow("unknown number") << QStringList{"21", " ", "\"", "alone"} << ""
-                                        << "-"; // for stakes
+        const auto row = dataColumns<QStringList, QString, QString>("values", "exclusions", "current");
+        // values: playlist, maps, gametypes, pairs
+        row("names", QStringList{"3", "ward_ropeway  ward_new", "alone new", "alone ward_ropeway new ward_new"},
+            "Ropeway/<any gametype>\nward_new/<any gametype>\n<any map>/Every Lamp Alone\n"
+            "<any map>/new\nRopeway/Every Lamp Alone\nward_new/new",
+            "Docks and Beacons");
+        row("quotes around", QStringList{"3.7", "\"\"ward_ropeway\"", "\"\"", "\"alone ward_millrace crews\""},
+            "Ropeway/<any gametype>\nMillrace/Every Lamp Alone", "Docks and Beacons");
     }
     void followsTheServer()
     {
         QFETCH(QStringList, values);
         Shipped loaded;
         QCOMPARE(loaded.playlists.playlistList.content().size(), 9);
-        QVERIFY(hasEnded(loaded.session.connectTo({{"playlist", "1"}})));
+        awaited(loaded.session.connectTo({{"playlist", "1"}}));
         loaded.session.exchange.answerEverything(ScriptedExchange::ok());
         const QStringList names{"playlist", "playlist_excludeMap", "playlist_excludeGametype",
                                 "playlist_excludeGametypeMap"};
         for (int i = 0; i < names.size(); ++i) // written, as a dump cannot hold such values
-            QVERIFY(hasEnded(loaded.session.server.setDvar(names.at(i), values.at(i))));
+            awaited(loaded.session.server.setDvar(names.at(i), values.at(i)));
         loaded.playlists.addExclusion("not", "sent");
-        QVERIFY(hasEnded(loaded.catalogues.updateControls()));
+        awaited(loaded.catalogues.updateControls());
         QTEST(shown(loaded.playlists), "exclusions");
         const auto current = loaded.playlists.currentPlaylist();
         QTEST(current ? current->name : QString("-"), "current");
-        QVERIFY(hasEnded(loaded.session.connectTo({}))); // which breaks off before the controls follow
+        awaited(loaded.session.connectTo({})); // which breaks off before the controls follow
         QVERIFY(loaded.playlists.exclusions().isEmpty() && !loaded.playlists.currentPlaylist());
     }
 
     void equalExclusionsAreRowsOfTheirOwn()
     {
         LoadedCatalogues loaded;
-        QVERIFY(hasEnded(loaded.session.connectTo({{"playlist_excludeMap", "a a a"}})));
+        awaited(loaded.session.connectTo({{"playlist_excludeMap", "a a a"}}));
         loaded.playlists.updateControls();
         ArrayController<Exclusion> &rows = loaded.playlists.exclusionListController;
         rows.selection()->select(rows.arranged()->index(1, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);

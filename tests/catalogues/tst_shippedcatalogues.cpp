@@ -1,3 +1,4 @@
+#include "DataColumns.h"
 #include "DvarSetting.h"
 #include "DvarSettingList.h"
 #include "LoadedCatalogues.h"
@@ -12,7 +13,7 @@ private slots:
     void maps()
     {
         LoadedCatalogues loaded(FERROW_RESOURCES);
-        QVERIFY(hasEnded(loaded.maps.loadMapList()));
+        awaited(loaded.maps.loadMapList());
         QCOMPARE(XmlDocument::read(loaded.reader.path(CatalogueReader::Kind::Maps))->lastText("//version"), "4.0");
         QVERIFY(loaded.maps.arrangedMaps().size() >= 16);
         QSet<QString> dvarNames;
@@ -26,7 +27,8 @@ private slots:
     void formerNamesLeadToPresentOnes()
     {
         LoadedCatalogues loaded(FERROW_RESOURCES);
-        QVERIFY(hasEnded(loaded.maps.loadMapList()) && hasEnded(loaded.gametypes.loadGametypeList()));
+        awaited(loaded.maps.loadMapList());
+        awaited(loaded.gametypes.loadGametypeList());
         QSet<QString> present;
         for (const MapInst &map : loaded.maps.arrangedMaps())
             present += {map.dvarName, map.excludeDvar};
@@ -34,7 +36,8 @@ private slots:
             present += {gametype->name(), gametype->dvarName()};
         for (const QString &dvar : loaded.catalogues.gametypeDvars())
             present.insert(dvar);
-        QVERIFY(hasEnded(loaded.session.connectTo({}, "1")) && hasEnded(loaded.catalogues.loadCatalogues()));
+        awaited(loaded.session.connectTo({}, "1"));
+        awaited(loaded.catalogues.loadCatalogues());
         for (const QString &dvar : loaded.catalogues.settingDvars())
             present.insert(dvar);
         const QHash<QString, QString> &names = loaded.gametypes.formerNames().names();
@@ -47,19 +50,19 @@ private slots:
 
     void settings_data()
     {
-        QTest::addColumn<QString>("which");
-        QTest::addColumn<int>("fewestSettings"); // in each list
-        QTest::newRow("gametypes") << "gametypes" << 6;
-        QTest::newRow("ranked") << "2" << 1;
-        QTest::newRow("unranked") << "1" << 1;
+        const auto row = dataColumns<QString, int>("which", "fewestSettings");
+        // fewestSettings: in each list
+        row("gametypes", "gametypes", 6);
+        row("ranked", "2", 1);
+        row("unranked", "1", 1);
     }
     void settings()
     {
         QFETCH(QString, which);
         QFETCH(int, fewestSettings);
         LoadedCatalogues loaded(FERROW_RESOURCES);
-        QVERIFY(hasEnded(loaded.session.connectTo({}, which)));
-        QVERIFY(hasEnded(loaded.catalogues.loadCatalogues()));
+        awaited(loaded.session.connectTo({}, which));
+        awaited(loaded.catalogues.loadCatalogues());
         QCOMPARE(loaded.session.alerts.texts(), QStringList());
         const auto lists =
             which == "gametypes" ? loaded.gametypes.listedGametypes() : loaded.settings.sortedSettingsValues();

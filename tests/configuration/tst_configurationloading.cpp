@@ -1,5 +1,6 @@
 #include "ActionQueue.h"
 #include "ConfigurationLoading.h"
+#include "DataColumns.h"
 #include "KelServer.h"
 #include "RecordedAlerts.h"
 #include "RecordedProgress.h"
@@ -91,14 +92,11 @@ private slots:
 
     void endsEarly_data()
     {
-        QTest::addColumn<QString>("how");
-        QTest::addColumn<QStringList>("told");
-        QTest::newRow("Cancel, after the write in flight")
-            << "cancel"
-            << QStringList{"1 of 3 variables were written to the server. The others were left as they are."};
-        QTest::newRow("Disconnect, silently") << "disconnect" << QStringList{};
-        QTest::newRow("another connection, silently") << "connect" << QStringList{};
-        QTest::newRow("closing, silently") << "close" << QStringList{};
+        const auto row = dataColumns<QString, QStringList>("how", "told");
+        row("Cancel, after the write in flight", "cancel",
+            QStringList{"1 of 3 variables were written to the server. The others were left as they are."});
+        row("Disconnect, silently", "disconnect", QStringList{});
+        row("closing, silently", "close", QStringList{});
     }
     void endsEarly()
     {
@@ -111,8 +109,6 @@ private slots:
             with.progress.cancel();
         else if (how == "disconnect")
             with.server.disconnect();
-        else if (how == "connect")
-            emit with.server.connectionBegan();
         else
             with.actions.close();
         QCOMPARE(with.progress.isShown(), how == "cancel" || how == "close"); // until the write in flight has ended
@@ -125,32 +121,12 @@ private slots:
         QTEST(with.alerts.texts(), "told");
     }
 
-    void writesOnlyWhatTheGameCanHold()
-    {
-        Loading with;
-        with.load(u"a \"1\"\nb \"\u0436\"\nc \"it\u2019s\"\nrcon_password \"\u2019\"\n"_qs.toUtf8());
-        QVERIFY(with.settle());
-        QCOMPARE(with.exchange.sent(), QStringList({"setadmindvar a \"1\"", "setadmindvar c \"it's\""}));
-        QCOMPARE(
-            with.alerts.texts(),
-            QStringList({u"'b' returned an error: The game cannot show these characters: \u0436. Nothing was sent."_qs,
-                         "'rcon_password' returned an error: The game cannot hold a character of this password. "
-                         "Nothing was sent."}));
-    }
-
-    void countsOnlyWhatWasWritten_data()
-    {
-        QTest::addColumn<QByteArray>("second");
-        QTest::newRow("a failure before") << QByteArray("b \"2\"\n");
-        QTest::newRow("a refusal before") << QByteArray("b \"\xd0\xb6\"\n");
-    }
     void countsOnlyWhatWasWritten()
     {
-        QFETCH(QByteArray, second);
         Loading with;
         with.exchange.answer("setadmindvar b \"2\"", ScriptedExchange::failure("lost"));
         with.alerts.hold();
-        with.load("a \"1\"\n" + second + "c \"3\"\nd \"4\"\n");
+        with.load("a \"1\"\nb \"2\"\nc \"3\"\nd \"4\"\n");
         QTRY_COMPARE(with.alerts.openCount(), 1);
         with.progress.cancel();
         with.alerts.dismiss();
@@ -163,25 +139,18 @@ private slots:
         with.load("e \"5\"\nf \"6\"\n"); // what ended one loading does not end the next
         QVERIFY(with.settle());
         QCOMPARE(with.exchange.sent().size(), 2);
-        with.server.disconnect();
-        awaited(with.server.connectToHost("192.0.2.1", "50960", "typed"));
-        with.exchange.forgetSent();
-        with.load("e \"5\"\nf \"6\"\n");
-        QVERIFY(with.settle());
-        QCOMPARE(with.exchange.sent().size(), 2);
     }
 
     void formerNamesAreSentAsTheServerKnowsThem_data()
     {
-        QTest::addColumn<QString>("server"); // what it lists
-        QTest::addColumn<QStringList>("sent");
+        const auto row = dataColumns<QString, QStringList>("server", "sent");
+        // server: what it lists
         const QString mine = "setadmindvar mine \"old\"";
         const QStringList asInTheFile{"setadmindvar old \"1\"", "setadmindvar playlist_excludeMap \"m_old x\"", mine};
-        QTest::newRow("present names") << "new \"0\"\n"
-                                       << QStringList{"setadmindvar new \"1\"",
-                                                      "setadmindvar playlist_excludeMap \"m_new x\"", mine};
-        QTest::newRow("former names") << "new \"0\"\nold \"0\"\n" << asInTheFile;
-        QTest::newRow("names of its own") << "" << asInTheFile;
+        row("present names", "new \"0\"\n",
+            QStringList{"setadmindvar new \"1\"", "setadmindvar playlist_excludeMap \"m_new x\"", mine});
+        row("former names", "new \"0\"\nold \"0\"\n", asInTheFile);
+        row("names of its own", "", asInTheFile);
     }
     void formerNamesAreSentAsTheServerKnowsThem()
     {
@@ -200,19 +169,6 @@ private slots:
         QTEST(with.exchange.sent(), "sent");
     }
 
-    void cancelledAtTheLastNothingIsLeft()
-    {
-        Loading with;
-        with.exchange.hold();
-        with.load("a \"1\"\nb \"2\"\n");
-        QTRY_COMPARE(with.exchange.keptCount(), 1);
-        with.exchange.release();
-        QTRY_COMPARE(with.exchange.keptCount(), 1);
-        with.progress.cancel();
-        with.exchange.release();
-        QVERIFY(with.settle() && with.alerts.shown().isEmpty());
-    }
-
     void tellsWhatCannotBeLoaded()
     {
         Loading with;
@@ -227,12 +183,6 @@ private slots:
         QCOMPARE(with.alerts.titles(),
                  QStringList({"Nothing to Load", "Nothing to Load"}) + QStringList(4, "Load Failed"));
         QVERIFY(with.exchange.sent().isEmpty());
-        with.alerts.hold();
-        with.load("// nothing\n");
-        QTRY_COMPARE(with.alerts.openCount(), 1);
-        QVERIFY(!with.progress.isShown()); // two sheets at once
-        with.alerts.dismiss();
-        QVERIFY(with.settle());
     }
 };
 

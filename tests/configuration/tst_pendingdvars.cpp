@@ -1,3 +1,4 @@
+#include "DataColumns.h"
 #include "FetchingSession.h"
 #include "PendingDvars.h"
 #include "RecordedProgress.h"
@@ -92,36 +93,12 @@ private slots:
         QCOMPARE(session.exchange.sent().mid(0, 3), QStringList({"clientkick 3", "rule_a", "h_b"}));
         QVERIFY(!session.server.dvarList().contains("h_c") && session.fetcher.isAwaited("h_c"));
     }
-
-    void asksNothingOfTheUserWhereNothingIsToCome_data()
-    {
-        QTest::addColumn<bool>("isConnected");
-        QTest::newRow("everything has come") << true;
-        QTest::newRow("no connection") << false;
-    }
-    void asksNothingOfTheUserWhereNothingIsToCome()
-    {
-        QFETCH(bool, isConnected);
-        Session session;
-        if (isConnected) {
-            awaited(Session::connectWithTurn(&session, "192.0.2.1"));
-            QTRY_VERIFY(!session.fetcher.isAsking() && session.actions.isIdle());
-        }
-        awaited(Session::finish(&session, {"h_a", "h_c"}));
-        QCOMPARE(session.end, End::Settled);
-        QVERIFY(session.progress.title().isNull());
-        QCOMPARE(session.pending.unanswered({"h_a", "h_c"}), QStringList()); // the server has said so of h_c
-    }
-
     void ends_data()
     {
-        QTest::addColumn<End>("end");
-        QTest::newRow("cancelled") << End::Cancelled;
-        QTest::newRow("disconnected") << End::CalledOff;
-        QTest::newRow("another connection") << End::CalledOff;
-        QTest::newRow("closing") << End::CalledOff;
-        QTest::newRow("closing while the server is silent") << End::CalledOff;
-        QTest::newRow("password refused") << End::Settled;
+        const auto row = dataColumns<End>("end");
+        row("cancelled", End::Cancelled);
+        row("closing while the server is silent", End::CalledOff);
+        row("password refused", End::Settled);
     }
     void ends()
     {
@@ -143,37 +120,15 @@ private slots:
         QVERIFY(session.progress.isShown());
         if (how == "cancelled")
             session.progress.cancel();
-        else if (how == "disconnected")
-            session.server.disconnect();
-        else if (how == "another connection")
-            session.actions.start(Session::connectWithTurn(&session, "192.0.2.2"));
         else if (how.startsWith("closing"))
             session.actions.close();
-        if (how == "password refused" || how == "another connection")
+        if (how == "password refused")
             session.exchange.release();
-        if (how == "another connection") { // it has the turn now, and its dump comes
-            QTRY_COMPARE(session.exchange.sent(), QStringList{"dvardump"});
-            session.exchange.release();
-        }
         QTRY_COMPARE(session.end, std::optional(end)); // though the reply to h_a, or h_b, is still kept
         QVERIFY(!session.progress.isShown() && !session.pending.isUnderWay());
         QVERIFY(session.alerts.shown().isEmpty());
         if (how == "password refused")
             QCOMPARE(session.pending.unanswered({"h_b"}), QStringList{"h_b"});
-    }
-
-    void tellsWhatGotNoAnswer()
-    {
-        Session session;
-        session.exchange.answer("h_a", ScriptedExchange::failure());
-        session.connectAndHold();
-        session.actions.start(Session::finish(&session, {"h_a", "h_b", "h_c"}));
-        session.releaseUntilItEnds();
-        QCOMPARE(session.end, End::Settled);
-        QCOMPARE(session.exchange.sent().count("h_a"), 3); // and the one before
-        QCOMPARE(session.pending.unanswered({"h_a", "h_b", "h_c"}), QStringList{"h_a"});
-        session.server.addDvarLine(u"h_a \"1\"");
-        QCOMPARE(session.pending.unanswered({"h_a"}), QStringList());
     }
 
     void waitsForTheEndOfAConnect()

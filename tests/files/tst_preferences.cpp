@@ -1,3 +1,4 @@
+#include "DataColumns.h"
 #include "Preferences.h"
 
 #include <QFile>
@@ -24,11 +25,10 @@ private slots:
 
     void aHandEditedValueIsBroughtIntoRange_data()
     {
-        QTest::addColumn<QVariant>("stored");
-        QTest::addColumn<int>("expected");
-        QTest::newRow("words") << QVariant("often") << 30;
-        QTest::newRow("zero") << QVariant(0) << 1;
-        QTest::newRow("larger than an int") << QVariant("99999999999999") << 1000;
+        const auto row = dataColumns<QVariant, int>("stored", "expected");
+        row("words", QVariant("often"), 30);
+        row("zero", QVariant(0), 1);
+        row("larger than an int", QVariant("99999999999999"), 1000);
     }
     void aHandEditedValueIsBroughtIntoRange()
     {

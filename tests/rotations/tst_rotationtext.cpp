@@ -1,3 +1,4 @@
+#include "DataColumns.h"
 #include "RotationText.h"
 
 #include <QTest>
@@ -18,53 +19,24 @@ class RotationTextTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void findsTheValueOfAReply_data()
-    {
-        QTest::addColumn<QString>("reply");
-        QTest::addColumn<QString>("value");
-        const auto row = [](const char *name, const char *reply, const char *value) {
-            QTest::newRow(name) << QString(reply) << QString(value);
-        };
-        row("three fields", "\"mapname\" is: \"ward_a\"^7 in force: \"ward_b\"^7\n", "ward_a");
-        row("quotes at the ends", "\"sv_mapRotation\" is: \"\\\"map ward_a\\\"\" in force: \"\"", "map ward_a");
-        row("a quote inside", "\"a\" is: \"b\\\"c\"", "b\"c");
-        row("empty value", "\"sv_mapRotation\" is: \"\" in force: \"\"", "");
-        row("one field", "\"mapname\" is unknown", "");
-        row("second field unfinished", "\"mapname\" is: \"ward_a", "");
-    }
-    void findsTheValueOfAReply()
-    {
-        QFETCH(QString, reply);
-        QTEST(parseMapResponse(reply), "value");
-    }
-
     void walksThroughARotation_data()
     {
-        QTest::addColumn<QString>("rotation");
-        QTest::addColumn<Rows>("rows");
-        QTest::newRow("gametypes and maps") << "gametype crews map ward_a map ward_b gametype docks map ward_c"
-                                            << Rows{{"Alley", "crews"}, {"ward_b", "crews"}, {"ward_c", "Dock Watch"}};
-        QTest::newRow("starts with what is played")
-            << "map ward_a gametype docks map ward_a" << Rows{{"Alley", "now"}, {"Alley", "Dock Watch"}};
-        QTest::newRow("bare names") << "ward_a gametype docks ward_b map ward_a"
-                                    << Rows{{"Alley", "now"}, {"ward_b", "Dock Watch"}, {"Alley", "Dock Watch"}};
-        QTest::newRow("gametype at the end") << "map ward_a gametype" << Rows{{"Alley", "now"}};
-        QTest::newRow("map at the end") << "map ward_a gametype docks map"
-                                        << Rows{{"Alley", "now"}, {"Alley", "Dock Watch"}};
-        QTest::newRow("only map") << "map" << Rows{{"", "now"}};
-        QTest::newRow("more than a server has")
-            << QString("b ").repeated(mostRotationRows + 1) << Rows(mostRotationRows, {"b", "now"});
-        QTest::newRow("maps called like the words")
-            << "map gametype map map map" << Rows{{"gametype", "now"}, {"map", "now"}, {"map", "now"}};
-        QTest::newRow("a gametype called map") << "gametype map ward_b" << Rows{{"ward_b", "map"}};
-        QTest::newRow("words in capitals are maps") << "MAP ward_a" << Rows{{"MAP", "now"}, {"Alley", "now"}};
-        QTest::newRow("question marks at the ends") << "??map ward_a? b???" << Rows{{"ward_a?", "now"}, {"b", "now"}};
-        QTest::newRow("blanks before a question mark keep it")
-            << " ?map ward_a" << Rows{{"?map", "now"}, {"Alley", "now"}};
-        QTest::newRow("many blanks") << "  map    ward_a  " << Rows{{"Alley", "now"}};
-        QTest::newRow("only blanks part") << "map\tward_a" << Rows{{"map\tward_a", "now"}};
-        QTest::newRow("only question marks") << QString(1000, '?') << Rows{};
-        QTest::newRow("enormous, map for map") << QString("map ").repeated(100001) << Rows(50001, {"map", "now"});
+        const auto row = dataColumns<QString, Rows>("rotation", "rows");
+        row("gametypes and maps", "gametype crews map ward_a map ward_b gametype docks map ward_c",
+            Rows{{"Alley", "crews"}, {"ward_b", "crews"}, {"ward_c", "Dock Watch"}});
+        row("starts with what is played", "map ward_a gametype docks map ward_a",
+            Rows{{"Alley", "now"}, {"Alley", "Dock Watch"}});
+        row("bare names", "ward_a gametype docks ward_b map ward_a",
+            Rows{{"Alley", "now"}, {"ward_b", "Dock Watch"}, {"Alley", "Dock Watch"}});
+        row("gametype at the end", "map ward_a gametype", Rows{{"Alley", "now"}});
+        row("more than a server has", QString("b ").repeated(mostRotationRows + 1),
+            Rows(mostRotationRows, {"b", "now"}));
+        row("maps called like the words", "map gametype map map map",
+            Rows{{"gametype", "now"}, {"map", "now"}, {"map", "now"}});
+        row("question marks at the ends", "??map ward_a? b???", Rows{{"ward_a?", "now"}, {"b", "now"}});
+        row("blanks before a question mark keep it", " ?map ward_a", Rows{{"?map", "now"}, {"Alley", "now"}});
+        row("only question marks", QString(1000, '?'), Rows{});
+        row("enormous, map for map", QString("map ").repeated(100001), Rows(50001, {"map", "now"}));
     }
     void walksThroughARotation()
     {
@@ -75,14 +47,11 @@ private slots:
 
     void buildsWhatTheServerTakes_data()
     {
-        QTest::addColumn<Rows>("rows");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QStringList>("unknown");
-        QTest::newRow("the gametype is repeated") << Rows{{"Alley", "Duckboard"}, {"Bank", "Duckboard"}}
-                                                  << "gametype du map ward_a gametype du map ward_b" << QStringList();
-        QTest::newRow("nothing") << Rows{} << "" << QStringList();
-        QTest::newRow("unknown ones, each once") << Rows{{"Cave", "Duckboard"}, {"Alley", "Chess"}, {"Cave", "Go"}}
-                                                 << "" << QStringList{"Cave", "Chess", "Go"};
+        const auto row = dataColumns<Rows, QString, QStringList>("rows", "text", "unknown");
+        row("the gametype is repeated", Rows{{"Alley", "Duckboard"}, {"Bank", "Duckboard"}},
+            "gametype du map ward_a gametype du map ward_b", QStringList());
+        row("unknown ones, each once", Rows{{"Cave", "Duckboard"}, {"Alley", "Chess"}, {"Cave", "Go"}}, "",
+            QStringList{"Cave", "Chess", "Go"});
     }
     void buildsWhatTheServerTakes()
     {

@@ -1,3 +1,4 @@
+#include "DataColumns.h"
 #include "FetchingSession.h"
 #include "Wait.h"
 
@@ -58,7 +59,6 @@ private slots:
         Session session({"h_b"});
         QSignalSpy finished(&session.fetcher, &DvarFetcher::finished);
         QSignalSpy changed(&session.server, &KelServer::dvarChanged);
-        QSignalSpy settled(&session.fetcher, &DvarFetcher::settled);
         QStringList missing;
         QObject::connect(&session.fetcher, &DvarFetcher::began, &session.fetcher, [&] {
             missing = session.fetcher.missing({"h_c", "other", "h_b"});
@@ -75,7 +75,6 @@ private slots:
         QVERIFY(session.alerts.shown().isEmpty() && session.server.console().commandHistory().isEmpty());
         QCOMPARE(finished, (QList<QVariantList>{{1, 4}}));
         QCOMPARE(changed, QList<QVariantList>({{"h_a"}, {"h_c"}, {"rule_a"}}));
-        QCOMPARE(settled.size(), 4);
         session.exchange.forgetSent(); // who was unknown comes last now
         session.connect();
         QVERIFY(session.isDone());
@@ -84,19 +83,6 @@ private slots:
         QVERIFY(session.isDone());
         QCOMPARE(session.exchange.sent().last(), "h_b");
         QCOMPARE(session.unknownDvars.of("192.0.2.1:50960", QDateTime::currentDateTime()), QStringList{"h_b"});
-    }
-
-    void whatIsLookedAtComesNext()
-    {
-        Session session;
-        session.connectAndHold();
-        session.fetcher.prefer({"rule_a", "h_a"});
-        while (session.fetcher.isAsking()) {
-            QTRY_COMPARE(session.exchange.keptCount(), 1);
-            session.exchange.release();
-            QTRY_VERIFY(session.exchange.keptCount() == 1 || !session.fetcher.isAsking());
-        }
-        QCOMPARE(session.exchange.sent(), QStringList({"h_a", "rule_a", "h_b", "h_c"}));
     }
 
     void asksFourTimesForWhatGetsNoAnswer()
@@ -119,22 +105,6 @@ private slots:
         QCOMPARE(session.server.dvarList().value("h_a"), "1");
     }
 
-    void whatDidNotComeBeforeTheEndIsUnanswered()
-    {
-        Session session({"h_b"});
-        session.connect();
-        while (session.fetcher.isAsking() && session.fetcher.missing({"h_b"}) == QStringList{"h_b"})
-            awaited(session.fetcher.nextSettled());
-        session.server.cancelExchange();
-        session.server.disconnect();
-        QTRY_VERIFY(session.actions.isIdle());
-        QVERIFY(session.fetcher.isUnanswered("rule_a"));
-        QVERIFY(!session.fetcher.isUnanswered("h_a") && !session.fetcher.isUnanswered("h_b"));
-        session.connect();
-        QVERIFY(!session.fetcher.isUnanswered("rule_a") && session.fetcher.isAwaited("rule_a"));
-        QVERIFY(session.isDone());
-    }
-
     void aServerThatDiesMeanwhileIsCalledSilent()
     {
         Session session;
@@ -148,20 +118,16 @@ private slots:
 
     void rests_data()
     {
-        QTest::addColumn<QString>("command"); // of a person, for which there is no answer
-        QTest::addColumn<Reply>("reply");     // to the variable that is on its way
-        QTest::addColumn<bool>("isClosed");
-        QTest::addColumn<bool>("mayAsk");
+        const auto row = dataColumns<Reply, bool, bool>("reply", "isClosed", "mayAsk");
+        // reply: to the variable that is on its way
         const Reply one = told("h_a", "1");
         const Reply refused = ScriptedExchange::failure("Invalid Password.", RConResultInvalidPassword);
-        QTest::newRow("the password is refused") << "" << refused << false << true;
-        QTest::newRow("no turn is given any more") << "" << one << true << true;
-        QTest::newRow("the server is silent") << "say" << one << false << true;
-        QTest::newRow("the server wants to be left alone") << "" << one << false << false;
+        row("the password is refused", refused, false, true);
+        row("no turn is given any more", one, true, true);
+        row("the server wants to be left alone", one, false, false);
     }
     void rests()
     {
-        QFETCH(QString, command);
         QFETCH(Reply, reply);
         QFETCH(bool, isClosed);
         QFETCH(bool, mayAsk);
@@ -170,8 +136,6 @@ private slots:
         session.connectAndHold();
         if (isClosed)
             session.actions.close();
-        if (!command.isEmpty())
-            session.actions.start(send(session.server, command));
         LinkState line;
         if (!mayAsk)
             line.backgroundDelay = std::nullopt;
@@ -182,25 +146,6 @@ private slots:
         QVERIFY(!QTest::qWaitFor([&] { return session.exchange.keptCount() > 0; }, 150));
         QCOMPARE(session.exchange.sent().filter("h_"), QStringList{"h_a"}); // the one that was on its way
         QVERIFY(session.fetcher.isAsking());
-    }
-
-    void waitersResume()
-    {
-        Session session;
-        session.connect();
-        QCOMPARE(session.fetcher.missing({"h_b", "nothing"}), QStringList{"h_b"});
-        while (!session.fetcher.missing({"h_b"}).isEmpty())
-            awaited(session.fetcher.nextSettled());
-        QVERIFY(session.server.dvarList().contains("h_b"));
-        session.exchange.hold();
-        QCoro::Task<> woken = session.fetcher.nextSettled();
-        session.fetcher.wakeWaiting();
-        awaited(std::move(woken)); // nothing has been settled
-        QCoro::Task<> waiting = session.fetcher.nextSettled();
-        session.server.cancelExchange();
-        session.server.disconnect();
-        awaited(std::move(waiting));
-        QTRY_VERIFY(session.actions.isIdle());
     }
 
     void remembersForAWeek()
@@ -216,9 +161,6 @@ private slots:
         session.unknownDvars.forget("b:1");
         QCOMPARE(session.unknownDvars.of("b:1", now), QStringList());
     }
-
-private:
-    static QCoro::Task<> send(KelServer &server, QString command) { co_await server.sendCommand(command); }
 };
 
 QTEST_GUILESS_MAIN(DvarFetcherTest)

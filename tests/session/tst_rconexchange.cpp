@@ -5,8 +5,6 @@
 #include <QElapsedTimer>
 #include <QTest>
 
-#include <thread>
-
 using namespace std::chrono_literals;
 
 // What a server sees of an exchange, and when, is looked at from outside, in tests/wire.
@@ -25,41 +23,6 @@ class RConExchangeTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void isCalledOff_data()
-    {
-        QTest::addColumn<bool>("isAnswered");
-        QTest::newRow("waiting for an answer") << false;
-        QTest::newRow("reading") << true;
-    }
-    void isCalledOff()
-    {
-        QFETCH(bool, isAnswered);
-        const UdpSocket peer;
-        RConExchange exchange;
-        int arrivals = 0;
-        const Arrived arrived = [&arrivals](const QString &) {
-            ++arrivals;
-        };
-        QCoro::Task<Reply> sending = exchange.send(requestTo(peer), arrived);
-        const sockaddr_in console = peer.receivedFrom();
-        if (isAnswered) {
-            peer.send(framed("a"), console);
-            QTRY_COMPARE(arrivals, 1);
-        }
-        peer.send(framed("b"), console);
-        QElapsedTimer timer;
-        timer.start();
-        exchange.cancel();
-        const Reply reply = awaited(std::move(sending));
-        QVERIFY2(timer.elapsed() < 50, QByteArray::number(timer.elapsed()));
-        QVERIFY(reply.isCancelled && !reply.isSuccess());
-        QVERIFY(!QTest::qWaitFor([&] { return arrivals > (isAnswered ? 1 : 0); }, 1500));
-        QCoro::Task<Reply> next = exchange.send(requestTo(peer, "next"));
-        QVERIFY(peer.receive().contains("next")); // the other one was not sent again
-        exchange.cancel();
-        awaited(std::move(next));
-    }
-
     void isCalledOffByWhoReadsIt()
     {
         const UdpSocket peer;
@@ -96,23 +59,6 @@ private slots:
         QVERIFY(!exchange.link().stats.lastHeard());
     }
 
-    /// What came while the main loop stood still is no measure of the line.
-    void heldUp()
-    {
-        const UdpSocket peer;
-        RConExchange exchange;
-        QCoro::Task<Reply> sending = exchange.send(requestTo(peer));
-        peer.send(framed("a"), peer.receivedFrom());
-        std::this_thread::sleep_for(600ms); // longer than the first wait
-        const Reply reply = awaited(std::move(sending));
-        QVERIFY(reply.isSuccess());
-        QCOMPARE(reply.sends, 1);
-        QCOMPARE(reply.roundTrip, -1ms);
-        const LinkStats stats = exchange.link().stats;
-        QVERIFY(!stats.roundTrip() && stats.lastHeard());
-        QCOMPARE(stats.firstWait(), LinkStats::Duration(LinkStats::shortestWait));
-    }
-
     /// Whoever waits for a server to come back learns nothing of its haste, however often he asks.
     void probesTeachNoHaste()
     {
@@ -125,14 +71,6 @@ private slots:
             QCOMPARE(awaited(exchange.send(probe)).result, RConResultTimeout);
         QVERIFY(!exchange.link().isPaced);
         QCOMPARE(exchange.link().backgroundDelay, std::optional(0ms));
-    }
-
-    void aNameIsNoAddress()
-    {
-        RConExchange exchange;
-        const Reply reply = awaited(exchange.send(Request{"localhost", 1, "secret", "status", false, false}));
-        QCOMPARE(reply.result, RConResultError);
-        QCOMPARE(reply.text, "No such host is known.");
     }
 };
 

@@ -1,3 +1,4 @@
+#include "DataColumns.h"
 #include "LinkStats.h"
 #include "Pacer.h"
 
@@ -155,13 +156,11 @@ class PacerTest : public QObject
 private slots:
     void servers_data()
     {
-        QTest::addColumn<Server>("server");
-        QTest::addColumn<double>("mostSeconds");        // the median of the courses
-        QTest::addColumn<int>("mostRequests");          // likewise
-        QTest::addColumn<double>("mostSecondsAtWorst"); // not worse than asking after each half second of silence
-        const auto row = [](const char *name, const Server &server, double seconds, int requests, double worst) {
-            QTest::newRow(name) << server << seconds << requests << worst;
-        };
+        const auto row =
+            dataColumns<Server, double, int, double>("server", "mostSeconds", "mostRequests", "mostSecondsAtWorst");
+        // mostSeconds: the median of the courses
+        // mostRequests: likewise
+        // mostSecondsAtWorst: not worse than asking after each half second of silence
         row("near, no limit", {.roundTrip = 2ms}, 9, 175, 9.5);
         row("60 ms, no limit", {.roundTrip = 60ms}, 18, 175, 19);
         row("150 ms, no limit", {.roundTrip = 150ms}, 36, 175, 37);

@@ -1,3 +1,4 @@
+#include "DataColumns.h"
 #include "RCon.h"
 #include "TrafficLog.h"
 
@@ -144,23 +145,12 @@ private slots:
         const QByteArray b = framed("b");
         const QString told = QStringLiteral("\"tw_x\" is: \"1\" in force: \"1\"\n");
 
-        failure("silence", task(), {}, {0, 500, 1750}, 3250, RConResultTimeout);
         failure("silence in the background", background, {}, {0}, 500, RConResultTimeout);
         failure("silence on a slow line", patient, {}, {0, 1400, 2800}, 4300, RConResultTimeout);
         row("never sooner than half a second", sparing, {{550, a}}, {0, 500}, 1300, "a");
-        row("at once", task(), {{2, a}}, {0}, 502, "a");
-        row("parts", task(), {{2, a}, {402, b}, {802, framed("c")}}, {0}, 1302, "abc");
-        row("the same parts", task(), {{2, a}, {3, a}, {402, b}}, {0}, 902, "aab", 1);
-        row("one for each send", task(), {{520, a}, {560, a}}, {0, 500}, 1310, "aa");
         row("one more than sends", task(), {{520, a}, {560, a}, {570, a}}, {0, 500}, 1320, "aaa", 1);
-        row("in what used to be a pause", task(), {{510, a}}, {0, 500}, 1260, "a");
-        row("late on a slow line", patient, {{1399, a}}, {0}, 1899, "a");
-        row("third send", task(), {{3000, a}}, {0, 500, 1750}, 3750, "a");
         row("single", single, {{2, a}, {3, b}}, {0}, 2, "a");
         row("from another port", task(), {{2, a, otherPort}}, {0}, 502, "a");
-        row("after a stranger", task(), {{1, b, stranger}, {2, a}, {3, b, stranger}}, {0}, 502, "a");
-        failure("from strangers only", task(), {{1, b, stranger}, {501, b, stranger}}, {0, 500, 1750}, 3250,
-                RConResultTimeout);
         failure("refused", task(), {{2, QByteArray::fromHex("ffffffff0a")}}, {0}, 2, RConResultInvalidPassword);
         failure("refused in the middle", task(), {{2, a}, {3, framed("Invalid password.\n")}}, {0}, 3,
                 RConResultInvalidPassword);
@@ -230,82 +220,31 @@ private slots:
         }
     }
 
-    void boundsOfAReply_data()
-    {
-        QTest::addColumn<QByteArray>("payload");
-        QTest::addColumn<int>("count");
-        QTest::addColumn<bool>("isAccepted");
-        QTest::newRow("as much text as is accepted") << QByteArray(1024, 'x') << 16'384 << true;
-        QTest::newRow("more text") << QByteArray(1024, 'x') << 16'385 << false;
-        QTest::newRow("as many datagrams as are accepted") << QByteArray() << 65'536 << true;
-        QTest::newRow("one datagram more") << QByteArray() << 65'537 << false;
-    }
     void boundsOfAReply()
     {
-        QFETCH(QByteArray, payload);
-        QFETCH(int, count);
-        QFETCH(bool, isAccepted);
-        const Course course = play(task(), QList<Arrival>(count, Arrival{1, framed(payload)}));
-        QCOMPARE(course.outcome.result, isAccepted ? RConResultSuccess : RConResultError);
-        QCOMPARE(course.outcome.text.size(),
-                 isAccepted ? payload.size() * count : RCon::resultStr(RConResultError).size());
-    }
-
-    void strangersAreNamed()
-    {
-        const Course course =
-            play(task(), {{1, "rubbish", stranger}, {2, framed("b"), stranger}, {3, "rubbish", stranger}});
-        QCOMPARE(course.outcome.strangers, 3u);
-        QCOMPARE(course.outcome.plausibleStranger.value().addressText(), "203.0.113.9");
-        const Course rubbish = play(task(), {{1, "rubbish", stranger}});
-        QVERIFY(!rubbish.outcome.plausibleStranger.has_value());
-    }
-
-    void lateDatagrams()
-    {
-        startLog();
-        TrafficLog log("127.0.0.1", server.port, TrafficLog::Kind::Send);
-        RCon machine(task("tw_x"), log);
-        const QByteArray told = framed("\"tw_x\" is: \"1\" in force: \"1\"\n");
-        QVERIFY(play(machine, {{2, told}}).outcome.isEndKnown);
-        QCOMPARE(machine.received(framed("x"), server, at(9)).kind, Kind::Finished); // adds nothing any more
-        QCOMPARE(machine.outcome().datagrams, 1u);
-        QCOMPARE(machine.takeLate(told, server), QString()); // the network has doubled it
-        QCOMPARE(machine.takeLate(framed("more\n"), stranger), QString());
-        QCOMPARE(machine.takeLate("rubbish", server), QString());
-        QCOMPARE(machine.takeLate(framed("more\n"), server), "more\n");
-        QCOMPARE(machine.outcome().doubled, 1u);
-        QCOMPARE(logLines(),
-                 QStringList({" Send(1): tw_x", "  Res(1): RConResultSuccess numPackets=1", "  End(1): known",
-                              "  Late(1): 40 bytes, seen before", "  Late(1): 16 bytes, new"}));
+        for (const auto &[size, most] : {std::pair(1024, 16'384), {0, 65'536}}) { // text, and datagrams
+            const Arrival arrival{1, framed(QByteArray(size, 'x'))};
+            const Course accepted = play(task(), QList<Arrival>(most, arrival));
+            QCOMPARE(accepted.outcome.result, RConResultSuccess);
+            QCOMPARE(accepted.outcome.text.size(), size * most);
+            QCOMPARE(play(task(), QList<Arrival>(most + 1, arrival)).outcome.result, RConResultError);
+        }
     }
 
     void logs_data()
     {
-        QTest::addColumn<bool>("isSingle");
-        QTest::addColumn<QList<Arrival>>("arrivals");
-        QTest::addColumn<QStringList>("lines");
+        const auto row = dataColumns<bool, QList<Arrival>, QStringList>("isSingle", "arrivals", "lines");
         const QString late = "A connection attempt failed because the connected party did not properly respond after a "
                              "period of time, or established a connection failed because connected host has failed to "
                              "respond.";
         const QByteArray x = framed("x");
-        QTest::newRow("silence") << false << QList<Arrival>()
-                                 << QStringList{" Send(1): status %1 all", "  Res(1): " + late + " numPackets=0",
-                                                " Send(2): status %1 all", "  Res(2): " + late + " numPackets=0",
-                                                " Send(3): status %1 all", "  Res(3): " + late + " numPackets=0"};
-        QTest::newRow("second send, four datagrams")
-            << false << QList<Arrival>(4, {600, x})
-            << QStringList{" Send(1): status %1 all", "  Res(1): " + late + " numPackets=0", " Send(2): status %1 all",
-                           "  Res(2): RConResultSuccess numPackets=4"};
-        QTest::newRow("single, third send")
-            << true << QList<Arrival>{{2000, x}}
-            << QStringList{" SendSingle(1): status %1 all", "  Res(1): " + late + "@",
-                           " SendSingle(2): status %1 all", "  Res(2): " + late,
-                           " SendSingle(3): status %1 all", "  Res(3): RConResultSuccess"};
-        QTest::newRow("refused") << false << QList<Arrival>{{2, QByteArray::fromHex("ffffffff0a")}}
-                                 << QStringList{" Send(1): status %1 all", "  Res(1): Invalid Password. numPackets=0"};
-        QTest::newRow("rubbish") << true << QList<Arrival>{{2, "rubbish"}}
-                                 << QStringList{" SendSingle(1): status %1 all", "  Res(1): RConResultInvalidPacket@"};
+        row("silence", false, QList<Arrival>(),
+            QStringList{" Send(1): status %1 all", "  Res(1): " + late + " numPackets=0", " Send(2): status %1 all",
+                        "  Res(2): " + late + " numPackets=0", " Send(3): status %1 all",
+                        "  Res(3): " + late + " numPackets=0"});
+        row("single, third send", true, QList<Arrival>{{2000, x}},
+            QStringList{" SendSingle(1): status %1 all", "  Res(1): " + late + "@", " SendSingle(2): status %1 all",
+                        "  Res(2): " + late, " SendSingle(3): status %1 all", "  Res(3): RConResultSuccess"});
     }
     void logs()
     {
@@ -329,26 +268,18 @@ private slots:
                                           " Send(1): rcon_password", " Send(1): say the password is out"}));
     }
 
-    void loggingOff_data()
-    {
-        QTest::addColumn<QByteArray>("value");
-        QTest::addColumn<bool>("hasFile");
-        QTest::newRow("empty") << QByteArray("") << true;
-        QTest::newRow("zero") << QByteArray("0") << true;
-        QTest::newRow("one and a blank") << QByteArray("1 ") << true;
-        QTest::newRow("no file") << QByteArray("1") << false;
-    }
     void loggingOff()
     {
-        QFETCH(QByteArray, value);
-        QFETCH(bool, hasFile);
-        startLog();
-        if (!hasFile)
-            QVERIFY(QFile::remove("log.txt"));
-        qputenv("FerrowRconLog", value);
-        TrafficLog("127.0.0.1", server.port, TrafficLog::Kind::Send).writeSend(1, "status");
-        QCOMPARE(QFile::exists("log.txt"), hasFile);
-        QCOMPARE(logLines(), QStringList());
+        for (const char *value : {"", "0", "1 ", "1"}) {
+            startLog();
+            const bool isOn = qstrcmp(value, "1") == 0;
+            if (isOn) // but there is no file
+                QVERIFY(QFile::remove("log.txt"));
+            qputenv("FerrowRconLog", value);
+            TrafficLog("127.0.0.1", server.port, TrafficLog::Kind::Send).writeSend(1, "status");
+            QCOMPARE(QFile::exists("log.txt"), !isOn);
+            QCOMPARE(logLines(), QStringList());
+        }
     }
 
 private:

@@ -1,3 +1,4 @@
+#include "DataColumns.h"
 #include "QuotedStrings.h"
 #include "ReplyEnd.h"
 
@@ -9,12 +10,7 @@ class ReplyEndTest : public QObject
 private slots:
     void replies_data()
     {
-        QTest::addColumn<QString>("command");
-        QTest::addColumn<QString>("reply");
-        QTest::addColumn<bool>("isWhole");
-        const auto row = [](const char *name, const QString &command, const QString &reply, bool isWhole) {
-            QTest::newRow(name) << command << reply << isWhole;
-        };
+        const auto row = dataColumns<QString, QString, bool>("command", "reply", "isWhole");
         const QString told = "\"tw_x\" is: \"1\" in force: \"1\"\n";
         row("variable", "tw_x", told, true);
         row("in other letters", "TW_X", told, true);
@@ -58,10 +54,10 @@ private slots:
     /// Whatever a value holds and wherever its reply is cut: no part is taken for whole that tells something else.
     void noPartTellsSomethingElse_data()
     {
-        QTest::addColumn<QString>("form");
-        QTest::newRow("with colours taken out") << "\"%1\" is: \"%2\" in force: \"%3\"\n";
-        QTest::newRow("with a domain") << "\"%1\" is: \"%2\" default: \"%3\"\n  Takes any text\n";
-        QTest::newRow("terse") << "\"%1\" \"%2\" \"%3\"\n";
+        const auto row = dataColumns<QString>("form");
+        row("with colours taken out", "\"%1\" is: \"%2\" in force: \"%3\"\n");
+        row("with a domain", "\"%1\" is: \"%2\" default: \"%3\"\n  Takes any text\n");
+        row("terse", "\"%1\" \"%2\" \"%3\"\n");
     }
     void noPartTellsSomethingElse()
     {

@@ -140,6 +140,7 @@ class RepliesTest(WireTest):
         done = console.wait_for('done', 5, asked)
         self.assertGreaterEqual(done.time - asked, 0.6)
         self.assertEqual((done['text'], done['sends']), (told('v_asked', 'hi').replace('^7', ''), 1))
+        self.assertEqual(done['roundTrip'], -1, 'it is no measure of the line')
         console.tell('send v_next')
         console.wait_for('done', 5, asked, command='v_next')
         self.assertEqual(server.commands().count('v_asked'), 1)

@@ -90,34 +90,240 @@ private:
 class WireDriver : public QObject
 {
 public:
-    WireDriver(const QString &resources, const QString &folder);
+    WireDriver(const QString &resources, const QString &folder)
+        : m_preferences(folder + "/preferences.ini"),
+          m_reader(CatalogueFolders{resources, folder}, m_alerts, [] { QCoreApplication::exit(1); }),
+          m_playlists(m_server, m_gametypes, m_maps, m_alerts, resources)
+    {
+        m_server.setCatalogueLoader(&m_catalogues);
+        m_server.setHostLookup(&m_lookup);
+        connect(&m_server, &KelServer::connectionBegan, &m_actions, &ActionQueue::refuseWaiting);
+        connect(&m_reconnecting, &Reconnecting::disconnectWanted, this, [this] { disconnectFromServer(); });
+        printEach(&m_actions, &ActionQueue::idle, "idle");
+        printEach(&m_actions, &ActionQueue::faulted, "fault", "text");
+        printSession();
+        printSettings();
+        printWaysBack();
+        connect(&m_input, &QSocketNotifier::activated, this, &WireDriver::read);
+        print("ready");
+    }
 
 private:
     using Command = void (WireDriver::*)(const QString &rest);
 
-    void printSession();
-    void printSettings();
-    void printWaysBack();
-
-    void read();
-    void perform(const QString &line);
-    void connectToServer(const QString &rest);
-    void disconnectFromServer(const QString &rest = {});
     void send(const QString &line) { m_actions.start(sendLine(line)); }
     void fetch(const QString &rest) { m_fetcher.askFor(rest.split(QLatin1Char(' '))); }
     void block(const QString &ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms.toInt())); }
     void tryNow(const QString &) { m_reconnecting.tryNow(); }
     void tryPassword(const QString &password) { m_reconnecting.tryPassword(password); }
-    void tellName(const QString &rest);
-    void printFigures(const QString &);
-    void quit(const QString &);
 
-    void endConnection();
-    QCoro::Task<> connectAction(QString host, QString port, QString password);
-    QCoro::Task<> sendLine(QString line);
-    QCoro::Task<> listPlayers();
-    QCoro::Task<> showPlayers();
-    static void printDone(const QString &command, const Reply &reply);
+    /// Prints the signal as `event`, and what it carries under `names`.
+    template <typename Sender, typename... Carried, typename... Names>
+    void printEach(const Sender *sender, void (Sender::*signal)(Carried...), const char *event, Names... names)
+    {
+        connect(sender, signal, this, [event, names...](const Carried &...carried) {
+            print(event, {{names, carried}...});
+        });
+    }
+
+    void printSession()
+    {
+        printEach(&m_server, &KelServer::lookUpBegan, "looking up", "host");
+        printEach(&m_server.console(), &Console::messageAppended, "shown", "text");
+        printEach(&m_server.console(), &Console::noteAppended, "note", "text");
+        printEach(&m_server, &KelServer::isConnectedChanged, "connection", "isConnected");
+        connect(&m_server, &KelServer::tabSetChanged, this, [this] {
+            print("tabs", {{"set", static_cast<int>(m_server.tabSet())}});
+        });
+        connect(&m_server, &KelServer::didConnect, this, [this] {
+            m_isComplete = true;
+            print("connected", {{"catalogued", QJsonArray::fromStringList(m_server.cataloguedDvars())}});
+        });
+    }
+
+    void printSettings()
+    {
+        connect(&m_fetcher, &DvarFetcher::settled, this, [this](const QString &name) {
+            if (m_server.dvarList().contains(name))
+                print("fetched", {{"name", name}});
+        });
+        printEach(&m_fetcher, &DvarFetcher::progressed, "progress", "done", "total");
+        printEach(&m_fetcher, &DvarFetcher::finished, "fetch finished", "unknown", "total");
+    }
+
+    void printWaysBack()
+    {
+        connect(&m_server.link(), &Link::kindChanged, this, [](Link::Kind kind) {
+            const char *name = QMetaEnum::fromType<Link::Kind>().valueToKey(static_cast<int>(kind));
+            print("link", {{"kind", QString::fromLatin1(name)}});
+        });
+        connect(&m_reconnecting, &Reconnecting::cameBack, this,
+                [this](std::chrono::milliseconds silence, int differences) {
+                    print("connected again",
+                          {{"silence", static_cast<double>(silence.count())}, {"differences", differences}});
+                    m_actions.start(listPlayers());
+                });
+    }
+
+    void read()
+    {
+        std::array<char, 4096> buffer{};
+        const ssize_t length = ::read(STDIN_FILENO, buffer.data(), buffer.size());
+        if (length <= 0) { // whoever started this is gone
+            m_input.setEnabled(false);
+            quit({});
+            return;
+        }
+        m_unread.append(buffer.data(), length);
+        for (qsizetype end = m_unread.indexOf('\n'); end >= 0; end = m_unread.indexOf('\n')) {
+            const QString line = QString::fromUtf8(m_unread.left(end));
+            m_unread.remove(0, end + 1);
+            perform(line);
+        }
+    }
+
+    void perform(const QString &line)
+    {
+        static const QHash<QString, Command> commands{
+            {"connect", &WireDriver::connectToServer},
+            {"disconnect", &WireDriver::disconnectFromServer},
+            {"send", &WireDriver::send},
+            {"fetch", &WireDriver::fetch},
+            {"block", &WireDriver::block},
+            {"trynow", &WireDriver::tryNow},
+            {"password", &WireDriver::tryPassword},
+            {"name", &WireDriver::tellName},
+            {"figures", &WireDriver::printFigures},
+            {"quit", &WireDriver::quit},
+        };
+        QString rest;
+        const Command command = commands.value(twoWords(line, &rest));
+        if (command == nullptr)
+            print("unknown command", {{"text", line}});
+        else
+            (this->*command)(rest);
+    }
+
+    void connectToServer(const QString &rest)
+    {
+        QString after;
+        QString password;
+        const QString host = twoWords(rest, &after);
+        const QString port = twoWords(after, &password);
+        m_actions.start(connectAction(host, port, password));
+    }
+
+    QCoro::Task<> connectAction(QString host, QString port, QString password)
+    {
+        const ActionQueue::Turn turn = co_await m_actions.turn();
+        m_isComplete = false;
+        if (!turn)
+            co_return;
+        const CatalogueState maps = co_await m_maps.loadMapList();
+        if (!turn || maps == CatalogueState::Missing)
+            co_return;
+        endConnection();
+        co_await m_playlists.loadPlaylists();
+        if (!turn)
+            co_return;
+        co_await m_server.connectToHost(host, port, password);
+        if (!m_isComplete)
+            m_server.forgetVariables();
+        if (turn && !m_isComplete)
+            endConnection();
+        print("connect ended", {{"isComplete", m_isComplete}});
+        if (turn && m_isComplete)
+            co_await showPlayers();
+    }
+
+    void endConnection()
+    {
+        m_actions.refuseWaiting();
+        m_server.disconnect();
+    }
+
+    void disconnectFromServer(const QString & = {})
+    {
+        print("disconnecting");
+        m_actions.dropWaiting();
+        m_server.cancelExchange();
+        endConnection();
+        print("disconnected", {{"isIdle", m_actions.isIdle()}});
+    }
+
+    QCoro::Task<> sendLine(QString line)
+    {
+        const ActionQueue::Turn turn = co_await m_actions.turn();
+        if (!turn)
+            co_return;
+        const Arrived arrived = [line](const QString &text) {
+            print("arrived", {{"command", line}, {"text", text}});
+        };
+        const Reply reply = co_await m_server.sendCommand(line, arrived);
+        printDone(line, reply);
+    }
+
+    static void printDone(const QString &command, const Reply &reply)
+    {
+        print("done", {{"command", command},
+                       {"result", static_cast<int>(reply.result)},
+                       {"text", reply.text},
+                       {"isCancelled", reply.isCancelled},
+                       {"sends", reply.sends},
+                       {"doubled", reply.doubled},
+                       {"mayBeIncomplete", reply.mayBeIncomplete},
+                       {"roundTrip", static_cast<double>(reply.roundTrip.count())}});
+    }
+
+    QCoro::Task<> listPlayers()
+    {
+        const ActionQueue::Turn turn = co_await m_actions.turn();
+        if (turn)
+            co_await showPlayers();
+    }
+
+    QCoro::Task<> showPlayers()
+    {
+        const QString line = "teamstatus";
+        const Reply reply = co_await m_server.sendCommand(line);
+        QStringList names;
+        for (const PlayerRow &player : parsePlayerList(reply.text).players)
+            names.append(player.name);
+        if (reply.isSuccess())
+            print("players", {{"names", QJsonArray::fromStringList(names)}});
+    }
+
+    /// "name NAME ADDRESS ADDRESS…"
+    void tellName(const QString &rest)
+    {
+        QStringList words = rest.split(QLatin1Char(' '));
+        const QByteArray name = words.takeFirst().toLatin1();
+        m_names->tell(name, words);
+    }
+
+    void printFigures(const QString &)
+    {
+        const LinkState line = m_server.link().figures();
+        const std::chrono::duration<double, std::milli> roundTrip =
+            line.stats.roundTrip().value_or(std::chrono::milliseconds(-1));
+        print("figures", {{"strangers", static_cast<int>(line.stats.strangers())},
+                          {"doubled", static_cast<int>(line.stats.doubled())},
+                          {"late", static_cast<int>(line.stats.late())},
+                          {"gap", static_cast<double>(line.gap.count())},
+                          {"roundTrip", roundTrip.count()}});
+    }
+
+    void quit(const QString &)
+    {
+        print("quitting");
+        m_actions.close();
+        if (m_actions.isIdle()) {
+            QCoreApplication::quit();
+            return;
+        }
+        m_server.cancelExchange();
+        connect(&m_actions, &ActionQueue::idle, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    }
 
     QSocketNotifier m_input{STDIN_FILENO, QSocketNotifier::Read};
     QByteArray m_unread;
@@ -141,233 +347,6 @@ private:
     Reconnecting m_reconnecting{m_server, m_actions, m_alerts, m_fetcher};
     bool m_isComplete = false;
 };
-
-WireDriver::WireDriver(const QString &resources, const QString &folder)
-    : m_preferences(folder + "/preferences.ini"),
-      m_reader(CatalogueFolders{resources, folder}, m_alerts, [] { QCoreApplication::exit(1); }),
-      m_playlists(m_server, m_gametypes, m_maps, m_alerts, resources)
-{
-    m_server.setCatalogueLoader(&m_catalogues);
-    m_server.setHostLookup(&m_lookup);
-    connect(&m_server, &KelServer::connectionBegan, &m_actions, &ActionQueue::refuseWaiting);
-    connect(&m_reconnecting, &Reconnecting::disconnectWanted, this, [this] { disconnectFromServer(); });
-    connect(&m_actions, &ActionQueue::idle, this, [] { print("idle"); });
-    connect(&m_actions, &ActionQueue::faulted, this, [](const QString &what) { print("fault", {{"text", what}}); });
-    printSession();
-    printSettings();
-    printWaysBack();
-    connect(&m_input, &QSocketNotifier::activated, this, &WireDriver::read);
-    print("ready");
-}
-
-void WireDriver::printSession()
-{
-    connect(&m_server, &KelServer::lookUpBegan, this, [](const QString &host) {
-        print("looking up", {{"host", host}});
-    });
-    connect(&m_server.console(), &Console::messageAppended, this, [](const QString &text) {
-        print("shown", {{"text", text}});
-    });
-    connect(&m_server.console(), &Console::noteAppended, this, [](const QString &note) {
-        print("note", {{"text", note}});
-    });
-    connect(&m_server, &KelServer::tabSetChanged, this, [this] {
-        print("tabs", {{"set", static_cast<int>(m_server.tabSet())}});
-    });
-    connect(&m_server, &KelServer::isConnectedChanged, this, [](bool isConnected) {
-        print("connection", {{"isConnected", isConnected}});
-    });
-    connect(&m_server, &KelServer::didConnect, this, [this] {
-        m_isComplete = true;
-        print("connected", {{"catalogued", QJsonArray::fromStringList(m_server.cataloguedDvars())}});
-    });
-}
-
-void WireDriver::printSettings()
-{
-    connect(&m_fetcher, &DvarFetcher::settled, this, [this](const QString &name) {
-        if (m_server.dvarList().contains(name))
-            print("fetched", {{"name", name}});
-    });
-    connect(&m_fetcher, &DvarFetcher::progressed, this, [](int done, int total) {
-        print("progress", {{"done", done}, {"total", total}});
-    });
-    connect(&m_fetcher, &DvarFetcher::finished, this, [](int unknown, int total) {
-        print("fetch finished", {{"unknown", unknown}, {"total", total}});
-    });
-}
-
-void WireDriver::printWaysBack()
-{
-    connect(&m_server.link(), &Link::kindChanged, this, [](Link::Kind kind) {
-        const char *name = QMetaEnum::fromType<Link::Kind>().valueToKey(static_cast<int>(kind));
-        print("link", {{"kind", QString::fromLatin1(name)}});
-    });
-    connect(&m_reconnecting, &Reconnecting::cameBack, this, [this](std::chrono::milliseconds silence, int differences) {
-        print("connected again", {{"silence", static_cast<double>(silence.count())}, {"differences", differences}});
-        m_actions.start(listPlayers());
-    });
-}
-
-void WireDriver::read()
-{
-    std::array<char, 4096> buffer{};
-    const ssize_t length = ::read(STDIN_FILENO, buffer.data(), buffer.size());
-    if (length <= 0) { // whoever started this is gone
-        m_input.setEnabled(false);
-        quit({});
-        return;
-    }
-    m_unread.append(buffer.data(), length);
-    for (qsizetype end = m_unread.indexOf('\n'); end >= 0; end = m_unread.indexOf('\n')) {
-        const QString line = QString::fromUtf8(m_unread.left(end));
-        m_unread.remove(0, end + 1);
-        perform(line);
-    }
-}
-
-void WireDriver::perform(const QString &line)
-{
-    static const QHash<QString, Command> commands{
-        {"connect", &WireDriver::connectToServer},
-        {"disconnect", &WireDriver::disconnectFromServer},
-        {"send", &WireDriver::send},
-        {"fetch", &WireDriver::fetch},
-        {"block", &WireDriver::block},
-        {"trynow", &WireDriver::tryNow},
-        {"password", &WireDriver::tryPassword},
-        {"name", &WireDriver::tellName},
-        {"figures", &WireDriver::printFigures},
-        {"quit", &WireDriver::quit},
-    };
-    QString rest;
-    const Command command = commands.value(twoWords(line, &rest));
-    if (command == nullptr)
-        print("unknown command", {{"text", line}});
-    else
-        (this->*command)(rest);
-}
-
-void WireDriver::connectToServer(const QString &rest)
-{
-    QString after;
-    QString password;
-    const QString host = twoWords(rest, &after);
-    const QString port = twoWords(after, &password);
-    m_actions.start(connectAction(host, port, password));
-}
-
-QCoro::Task<> WireDriver::connectAction(QString host, QString port, QString password)
-{
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    m_isComplete = false;
-    if (!turn)
-        co_return;
-    const CatalogueState maps = co_await m_maps.loadMapList();
-    if (!turn || maps == CatalogueState::Missing)
-        co_return;
-    endConnection();
-    co_await m_playlists.loadPlaylists();
-    if (!turn)
-        co_return;
-    co_await m_server.connectToHost(host, port, password);
-    if (!m_isComplete)
-        m_server.forgetVariables();
-    if (turn && !m_isComplete)
-        endConnection();
-    print("connect ended", {{"isComplete", m_isComplete}});
-    if (turn && m_isComplete)
-        co_await showPlayers();
-}
-
-void WireDriver::endConnection()
-{
-    m_actions.refuseWaiting();
-    m_server.disconnect();
-}
-
-void WireDriver::disconnectFromServer(const QString &)
-{
-    print("disconnecting");
-    m_actions.dropWaiting();
-    m_server.cancelExchange();
-    endConnection();
-    print("disconnected", {{"isIdle", m_actions.isIdle()}});
-}
-
-QCoro::Task<> WireDriver::sendLine(QString line)
-{
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (!turn)
-        co_return;
-    const Arrived arrived = [line](const QString &text) {
-        print("arrived", {{"command", line}, {"text", text}});
-    };
-    const Reply reply = co_await m_server.sendCommand(line, arrived);
-    printDone(line, reply);
-}
-
-void WireDriver::printDone(const QString &command, const Reply &reply)
-{
-    print("done", {{"command", command},
-                   {"result", static_cast<int>(reply.result)},
-                   {"text", reply.text},
-                   {"isCancelled", reply.isCancelled},
-                   {"sends", reply.sends},
-                   {"doubled", reply.doubled},
-                   {"mayBeIncomplete", reply.mayBeIncomplete},
-                   {"roundTrip", static_cast<double>(reply.roundTrip.count())}});
-}
-
-QCoro::Task<> WireDriver::listPlayers()
-{
-    const ActionQueue::Turn turn = co_await m_actions.turn();
-    if (turn)
-        co_await showPlayers();
-}
-
-QCoro::Task<> WireDriver::showPlayers()
-{
-    const QString line = "teamstatus";
-    const Reply reply = co_await m_server.sendCommand(line);
-    QStringList names;
-    for (const PlayerRow &player : parsePlayerList(reply.text).players)
-        names.append(player.name);
-    if (reply.isSuccess())
-        print("players", {{"names", QJsonArray::fromStringList(names)}});
-}
-
-/// "name NAME ADDRESS ADDRESS…"
-void WireDriver::tellName(const QString &rest)
-{
-    QStringList words = rest.split(QLatin1Char(' '));
-    const QByteArray name = words.takeFirst().toLatin1();
-    m_names->tell(name, words);
-}
-
-void WireDriver::printFigures(const QString &)
-{
-    const LinkState line = m_server.link().figures();
-    const std::chrono::duration<double, std::milli> roundTrip =
-        line.stats.roundTrip().value_or(std::chrono::milliseconds(-1));
-    print("figures", {{"strangers", static_cast<int>(line.stats.strangers())},
-                      {"doubled", static_cast<int>(line.stats.doubled())},
-                      {"late", static_cast<int>(line.stats.late())},
-                      {"gap", static_cast<double>(line.gap.count())},
-                      {"roundTrip", roundTrip.count()}});
-}
-
-void WireDriver::quit(const QString &)
-{
-    print("quitting");
-    m_actions.close();
-    if (m_actions.isIdle()) {
-        QCoreApplication::quit();
-        return;
-    }
-    m_server.cancelExchange();
-    connect(&m_actions, &ActionQueue::idle, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
-}
 
 int main(int argc, char **argv)
 {
