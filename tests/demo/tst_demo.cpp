@@ -4,6 +4,7 @@
 #include "DemoServer.h"
 #include "UdpSocket.h"
 
+#include <QFile>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -44,6 +45,36 @@ class TestDemo : public QObject
 {
     Q_OBJECT
 private slots:
+    void shippedCatalogues_data()
+    {
+        QTest::addColumn<QString>("element");
+        QTest::newRow("gametypes") << "dvar";
+        QTest::newRow("maps") << "excludeDvar";
+        QTest::newRow("gameSettingsRanked") << "dvar";
+        QTest::newRow("gameSettingsUnranked") << "dvar";
+    }
+    // A newcomer can change whatever the shipped catalogues offer; a sparse server knows next to nothing of it.
+    void shippedCatalogues()
+    {
+        QFETCH(QString, element);
+        QFile file(QString(FERROW_RESOURCES "/FerrowRcon.default.") + QTest::currentDataTag());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString text = file.readAll();
+        DemoGame game({});
+        DemoGame sparse({.sparse = true});
+        int count = 0;
+        const QRegularExpression tag(QString("<%1>([^<]*)</%1>").arg(element));
+        for (auto found = tag.globalMatch(text); found.hasNext(); ++count) {
+            const QString name = found.next().captured(1).trimmed();
+            QVERIFY2(game.execute(name).startsWith(u'"' + name + "\" is: \""), qPrintable(name));
+            const bool isKnown = name == "sv_hostname" || name == "rcon_password";
+            QCOMPARE(sparse.execute(name).startsWith("Unknown command"), !isKnown);
+        }
+        QVERIFY(count >= 16);
+        QVERIFY(sparse.execute("dvardump").endsWith("\n17 total dvars\n"));
+        QVERIFY(DemoGame({.dumpCount = false}).execute("dvardump").endsWith("\"\n"));
+    }
+
     void commands_data()
     {
         const auto row = dataColumns<QString, QString, QString, QString>("command", "pattern", "name", "value");
