@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QAbstractItemView>
-#include <QMenu>
 #include <QString>
 #include <QStringList>
 #include <QWidget>
@@ -45,13 +44,4 @@ inline QList<QStringList> shownRows(const QAbstractItemView &view)
     for (int row = 0; row < view.model()->rowCount(); ++row)
         rows.append(shownRow(view, row));
     return rows;
-}
-
-/// The entries of a menu, from the top to the bottom; "-" for a line between them.
-inline QStringList entriesOf(const QMenu &menu)
-{
-    QStringList texts;
-    for (const QAction *action : menu.actions())
-        texts.append(action->isSeparator() ? QStringLiteral("-") : action->text());
-    return texts;
 }

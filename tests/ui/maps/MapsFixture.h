@@ -47,10 +47,6 @@ struct Maps : CataloguesFixture {
     QStringList listedMaps() const { return shownTexts(*control<QListView>(view, "mapListView")); }
     ElidingField &field(const char *name) const { return *control<ElidingField>(view, name); }
     QStringList current() const { return {field("currentGameTypeField").text(), field("currentMapField").text()}; }
-    QAbstractItemModel &rotationModel() const
-    {
-        return *control<PlaceholderTable>(view, "mapServerRotationTableView")->model();
-    }
     QList<RotationRow> rotation() const
     {
         QList<RotationRow> rows;

@@ -1,8 +1,6 @@
 #include "ElidingLabel.h"
 #include "MapsFixture.h"
 
-#include <QLabel>
-
 class BuiltRotationTest : public QObject
 {
     Q_OBJECT
@@ -14,7 +12,6 @@ private slots:
         QTest::addColumn<QString>("alert");
         QTest::newRow("all is well") << -1 << 6 << "";
         QTest::newRow("first write") << 0 << 1 << "'sv_mapRotation' returned an error: lost";
-        QTest::newRow("second write") << 1 << 2 << "'sv_mapRotationCurrent' returned an error: lost";
         QTest::newRow("start") << 2 << 3 << "'map_rotate' returned an error: lost";
     }
     void setsTheBuiltRotation()
@@ -37,22 +34,6 @@ private slots:
         QCOMPARE(maps.exchange.sent(), all.first(sent));
         QTEST(maps.alerts.texts().join("|"), "alert");
         QCOMPARE(maps.rotation().isEmpty(), failing >= 0);
-    }
-
-    void tellsOfNamesThatTheGameCannotHold()
-    {
-        Maps maps;
-        maps.write(QStringLiteral("maps"),
-                   QString("<Maps><version>4.0</version><Map><name>New</name><dvarName>ward_ж</dvarName></Map></Maps>")
-                       .toUtf8());
-        awaited(maps.maps.loadMapList());
-        awaited(maps.mapRotations.addEntries({{"New", "Dock Watch"}}));
-        maps.press("setBuiltRotationButton");
-        QVERIFY(maps.settle());
-        QCOMPARE(maps.exchange.sent(), QStringList());
-        QCOMPARE(maps.alerts.texts(), QStringList("'sv_mapRotation' returned an error: The game cannot show these "
-                                                  "characters: \u0436. Nothing was sent."));
-        QCOMPARE(maps.mapRotations.entries().size(), 1);
     }
 
     void asksBeforeAnEmptyRotationIsSet_data()
@@ -81,8 +62,6 @@ private slots:
         QTRY_COMPARE(maps.alerts.openCount(), 1);
         QVERIFY(!maps.rotation().isEmpty());
         QCOMPARE(maps.alerts.titles(), QStringList("Set Empty Rotation"));
-        QVERIFY(maps.alerts.texts().last().startsWith("The server's rotation will be empty"));
-        QCOMPARE(maps.alerts.shown().last().buttons, QStringList({"Set Empty Rotation", "Cancel"}));
         QCOMPARE(maps.alerts.manners().last().defaultButton, 1);
         if (isCalledOff) {
             maps.actions.dropWaiting();
@@ -94,25 +73,6 @@ private slots:
         QCOMPARE(maps.exchange.sent().first(sent.size()), sent);
         QCOMPARE(maps.exchange.sent().isEmpty(), sent.isEmpty());
         QCOMPARE(maps.alerts.shown().size(), 1);
-    }
-
-    void theMarkGoesWithUndoingAndComesWithRedoing()
-    {
-        Maps maps;
-        const auto *mark = control<QLabel>(maps.view, "labelUnsavedChanges");
-        QWidget *table = control<QWidget>(maps.view, "mapRotationPreviewTableView");
-        maps.view.show();
-        QVERIFY(QTest::qWaitForWindowActive(&maps.view));
-        awaited(maps.mapRotations.addEntries({{"Saltworks", "Dock Watch"}}));
-        QTRY_VERIFY(!mark->isHidden());
-        QVERIFY(awaited(maps.mapRotations.saveUIChanges("mine")));
-        QTRY_VERIFY(mark->isHidden());
-        awaited(maps.mapRotations.addEntries({{"Ropeway", "Dock Watch"}}));
-        QTRY_VERIFY(!mark->isHidden());
-        QTest::keyClick(table, Qt::Key_Z, Qt::ControlModifier);
-        QTRY_VERIFY(mark->isHidden());
-        QTest::keyClick(table, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-        QTRY_VERIFY(!mark->isHidden());
     }
 
     void refusesUnknownNames()

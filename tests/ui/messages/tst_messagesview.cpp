@@ -5,13 +5,10 @@
 #include "MessagesView.h"
 #include "QuickMessageField.h"
 #include "SessionFixture.h"
-#include "TabOrder.h"
 #include "TestPreferences.h"
 
-#include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
 #include <QPushButton>
 #include <QTableView>
 
@@ -31,31 +28,19 @@ class MessagesViewTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void playsAndMarks_data()
-    {
-        QTest::addColumn<QString>("duration");
-        QTest::addColumn<QString>("state");
-        QTest::newRow("seconds") << "60.5"
-                                 << "60 s left";
-        QTest::newRow("no number") << "x"
-                                   << "until Stop is pressed";
-    }
     void playsAndMarks()
     {
         Messages messages;
         messages.exchange.answerEverything(ScriptedExchange::ok());
-        QFETCH(QString, duration);
-        awaited(messages.messageRotations.addEntries({{"say \"hi\"", duration}, {"b", "2"}}));
-        QVERIFY(!messages.button("buttonStopMessageRotation").isEnabled());
+        awaited(messages.messageRotations.addEntries({{"say \"hi\"", "60.5"}, {"b", "2"}}));
         messages.exchange.hold();
         messages.button("buttonStartMessageRotation").click();
         QCOMPARE(messages.onAir(), QString("On air: message 1 of 2, being sent"));
         messages.exchange.release();
         QVERIFY(messages.settle());
         QCOMPARE(messages.exchange.sent(), QStringList("say \"say \\\"hi\\\"\""));
-        QTEST(messages.onAir().section(", ", 1), "state");
-        messages.messageRotations.deleteAllItems();
-        QTEST(messages.onAir().section(", ", 1), "state");
+        messages.messageRotations.deleteAllItems(); // the one on air stays there
+        QVERIFY(messages.onAir().endsWith(", 60 s left"));
         QVERIFY(!messages.button("buttonStartMessageRotation").isEnabled());
         messages.button("buttonStopMessageRotation").click();
         QCOMPARE(messages.onAir(), QString("Stopped"));
@@ -85,11 +70,8 @@ private slots:
         QCOMPARE(field.text(), QString("a^2 \"b\" "));
         field.setText("a \"b\" ");
         field.insertColorCode(1);
-        QCOMPARE(messages.preview(), QString("Players will see: a \"b\" "));
-        field.insert("c\u20ac");
-        QCOMPARE(messages.preview(), QString("Players will see: White (default): a \"b\" ; Red: c\u20ac"));
-        QVERIFY(!control<QLabel>(messages.view, "unsendableLabel")->isHidden());
-        field.backspace();
+        field.insert("c");
+        QCOMPARE(messages.preview(), QString("Players will see: White (default): a \"b\" ; Red: c"));
         messages.exchange.hold();
         messages.view.quickMessageButtonPressed();
         messages.view.quickMessageButtonPressed(); // twice by mistake
@@ -105,32 +87,6 @@ private slots:
         QTRY_COMPARE(messages.exchange.keptCount(), 1);
         messages.exchange.release();
         QCOMPARE(messages.sent().last(), QString("say \"next\""));
-    }
-
-    void theLoopBoxIsKept()
-    {
-        Messages messages;
-        auto *box = control<QCheckBox>(messages.view, "checkBoxLoopMessages");
-        for (const bool isOn : {true, false}) {
-            box->setChecked(isOn);
-            QCOMPARE(messages.preferences.boolValue("checkBoxLoopMessages"), isOn);
-            const MessagesView later(messages.messageRotations, messages.actions, messages.alerts,
-                                     messages.preferences);
-            QCOMPARE(control<QCheckBox>(later, "checkBoxLoopMessages")->isChecked(), isOn);
-        }
-    }
-
-    void anEditIsMarkedAsUnsaved()
-    {
-        Messages messages;
-        const auto *mark = control<QLabel>(messages.view, "labelUnsavedChanges");
-        awaited(messages.messageRotations.addEntries({{"a", "60"}}));
-        QTRY_VERIFY(!mark->isHidden());
-        QVERIFY(awaited(messages.messageRotations.saveUIChanges("n")));
-        QTRY_VERIFY(mark->isHidden());
-        QAbstractItemModel &model = *messages.messageRotations.tableModel();
-        QVERIFY(model.setData(model.index(0, 1), "61"));
-        QTRY_VERIFY(!mark->isHidden());
     }
 
     void aMessageThatWasNotSentComesBack()
@@ -149,18 +105,6 @@ private slots:
         QVERIFY(messages.preview().contains("second"));
         messages.exchange.release();
         QCOMPARE(messages.sent(), QStringList("say \"first\""));
-    }
-
-    void nothingStartsWithoutAConnection()
-    {
-        Messages messages;
-        awaited(messages.messageRotations.addEntries({{"a", "60"}}));
-        QVERIFY(messages.button("buttonStartMessageRotation").isEnabled());
-        messages.server.disconnect();
-        QVERIFY(!messages.button("buttonStartMessageRotation").isEnabled());
-        QCOMPARE(messages.onAir(), QString("Stopped"));
-        messages.connectToServer();
-        QVERIFY(messages.button("buttonStartMessageRotation").isEnabled());
     }
 
     void keepsAQuickMessageThatTheGameCannotHold()
@@ -184,17 +128,12 @@ private slots:
         QVERIFY(field.text().isEmpty());
     }
 
-    void tellsOfARotationsMessageThatTheGameCannotHold()
+    void oneSheetAddsMessages()
     {
         Messages messages;
-        messages.exchange.answerEverything(ScriptedExchange::ok());
-        awaited(messages.messageRotations.addEntries({{u"\u0436"_qs, "1000"}, {u"\u201chi\u201d"_qs, "1000"}}));
-        messages.button("buttonStartMessageRotation").click();
-        QCOMPARE(messages.sent(), QStringList());
-        QVERIFY(messages.alerts.texts().join('|').contains(u"these characters: \u0436. Nothing"_qs));
-        messages.messageRotations.advanceRotation();
-        QCOMPARE(messages.sent(), QStringList("say \"'hi'\""));
-        QCOMPARE(messages.messageRotations.entries().last()->message, u"\u201chi\u201d"_qs); // the file keeps it
+        for (int press = 0; press < 2; ++press)
+            messages.button("addMessageButton").click();
+        QCOMPARE(messages.view.findChildren<AddMessageToRotationWindowController *>().size(), 1);
     }
 
     void messagesAreAddedUntilTheSheetIsClosed()
@@ -221,43 +160,6 @@ private slots:
         add->click(); // no room
         QCOMPARE(message->text() + duration->text(), QString("\u0142soon"));
         QVERIFY(sheet.isVisible() && sheet.focusWidget() == message);
-    }
-
-    void oneSheetAddsMessages()
-    {
-        Messages messages;
-        for (int press = 0; press < 2; ++press)
-            messages.button("addMessageButton").click();
-        QCOMPARE(messages.view.findChildren<AddMessageToRotationWindowController *>().size(), 1);
-    }
-
-    void itsMenuPressesItsButtons()
-    {
-        Messages messages;
-        messages.exchange.answerEverything(ScriptedExchange::ok());
-        awaited(messages.messageRotations.addEntries({{"a", "60"}}));
-        QMenu menu;
-        messages.view.fillMenu(menu);
-        QCOMPARE(entriesOf(menu), QStringList({"&Add Message…", "-", "&Start", "S&top"}));
-        menu.actions().at(2)->trigger();
-        QCOMPARE(messages.sent(), QStringList("say \"a\""));
-        menu.actions().at(3)->trigger();
-        QCOMPARE(messages.onAir(), QString("Stopped"));
-        menu.actions().at(0)->trigger();
-        QVERIFY(control<QDialog>(messages.view, "AddMessageToRotationWindowController")->isVisible());
-    }
-
-    void theFocusGoesToTheMessagesAndTabThroughAllControls()
-    {
-        Messages messages;
-        awaited(messages.messageRotations.addEntries({{"a", "60"}}));
-        messages.view.show();
-        QVERIFY(QTest::qWaitForWindowActive(&messages.view));
-        messages.view.setFocus();
-        QCOMPARE(tabOrder(messages.view, "quickMessageButton"),
-                 QStringList({"messageRotationTableView", "addMessageButton", "removeAllButton", "newButton",
-                              "saveButton", "saveAsButton", "buttonStartMessageRotation", "checkBoxLoopMessages",
-                              "quickMessageTextField", "colorButton", "quickMessageButton"}));
     }
 };
 

@@ -1,3 +1,4 @@
+#include "ProgressWindowController.h"
 #include "SheetAlerts.h"
 #include "Wait.h"
 
@@ -10,21 +11,22 @@ class SheetAlertsTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void anAlertOverASheetBelongsToTheSheet()
+    void anAlertOverASheetBelongsToTheSheetAndGivesTheKeysBack()
     {
         QWidget window;
         window.show();
+        ProgressWindowController progress(&window);
+        progress.begin("title", [] {});
+        QVERIFY(QTest::qWaitForWindowActive(progress.window()));
         SheetAlerts alerts;
         alerts.setWindow(&window);
-        QDialog sheet(&window, Qt::Sheet);
-        sheet.setWindowModality(Qt::WindowModal);
-        sheet.open();
         const QCoro::Task<int> answer = alerts.run("title", "text");
         auto *alert = window.findChild<QDialog *>("alert");
-        QVERIFY(alert != nullptr && alert->isVisible());
-        QCOMPARE(alert->parentWidget(), &sheet);
+        QVERIFY(alert != nullptr && QTest::qWaitForWindowActive(alert));
+        QCOMPARE(alert->parentWidget(), progress.window());
         alert->reject();
         QTRY_VERIFY(answer.isReady());
+        QTRY_VERIFY(progress.window()->isActiveWindow());
     }
 
     void alertsTakeServerTextLiterallyAndKeepItShort()
@@ -72,35 +74,26 @@ private slots:
 
     void buttonsArePressedByKeys_data()
     {
-        QTest::addColumn<QStringList>("buttons");
-        QTest::addColumn<int>("defaultButton");
         QTest::addColumn<int>("key");
-        QTest::addColumn<int>("modifiers");
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
         QTest::addColumn<int>("pressed");
-        const auto row = [](const char *name, const QStringList &buttons, int defaultButton, int key, int pressed,
-                            int modifiers = Qt::NoModifier) {
-            QTest::newRow(name) << buttons << defaultButton << key << modifiers << pressed;
-        };
-        const QStringList three{"Save & Go", "Stay", "Cancel"};
-        row("Return, the first by default", three, 0, Qt::Key_Return, 0);
-        row("Return, another default", three, 1, Qt::Key_Return, 1);
-        row("first letter", three, 0, Qt::Key_C, 2, Qt::AltModifier);
-        row("second letter, as the first is taken", three, 0, Qt::Key_T, 1, Qt::AltModifier);
+        const Qt::KeyboardModifiers alt = Qt::AltModifier;
+        QTest::newRow("Return, the default") << int(Qt::Key_Return) << Qt::KeyboardModifiers() << 1;
+        QTest::newRow("first letter") << int(Qt::Key_C) << alt << 2;
+        QTest::newRow("second letter, as the first is taken") << int(Qt::Key_T) << alt << 1;
     }
     void buttonsArePressedByKeys()
     {
-        QFETCH(QStringList, buttons);
-        QFETCH(int, defaultButton);
         QFETCH(int, key);
-        QFETCH(int, modifiers);
+        QFETCH(Qt::KeyboardModifiers, modifiers);
         QWidget window;
         window.show();
         SheetAlerts alerts;
         alerts.setWindow(&window);
-        QCoro::Task<int> asking = alerts.run("Title", "text", buttons, AlertManner{defaultButton, false});
+        QCoro::Task<int> asking = alerts.run("Title", "text", {"Save & Go", "Stay", "Cancel"}, AlertManner{1, false});
         auto *box = window.findChild<QMessageBox *>("alert");
         QVERIFY(box != nullptr && QTest::qWaitForWindowActive(box));
-        QTest::keyClick(box, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+        QTest::keyClick(box, Qt::Key(key), modifiers);
         QTEST(awaited(std::move(asking)), "pressed");
     }
 };

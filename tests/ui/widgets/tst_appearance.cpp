@@ -55,16 +55,6 @@ private slots:
             best = std::max(best, contrast(outside, picture.pixelColor(4 + x, 4 + indicator.center().y())));
         QVERIFY2(best >= least, qPrintable(QString::number(best)));
     }
-
-    void changingBackLeavesNothingBehind()
-    {
-        Appearance::apply(QStringLiteral("light"));
-        const QPalette before = QCheckBox().palette();
-        Appearance::apply(QStringLiteral("dark"));
-        QVERIFY(QCheckBox().palette() != before);
-        Appearance::apply(QStringLiteral("light"));
-        QCOMPARE(QCheckBox().palette(), before);
-    }
 };
 
 QTEST_MAIN(AppearanceTest)

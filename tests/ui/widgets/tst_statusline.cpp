@@ -1,7 +1,7 @@
 #include "Controls.h"
 #include "StatusLine.h"
 
-#include <QAccessible>
+#include <QLabel>
 #include <QProgressBar>
 #include <QTest>
 
@@ -9,17 +9,6 @@ class StatusLineTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void aScreenReaderHearsWhatTheStatusSays()
-    {
-        StatusLine line;
-        for (const char *text : {"Not connected", "Connected to Home (Unranked)"}) {
-            line.setStatus(QLatin1String(text));
-            auto *label = control<QLabel>(line, "toolStripStatusLabelMain");
-            QCOMPARE(label->text(), QLatin1String(text));
-            QCOMPARE(QAccessible::queryAccessibleInterface(label)->text(QAccessible::Name), QLatin1String(text));
-        }
-    }
-
     void aShortPauseKeepsTheIndicator()
     {
         StatusLine line;
@@ -33,18 +22,6 @@ private slots:
         QVERIFY(indicator->isVisible());
         line.setBusy(false);
         QTRY_VERIFY(!indicator->isVisible());
-    }
-
-    void settingsAreCountedUntilAllAreKnown()
-    {
-        StatusLine line;
-        line.show();
-        auto *progress = control<QLabel>(line, "progressLabel");
-        line.setProgress(2, 3);
-        QVERIFY(progress->isVisible());
-        QCOMPARE(progress->text(), "2 of 3 settings");
-        line.setProgress(3, 3);
-        QVERIFY(!progress->isVisible());
     }
 };
 

@@ -17,15 +17,11 @@
 struct Window : WindowFixture {
     Window() { exchange.answer("teamstatus", ScriptedExchange::ok()); }
 
-    void fillForm(const QString &host, const QString &port, const QString &password) const
-    {
-        control<QLineEdit>(view, "hostField")->setText(host);
-        control<QLineEdit>(view, "portField")->setText(port);
-        control<QLineEdit>(view, "passwordField")->setText(password);
-    }
     void connectByForm()
     {
-        fillForm("192.0.2.1", "50960", "pw");
+        control<QLineEdit>(view, "hostField")->setText("192.0.2.1");
+        control<QLineEdit>(view, "portField")->setText("50960");
+        control<QLineEdit>(view, "passwordField")->setText("pw");
         control<QPushButton>(view, "connectButton")->click();
     }
     QTabWidget *tabs() const { return control<QTabWidget>(view, "tabControlMain"); }
@@ -48,27 +44,15 @@ private slots:
     void tellsHowConnectingGoes()
     {
         Window window;
-        QCOMPARE(window.status(), "Not connected");
         window.exchange.answerEverything(ScriptedExchange::ok()); // a server that fails is asked nothing more
         window.exchange.hold();
         window.connectByForm();
         QCOMPARE(window.status(), "Connecting to QuickConnect...");
+        control<QLineEdit>(window.view, "portField")->setText("50961"); // does not allow a second connect
         QVERIFY(!control<QPushButton>(window.view, "connectButton")->isEnabled());
-        control<QLineEdit>(window.view, "portField")->setText("50961");
-        QVERIFY(!control<QPushButton>(window.view, "connectButton")
-                     ->isEnabled()); // editing does not allow a second connect
-        QTRY_COMPARE(window.exchange.keptCount(), 1);
-        window.exchange.release();
-        QTRY_COMPARE(window.exchange.keptCount(), 1); // the player list, at once
+        QVERIFY(window.answerInOrder({"dvardump", "teamstatus", "g_gametype", "mapname", "sv_mapRotation"}));
         QCOMPARE(window.status(), "Connected to QuickConnect (Unranked)");
-        for (int i = 0; i < 4; ++i) {
-            QTRY_COMPARE(window.exchange.keptCount(), 1);
-            window.exchange.release();
-        }
-        QVERIFY(window.settle());
         QVERIFY(control<QPushButton>(window.view, "connectButton")->isEnabled());
-        QCOMPARE(window.exchange.sent(),
-                 QStringList({"dvardump", "teamstatus", "g_gametype", "mapname", "sv_mapRotation"}));
         control<QPushButton>(window.view, "disconnectButton")->click();
         QCOMPARE(window.status(), "Not connected");
         QVERIFY(!window.server.isConnected());
@@ -78,37 +62,12 @@ private slots:
     {
         Window window;
         window.exchange.forget("dvardump");
-        for (const char *name : {"FerrowRcon.exe.maprotate", "FerrowRcon.exe.msgrotate"}) {
-            QFile damaged(window.folder.filePath(name));
-            QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write("<") == 1);
-        }
         window.connectByForm();
         QVERIFY(window.settle());
         QCOMPARE(window.status(), "Not connected");
-        QCOMPARE(window.alerts.titles(), // in the order of the connect
-                 QStringList({"Message Rotations Not Loaded", "Map Rotations Not Loaded", "Command Send Error"}));
+        QCOMPARE(window.alerts.titles(), QStringList{"Command Send Error"});
         QCOMPARE(control<QLineEdit>(window.view, "hostField")->text(), "192.0.2.1");
         QCOMPARE(control<QLineEdit>(window.view, "passwordField")->text(), "pw");
-        QVERIFY(control<QWidget>(window.view, "welcomePage")->isVisibleTo(&window.view));
-    }
-
-    void theTabKeyGoesFromTheServersToTheTabsAndOnToThePage()
-    {
-        ConnectedWindow window;
-        window.view.show();
-        const QWidget *servers = control<QWidget>(window.view, "serversView");
-        const QWidget *status = control<QWidget>(window.view, "statusLine");
-        QStringList panes;
-        const QWidget *last = control<QPushButton>(window.view, "hostwellButton");
-        for (const QWidget *at = last->nextInFocusChain(); at != last; at = at->nextInFocusChain()) {
-            if ((at->focusPolicy() & Qt::TabFocus) == 0 || !at->isVisible() || status->isAncestorOf(at))
-                continue;
-            const bool isInPage = window.tabs()->currentWidget()->isAncestorOf(at);
-            const char *pane = servers->isAncestorOf(at) ? "servers" : isInPage ? "page" : "tabs";
-            if (panes.isEmpty() || panes.last() != QLatin1String(pane))
-                panes.append(pane);
-        }
-        QCOMPARE(panes, QStringList({"tabs", "page", "servers"}));
     }
 
     void whatCanBePressedHasANameForAScreenReader()
@@ -260,35 +219,25 @@ private slots:
         QTest::keyClick(host, Qt::Key_Z, Qt::ControlModifier); // the field's own
         QCOMPARE(host->text() + QString::number(servers->model()->rowCount()), "0");
         window.view.menuBar()->setFocus(); // as Alt and a letter do
-        const auto choose = [&window](const QString &text) {
-            for (QAction *action : window.view.menuBar()->actions().at(1)->menu()->actions())
-                if (action->text() == text && action->isEnabled())
-                    return action->trigger();
-        };
-        choose("&Undo Delete Server");
+        QCOMPARE(undo.text(), "&Undo Delete Server");
+        window.view.menuBar()->actions().at(1)->menu()->actions().first()->trigger();
         QCOMPARE(counts(), QList<int>({1, 0}));
-        choose("&Redo Delete Server");
-        QCOMPARE(counts(), QList<int>({0, 0}));
     }
 
-    void connectsToTheLastSelectedAndFollowsItsPassword()
+    void aPasswordThatIsChangedOnTheServerIsSaved()
     {
-        WindowFixture fixture;
-        fixture.exchange.answer(QStringLiteral("teamstatus"), ScriptedExchange::ok());
-        QVERIFY(fixture.savedServers.save({"Home", "192.0.2.9", "50961", QStringLiteral("pw")}).error.isEmpty());
-        control<ServersView>(fixture.view, "serversView")->loadSavedServersList();
-        QVERIFY(!control<QPushButton>(fixture.view, "connectToSavedServerButton")->isEnabled());
-        control<QTableView>(fixture.view, "savedServerTableView")->selectRow(0);
-        control<QPushButton>(fixture.view, "connectToSavedServerButton")->click();
-        QVERIFY(fixture.settle());
-        const Request first = fixture.exchange.requests().first();
-        QCOMPARE(first.host, QStringLiteral("192.0.2.9"));
-        QCOMPARE(first.port, 50961);
-        QCOMPARE(first.password, QStringLiteral("pw"));
-        fixture.exchange.answerEverything(ScriptedExchange::ok());
-        awaited(fixture.server.setDvar(QStringLiteral("rcon_password"), QStringLiteral("new")));
-        QCOMPARE(fixture.savedServers.password("Home").value_or(QString()), QStringLiteral("new"));
-        QCOMPARE(control<QLineEdit>(fixture.view, "savedPasswordField")->text(), QStringLiteral("new"));
+        Window window;
+        QVERIFY(window.savedServers.save({"Home", "192.0.2.9", "50961", QStringLiteral("pw")}).error.isEmpty());
+        control<ServersView>(window.view, "serversView")->loadSavedServersList();
+        control<QTableView>(window.view, "savedServerTableView")->selectRow(0);
+        control<QPushButton>(window.view, "connectToSavedServerButton")->click();
+        QVERIFY(window.settle());
+        const Request first = window.exchange.requests().first();
+        QCOMPARE(first.host + first.password, "192.0.2.9pw");
+        window.exchange.answerEverything(ScriptedExchange::ok());
+        awaited(window.server.setDvar(QStringLiteral("rcon_password"), QStringLiteral("new")));
+        QCOMPARE(window.savedServers.password("Home").value_or(QString()), "new");
+        QCOMPARE(control<QLineEdit>(window.view, "savedPasswordField")->text(), "new");
     }
 };
 

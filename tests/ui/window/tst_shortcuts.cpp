@@ -1,7 +1,6 @@
 #include "Controls.h"
 #include "WindowFixture.h"
 
-#include <QDialog>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -62,15 +61,12 @@ private slots:
         const QKeyCombination kick = Qt::CTRL | Qt::Key_K;
         row("kick in the table", "playersView", "playersTableView", kick, {"clientkick 1"});
         row("kick in the filter", "playersView", "playerFilterField", kick);
-        row("kick on a button", "playersView", "refreshPlayersButton", kick);
         row("kick in the servers' form", "playersView", "hostField", kick);
         row("kick in the menu bar", "playersView", "menu bar", kick);
         row("kick on Maps", "mapsView", "mapListView", kick);
         row("kick in the console", "consoleView", "consoleInput", kick);
         const QStringList maps{"g_gametype", "mapname"};
-        row("refresh on Players", "playersView", "playersTableView", Qt::Key_F5, {"teamstatus"});
         row("refresh with Players in front", "playersView", "hostField", Qt::Key_F5, {"teamstatus"});
-        row("refresh on Maps", "mapsView", "mapListView", Qt::Key_F5, maps);
         row("refresh with Maps in front", "mapsView", "hostField", Qt::Key_F5, maps);
         row("refresh on the console", "consoleView", "consoleInput", Qt::Key_F5);
         const QKeyCombination connecting = Qt::CTRL | Qt::Key_Return;
@@ -93,35 +89,17 @@ private slots:
         QTEST(window.sent(), "sent");
     }
 
-    void theKeyOfConnectActsInTheServersPane_data()
-    {
-        QTest::addColumn<QString>("focus");
-        for (const char *name : {"hostField", "saveToServerListButton"})
-            QTest::newRow(name) << QString(name);
-    }
     void theKeyOfConnectActsInTheServersPane()
     {
-        QFETCH(QString, focus);
         ShortcutWindow window;
-        control<QLineEdit>(window.view, "labelField")->setText("New");
         control<QLineEdit>(window.view, "hostField")->setText("192.0.2.10");
         control<QLineEdit>(window.view, "portField")->setText("50961");
         control<QLineEdit>(window.view, "passwordField")->setText("pw");
-        QWidget *focused = window.focus("playersView", focus);
+        QWidget *focused = window.focus("playersView", "hostField");
         QVERIFY(focused != nullptr);
         QTest::keyClick(focused, Qt::Key_Return, Qt::ControlModifier);
         QCOMPARE(window.sent().value(0), "dvardump");
         QCOMPARE(window.exchange.requests().first().host, "192.0.2.10");
-    }
-
-    void theKeyOfMessageActsInTheTable()
-    {
-        ShortcutWindow window;
-        const auto *panel = control<QDialog>(window.view, "playerSendMessagePanel");
-        QTest::keyClick(window.focus("playersView", "playerFilterField"), Qt::Key_M, Qt::ControlModifier);
-        QVERIFY(!panel->isVisible());
-        QTest::keyClick(window.focus("playersView", "playersTableView"), Qt::Key_M, Qt::ControlModifier);
-        QVERIFY(panel->isVisible());
     }
 
     void aKeyThatIsHeldDownActsOnce()
@@ -156,32 +134,6 @@ private slots:
         QCOMPARE(repeated, QStringList());
     }
 
-    void theMenusShowTheKeys_data()
-    {
-        QTest::addColumn<QString>("menu");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QKeySequence>("key");
-        QTest::newRow("kick") << "&Players"
-                              << "&Kick" << QKeySequence(Qt::CTRL | Qt::Key_K);
-        QTest::newRow("message") << "&Players"
-                                 << "&Message…" << QKeySequence(Qt::CTRL | Qt::Key_M);
-        QTest::newRow("players") << "&Players"
-                                 << "&Refresh" << QKeySequence(Qt::Key_F5);
-        QTest::newRow("maps") << "&Maps"
-                              << "&Refresh" << QKeySequence(Qt::Key_F5);
-        QTest::newRow("connect") << "&Server"
-                                 << "&Connect" << QKeySequence(Qt::CTRL | Qt::Key_Return);
-    }
-    void theMenusShowTheKeys()
-    {
-        QFETCH(QString, menu);
-        QFETCH(QString, text);
-        const ShortcutWindow window;
-        const QAction *action = window.entry(menu, text);
-        QVERIFY(action != nullptr);
-        QTEST(action->shortcut(), "key");
-    }
-
     void whatCannotBeDoneNowIsGreyAndItsKeyComesBack()
     {
         ShortcutWindow window;
@@ -193,11 +145,7 @@ private slots:
             control<QTabWidget>(window.view, "tabControlMain")->setCurrentWidget(control<QWidget>(window.view, page));
             QCOMPARE(open->isEnabled(), QString("mapsView messagesView").contains(page));
         }
-        control<QLineEdit>(window.view, "hostField")->setText("192.0.2.10");
-        control<QLineEdit>(window.view, "portField")->setText("50961");
-        control<QLineEdit>(window.view, "passwordField")->setText("pw");
-        QTest::keyClick(window.focus("playersView", "hostField"), Qt::Key_Return, Qt::ControlModifier);
-        QVERIFY(window.settle() && window.server.isConnected());
+        window.connectToServer();
         QTest::keyClick(window.focus("playersView", "playersTableView"), Qt::Key_D, Qt::ControlModifier);
         QVERIFY(!window.server.isConnected());
     }

@@ -67,13 +67,6 @@ private slots:
         control<QTableView>(window.view, "playersTableView")->sortByColumn(6, Qt::DescendingOrder);
         control<QTableView>(window.view, "savedServerTableView")->sortByColumn(2, Qt::DescendingOrder);
         window.view.close();
-        for (const char *part :
-             {"mainSplitter", "savedServerTableView", "playersTableView", "mapServerRotationTableView",
-              "mapRotationPreviewTableView", "messageRotationTableView", "configBuilderGeneralSettingsTable",
-              "configBuilderGametypeSettingsTable", "playlistsTableView", "exclusionsTableView", "settingsHalves",
-              "unrankedSettingsPair", "gametypePair", "unrankedOutlineView", "gametypeOutlineView",
-              "rankedSettingsPair", "rankedOutlineView"})
-            QVERIFY2(!window.preferences.value(QString("window/") + part).toByteArray().isEmpty(), part);
         const FormMainView again(window.workplace(), window.savedServers);
         QCOMPARE(again.geometry(), QRect(1200, 100, 1100, 777));
         QCOMPARE(control<QTableView>(again, "playersTableView")->horizontalHeader()->sortIndicatorSection(), 6);
