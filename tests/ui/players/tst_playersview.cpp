@@ -456,6 +456,23 @@ private slots:
         QVERIFY(!panel->isVisible());
     }
 
+    void aRefreshThatWaitsWhileThePasswordIsRefusedIsNotSent()
+    {
+        Players players;
+        control<QCheckBox>(players.view, "autoUpdatePlayers")->setChecked(true);
+        players.exchange.answerEverything(ScriptedExchange::failure("", RConResultInvalidPassword));
+        players.exchange.forgetSent();
+        players.exchange.hold();
+        players.select({"Ann"});
+        players.press("kickPlayerButton");
+        QTRY_COMPARE(players.exchange.keptCount(), 1);
+        emit players.view.findChild<QTimer *>("autoupdatePlayerTimer")->timeout({});
+        players.exchange.release();
+        QVERIFY(players.settle());
+        QCOMPARE(players.server.link().kind(), Link::Kind::Refused);
+        QCOMPARE(players.exchange.sent().size(), 1);
+    }
+
     void rowsComeWithTheirDatagrams()
     {
         Players players;
