@@ -24,6 +24,19 @@ private slots:
         QCOMPARE(dvarNames.size(), loaded.maps.arrangedMaps().size());
     }
 
+    /// Lists and pop-ups show them in the order of the file.
+    void gametypesAreFoundByTheirNames()
+    {
+        LoadedCatalogues loaded(FERROW_RESOURCES);
+        QVERIFY(hasEnded(loaded.gametypes.loadGametypeList()));
+        QStringList names;
+        for (const auto &gametype : loaded.gametypes.listedGametypes())
+            names.append(gametype->name());
+        QStringList sorted = names;
+        sorted.sort();
+        QCOMPARE(names, sorted);
+    }
+
     void formerNamesLeadToPresentOnes()
     {
         LoadedCatalogues loaded(FERROW_RESOURCES);

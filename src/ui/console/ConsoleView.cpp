@@ -34,8 +34,6 @@ ConsoleView::ConsoleView(KelServer &server, ActionQueue &actions, QWidget *paren
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(consoleOutput, 1);
     layout->addLayout(row);
-    setTabOrder(consoleInput, numericUpDownCommandCursor);
-    setTabOrder(numericUpDownCommandCursor, consoleOutput);
     setFocusProxy(consoleInput);
 
     connect(consoleInput, &QLineEdit::returnPressed, this, &ConsoleView::consoleInputDidChange);

@@ -96,7 +96,7 @@ void ServersView::setUpControls()
 {
     savedPasswordField->setToolTip(tr("The password of the selected server; an edit is saved."));
     hostField->setPlaceholderText(QStringLiteral("192.0.2.10"));
-    hostField->setToolTip(tr("The server's IPv4 address, four numbers with dots between them"));
+    hostField->setToolTip(tr("The server's name or IPv4 address; its port may follow after a colon"));
     portField->setPlaceholderText(QStringLiteral("50960"));
     passwordField->setToolTip(tr("The remote-console password. It travels to the server unencrypted."));
     hostwellButton->setFlat(true);

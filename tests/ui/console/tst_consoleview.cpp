@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QVBoxLayout>
 
 struct TypingFixture : SessionFixture {
     TypingFixture()
@@ -52,6 +53,36 @@ private slots:
         QTest::keyClick(console.input, Qt::Key_Down);
         QVERIFY(console.input->text().isEmpty());
         QCOMPARE(console.exchange.sent().size(), 3); // stepping sends nothing
+    }
+
+    void theTabKeyLeavesThePage_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<QString>("way");
+        QTest::newRow("forwards") << int(Qt::Key_Tab) << "numericUpDownCommandCursor elsewhere consoleInput";
+        QTest::newRow("backwards") << int(Qt::Key_Backtab) << "consoleOutput elsewhere numericUpDownCommandCursor";
+    }
+    void theTabKeyLeavesThePage()
+    {
+        QFETCH(int, key);
+        QFETCH(QString, way);
+        TypingFixture console;
+        QWidget window;
+        auto *view = new ConsoleView(console.server, console.actions, &window);
+        auto *elsewhere = new QLineEdit(&window);
+        elsewhere->setObjectName("elsewhere");
+        auto *layout = new QVBoxLayout(&window);
+        layout->addWidget(view);
+        layout->addWidget(elsewhere);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        view->setFocus();
+        QStringList seen;
+        for (int i = 0; i < 3; ++i) {
+            QTest::keyClick(window.focusWidget(), Qt::Key(key));
+            seen.append(window.focusWidget()->objectName());
+        }
+        QCOMPARE(seen.join(' '), way);
     }
 
     void connectingClearsTranscriptAndHistory()

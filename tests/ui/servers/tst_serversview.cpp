@@ -110,6 +110,13 @@ private slots:
         QVERIFY(!save.isEnabled() && !connectButton.isEnabled());
     }
 
+    void tellsThatTheHostMayBeAName()
+    {
+        const Servers servers;
+        const QString told = servers.field("hostField").toolTip();
+        QVERIFY2(told.contains("name") && told.contains("IPv4 address"), qPrintable(told));
+    }
+
     void understandsWhatIsTyped_data()
     {
         QTest::addColumn<QString>("host");
