@@ -90,9 +90,10 @@ static void measureMessages(Desk &desk, const NotingServer &server)
     };
     QObject::connect(&messages, &KelMessageRotation::entryOnAirChanged, &desk, noteMessage);
     messages.startRotation();
-    mustReach("the last message", [&late] { return late.size() == 20; });
+    mustReach("the last message", [&late] { return late.size() >= 20; });
     QObject::disconnect(&messages, nullptr, &desk, nullptr);
     messages.stopRotation();
+    messages.deleteAllItems(); // or leaving would ask about them
     print("message_late_ms", late);
 }
 

@@ -32,9 +32,15 @@ void Journey::kickAPlayer()
 {
     auto &table = *control<QAbstractItemView>(window(), "playersTableView");
     Hands::click(table, table.model()->index(1, 0));
-    const QString command = QStringLiteral("clientkick ") + shownRow(table, 1).first();
+    const QStringList kicked = shownRow(table, 1);
     Hands::click(window(), "kickPlayerButton");
-    reach("the kick reaches the server", [&] { return m_server->commandsSeen().contains(command); });
+    settle();
+    expect(m_server->commandsSeen().contains("clientkick " + kicked.first()), "the kick reaches the server");
+    Hands::click(window(), "refreshPlayersButton");
+    const auto isGone = [&] {
+        return table.model()->match(table.model()->index(0, 3), Qt::DisplayRole, kicked.at(3)).isEmpty();
+    };
+    reach("the kicked player is gone from the list", isGone);
     settle();
     takePicture("kicked");
 }

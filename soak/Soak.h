@@ -49,7 +49,6 @@ private:
     // SoakRows.cpp
     void lookAtTraffic();
     void lookAtTabs();
-    void lookAtWrites(const QList<RecordedExchange> &exchanges);
     void lookAtRows();
     QString difference(const char *what, const QStringList &shown, const QStringList &expected);
     QString playersFault();

@@ -48,14 +48,9 @@ void Soak::lookAtTraffic()
     exchanges.removeIf([this](const RecordedExchange &exchange) { return exchange.port != m_options.port; });
     m_exchanges += exchanges.size();
     reportIf(trafficFault(exchanges, m_server->takeCommands()));
-    lookAtWrites(exchanges);
-}
-
-/// Variables whose latest write since the latest connect was answered are held as the server has them.
-void Soak::lookAtWrites(const QList<RecordedExchange> &exchanges)
-{
     if (!isAtServer())
         return;
+    // Variables whose latest write since the latest connect was answered are held as the server has them.
     QHash<QString, bool> isWritten;
     for (const RecordedExchange &exchange : exchanges) {
         const QStringList words = exchange.command.split(u' ');
