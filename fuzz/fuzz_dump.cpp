@@ -14,7 +14,7 @@ static void checkDvars(const KelServer &server, const QString &dump)
         const bool isWord = !name.isEmpty() && !name.contains(u' ') && !name.contains(u'"') && !name.contains(u'\n');
         require(isWord, "a variable's name is a word");
         other.addDvarLine(QStringLiteral("  %1 \"%2\"").arg(name, each.value()));
-        if (!each.value().isEmpty() && !each.value().contains(u'"'))
+        if (!each.value().isEmpty() && !each.value().contains(u'"') && !each.value().contains(u'\n'))
             require(other.dvarList().value(name) == each.value(), "a variable is read again from a line of a dump");
     }
 }

@@ -53,7 +53,6 @@ void Hand::act(QWidget &window)
     for (const Deed &deed : deeds)
         weights.append(deed.weight);
     std::discrete_distribution<qsizetype> chance(weights.begin(), weights.end());
-    ++m_deeds;
     deeds.at(chance(m_random)).perform();
 }
 

@@ -28,7 +28,6 @@ public:
     /// Types the address of the server into the form and connects.
     void connectToServer(QWidget &window);
     int below(int limit) { return static_cast<int>(m_random() % static_cast<quint64>(limit)); }
-    int deeds() const { return m_deeds; }
 
 private:
     struct Deed {
@@ -51,5 +50,4 @@ private:
     const quint16 m_port;
     QDir m_folder;
     std::mt19937_64 m_random;
-    int m_deeds = 0;
 };
