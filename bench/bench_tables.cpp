@@ -12,10 +12,8 @@
 #include "SettingsOutlineModel.h"
 #include "TranscriptView.h"
 #include "UnknownDvars.h"
-#include "Wait.h"
 
 #include <QApplication>
-#include <QFile>
 #include <QScrollBar>
 #include <QTemporaryDir>
 
@@ -23,14 +21,6 @@
 
 #include <algorithm>
 #include <chrono>
-
-static QString dumpOf(int lines)
-{
-    QString text;
-    for (int i = 0; i < lines; ++i)
-        text += QStringLiteral("S  rule_variable_number_%1 \"value %2\"\n").arg(i).arg(i * 7);
-    return text;
-}
 
 static QString teamstatusOf(int players, int round)
 {
@@ -45,21 +35,6 @@ static QString teamstatusOf(int players, int round)
                     .arg(50000 + i);
     return text;
 }
-
-static void parseDump(benchmark::State &state)
-{
-    ScriptedExchange exchange;
-    RecordedAlerts alerts;
-    KelServer server(exchange, alerts);
-    const QString dump = dumpOf(static_cast<int>(state.range(0)));
-    for (auto run : state) {
-        for (const QStringView line : QStringView(dump).split(QLatin1Char('\n'), Qt::SkipEmptyParts))
-            server.addDvarLine(line);
-    }
-    if (server.dvarList().size() != state.range(0))
-        state.SkipWithError("lines are missing");
-}
-BENCHMARK(parseDump)->Arg(20000)->Unit(benchmark::kMillisecond);
 
 /// A reply is parsed and merged into a table that is shown, sorted by a column whose values change; with the painting.
 static void refreshPlayers(benchmark::State &state)
@@ -82,18 +57,6 @@ static void refreshPlayers(benchmark::State &state)
     }
 }
 BENCHMARK(refreshPlayers)->Args({1000, 0})->Args({1000, 5})->Unit(benchmark::kMillisecond);
-
-static void firstPlayers(benchmark::State &state)
-{
-    const QString reply = teamstatusOf(static_cast<int>(state.range(0)), 0);
-    for (auto run : state) {
-        ArrayController<PlayerRow> players(playerTableColumns(), playerKey);
-        players.arranged()->sort(5, Qt::DescendingOrder);
-        players.mergeContent(parsePlayerList(reply).players);
-        benchmark::DoNotOptimize(players.arranged()->rowCount());
-    }
-}
-BENCHMARK(firstPlayers)->Arg(1000)->Unit(benchmark::kMillisecond);
 
 /// One more line for a transcript that holds many already, followed to its end and painted.
 static void appendToTranscript(benchmark::State &state)
@@ -129,22 +92,16 @@ static QByteArray catalogue()
     return text + "</SettingInst></settings>";
 }
 
-/// A session that knows the variables, and the catalogue loaded from a file.
-struct Loaded {
-    Loaded()
+/// The settings shown in a view, with the variables that a session knows.
+struct ShownSettings {
+    ShownSettings()
     {
-        QFile file(folder.filePath("FerrowRcon.default.gameSettingsUnranked"));
-        if (!file.open(QIODevice::WriteOnly) || file.write(catalogue()) <= 0)
-            qFatal("the catalogue cannot be written");
-        file.close();
         for (int i = 0; i < settingCount; ++i)
             server.addDvarLine(QStringLiteral("rule_number_%1 \"%2\"").arg(i).arg(i % 2));
-    }
-
-    void load()
-    {
-        if (awaited(settings.loadSettings()) != CatalogueState::Ready)
-            qFatal("the catalogue is not loaded");
+        settings.takeDocument(XmlDocument::parse(catalogue()).value());
+        model.setCategories(settings.selectedSettings());
+        view.resize(760, 400);
+        view.show();
     }
 
     QTemporaryDir folder;
@@ -155,29 +112,7 @@ struct Loaded {
     Preferences preferences{folder.filePath("preferences.ini")};
     UnknownDvars unknownDvars{preferences};
     DvarFetcher fetcher{server, actions, unknownDvars};
-    CatalogueReader reader{{folder.path(), folder.path()}, alerts, [] {
-                           }};
-    KelSettings settings{server, reader};
-};
-
-static void loadCatalogue(benchmark::State &state)
-{
-    Loaded loaded;
-    for (auto run : state)
-        loaded.load();
-}
-BENCHMARK(loadCatalogue)->Unit(benchmark::kMillisecond);
-
-/// The settings shown in a view.
-struct ShownSettings : Loaded {
-    ShownSettings()
-    {
-        load();
-        model.setCategories(settings.selectedSettings());
-        view.resize(760, 400);
-        view.show();
-    }
-
+    KelSettings settings{server, CatalogueReader({}, alerts, {})};
     SettingsOutlineModel model{server, fetcher};
     DvarSettingOutlineView view{model};
 };
@@ -215,6 +150,5 @@ int main(int argc, char **argv)
     QApplication application(argc, argv);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
     return 0;
 }

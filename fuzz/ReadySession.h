@@ -1,13 +1,12 @@
 #pragma once
 
-#include "Alerts.h"
 #include "Exchange.h"
 #include "KelServer.h"
+#include "RecordedAlerts.h"
 
 #include <utility>
 
-/// A session without a line: an exchange that gives its replies one after another and then nothing, without a wait, and
-/// alerts that are only counted.
+/// A session without a line: an exchange that gives its replies one after another and then nothing, without a wait.
 struct ReadySession {
     class Line final : public Exchange
     {
@@ -24,19 +23,11 @@ struct ReadySession {
         QStringList m_replies;
         qsizetype m_next = 0;
     };
-    struct QuietAlerts final : Alerts {
-        QCoro::Task<int> run(QString, QString, QStringList, AlertManner) override
-        {
-            ++count;
-            co_return 0;
-        }
-        int count = 0;
-    };
 
     explicit ReadySession(const QStringList &replies = {}) : line(replies) {}
 
     Line line;
-    QuietAlerts alerts;
+    RecordedAlerts alerts;
     KelServer server{line, alerts};
 };
 

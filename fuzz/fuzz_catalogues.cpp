@@ -5,8 +5,6 @@
 #include "DvarSettingCategory.h"
 #include "DvarSettingList.h"
 
-#include <QSet>
-
 static void checkList(const DvarSettingList &list)
 {
     const QList<std::shared_ptr<DvarSetting>> settings = list.settings();
@@ -26,17 +24,15 @@ static void checkList(const DvarSettingList &list)
 
 static void checkGametypes(const KelGametype &gametypes)
 {
-    QSet<QString> names;
     for (const std::shared_ptr<DvarSettingList> &gametype : gametypes.listedGametypes()) {
         checkList(*gametype);
-        names.insert(gametype->name());
         require(gametypes.findGametypeByName(gametype->name()) == gametype, "a listed gametype is found by its name");
         const std::shared_ptr<DvarSettingList> found =
             gametypes.findGametypeByName(gametypes.findGametypeByDvar(gametype->dvarName()));
         require(gametype->dvarName().isNull() || (found && found->dvarName() == gametype->dvarName()),
                 "a gametype is found by its short name");
     }
-    require(names.size() == gametypes.gametypeList().size(), "a name is listed once");
+    require(gametypes.listedGametypes().size() == gametypes.gametypeList().size(), "a name is listed once");
 }
 
 static void checkSettings(const KelSettings &settings)

@@ -1,12 +1,10 @@
 #include "Fuzzing.h"
 #include "ReadySession.h"
 
-#include "ConfigurationComparison.h"
+#include "ConfigurationFile.h"
 #include "ConfigurationText.h"
 #include "DvarSetting.h"
 #include "DvarSettingList.h"
-#include "GameText.h"
-#include "Secrets.h"
 
 #include <QSet>
 #include <QStringConverter>
@@ -32,26 +30,6 @@ static void checkEntries(const Entries &entries)
         names.insert(entry.dvar);
     }
     require(names.size() == entries.size(), "a variable is set once");
-}
-
-static void checkComparison(const Entries &entries, const QHash<QString, QString> &dvars)
-{
-    using State = ConfigurationComparison::State;
-    const ConfigurationComparison same(entries, dvars, entries);
-    require(same.changes().isEmpty() && same.count(State::Same) == entries.size(),
-            "a file does not differ from itself");
-
-    const Entries half = entries.mid(0, entries.size() / 2);
-    const ConfigurationComparison more(entries, {}, {});
-    const ConfigurationComparison less(half, dvars, entries);
-    require(more.changes() == entries, "what is not reported would be changed");
-    require(less.count(State::OnlyOnServer) == entries.size() - half.size(), "what the file lacks is told");
-    for (const ConfigurationComparison::Row &row : more.rows() + less.rows() + same.rows()) {
-        const bool isSecret = row.dvar.contains(QLatin1String("password"), Qt::CaseInsensitive);
-        const bool isHidden = (row.valueNow.isEmpty() || row.valueNow == "(hidden)") &&
-                              (row.valueInFile.isEmpty() || row.valueInFile == "(hidden)");
-        require(!isSecret || isHidden, "no password is shown");
-    }
 }
 
 /// Whether a line of a file can hold it.
@@ -94,9 +72,5 @@ static void fuzz(const QByteArray &bytes)
     QHash<QString, QString> dvars;
     for (const ConfigurationEntry &entry : entries)
         dvars.insert(entry.dvar, entry.value);
-    QHash<QString, QString> loaded; // what a server holds that the file has been sent to
-    for (const ConfigurationEntry &entry : entries)
-        loaded.insert(entry.dvar, holdsPassword(entry.dvar) ? entry.value : GameText::of(entry.value).text());
-    checkComparison(entries, loaded);
     checkWriting(entries, dvars);
 }

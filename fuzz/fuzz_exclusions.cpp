@@ -37,7 +37,7 @@ static void fuzz(const QByteArray &bytes)
                             "playlist"};
     for (qsizetype i = 0; i < dvars.size(); ++i) {
         QString &value = replies[i];
-        value.remove(u'"');
+        value.remove(u'"').remove(u'\n'); // which end a value, and a line
         if (value.isEmpty())
             value = " ";
         session.server.addDvarLine(QStringLiteral("%1 \"%2\"").arg(dvars.at(i), value));

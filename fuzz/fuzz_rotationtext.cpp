@@ -9,11 +9,6 @@ static QString itself(const QString &name)
     return name;
 }
 
-static QString unknown(const QString &)
-{
-    return {};
-}
-
 /// A name that the text of a rotation cannot mistake for something else.
 static bool isPlain(const QString &name)
 {
@@ -29,11 +24,6 @@ static void checkBuilding(const QList<RotationRow> &rows)
     });
     if (arePlain)
         require(parseRotation(built.text, "crews", itself, itself) == rows, "a rotation is read again");
-
-    BuiltRotation none = buildRotation(rows, unknown, unknown);
-    require(none.isComplete() == rows.isEmpty() && none.text.isEmpty(), "unknown names are told");
-    require(none.unknownMaps.removeDuplicates() == 0 && none.unknownGametypes.removeDuplicates() == 0,
-            "an unknown name is told once");
 }
 
 /// A reply to "sv_mapRotation", or the rotation itself.

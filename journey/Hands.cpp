@@ -6,6 +6,7 @@
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QPointer>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTest>
@@ -31,6 +32,12 @@ void Hands::click(QAbstractItemView &view, const QModelIndex &cell, Qt::Keyboard
     QTest::mouseClick(view.viewport(), Qt::LeftButton, modifiers, shownPlace(view, cell));
 }
 
+void Hands::click(const QWidget &root, const char *view, const QString &text, Qt::KeyboardModifiers modifiers)
+{
+    auto &found = *control<QAbstractItemView>(root, view);
+    click(found, find(found, text), modifiers);
+}
+
 void Hands::doubleClick(QAbstractItemView &view, const QModelIndex &cell)
 {
     click(view, cell);
@@ -54,6 +61,27 @@ void Hands::type(QLineEdit *field, const QString &text)
 void Hands::type(const QWidget &root, const char *field, const QString &text)
 {
     type(control<QLineEdit>(root, field), text);
+}
+
+void Hands::fillForm(const QWidget &root, const QString &label, quint16 port)
+{
+    type(root, "labelField", label);
+    type(root, "hostField", "127.0.0.1");
+    type(root, "portField", QString::number(port));
+    type(root, "passwordField", "demo");
+}
+
+void Hands::enter(QLineEdit *field, const QString &text)
+{
+    const QPointer<QLineEdit> typed(field);
+    type(field, text);
+    if (typed != nullptr)
+        QTest::keyClick(field, Qt::Key_Return);
+}
+
+void Hands::chooseFile(const QWidget &panel, const QString &path)
+{
+    enter(control<QLineEdit>(panel, "fileNameEdit"), path);
 }
 
 void Hands::choose(QComboBox *popup, const QString &title)

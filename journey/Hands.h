@@ -18,11 +18,20 @@ void click(QWidget *widget);
 void click(const QWidget &root, const char *button);
 /// Clicks on a cell; brings it into view first.
 void click(QAbstractItemView &view, const QModelIndex &cell, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+/// The same on the cell of the first column that shows `text`.
+void click(const QWidget &root, const char *view, const QString &text,
+           Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 void doubleClick(QAbstractItemView &view, const QModelIndex &cell);
 void showTab(QTabWidget &tabs, QWidget *page);
 /// Types over what stands in the field.
 void type(QLineEdit *field, const QString &text);
 void type(const QWidget &root, const char *field, const QString &text);
+/// Types a server on this computer, with the password "demo", into the form.
+void fillForm(const QWidget &root, const QString &label, quint16 port);
+/// Types it and presses Return.
+void enter(QLineEdit *field, const QString &text);
+/// In a file panel that is open.
+void chooseFile(const QWidget &panel, const QString &path);
 /// Goes with the arrow keys to the item with this title.
 void choose(QComboBox *popup, const QString &title);
 void choose(const QWidget &root, const char *popup, const QString &title);

@@ -4,6 +4,7 @@
 #include "Controls.h"
 #include "FormMainView.h"
 #include "Hands.h"
+#include "LocalServer.h"
 
 #include <QApplication>
 #include <QDir>
@@ -19,44 +20,25 @@
 
 static constexpr int patience = 60000; // milliseconds; a slow machine under a sanitizer included
 
-static DemoOptions withPlaylists()
-{
-    DemoOptions options;
-    options.playlists = true;
-    return options;
-}
-
 Journey::Journey(AppDelegate &application, const QString &pictures)
-    : m_application(application), m_server(DemoOptions{}), m_playlistServer(withPlaylists()), m_folder(pictures)
+    : m_application(application), m_server(startedServer({})), m_playlistServer(startedServer({.playlists = true})),
+      m_folder(pictures)
 {
 }
 
 bool Journey::perform()
 {
-    return take({&Journey::openTheWindow,       &Journey::saveAServer,
-                 &Journey::connectFromTheList,  &Journey::kickAPlayer,
-                 &Journey::messageAPlayer,      &Journey::loadAMap,
-                 &Journey::buildARotation,      &Journey::dragARow,
-                 &Journey::saveTheRotation,     &Journey::setTheRotation,
-                 &Journey::copyTheRotationBack, &Journey::addMessages,
-                 &Journey::playMessages,        &Journey::sendAQuickMessage,
-                 &Journey::saveAConfiguration,  &Journey::changeSettings,
-                 &Journey::compareAndLoad,      &Journey::useTheConsole,
-                 &Journey::disconnect,          &Journey::connectByTheForm,
-                 &Journey::startAPlaylist,      &Journey::excludeAMap,
-                 &Journey::disconnect});
-}
-
-bool Journey::performDragging()
-{
-    return take({&Journey::openTheWindow, &Journey::saveAServer, &Journey::connectFromTheList, &Journey::loadAMap,
-                 &Journey::buildARotation, &Journey::dragARow});
-}
-
-bool Journey::take(const QList<Step> &steps)
-{
+    const auto steps = {
+        &Journey::openTheWindow,      &Journey::saveAServer,     &Journey::connectFromTheList,
+        &Journey::kickAPlayer,        &Journey::messageAPlayer,  &Journey::loadAMap,
+        &Journey::buildARotation,     &Journey::saveTheRotation, &Journey::setTheRotation,
+        &Journey::addMessages,        &Journey::playMessages,    &Journey::sendAQuickMessage,
+        &Journey::saveAConfiguration, &Journey::changeSettings,  &Journey::compareAndLoad,
+        &Journey::useTheConsole,      &Journey::disconnect,      &Journey::connectByTheForm,
+        &Journey::startAPlaylist,     &Journey::excludeAMap,     &Journey::disconnect,
+    };
     try {
-        for (const Step step : steps)
+        for (const auto step : steps)
             (this->*step)();
     } catch (const Failure &failure) {
         m_failure = failure.what;
@@ -68,7 +50,6 @@ bool Journey::take(const QList<Step> &steps)
 void Journey::openTheWindow()
 {
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs); // another program's could not be typed into
-    expect(m_files.isValid() && m_server.start() && m_playlistServer.start(), "the demo servers start");
     window().show();
     expect(QTest::qWaitForWindowExposed(&window(), patience), "the window opens");
     takePicture("welcome");
@@ -91,17 +72,9 @@ QWidget &Journey::showTab(const char *pageName)
     return shown;
 }
 
-QString Journey::status() const
+QString Journey::text(const char *label) const
 {
-    return control<QLabel>(window(), "toolStripStatusLabelMain")->text();
-}
-
-QDialog *Journey::sheet(const QString &name) const
-{
-    // One that has just been closed may still be there, and one of another page closed beside it.
-    const QList<QDialog *> sheets = window().findChildren<QDialog *>(name);
-    const auto open = std::find_if(sheets.begin(), sheets.end(), [](const QDialog *each) { return each->isVisible(); });
-    return open == sheets.end() ? nullptr : *open;
+    return control<QLabel>(window(), label)->text();
 }
 
 QString Journey::transcript() const
@@ -109,43 +82,47 @@ QString Journey::transcript() const
     return control<QPlainTextEdit>(window(), "consoleOutput")->toPlainText();
 }
 
-void Journey::answerAlert()
+void Journey::expect(bool isTrue, const QString &what)
 {
-    auto *alert = window().findChild<QMessageBox *>("alert");
-    if (alert == nullptr || !alert->isVisible() || alert->defaultButton() == nullptr)
-        return;
-    if (!m_alerts.contains(alert->text()))
-        takePicture("alert");
-    m_alerts.append(alert->text());
-    Hands::click(alert->defaultButton());
+    if (!isTrue)
+        throw Failure{what};
 }
 
-bool Journey::waitUntil(const std::function<bool()> &isReached)
+void Journey::reach(const QString &what, const std::function<bool()> &isReached)
 {
     const auto look = [&] {
         answerAlert();
         return isReached();
     };
-    return QTest::qWaitFor(look, patience);
+    expect(QTest::qWaitFor(look, patience), what);
 }
 
-bool Journey::waitUntilIdle()
+void Journey::settle()
 {
-    return waitUntil([this] { return m_application.actions().isIdle(); });
+    reach("what was begun comes to its end", [this] { return m_application.actions().isIdle(); });
 }
 
-QDialog &Journey::waitForSheet(const QString &name)
+QDialog &Journey::reachSheet(const QString &name)
 {
-    QDialog *opened = sheet(name);
-    const bool isShown = opened != nullptr && QTest::qWaitForWindowExposed(opened, patience);
-    expect(isShown, QStringLiteral("a sheet opens: ") + name);
-    return *opened;
+    // One that has just been closed may still be there, and one of another page closed beside it.
+    QDialog *open = nullptr;
+    reach(QStringLiteral("a sheet opens: ") + name, [&] {
+        const QList<QDialog *> sheets = window().findChildren<QDialog *>(name);
+        const auto shown = std::find_if(sheets.begin(), sheets.end(), [](auto *sheet) { return sheet->isVisible(); });
+        open = shown == sheets.end() ? nullptr : *shown;
+        return open != nullptr && QTest::qWaitForWindowExposed(open, patience);
+    });
+    return *open;
 }
 
-void Journey::expect(bool isTrue, const QString &what)
+void Journey::answerAlert()
 {
-    if (!isTrue)
-        throw Failure{what};
+    const auto *alert = window().findChild<QMessageBox *>("alert");
+    if (alert == nullptr || !alert->isVisible() || alert->defaultButton() == nullptr)
+        return;
+    takePicture("alert");
+    ++m_alerts;
+    Hands::click(alert->defaultButton());
 }
 
 void Journey::takePicture(const QString &name)

@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 
 #include <functional>
+#include <memory>
 
 class AppDelegate;
 class QDialog;
@@ -22,40 +23,38 @@ public:
 
     /// @return whether every step led where it should; otherwise failure() tells which did not.
     bool perform();
-    /// Only what leads to a row that is dragged, and that. With the X server's pointer alone.
-    bool performDragging();
 
     QString failure() const { return m_failure; }
     QStringList picturePaths() const { return m_paths; }
 
 private:
-    using Step = void (Journey::*)();
     /// Ends the journey where a step did not lead where it should. It never passes the event loop.
     struct Failure {
         QString what;
     };
-    bool take(const QList<Step> &steps);
 
     void openTheWindow();
+
+    // JourneyServer.cpp
     void saveAServer();
     void connectFromTheList();
     void kickAPlayer();
     void messageAPlayer();
-    void loadAMap();
-    void buildARotation();
-    void dragARow();
-    void saveTheRotation();
-    void setTheRotation();
-    void copyTheRotationBack();
-    void addMessages();
-    void playMessages();
-    void sendAQuickMessage();
     void saveAConfiguration();
     void changeSettings();
     void compareAndLoad();
     void useTheConsole();
     void disconnect();
     void connectByTheForm();
+
+    // JourneyGame.cpp
+    void loadAMap();
+    void buildARotation();
+    void saveTheRotation();
+    void setTheRotation();
+    void addMessages();
+    void playMessages();
+    void sendAQuickMessage();
     void startAPlaylist();
     void excludeAMap();
 
@@ -63,30 +62,28 @@ private:
     /// What stands behind a tab, by its object name, in front or not.
     QWidget &page(const char *name) const;
     QWidget &showTab(const char *pageName);
-    QString status() const;
-    /// The sheet of this object name that is open; null when none is.
-    QDialog *sheet(const QString &name) const;
-    /// Waits as a person does: reads an alert that comes up, and presses its default button.
-    bool waitUntil(const std::function<bool()> &isReached);
-    bool waitUntilIdle();
-    /// @return the sheet of this object name once it can be seen; that none opens is a failure.
-    QDialog &waitForSheet(const QString &name);
-    void expect(bool isTrue, const QString &what);
-    void takePicture(const QString &name);
-    void answerAlert();
-    void addPair(const QDialog &picker, const QString &map, const QString &gametype);
-    void addMessage(const QDialog &adding, const QString &message);
-    void editSetting(const QString &name, const QString &value);
-    void chooseFile(const QString &panelName, const QString &path);
-    QString configurationPath() const { return m_files.filePath("friday-night.cfg"); }
+    QString text(const char *label) const;
     QString transcript() const;
+
+    void expect(bool isTrue, const QString &what);
+    /// Waits as a person does: reads an alert that comes up, and presses its default button.
+    void reach(const QString &what, const std::function<bool()> &isReached);
+    /// Waits until nothing is under way.
+    void settle();
+    /// @return the sheet of this object name once it can be seen.
+    QDialog &reachSheet(const QString &name);
+    void answerAlert();
+    void takePicture(const QString &name);
+
+    void editSetting(const QString &name, const QString &value);
+    QString configurationPath() const { return m_files.filePath("friday-night.cfg"); }
 
     AppDelegate &m_application;
     QTemporaryDir m_files;
-    DemoServer m_server;
-    DemoServer m_playlistServer;
+    std::unique_ptr<DemoServer> m_server;
+    std::unique_ptr<DemoServer> m_playlistServer;
     QString m_folder;
     QString m_failure;
     QStringList m_paths;
-    QStringList m_alerts; ///< the titles of those that were answered
+    int m_alerts = 0; ///< that were answered
 };

@@ -1,7 +1,6 @@
 #include "AppDelegate.h"
 #include "Appearance.h"
 #include "CommandLine.h"
-#include "FormMainView.h"
 #include "Journey.h"
 
 #include <QApplication>
@@ -11,14 +10,14 @@
 #include <cstdio>
 
 /// Performs the journey once in light and once in dark, and prints the paths of the pictures.
-/// usage: ferrow-journey FOLDER [WIDTHxHEIGHT]
+/// usage: ferrow-journey FOLDER
 int main(int argc, char **argv)
 {
     QApplication application(argc, argv);
     QApplication::setApplicationVersion(CommandLine::version());
     const QStringList arguments = QApplication::arguments();
-    if (arguments.size() < 2) {
-        std::fprintf(stderr, "usage: ferrow-journey FOLDER [WIDTHxHEIGHT]\n");
+    if (arguments.size() != 2) {
+        std::fprintf(stderr, "usage: ferrow-journey FOLDER\n");
         return 2;
     }
     const QTemporaryDir settings;
@@ -30,9 +29,6 @@ int main(int argc, char **argv)
         }
         AppDelegate delegate({settings.filePath(appearance + ".ini"), {}, settings.filePath(appearance)});
         Appearance::apply(appearance);
-        if (arguments.size() > 2)
-            delegate.window().resize(arguments.at(2).section(QLatin1Char('x'), 0, 0).toInt(),
-                                     arguments.at(2).section(QLatin1Char('x'), 1).toInt());
         Journey journey(delegate, folder);
         const bool isGood = journey.perform();
         for (const QString &path : journey.picturePaths())

@@ -54,15 +54,15 @@ Gauge Gauge::read(const QObject &window, double seconds)
     const struct mallinfo2 heap = ::mallinfo2();
     QFile file("/proc/self/statm");
     const bool isOpen = file.open(QIODevice::ReadOnly);
-    Gauge gauge;
-    gauge.seconds = seconds;
-    gauge.residentKiB = isOpen ? file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE) / 1024 : 0;
+    const qint64 pages = isOpen ? file.readAll().split(' ').value(1).toLongLong() : 0;
     file.close();
-    gauge.heapKiB = static_cast<qint64>((heap.uordblks + heap.hblkhd) / 1024);
-    gauge.threads = entriesOf("/proc/self/task");
-    gauge.handles = entriesOf("/proc/self/fd") - gauge.threads;
-    gauge.objects = window.findChildren<QObject *>().size();
-    return gauge;
+    const qint64 threads = entriesOf("/proc/self/task");
+    return {.seconds = seconds,
+            .residentKiB = pages * ::sysconf(_SC_PAGESIZE) / 1024,
+            .heapKiB = static_cast<qint64>((heap.uordblks + heap.hblkhd) / 1024),
+            .handles = entriesOf("/proc/self/fd") - threads,
+            .threads = threads,
+            .objects = window.findChildren<QObject *>().size()};
 }
 
 QString Gauge::text() const
@@ -73,24 +73,24 @@ QString Gauge::text() const
     return text.chopped(1);
 }
 
-QStringList growth(const QList<Gauge> &gauges, QStringList *faults)
+QStringList growth(const QList<Gauge> &gauges)
 {
-    if (gauges.size() < 2) {
-        faults->append("it was too short to tell of growth");
-        return {};
-    }
+    if (gauges.size() < 2)
+        return {"it was too short to tell of growth"};
     const qsizetype window = std::clamp<qsizetype>(gauges.size() / 2, 1, 3);
     const bool wasAllShown = gauges.last().seconds >= secondsUntilAllWasShown;
-    QStringList table;
+    QStringList faults;
     for (const Figure &figure : figures) {
-        const QLatin1String name(figure.name);
         const qint64 first = median(gauges.first(window), figure.value);
         const qint64 last = median(gauges.last(window), figure.value);
         const auto allowed = first + static_cast<qint64>(static_cast<double>(first) * figure.share) + figure.surplus;
-        table.append(QStringLiteral("%1: first %2, last %3, allowed %4").arg(name).arg(first).arg(last).arg(allowed));
         const bool isNeverKept = figure.value == &Gauge::handles || figure.value == &Gauge::threads;
         if (last > allowed && (wasAllShown || isNeverKept))
-            faults->append(QStringLiteral("%1 grow from %2 to %3").arg(name).arg(first).arg(last));
+            faults.append(QStringLiteral("%1 grow from %2 to %3, beyond %4")
+                              .arg(QLatin1String(figure.name))
+                              .arg(first)
+                              .arg(last)
+                              .arg(allowed));
     }
-    return table;
+    return faults;
 }

@@ -18,11 +18,8 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPlainTextEdit>
-#include <QPointer>
 #include <QTabBar>
 #include <QTest>
-
-#include <numeric>
 
 static constexpr int usualWeight = 10;
 
@@ -52,19 +49,17 @@ void Hand::act(QWidget &window)
 {
     QWidget *front = menuOrSheet();
     const QList<Deed> deeds = deedsIn(front == nullptr ? window : *front);
-    int place = below(
-        std::accumulate(deeds.begin(), deeds.end(), 0, [](int sum, const Deed &deed) { return sum + deed.weight; }));
-    auto deed = deeds.begin();
-    for (; place >= deed->weight; ++deed)
-        place -= deed->weight;
-    ++m_deeds[deed->name];
-    deed->perform();
+    QList<int> weights;
+    for (const Deed &deed : deeds)
+        weights.append(deed.weight);
+    std::discrete_distribution<qsizetype> chance(weights.begin(), weights.end());
+    deeds.at(chance(m_random)).perform();
 }
 
 QList<Hand::Deed> Hand::deedsIn(QWidget &front)
 {
     if (auto *panel = qobject_cast<QFileDialog *>(&front))
-        return {{"chooses a file", 1, [this, panel] {
+        return {{1, [this, panel] {
                      chooseFile(*panel);
                  }}};
     QList<Deed> deeds;
@@ -76,17 +71,14 @@ QList<Hand::Deed> Hand::deedsIn(QWidget &front)
         if (control->isVisible() && control->isEnabled() && control->window() == &front)
             addDeeds(*control, deeds);
     }
-    if (qobject_cast<QMainWindow *>(&front) != nullptr) {
-        deeds.append({"resizes the window", usualWeight, [this, &front] {
+    if (qobject_cast<QMainWindow *>(&front) != nullptr)
+        deeds.append({usualWeight, [this, &front] {
                           front.resize(1024 + below(600), 640 + below(400));
                       }});
-    } else {
-        deeds.append({"waits before a sheet", usualWeight / 3, [] {
-                      }});
-        deeds.append({"presses Escape", usualWeight / 3, [&front] {
+    else
+        deeds.append({usualWeight / 3, [&front] {
                           QTest::keyClick(&front, Qt::Key_Escape);
                       }});
-    }
     return deeds;
 }
 
@@ -105,63 +97,49 @@ void Hand::addEntries(const QList<QAction *> &entries, QMenu *open, QList<Deed> 
                 open->close();
             entry->trigger();
         };
-        deeds.append({QStringLiteral("chooses ") + name, (weightOf(name) + 4) / 5, choose});
+        deeds.append({(weightOf(name) + 4) / 5, choose});
     }
 }
 
 void Hand::addDeeds(QWidget &control, QList<Deed> &deeds)
 {
-    QString name = control.objectName();
-    if (name.isEmpty())
-        name = QLatin1String(control.metaObject()->className());
     const bool isAlwaysThere = isInServersPane(control);
-    const auto add = [&](const char *what, int weight, const std::function<void()> &perform) {
-        deeds.append({QLatin1String(what) + name, isAlwaysThere ? (weight + 4) / 5 : weight, perform});
+    const auto add = [&](int weight, const std::function<void()> &perform) {
+        deeds.append({isAlwaysThere ? (weight + 4) / 5 : weight, perform});
     };
     if (auto *button = qobject_cast<QAbstractButton *>(&control))
-        add("presses ", weightOf(button->objectName()), [button] { Hands::click(button); });
+        add(weightOf(button->objectName()), [button] { Hands::click(button); });
     else if (auto *bar = qobject_cast<QTabBar *>(&control))
-        add("chooses a tab of ", 3 * usualWeight,
+        add(3 * usualWeight,
             [this, bar] { QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(below(bar->count())).center()); });
     else if (auto *box = qobject_cast<QComboBox *>(&control); box != nullptr && box->count() > 0)
-        add("chooses in ", usualWeight, [this, box] { Hands::choose(box, box->itemText(below(box->count()))); });
+        add(usualWeight, [this, box] { Hands::choose(box, box->itemText(below(box->count()))); });
     else if (qobject_cast<QAbstractSpinBox *>(&control) != nullptr)
-        add("counts in ", 1, [this, &control] { QTest::keyClick(&control, isChance(2) ? Qt::Key_Up : Qt::Key_Down); });
+        add(1, [this, &control] { QTest::keyClick(&control, isChance(2) ? Qt::Key_Up : Qt::Key_Down); });
     else if (auto *field = qobject_cast<QLineEdit *>(&control); field != nullptr && !field->isReadOnly())
-        add("types into ", usualWeight, [this, field] { typeInto(*field); });
-    else if (auto *header = qobject_cast<QHeaderView *>(&control); header != nullptr)
-        add("sorts ", 2, [this, header] {
+        add(usualWeight, [this, field] { typeInto(*field); });
+    else if (auto *header = qobject_cast<QHeaderView *>(&control))
+        add(2, [this, header] {
             const QPoint place(below(std::max(1, header->width())), header->height() / 2);
             QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, place);
         });
     else if (auto *view = qobject_cast<QAbstractItemView *>(&control))
-        add("works in ", 2 * usualWeight, [this, view] { chooseCell(*view); });
+        add(2 * usualWeight, [this, view] { chooseCell(*view); });
     else if (qobject_cast<QPlainTextEdit *>(&control) != nullptr)
-        add("reads ", 2, [this, &control] { QTest::keyClick(&control, isChance(2) ? Qt::Key_PageUp : Qt::Key_End); });
+        add(2, [this, &control] { QTest::keyClick(&control, isChance(2) ? Qt::Key_PageUp : Qt::Key_End); });
 }
 
 /// Clicks somewhere, and does mostly something else there.
 void Hand::chooseCell(QAbstractItemView &view)
 {
-    struct Key {
-        Qt::Key key;
-        Qt::KeyboardModifiers modifiers;
-    };
-    static const QList<Key> keys{
-        {Qt::Key_Return, {}},
-        {Qt::Key_Space, {}},
-        {Qt::Key_Delete, {}},
-        {Qt::Key_PageDown, {}},
-        {Qt::Key_Home, {}},
-        {Qt::Key_Left, {}},
-        {Qt::Key_Right, {}},
-        {Qt::Key_Up, Qt::AltModifier},
-        {Qt::Key_Down, Qt::AltModifier},
-        {Qt::Key_Down, Qt::ShiftModifier},
-        {Qt::Key_A, Qt::ControlModifier},
-        {Qt::Key_C, Qt::ControlModifier},
-        {Qt::Key_V, Qt::ControlModifier},
-        {Qt::Key_Z, Qt::ControlModifier},
+    static const QList<QKeyCombination> keys{
+        Qt::Key_Return,         Qt::Key_Space,
+        Qt::Key_Delete,         Qt::Key_PageDown,
+        Qt::Key_Home,           Qt::Key_Left,
+        Qt::Key_Right,          Qt::ALT | Qt::Key_Up,
+        Qt::ALT | Qt::Key_Down, Qt::SHIFT | Qt::Key_Down,
+        Qt::CTRL | Qt::Key_A,   Qt::CTRL | Qt::Key_C,
+        Qt::CTRL | Qt::Key_V,   Qt::CTRL | Qt::Key_Z,
     };
     const QRect shown = view.viewport()->rect();
     const QPoint place(below(std::max(1, shown.width())), below(std::max(1, shown.height())));
@@ -172,8 +150,8 @@ void Hand::chooseCell(QAbstractItemView &view)
     } else if (isChance(8)) {
         QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, place);
     } else if (!isChance(3)) {
-        const Key &key = keys.at(below(static_cast<int>(keys.size())));
-        QTest::keyClick(&view, key.key, key.modifiers);
+        const QKeyCombination &pressed = keys.at(below(static_cast<int>(keys.size())));
+        QTest::keyClick(&view, pressed.key(), pressed.keyboardModifiers());
     }
 }
 
@@ -188,10 +166,10 @@ void Hand::typeInto(QLineEdit &field)
         QTest::keyClick(&field, Qt::Key_Escape);
         return;
     }
-    const QPointer<QLineEdit> typed(&field);
-    Hands::type(&field, textFor(field));
-    if (typed != nullptr && (view != nullptr || isChance(2)))
-        QTest::keyClick(&field, Qt::Key_Return);
+    if (view != nullptr || isChance(2))
+        Hands::enter(&field, textFor(field));
+    else
+        Hands::type(&field, textFor(field));
 }
 
 /// A limited number of texts, so that what is kept by its name does not become more for ever.
@@ -214,15 +192,11 @@ QString Hand::textFor(const QLineEdit &field)
 
 void Hand::chooseFile(QFileDialog &panel)
 {
-    const QStringList kept = m_folder.entryList({"*.cfg"}, QDir::Files);
     QStringList names{"a.cfg", "b.cfg", "players.txt"};
     if (panel.acceptMode() == QFileDialog::AcceptOpen) // it would ask about a missing one in a loop of its own
-        names = kept;
-    if (!names.isEmpty() && !isChance(5)) {
-        auto *field = control<QLineEdit>(panel, "fileNameEdit");
-        Hands::type(field, m_folder.filePath(anyOf(names)));
-        QTest::keyClick(field, Qt::Key_Return);
-    }
+        names = m_folder.entryList({"*.cfg"}, QDir::Files);
+    if (!names.isEmpty() && !isChance(5))
+        Hands::chooseFile(panel, m_folder.filePath(anyOf(names)));
     if (panel.isVisible())
         panel.reject();
 }
@@ -243,8 +217,6 @@ bool Hand::clearFront()
 
 void Hand::connectToServer(QWidget &window)
 {
-    Hands::type(window, "hostField", "127.0.0.1");
-    Hands::type(window, "portField", QString::number(m_port));
-    Hands::type(window, "passwordField", "demo");
+    Hands::fillForm(window, {}, m_port);
     Hands::click(window, "connectButton");
 }

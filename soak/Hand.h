@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDir>
-#include <QMap>
 
 #include <functional>
 #include <random>
@@ -30,13 +29,9 @@ public:
     void connectToServer(QWidget &window);
     int below(int limit) { return static_cast<int>(m_random() % static_cast<quint64>(limit)); }
 
-    /// What was done how often.
-    QMap<QString, int> deeds() const { return m_deeds; }
-
 private:
     struct Deed {
-        QString name;
-        int weight;
+        int weight; ///< how often, beside the other deeds
         std::function<void()> perform;
     };
 
@@ -55,5 +50,4 @@ private:
     const quint16 m_port;
     QDir m_folder;
     std::mt19937_64 m_random;
-    QMap<QString, int> m_deeds;
 };

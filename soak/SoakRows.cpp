@@ -30,68 +30,65 @@ QString Soak::valueNow(const QString &variable) const
     return m_server->variable(variable).remove(colour);
 }
 
-bool Soak::showPage(const char *name)
-{
-    auto *tabs = control<QTabWidget>(window(), "tabControlMain");
-    auto *page = control<QWidget>(window(), name);
-    if (tabs->indexOf(page) >= 0) // not every mode of a server has every one
-        Hands::showTab(*tabs, page);
-    return tabs->currentWidget() == page;
-}
-
 /// The tabs are those of the server's mode, also after it has come back in another one.
 void Soak::lookAtTabs()
 {
-    const KelServer &server = m_application->server();
-    if (!isAtServer() || !m_isModeKnown)
+    if (!isAtServer())
         return;
     TabSet expected = TabSet::Ranked;
     if (valueNow("sv_ranked") == "0")
         expected = valueNow("playlist_enabled") == "1" ? TabSet::UnrankedPlaylists : TabSet::UnrankedMaps;
-    if (server.tabSet() != expected)
-        report(QStringLiteral("the tabs are %1, not %2")
-                   .arg(static_cast<int>(server.tabSet()))
-                   .arg(static_cast<int>(expected)));
+    if (m_application->server().tabSet() != expected)
+        reportIf("the tabs are not those of the server's mode");
 }
 
-/// Variables whose latest write since the latest connect was answered are held as the server has them.
-void Soak::lookAtWrites(const QList<RecordedExchange> &exchanges)
+void Soak::lookAtTraffic()
 {
-    if (!isAtServer() || !m_isSameGame)
+    QList<RecordedExchange> exchanges = takeExchanges(m_plan.folder + "/log.txt");
+    exchanges.removeIf([this](const RecordedExchange &exchange) { return exchange.port != m_options.port; });
+    m_exchanges += exchanges.size();
+    reportIf(trafficFault(exchanges, m_server->takeCommands()));
+    if (!isAtServer())
         return;
+    // Variables whose latest write since the latest connect was answered are held as the server has them.
     QHash<QString, bool> isWritten;
     for (const RecordedExchange &exchange : exchanges) {
         const QStringList words = exchange.command.split(u' ');
-        const bool isHere = exchange.port == m_options.port;
-        if (isHere && words.first() == "dvardump")
+        if (words.first() == "dvardump")
             isWritten.clear();
-        else if (isHere && words.first() == "setadmindvar")
+        else if (words.first() == "setadmindvar")
             isWritten.insert(words.value(1), exchange.isSuccess() && !isRestless(words.value(1)));
     }
+    QStringList held;
+    QStringList expected;
     const QHash<QString, QString> session = m_application->server().dvarList();
     for (const QString &name : isWritten.keys(true)) {
-        if (session.contains(name) && session.value(name).trimmed() != valueNow(name).trimmed())
-            report(QStringLiteral("%1 was written and is \"%2\", the console takes it for \"%3\"")
-                       .arg(name, valueNow(name), session.value(name)));
-        ++m_rowsCompared;
+        held.append(name + u' ' + session.value(name, valueNow(name)).trimmed());
+        expected.append(name + u' ' + valueNow(name).trimmed());
     }
+    reportIf(difference("what was written", held, expected));
 }
 
 void Soak::lookAtRows()
 {
     // Players come and go, and matches end, between the refresh and the look at the server: what stays wrong is stale.
-    const auto look = [this](QString (Soak::*fault)(), const char *page, const char *refresh) {
+    const auto look = [this](QString (Soak::*fault)(), const char *name, const char *refresh) {
+        auto *tabs = control<QTabWidget>(window(), "tabControlMain");
+        auto *page = control<QWidget>(window(), name);
+        if (tabs->indexOf(page) < 0) // not every mode of a server has every one
+            return;
+        Hands::showTab(*tabs, page);
         QString found;
-        for (int tries = 0; tries < 8 && showPage(page); ++tries) {
+        for (int tries = 0; tries < 8; ++tries) {
             if (refresh != nullptr)
                 Hands::click(window(), refresh);
-            const bool isIdle = waitUntil([this] { return m_application->actions().isIdle(); });
-            found = isIdle ? (this->*fault)() : "a refresh does not come to its end";
+            if (!waitUntilIdle())
+                return;
+            found = (this->*fault)();
             if (found.isEmpty())
                 return;
         }
-        if (!found.isEmpty())
-            report(found);
+        reportIf(found);
     };
     look(&Soak::mapsFault, "mapsView", "refreshCurrentMapButton");
     look(&Soak::settingsFault, "unrankedSettingsView", nullptr);
@@ -99,24 +96,20 @@ void Soak::lookAtRows()
     look(&Soak::playersFault, "playersView", "refreshPlayersButton");
 }
 
-QString Soak::difference(const char *what, QStringList shown, QStringList expected)
+QString Soak::difference(const char *what, const QStringList &shown, const QStringList &expected)
 {
     m_rowsCompared += shown.size();
-    if (shown == expected)
-        return {};
-    return QStringLiteral("%1: the server has \"%2\", the window shows \"%3\"")
-        .arg(QLatin1String(what), expected.join(u'|'), shown.join(u'|'));
+    for (qsizetype i = 0; i < std::max(shown.size(), expected.size()); ++i) {
+        if (shown.value(i) != expected.value(i))
+            return QStringLiteral("%1: the server has \"%2\", the window shows \"%3\"")
+                .arg(QLatin1String(what), expected.value(i), shown.value(i));
+    }
+    return {};
 }
 
 QString Soak::playersFault()
 {
-    RConExchange exchange;
-    Request request;
-    request.host = "127.0.0.1";
-    request.port = m_options.port;
-    request.password = m_server->password();
-    request.command = "teamstatus";
-    const Reply reply = awaited(exchange.send(request));
+    const Reply reply = awaited(m_application->server().sendCommand("teamstatus"));
     QStringList expected;
     for (const PlayerRow &player : parsePlayerList(reply.text).players)
         expected.append(player.identifier + u' ' + player.name + u' ' + player.guid + u' ' + player.ipaddress);
@@ -144,40 +137,31 @@ QString Soak::mapsFault()
     return difference("map and rotation", QStringList(map) + shownTexts(*rotation), expected);
 }
 
-/// The rows of an outline that do not show what the server has.
-static QStringList staleRows(const SettingsOutlineModel &model, const std::function<QString(const QString &)> &valueOf)
-{
-    QStringList stale;
-    for (int category = 0; category < model.rowCount(); ++category) {
-        const QModelIndex parent = model.index(category, 0);
-        for (int row = 0; row < model.rowCount(parent); ++row) {
-            const QModelIndex value = model.index(row, SettingsOutlineModel::ValueColumn, parent);
-            const QString name = model.settingAt(value)->dvar();
-            const QString shown = value.data(Qt::EditRole).toString();
-            if (!isRestless(name) && shown != valueOf(name))
-                stale.append(QStringLiteral("%1 is \"%2\", its row shows \"%3\"").arg(name, valueOf(name), shown));
-        }
-    }
-    return stale;
-}
-
 QString Soak::settingsFault()
 {
     const QWidget &view = *control<QTabWidget>(window(), "tabControlMain")->currentWidget();
     Hands::type(view, "settingsFilterField", {});
-    const auto valueOf = [this](const QString &variable) {
-        ++m_rowsCompared;
-        return valueNow(variable);
+    QStringList shown;
+    QStringList expected;
+    const auto compareRows = [&](const SettingsOutlineModel &model) {
+        const auto flags = Qt::MatchContains | Qt::MatchRecursive;
+        for (const QModelIndex &row : model.match(model.index(0, 0), Qt::DisplayRole, QString(), -1, flags)) {
+            const auto setting = model.settingAt(row);
+            if (setting == nullptr || isRestless(setting->dvar()))
+                continue;
+            const QModelIndex value = row.siblingAtColumn(SettingsOutlineModel::ValueColumn);
+            shown.append(setting->dvar() + u' ' + value.data(Qt::EditRole).toString());
+            expected.append(setting->dvar() + u' ' + valueNow(setting->dvar()));
+        }
     };
-    QStringList stale;
     for (QListWidget *list : view.findChildren<QListWidget *>()) { // of groups, and of gametypes
         for (int group = 0; group < list->count(); ++group) {
             list->setCurrentRow(group);
             for (const QAbstractItemView *outline : view.findChildren<QAbstractItemView *>()) {
                 if (const auto *model = qobject_cast<SettingsOutlineModel *>(outline->model()))
-                    stale += staleRows(*model, valueOf);
+                    compareRows(*model);
             }
         }
     }
-    return stale.join(u'\n');
+    return difference("settings", shown, expected);
 }

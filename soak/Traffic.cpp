@@ -9,9 +9,8 @@
 
 QList<RecordedExchange> takeExchanges(const QString &path)
 {
-    static const QRegularExpression sending("^\\S+ \\S+ \\S+ \\([^:]+:(\\d+)\\) Send(?:Single)?\\((\\d)\\): (.*)$");
-    static const QRegularExpression answering(
-        "^\\S+ \\S+ \\S+ \\([^:]+:(\\d+)\\)  Res\\(\\d\\): (.*?)(?: numPackets=\\d+|@)?$");
+    static const QRegularExpression pattern("^\\S+ \\S+ \\S+ \\([^:]+:(\\d+)\\) (?:Send(?:Single)?\\((\\d)\\): (.*)|"
+                                            " Res\\(\\d\\): (.*?)(?: numPackets=\\d+|@)?)$");
     QList<RecordedExchange> exchanges;
     QHash<quint16, qsizetype> latest; // by port: one exchange at a time talks to a server
     QFile file(path);
@@ -19,17 +18,17 @@ QList<RecordedExchange> takeExchanges(const QString &path)
         return exchanges;
     while (!file.atEnd()) {
         const QString line = QString::fromUtf8(file.readLine()).chopped(1);
-        const QRegularExpressionMatch sent = sending.match(line);
-        const QRegularExpressionMatch answered = answering.match(line);
-        const quint16 port = (sent.hasMatch() ? sent : answered).captured(1).toUShort();
-        if (sent.captured(2) == "1") {
+        const QRegularExpressionMatch told = pattern.match(line);
+        if (!told.hasMatch())
+            continue;
+        const quint16 port = told.captured(1).toUShort();
+        if (told.captured(2) == "1") {
             latest.insert(port, exchanges.size());
-            exchanges.append(RecordedExchange{port, sent.captured(3)});
+            exchanges.append(RecordedExchange{port, told.captured(3)});
         }
-        if (sent.hasMatch())
-            ++exchanges[latest.value(port)].sends;
-        if (sent.hasMatch() || answered.hasMatch())
-            exchanges[latest.value(port)].result = answered.captured(2);
+        RecordedExchange &exchange = exchanges[latest.value(port)];
+        exchange.sends += told.hasCaptured(2) ? 1 : 0;
+        exchange.result = told.captured(4);
     }
     [[maybe_unused]] const bool isEmptied = file.resize(0); // else they are read again, which shows
     return exchanges;

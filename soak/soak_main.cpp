@@ -1,4 +1,3 @@
-#include "CommandLine.h"
 #include "Soak.h"
 
 #include <QApplication>
@@ -16,19 +15,6 @@ static void printMessage(QtMsgType, const QMessageLogContext &, const QString &m
         std::fprintf(stderr, "%s\n", qPrintable(message));
 }
 
-static Soak::Plan planOf(const QCommandLineParser &parser, const QString &folder)
-{
-    Soak::Plan plan;
-    plan.seconds = std::max(0.2, parser.value("minutes").toDouble()) * 60;
-    plan.secondsBetweenRests = std::clamp(plan.seconds / 20, 8.0, 180.0);
-    plan.restsToWarmUp = plan.seconds < 600 ? 1 : 3;
-    plan.seed = parser.value("seed").toULongLong();
-    plan.throttle = std::chrono::milliseconds(parser.value("throttle").toInt());
-    plan.secondsBetweenStops = parser.value("stops").toDouble();
-    plan.folder = folder;
-    return plan;
-}
-
 int main(int argc, char **argv)
 {
     qInstallMessageHandler(printMessage);
@@ -43,16 +29,20 @@ int main(int argc, char **argv)
     }
     log.close();
     QApplication application(argc, argv);
-    QApplication::setApplicationVersion(CommandLine::version());
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs); // another program's could not be typed into
     QApplication::setQuitOnLastWindowClosed(false);
     QCommandLineParser parser;
     parser.addHelpOption();
     parser.addOptions({{"minutes", "How long.", "N", "60"},
                        {"seed", "Same number, same hand.", "N", "1"},
-                       {"throttle", "Servers ignore requests sooner than this after the last.", "MS", "0"},
-                       {"stops", "The server in use goes away so often, for 8 seconds; some come back in another mode.",
-                        "SECONDS", "0"}});
+                       {"throttle", "The server ignores requests sooner than this after the last.", "MS", "0"},
+                       {"stops", "The server goes away so often, for 8 seconds.", "SECONDS", "0"}});
     parser.process(application);
-    return Soak(planOf(parser, folder.path())).perform() ? 0 : 1;
+    const double seconds = std::max(0.2, parser.value("minutes").toDouble()) * 60;
+    const Soak::Plan plan{.seconds = seconds,
+                          .seed = parser.value("seed").toULongLong(),
+                          .throttle = std::chrono::milliseconds(parser.value("throttle").toInt()),
+                          .secondsBetweenStops = parser.value("stops").toDouble(),
+                          .folder = folder.path()};
+    return Soak(plan).perform() ? 0 : 1;
 }
