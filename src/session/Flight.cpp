@@ -74,7 +74,7 @@ void Flight::perform(RCon::Step step)
 
 void Flight::readWaiting()
 {
-    constexpr int mostAtOnce = 8; // each may cost a millisecond to show, and a flood must not hold up the window
+    constexpr int mostAtOnce = 4; // each may cost a millisecond to show, and a flood must not hold up the window
     std::array<char, DatagramPacket::mostBytes> buffer;
     for (int i = 0; i < mostAtOnce && m_notifier->isEnabled(); ++i) {
         const ReceivedDatagram datagram = m_packet->receive(buffer);
